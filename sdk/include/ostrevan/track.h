@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "nuv/list.h"
+#include "ostrevan/file_info.h"
+#include "ostrevan/service.h"
+
+namespace ostrevan {
+
+/// Where a track is: a local path or `protocol://...`, and the subsong inside it (0 for files with one track).
+struct playable_location {
+    std::string path;
+    std::uint32_t subsong = 0;
+
+    auto operator<=>(const playable_location&) const = default;
+};
+
+/// What was known of a track at one moment. It never changes; an edit publishes a new snapshot.
+class metadb_info : public service_base {
+public:
+    [[nodiscard]] const file_info& info() const noexcept { return info_; }
+
+protected:
+    explicit metadb_info(file_info info) noexcept : info_(std::move(info)) {}
+
+private:
+    const file_info info_;
+};
+using metadb_info_ptr = service_ptr_t<metadb_info>;
+
+/// A track known to the player. There is one handle for one location, so two handles are the same track exactly when the
+/// pointers are equal.
+class metadb_handle : public service_base {
+public:
+    /// Never changes and lives as long as the handle. [any-thread]
+    [[nodiscard]] virtual const playable_location& location() const noexcept = 0;
+
+    /// The snapshot in force, or empty when the player holds no information for the track. [any-thread]
+    [[nodiscard]] virtual metadb_info_ptr info() const = 0;
+};
+using metadb_handle_ptr = service_ptr_t<metadb_handle>;
+using metadb_handle_list = nuv::list_t<metadb_handle_ptr>;
+using metadb_handle_list_cref = const nuv::list_base_const_t<metadb_handle_ptr>&;
+
+}  // namespace ostrevan
