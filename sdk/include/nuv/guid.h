@@ -73,14 +73,12 @@ inline std::string guid_text(const guid& value) {
     return text;
 }
 
-inline namespace literals {
-/// `"{C653739F-14B3-4EF2-819B-A3E2883230AE}"_guid`, checked when the program is compiled.
-consteval guid operator""_guid(const char* text, std::size_t length) {
-    const auto parsed = parse_guid({text, length});
+/// `guid_of("{C653739F-14B3-4EF2-819B-A3E2883230AE}")`, checked when the program is compiled.
+consteval guid guid_of(std::string_view text) {
+    const auto parsed = parse_guid(text);
     if (!parsed) throw std::invalid_argument("not a GUID");
     return *parsed;
 }
-}  // namespace literals
 
 }  // namespace nuv
 

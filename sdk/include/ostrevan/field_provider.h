@@ -1,0 +1,44 @@
+#pragma once
+
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "ostrevan/track.h"
+
+namespace ostrevan {
+
+/// Where a field writes its text. Used by one thread, for the duration of the call.
+class titleformat_text_out {
+public:
+    static constexpr std::size_t whole_text = std::numeric_limits<std::size_t>::max();
+
+    /// UTF-8 text; `kind` says what sort of text it is, `whole_text` that it runs to its terminating zero.
+    virtual void write(const nuv::guid& kind, const char* text, std::size_t length = whole_text) = 0;
+
+    void write_int(const nuv::guid& kind, std::uint64_t number) {
+        char digits[20];
+        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        write(kind, digits, static_cast<std::size_t>(end - digits));
+    }
+
+protected:
+    ~titleformat_text_out() = default;
+};
+
+/// Title formatting fields of a component. [any-thread], also from several threads at once.
+class field_provider : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{CE97732B-F5E0-4EE7-9B3A-E8F43BE37181}");
+
+    [[nodiscard]] virtual std::size_t get_field_count() const noexcept = 0;
+    /// Name without percent signs, lower case. An index out of range is a bug check.
+    [[nodiscard]] virtual const char* get_field_name(std::size_t index) const = 0;
+    /// Writes the field's text and answers whether it was found: a section in square brackets is dropped when none of its
+    /// fields was. `track` may be null. An index out of range is a bug check.
+    virtual bool process_field(std::size_t index, metadb_handle* track, titleformat_text_out& out) = 0;
+};
+
+}  // namespace ostrevan
