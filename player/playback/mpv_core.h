@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+struct mpv_event;
+struct mpv_handle;
+
+namespace ostrevan::playback {
+
+struct play_item;
+struct play_options;
+
+/// Holds LC_NUMERIC of the process at "C" while it lives: libmpv refuses to start otherwise, and its threads read numbers as
+/// long as it runs. [main-thread]
+class numeric_locale {
+public:
+    numeric_locale();
+    ~numeric_locale();
+    numeric_locale(const numeric_locale&) = delete;
+    numeric_locale& operator=(const numeric_locale&) = delete;
+
+private:
+    std::string before_;
+};
+
+/// One running libmpv with the project's options, without video, configuration or scripts.
+class mpv_core {
+public:
+    /// Throws std::runtime_error with libmpv's reason.
+    explicit mpv_core(const play_options& options);
+
+    /// Puts the item behind the others, and starts when nothing plays. Returns the id that the item's events carry. Throws
+    /// std::runtime_error.
+    std::int64_t append(const play_item& item);
+    /// Takes entries out of the list by the ids `first` to `first + count - 1`, the one that plays included.
+    void remove(std::int64_t first, std::int64_t count);
+    /// Seconds from the start of the file.
+    void seek(double position);
+
+    /// The next event, or an event of kind none after that many seconds. Valid until the next call.
+    [[nodiscard]] const mpv_event& wait(double seconds);
+    /// Seconds, or a negative number when the file has none.
+    [[nodiscard]] double number(const char* property);
+
+private:
+    struct terminate {
+        void operator()(mpv_handle* handle) const noexcept;
+    };
+
+    numeric_locale locale_;
+    std::unique_ptr<mpv_handle, terminate> handle_;
+};
+
+}  // namespace ostrevan::playback
