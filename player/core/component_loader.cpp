@@ -1,0 +1,78 @@
+#include "player/core/component_loader.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+namespace ostrevan {
+namespace {
+
+[[noreturn]] void refuse(const std::string& path, const std::string& reason, const std::string& way_out) {
+    throw std::runtime_error("Component " + path + " was not loaded: " + reason + ". " + way_out);
+}
+
+void check_handshake(const component_interface* component, const std::string& path) {
+    constexpr const char* other_version = "Install the version of the component made for this player.";
+    if (component == nullptr)
+        refuse(path, "it refuses interface version " + std::to_string(interface_version) + " of this player", other_version);
+    if (component->magic != component_magic)
+        refuse(path, "what it answers is not a component's", "Move the file out of the components folder.");
+    if (component->version < interface_version)
+        refuse(path,
+               "it is too old, made for interface version " + std::to_string(component->version) + " and not " +
+                   std::to_string(interface_version),
+               other_version);
+    if (component->version > interface_version)
+        refuse(path,
+               "it is too new, made for interface version " + std::to_string(component->version) + " and not " +
+                   std::to_string(interface_version),
+               "Update the player.");
+    if (component->api == nullptr) refuse(path, "it offers nothing", "Install the component again.");
+}
+
+}  // namespace
+
+loaded_component load_component(const std::string& path, const player_interface& player) {
+    void* const module = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    if (module == nullptr)
+        refuse(path, std::string("it is not a library that can be loaded (") + ::dlerror() + ")",
+               "Install the component again, or move the file out of the components folder.");
+    const auto entry = reinterpret_cast<get_interface_function>(::dlsym(module, entry_name));
+    if (entry == nullptr) {
+        ::dlclose(module);
+        refuse(path, std::string("it has no entry ") + entry_name, "Move the file out of the components folder.");
+    }
+    try {
+        const auto* const component = entry(&player);
+        check_handshake(component, path);
+        component->api->set_library_path(path.c_str());
+        return {path, component->api};
+    } catch (...) {
+        ::dlclose(module);
+        throw;
+    }
+}
+
+std::vector<loaded_component> load_components(const std::string& folder, const player_interface& player,
+                                              const std::function<void(const std::string& message)>& on_failure) {
+    std::vector<std::string> paths;
+    std::error_code error;
+    for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end; it.increment(error))
+        if (it->path().extension() == ".dll") paths.push_back(it->path().string());
+    std::ranges::sort(paths);
+
+    std::vector<loaded_component> loaded;
+    for (const auto& path : paths) {
+        try {
+            loaded.push_back(load_component(path, player));
+        } catch (const std::exception& failure) {
+            on_failure(failure.what());
+        }
+    }
+    return loaded;
+}
+
+}  // namespace ostrevan

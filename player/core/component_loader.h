@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ostrevan/component.h"
+
+namespace ostrevan {
+
+/// A component that answered the handshake. Its module stays loaded until the process ends: its static objects are in use.
+struct loaded_component {
+    std::string path;
+    component_api* api = nullptr;
+};
+
+/// Loads one module and checks its handshake; no virtual call is made before that. Throws with a message that names the file
+/// and says what is wrong and what to do.
+loaded_component load_component(const std::string& path, const player_interface& player);
+
+/// Loads every module (`*.dll`, the name on every platform) of a folder in the order of their names. One that fails is
+/// reported and the rest go on. A folder that is not there is an empty one.
+std::vector<loaded_component> load_components(const std::string& folder, const player_interface& player,
+                                              const std::function<void(const std::string& message)>& on_failure);
+
+}  // namespace ostrevan

@@ -1,0 +1,54 @@
+#include "player/core/main_loop.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+namespace ostrevan {
+
+void main_loop::post(task work) {
+    const std::lock_guard lock(mutex_);
+    queue_.push_back(std::move(work));
+    changed_.notify_one();
+}
+
+void main_loop::begin_activity() noexcept {
+    const std::lock_guard lock(mutex_);
+    ++activities_;
+}
+
+void main_loop::end_activity() noexcept {
+    const std::lock_guard lock(mutex_);
+    --activities_;
+    changed_.notify_one();
+}
+
+void main_loop::run_until_idle() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        changed_.wait(lock, [this] { return !queue_.empty() || activities_ == 0; });
+        if (queue_.empty()) return;
+        task work = std::move(queue_.front());
+        queue_.pop_front();
+        lock.unlock();
+        try {
+            work();
+        } catch (const std::exception& error) {
+            on_error_(error.what());
+        } catch (...) {
+            on_error_("unknown error");
+        }
+        work = nullptr;  // what the task holds is released on this thread, outside the lock
+        lock.lock();
+    }
+}
+
+void check_main_thread([[maybe_unused]] const main_loop& loop, [[maybe_unused]] const char* method) noexcept {
+#ifndef NDEBUG
+    if (loop.on_main_thread()) return;
+    std::fprintf(stderr, "ostrevan: %s was called on a thread that is not the main thread\n", method);
+    std::abort();
+#endif
+}
+
+}  // namespace ostrevan

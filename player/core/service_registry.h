@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <unordered_map>
+#include <vector>
+
+#include "nuv/guid.h"
+#include "ostrevan/service.h"
+
+namespace ostrevan {
+
+/// Every service that the player and its components offer, by class. Filled on the main thread before the first lookup from
+/// another one, never changed afterwards, so lookups take no lock.
+class service_registry {
+public:
+    /// The registry adds no reference: services live until the process ends or the session does.
+    void add(const nuv::guid& service_class, service_base& service) { services_[service_class].push_back(&service); }
+
+    template <typename T>
+    void add(T& service) {
+        add(T::class_guid, service);
+    }
+
+    [[nodiscard]] std::size_t count(const nuv::guid& service_class) const noexcept;
+    /// Null past the end.
+    [[nodiscard]] service_base* at(const nuv::guid& service_class, std::size_t index) const noexcept;
+
+    /// Calls `visit` with every service of one class, in the order of registration.
+    template <typename T, typename Visitor>
+    void for_each(Visitor&& visit) const {
+        for (std::size_t i = 0, n = count(T::class_guid); i < n; ++i) visit(static_cast<T&>(*at(T::class_guid, i)));
+    }
+
+private:
+    std::unordered_map<nuv::guid, std::vector<service_base*>> services_;
+};
+
+}  // namespace ostrevan
