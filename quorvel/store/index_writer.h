@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "ostrevan/index.h"
+#include "quorvel/store/record.h"
+
+namespace quorvel {
+
+/// The player's index between its registration and the end of the component. [main-thread]
+namespace statistics_index {
+void open(ostrevan::service_ptr_t<ostrevan::index_manager> manager) noexcept;
+void close() noexcept;
+}  // namespace statistics_index
+
+/// The index manager, or null while the statistics index is not registered. It lives until the process ends. [any-thread]
+[[nodiscard]] ostrevan::index_manager* opened_index() noexcept;
+
+/// The stored record; the default record on any problem. [any-thread]
+[[nodiscard]] t_playback_stats read_record(std::uint64_t key) noexcept;
+
+/// Redraws what shows these keys: at once on the main thread, from other threads posted to it. [any-thread]
+void refresh_keys(std::vector<std::uint64_t> keys);
+
+/// Writing rights on the index: the player's transaction or, where it offers none, a lock among the component's own writers,
+/// whose writes then take effect at once. Used by one thread.
+class index_writer {
+public:
+    /// Waits until nobody else writes. Does nothing the second time.
+    void begin();
+    [[nodiscard]] bool begun() const noexcept { return begun_; }
+    /// Between `begin` and `commit`. Key 0 is never written.
+    void write(std::uint64_t key, const t_playback_stats& record);
+    /// Afterwards the writer may begin again.
+    void commit();
+
+private:
+    bool begun_ = false;
+    ostrevan::index_transaction_ptr transaction_;
+    std::unique_lock<std::mutex> own_turn_;
+};
+
+}  // namespace quorvel

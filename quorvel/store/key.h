@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "ostrevan/index.h"
+#include "ostrevan/track.h"
+
+namespace quorvel {
+
+/// Rules by which the key of a track is made from its tags. The active one names the statistics index too; the others are
+/// kept to match what was stored or exported under them.
+inline constexpr nuv::guid title_mapping_guid = nuv::guid_of("{C653739F-14B3-4EF2-819B-A3E2883230AE}");
+inline constexpr nuv::guid legacy_track_mapping_guid = nuv::guid_of("{163FC58C-E2D5-4D3D-BFA4-45AF2C28AC1C}");
+inline constexpr nuv::guid repeated_track_mapping_guid = nuv::guid_of("{6370B286-BE93-4A7C-AA3B-281FEC61B182}");
+inline constexpr nuv::guid active_mapping_guid = title_mapping_guid;
+inline constexpr nuv::guid statistics_index_guid = active_mapping_guid;
+
+/// Every mapping, the active one first.
+[[nodiscard]] std::span<const nuv::guid> mapping_guids() noexcept;
+
+/// A new key function of this mapping; empty when there is no such mapping. Throws when the player has no hash service.
+/// [any-thread]
+[[nodiscard]] ostrevan::index_client_ptr FindMapping(const nuv::guid& mapping);
+
+/// The key of a track under the active mapping; none when the player holds no information for the track, or outside the time
+/// between start and stop. Remembers the last track of each thread. [any-thread]
+[[nodiscard]] std::optional<std::uint64_t> KeyOf(ostrevan::metadb_handle& track);
+
+/// The same for tags that are not, or no longer, those of the track. [any-thread]
+[[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info,
+                                                 const ostrevan::playable_location& location);
+
+/// The same as `KeyOf(track)` for passing over many tracks: nothing is remembered. [any-thread]
+[[nodiscard]] std::optional<std::uint64_t> KeyOfOnce(const ostrevan::metadb_handle& track);
+
+/// The process-wide key function. `start` throws when the player has no hash service. [main-thread]
+namespace active_mapping {
+ostrevan::index_client_ptr start();
+void stop() noexcept;
+}  // namespace active_mapping
+
+}  // namespace quorvel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "nuv/exceptions.h"
+#include "quorvel/platform/clock.h"
+#include "quorvel/platform/time_zone.h"
+
+namespace quorvel {
+
+/// A text cannot be read as a time.
+class exception_time_error : public nuv::fixed_exception {
+public:
+    exception_time_error() noexcept : fixed_exception("Invalid timestamp") {}
+};
+
+/// The text of a time, kept in place: "2024-03-05 07:08:09" or "<invalid timestamp>", both of one length.
+class timestamp_text {
+public:
+    static constexpr std::size_t length = 19;
+
+    [[nodiscard]] std::string_view view() const noexcept { return {characters_.data(), length}; }
+    operator std::string_view() const noexcept { return view(); }  // NOLINT(google-explicit-constructor): it is text
+    [[nodiscard]] const char* c_str() const noexcept { return characters_.data(); }
+    [[nodiscard]] char* data() noexcept { return characters_.data(); }
+
+private:
+    std::array<char, length + 1> characters_{};
+};
+
+/// Local time, to the second. 0 is a time like any other; whoever shows times tests for it first. [any-thread]
+[[nodiscard]] timestamp_text FormatTimestamp(std::uint64_t time);
+[[nodiscard]] timestamp_text FormatTimestamp(std::uint64_t time, const time_zone& zone);
+
+/// Reads local time: four digits of year, two each of month, day, hour, minute and second, single "-" and ":" between them
+/// optional, then an optional fraction. What follows is ignored. Throws `exception_time_error`. [any-thread]
+[[nodiscard]] std::uint64_t ParseTimestamp(std::string_view text);
+[[nodiscard]] std::uint64_t ParseTimestamp(std::string_view text, const time_zone& zone);
+
+}  // namespace quorvel
