@@ -1,0 +1,82 @@
+#include "quorvel/store/key.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "tests/support/memory_player.h"
+
+namespace {
+
+struct field {
+    std::string name;
+    std::vector<std::string> values;
+};
+
+struct vector {
+    std::string name;
+    std::size_t mapping;  ///< position in the mapping table
+    std::string path;
+    double length;
+    std::vector<field> fields;
+    std::uint64_t key;
+};
+
+const std::vector<vector>& vectors() {
+    static const std::vector<vector> all = {
+#include "tests/quorvel/store/key_vectors.inc"
+    };
+    return all;
+}
+
+ostrevan::file_info info_of(const vector& v) {
+    ostrevan::file_info info;
+    for (const auto& [name, values] : v.fields) info.meta_set_values(name, values);
+    info.set_length(v.length);
+    return info;
+}
+
+}  // namespace
+
+TEST(key, agrees_with_the_vectors_under_every_mapping) {
+    support::memory_player player;
+    constexpr std::array mappings = {quorvel::title_mapping_guid, quorvel::legacy_track_mapping_guid,
+                                     quorvel::repeated_track_mapping_guid};
+    for (const auto& v : vectors()) {
+        const auto mapping = quorvel::FindMapping(mappings.at(v.mapping));
+        ASSERT_TRUE(mapping);
+        EXPECT_EQ(mapping->key_of(info_of(v), {v.path, 0}), v.key) << v.name << ", mapping " << v.mapping;
+        EXPECT_EQ(mapping->key_of(info_of(v), {v.path, 7}), v.key) << v.name << ": the subsong takes no part";
+    }
+}
+
+TEST(key, active_key_function_is_that_of_the_first_mapping) {
+    support::memory_player player;
+    player.start();
+    for (const auto& v : vectors()) {
+        if (v.mapping != 0) continue;
+        const auto track = support::make_track(v.path, {});
+        track->publish(info_of(v));
+        EXPECT_EQ(quorvel::KeyOf(*track), v.key) << v.name;
+        EXPECT_EQ(quorvel::KeyOf(*track), v.key) << v.name << ", remembered";
+        EXPECT_EQ(quorvel::KeyOfOnce(*track), v.key) << v.name;
+    }
+}
+
+TEST(key, is_not_that_of_tags_that_have_been_edited_since) {
+    support::memory_player player;
+    player.start();
+    const auto track = support::make_track("/a", {{"artist", "a"}, {"title", "before"}});
+    const auto before = quorvel::KeyOf(*track);
+    track->publish(support::make_info({{"artist", "a"}, {"title", "after"}}));
+    EXPECT_NE(quorvel::KeyOf(*track), before);
+    track->forget_info();
+    EXPECT_EQ(quorvel::KeyOf(*track), std::nullopt);
+}
+
+TEST(key, has_no_mapping_for_an_unknown_identifier) {
+    support::memory_player player;
+    EXPECT_FALSE(quorvel::FindMapping(nuv::guid_of("{00000000-0000-0000-0000-000000000001}")));
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "ostrevan/hash_service.h"
+#include "ostrevan/text_helpers.h"
+
+namespace support {
+
+/// MD5 and Unicode lower-casing. They live until the process ends: the component keeps references and table pointers.
+ostrevan::hash_service& md5_hash();
+ostrevan::text_helper_service& text_helper();
+
+}  // namespace support
