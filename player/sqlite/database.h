@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace ostrevan::sqlite {
+
+/// What SQLite refused, with the database's path and the way out in its text. `code()` is SQLite's extended result code.
+class error : public std::runtime_error {
+public:
+    error(int code, const std::string& text) : std::runtime_error(text), code_(code) {}
+    [[nodiscard]] int code() const noexcept { return code_; }
+
+private:
+    int code_;
+};
+
+/// What a database of this program says of itself in its header, and how an empty one is set up.
+struct format {
+    std::int32_t application_id;  ///< marks the file as ours
+    std::int32_t version;         ///< `user_version`; a file with a higher one is refused
+    const char* schema;           ///< statements that make the tables of an empty database
+    const char* contents;         ///< what the user calls the contents, such as "library"
+};
+
+/// A prepared statement. Parameters count from 1 and columns from 0. Bound bytes and texts are not copied: they must live
+/// until the next `run`, or until the last `step`. Used by one thread at a time, and gone before its database.
+class statement {
+public:
+    statement() noexcept = default;
+    statement(statement&& other) noexcept;
+    statement& operator=(statement&& other) noexcept;
+    ~statement();
+
+    statement& bind(int parameter, std::int64_t value);
+    statement& bind(int parameter, double value);
+    statement& bind(int parameter, std::string_view text);
+    statement& bind(int parameter, std::span<const std::byte> blob);
+    statement& bind_null(int parameter);
+
+    /// True when there is a row. After the last row the statement is ready to be bound again.
+    bool step();
+    /// Runs to the end, for statements without rows.
+    void run();
+    void reset() noexcept;
+
+    [[nodiscard]] bool is_null(int column) const noexcept;
+    [[nodiscard]] std::int64_t integer(int column) const noexcept;
+    [[nodiscard]] double real(int column) const noexcept;
+    /// Valid until the next step or reset.
+    [[nodiscard]] std::string_view text(int column) const noexcept;
+    [[nodiscard]] std::span<const std::byte> blob(int column) const noexcept;
+
+private:
+    friend class database;
+    statement(sqlite3_stmt* handle, const class database& owner) noexcept : handle_(handle), owner_(&owner) {}
+
+    sqlite3_stmt* handle_ = nullptr;
+    const class database* owner_ = nullptr;
+};
+
+/// One connection to a database file. Used by one thread at a time. Not movable: its statements refer to it.
+class database {
+public:
+    /// Opens the file, or makes it when there is none. A file that is damaged, newer than this program, another program's or
+    /// no database at all is left as it is: `error` says which, and what the user can do. The database is in WAL mode and
+    /// commits are durable.
+    database(std::string path, const format& expected);
+    ~database();
+    database(const database&) = delete;
+    database& operator=(const database&) = delete;
+
+    [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+    /// One or more statements without parameters whose rows do not matter.
+    void execute(const char* sql);
+    [[nodiscard]] statement prepare(std::string_view sql) const;
+    /// First column of the first row, 0 without rows.
+    [[nodiscard]] std::int64_t query_integer(std::string_view sql) const;
+
+    [[nodiscard]] std::int64_t last_insert_id() const noexcept;
+    /// Rows changed by the last statement that changed any.
+    [[nodiscard]] std::int64_t changes() const noexcept;
+    /// SQLite's own handle, for what this class does not offer.
+    [[nodiscard]] sqlite3* handle() const noexcept { return handle_.get(); }
+
+    /// Throws `error` for a result code of a call on this connection.
+    [[noreturn]] void fail(int code) const;
+
+private:
+    struct closer {
+        void operator()(sqlite3* handle) const noexcept;
+    };
+    void open(const format& expected);
+    void check_header(const format& expected);
+
+    std::string path_;
+    std::string contents_;
+    std::unique_ptr<sqlite3, closer> handle_;
+};
+
+/// A write transaction. Dropped before `commit` it has no effect.
+class transaction {
+public:
+    /// Takes the write lock at once.
+    explicit transaction(database& target);
+    ~transaction();
+    transaction(const transaction&) = delete;
+    transaction& operator=(const transaction&) = delete;
+
+    void commit();
+
+private:
+    database& target_;
+    bool open_ = true;
+};
+
+}  // namespace ostrevan::sqlite
