@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <span>
+#include <variant>
+#include <vector>
+
+#include "nuv/guid.h"
+
+namespace ostrevan::indexing {
+
+/// Changes of records of one index in the order in which they were made. The bytes lie in one buffer, because a batch may
+/// hold a million of them.
+class change_list {
+public:
+    struct change {
+        std::uint64_t key;
+        std::size_t offset;
+        std::uint32_t size;  // or `erased`
+    };
+
+    void put(std::uint64_t key, std::span<const std::byte> data) {
+        changes_.push_back({key, bytes_.size(), static_cast<std::uint32_t>(data.size())});
+        bytes_.insert(bytes_.end(), data.begin(), data.end());
+    }
+    void erase(std::uint64_t key) { changes_.push_back({key, 0, erased}); }
+    void clear() noexcept {
+        changes_.clear();
+        bytes_.clear();
+    }
+
+    [[nodiscard]] const std::vector<change>& changes() const noexcept { return changes_; }
+    [[nodiscard]] bool empty() const noexcept { return changes_.empty(); }
+    /// The new bytes, or nothing for an erased record.
+    [[nodiscard]] std::optional<std::span<const std::byte>> data(const change& of) const noexcept {
+        if (of.size == erased) return std::nullopt;
+        return std::span(bytes_).subspan(of.offset, of.size);
+    }
+
+private:
+    static constexpr std::uint32_t erased = std::numeric_limits<std::uint32_t>::max();
+
+    std::vector<change> changes_;
+    std::vector<std::byte> bytes_;
+};
+
+/// What is known of an index beside its records.
+struct catalog_entry {
+    std::int64_t id = 0;  // its number inside the database, from 1
+    nuv::guid guid;
+    std::optional<std::uint64_t> retention;  // 100 ns; nothing when the index is not registered
+};
+
+/// Changed records of one index.
+struct record_changes {
+    std::int64_t index_id;
+    std::int64_t seen;  // seconds since 1970
+    change_list list;
+};
+
+/// Keys whose tracks have been seen in the library.
+struct seen_keys {
+    std::int64_t index_id;
+    std::int64_t now;  // seconds since 1970
+    std::vector<std::uint64_t> keys;
+};
+
+/// One step of work for the database.
+using index_job = std::variant<catalog_entry, record_changes, seen_keys>;
+
+}  // namespace ostrevan::indexing

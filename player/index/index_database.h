@@ -1,0 +1,59 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "player/index/index_changes.h"
+#include "player/index/sqlite.h"
+
+namespace ostrevan::indexing {
+
+/// The database file as the one thread that writes it sees it. Format: docs/file-formats.md.
+class index_database {
+public:
+    /// Opens or creates. A file that is damaged, no database, another program's or a newer version's is left as it is.
+    index_database(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout);
+
+    [[nodiscard]] std::vector<catalog_entry> catalog();
+
+    /// Hands over all records, a few thousand of one index at a time. Ends early when the visitor answers false, and
+    /// answers false then.
+    bool load(const std::function<bool(std::int64_t index_id, const change_list& rows)>& visit);
+
+    /// In one durable transaction.
+    void save(std::span<const index_job> jobs);
+
+private:
+    void create();
+    void save_entry(const catalog_entry& entry);
+    void save_records(std::span<const index_job> jobs);
+    void mark_seen(const seen_keys& seen);
+
+    sqlite_database database_;
+    std::filesystem::path path_;
+};
+
+/// The same file for everyone else. [any-thread]
+class index_reader {
+public:
+    index_reader(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout);
+
+    /// The size of the record, 0 when there is none. Copies what fits into the buffer.
+    std::size_t read(std::int64_t index_id, std::uint64_t key, void* buffer, std::size_t capacity);
+    /// Keys last seen before that time (seconds since 1970).
+    std::vector<std::uint64_t> seen_before(std::int64_t index_id, std::int64_t time);
+
+private:
+    std::mutex mutex_;
+    sqlite_database database_;
+    sqlite_statement read_;
+};
+
+}  // namespace ostrevan::indexing

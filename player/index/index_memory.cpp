@@ -1,0 +1,95 @@
+#include "player/index/index_memory.h"
+
+#include <thread>
+
+namespace ostrevan::indexing {
+
+index_memory::index_memory(std::span<const catalog_entry> catalog) {
+    for (const catalog_entry& entry : catalog) indexes_.push_back(std::make_unique<index>(index{entry, {}}));
+}
+
+/// Holds the lock for a bounded number of changes at a time. Growing the table counts as well: all its shards reach their
+/// limit at about the same time.
+template <typename Step>
+void index_memory::in_pieces(const change_list& list, Step step) {
+    constexpr std::size_t piece = 4096;
+    const auto& changes = list.changes();
+    for (std::size_t i = 0; i < changes.size();) {
+        {
+            const auto writing = lock_.write();
+            for (std::size_t cost = 0; i < changes.size() && cost < piece; ++i) cost += 1 + step(changes[i]);
+        }
+        std::this_thread::yield();
+    }
+}
+
+void index_memory::apply(std::int64_t index_id, const change_list& list) {
+    const std::scoped_lock whole(whole_commits_);
+    record_table& records = index_of(index_id).records;
+    in_pieces(list, [&](const change_list::change& change) -> std::size_t {
+        if (const auto data = list.data(change)) return records.put(change.key, *data);
+        records.erase(change.key);
+        return 0;
+    });
+}
+
+void index_memory::add_loaded(std::int64_t index_id, const change_list& list) {
+    record_table& records = index_of(index_id).records;
+    in_pieces(list, [&](const change_list::change& change) -> std::size_t {
+        return records.find(change.key) ? 0 : records.put(change.key, *list.data(change));
+    });
+}
+
+void index_memory::finish_loading() noexcept {
+    const auto writing = lock_.write();
+    loaded_ = true;
+}
+
+std::vector<std::uint64_t> index_memory::keys(const nuv::guid& guid) const {
+    std::vector<std::uint64_t> result;
+    const std::scoped_lock whole(whole_commits_);
+    for (std::size_t shard = 0; shard < record_table::shard_count(); ++shard) {
+        const auto reading = lock_.read();
+        const index* from = find_index(guid);
+        if (from == nullptr) return {};
+        from->records.append_keys(shard, result);
+    }
+    std::ranges::sort(result);
+    return result;
+}
+
+std::vector<catalog_entry> index_memory::catalog() const {
+    const auto reading = lock_.read();
+    std::vector<catalog_entry> entries;
+    for (const auto& each : indexes_) entries.push_back(each->entry);
+    return entries;
+}
+
+std::optional<catalog_entry> index_memory::find(const nuv::guid& guid) const noexcept {
+    const auto reading = lock_.read();
+    const index* found = find_index(guid);
+    return found == nullptr ? std::nullopt : std::optional(found->entry);
+}
+
+catalog_entry index_memory::add(const nuv::guid& guid) {
+    catalog_entry entry{.id = 1, .guid = guid, .retention = {}};
+    for (const auto& each : indexes_) entry.id = std::max(entry.id, each->entry.id + 1);
+    auto created = std::make_unique<index>(index{entry, {}});
+    const auto writing = lock_.write();
+    indexes_.push_back(std::move(created));
+    return entry;
+}
+
+void index_memory::set_retention(std::int64_t index_id, std::optional<std::uint64_t> retention) noexcept {
+    index& changed = index_of(index_id);
+    const auto writing = lock_.write();
+    changed.entry.retention = retention;
+}
+
+/// The list itself is stable, but another thread may be adding to it.
+index_memory::index& index_memory::index_of(std::int64_t index_id) noexcept {
+    const auto reading = lock_.read();
+    return **std::ranges::find_if(indexes_, [&](const auto& each) { return each->entry.id == index_id; });
+}
+
+}  // namespace ostrevan::indexing

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "nuv/guid.h"
+#include "player/index/index_changes.h"
+#include "player/index/reader_lock.h"
+#include "player/index/record_table.h"
+
+namespace ostrevan::indexing {
+
+/// All indexes in memory. Reading is [any-thread] and never waits long: changes are applied in small pieces, and between
+/// two of them readers get their turn.
+class index_memory {
+public:
+    /// What memory knows of a record. While the database is still being loaded, a record that is not `certain` has to be
+    /// looked up there, under the number of the index.
+    struct answer {
+        std::int64_t index_id = 0;
+        std::size_t size = 0;
+        bool certain = true;
+    };
+
+    explicit index_memory(std::span<const catalog_entry> catalog);
+
+    [[nodiscard]] answer read(const nuv::guid& guid, std::uint64_t key, void* buffer, std::size_t capacity) const noexcept;
+
+    /// Changes made by a commit. One thread at a time.
+    void apply(std::int64_t index_id, const change_list& list);
+    /// Rows found in the database; what has been written meanwhile is newer and stays.
+    void add_loaded(std::int64_t index_id, const change_list& list);
+    /// All rows have been added: from now on memory knows everything.
+    void finish_loading() noexcept;
+
+    /// Sorted; sees each commit as a whole. All rows must have been loaded.
+    [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& guid) const;
+
+    [[nodiscard]] std::vector<catalog_entry> catalog() const;
+    [[nodiscard]] std::optional<catalog_entry> find(const nuv::guid& guid) const noexcept;
+    /// A new index, not registered. One thread at a time, as with `set_retention`.
+    catalog_entry add(const nuv::guid& guid);
+    void set_retention(std::int64_t index_id, std::optional<std::uint64_t> retention) noexcept;
+
+private:
+    struct index {
+        catalog_entry entry;
+        record_table records;
+    };
+
+    /// The caller holds the lock, or is the only one that changes the list.
+    [[nodiscard]] index* find_index(const nuv::guid& guid) const noexcept {
+        for (const auto& each : indexes_)
+            if (each->entry.guid == guid) return each.get();
+        return nullptr;
+    }
+    [[nodiscard]] index& index_of(std::int64_t index_id) noexcept;
+    template <typename Step>
+    void in_pieces(const change_list& list, Step step);
+
+    mutable reader_lock lock_;
+    std::vector<std::unique_ptr<index>> indexes_;  // never removed, a handful
+    bool loaded_ = false;
+    mutable std::mutex whole_commits_;  // held while a commit is applied, taken before lock_
+};
+
+inline index_memory::answer index_memory::read(const nuv::guid& guid, std::uint64_t key, void* buffer,
+                                               std::size_t capacity) const noexcept {
+    const auto reading = lock_.read();
+    const index* from = find_index(guid);
+    if (from == nullptr) return {};
+    const auto found = from->records.find(key);
+    if (!found) return {from->entry.id, 0, loaded_};
+    if (found->size() == record_table::inline_size && capacity >= record_table::inline_size)
+        std::memcpy(buffer, found->data(), record_table::inline_size);
+    else if (const std::size_t size = std::min(found->size(), capacity); size != 0) std::memcpy(buffer, found->data(), size);
+    return {from->entry.id, found->size(), true};
+}
+
+}  // namespace ostrevan::indexing

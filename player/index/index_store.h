@@ -1,0 +1,101 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "nuv/guid.h"
+#include "player/index/index_error.h"
+
+namespace ostrevan {
+
+class index_transaction;
+
+/// Told about failures that nobody waits for; the text is for the user. Called on a thread of the store, which it must not
+/// hold up or call.
+using index_error_sink = std::function<void(const std::string& text)>;
+
+/// Persistent small records, found by an index (a GUID) and a 64-bit key. Reads are answered from memory, also while the
+/// database is still being loaded; changes are visible at once and reach the disk a moment later, in the background.
+/// Everything is [any-thread].
+class index_store {
+public:
+    static constexpr std::size_t max_record_size = 64 * 1024;
+
+    struct options {
+        std::chrono::milliseconds retry_interval{1000};  // between attempts to save after a failure
+        std::chrono::milliseconds busy_timeout{2000};    // while another program uses the database
+        std::function<std::int64_t()> clock;             // seconds since 1970; the system's when empty
+    };
+
+    /// Opens the database or creates it. Throws index_error, and leaves the file as it is, when it cannot be used; damage
+    /// that only shows when all of it is read is reported to the sink, and from then on nothing is written.
+    index_store(const std::filesystem::path& path, index_error_sink error_sink, options settings);
+    index_store(const std::filesystem::path& path, index_error_sink error_sink)
+        : index_store(path, std::move(error_sink), options()) {}
+    /// Saves what is not saved yet; what cannot be saved is reported to the sink. No transaction may be open.
+    ~index_store();
+
+    /// The size of the record, 0 when there is none. Copies what fits into the buffer. Throws index_error when the database
+    /// is still being loaded and cannot be read.
+    std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const;
+    /// Keys that have a record, sorted. Waits for the database to be loaded; throws index_error when it cannot be.
+    [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const;
+    /// All indexes that were ever registered or written to.
+    [[nodiscard]] std::vector<nuv::guid> indexes() const;
+
+    /// Waits until no transaction is open. Throws std::logic_error when this thread has one open.
+    [[nodiscard]] index_transaction begin();
+    /// A transaction of its own. Throws std::invalid_argument when there are too many bytes.
+    void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
+
+    /// Waits until all that was changed before the call is on disk. Throws index_error when it cannot be saved; it is kept
+    /// then, and saved when that is possible again.
+    void flush();
+    /// True while some change is not on disk.
+    [[nodiscard]] bool pending() const;
+
+    /// Records of a registered index are dropped by `purge` when their tracks have not been seen for the retention period.
+    void register_index(const nuv::guid& index, std::uint64_t retention_100ns);
+    /// Forgets the registration. The records stay.
+    void remove_index(const nuv::guid& index);
+    [[nodiscard]] bool registered(const nuv::guid& index) const;
+
+    /// Marks records as seen now (seconds since 1970). Writing a record marks it as well.
+    void touch(const nuv::guid& index, std::span<const std::uint64_t> keys_of_library_tracks, std::int64_t now);
+    /// Drops records not seen for longer than the retention period, and answers their number; none when the index is not
+    /// registered. Waits as `begin` does, and until the records are gone from the disk; throws index_error like `flush`.
+    std::size_t purge(const nuv::guid& index, std::int64_t now);
+
+private:
+    friend class index_transaction;
+    struct state;
+    std::unique_ptr<state> state_;
+};
+
+/// Changes that become visible together, or not at all when it is destroyed without commit. While it is open nobody else
+/// writes. Used and destroyed on the thread that began it, before the store is.
+class index_transaction {
+public:
+    index_transaction(index_transaction&&) noexcept;
+    index_transaction& operator=(index_transaction&&) = delete;
+    ~index_transaction();
+
+    /// Throws std::invalid_argument when there are too many bytes, std::logic_error after commit.
+    void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
+    void commit();
+
+private:
+    friend class index_store;
+    struct changes;
+    explicit index_transaction(index_store::state& store);
+    std::unique_ptr<changes> changes_;
+};
+
+}  // namespace ostrevan
