@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace ostrevan::titleformat {
+
+/// Where a script finds the values of one track.
+class field_source {
+public:
+    virtual ~field_source() = default;
+
+    /// Appends the text of a field to `out` and tells whether the track has that field. The two are independent: a field may
+    /// write "N/A" and yet not be found. `name` stands without percent signs, its ASCII letters in lower case; it is valid
+    /// during the call only.
+    virtual bool field(std::string_view name, std::string& out) const = 0;
+
+protected:
+    field_source() = default;
+    field_source(const field_source&) = default;
+    field_source& operator=(const field_source&) = default;
+};
+
+struct result {
+    std::string text;
+    /// At least one of the fields that went into the text was found.
+    bool found = false;
+};
+
+struct program;
+
+/// A compiled script: immutable, cheap to copy, and usable from any number of threads at once.
+/// A result never grows beyond `max_result` bytes; what would follow is left out.
+class script {
+public:
+    static constexpr std::size_t max_result = 256 * 1024;
+
+    /// Passes on what the source throws, and throws nothing else but `std::bad_alloc`.
+    [[nodiscard]] result run(const field_source& fields) const;
+
+    /// Appends to `out`, so that a caller with many tracks keeps one buffer. Returns whether a field was found.
+    bool run(const field_source& fields, std::string& out) const;
+
+    /// False for a script that gives the same text for every track.
+    [[nodiscard]] bool reads_fields() const noexcept;
+
+private:
+    friend script compile(std::string_view);
+    explicit script(std::shared_ptr<const program> compiled) noexcept : program_(std::move(compiled)) {}
+
+    std::shared_ptr<const program> program_;
+};
+
+/// A mistake in a script. `what()` gives the reason and shows the place in the script.
+class script_error : public std::runtime_error {
+public:
+    script_error(std::string reason, std::string_view source, std::size_t position);
+
+    /// One line without the place.
+    [[nodiscard]] const std::string& reason() const noexcept { return reason_; }
+    /// Bytes from the start of the script.
+    [[nodiscard]] std::size_t position() const noexcept { return position_; }
+
+private:
+    std::string reason_;
+    std::size_t position_;
+};
+
+/// Throws `script_error`.
+[[nodiscard]] script compile(std::string_view source);
+
+}  // namespace ostrevan::titleformat

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "player/titleformat/script.h"
+
+namespace ostrevan::titleformat {
+
+/// A track as a table: fields that it has, and what it shows for some that it lacks.
+struct table_of_fields final : field_source {
+    using table = std::map<std::string, std::string, std::less<>>;
+
+    explicit table_of_fields(table has, table lacks = {}) : found(std::move(has)), absent(std::move(lacks)) {}
+
+    bool field(std::string_view name, std::string& out) const override {
+        if (const auto value = found.find(name); value != found.end()) {
+            out += value->second;
+            return true;
+        }
+        if (const auto value = absent.find(name); value != absent.end()) out += value->second;
+        return false;
+    }
+
+    table found, absent;
+};
+
+}  // namespace ostrevan::titleformat
