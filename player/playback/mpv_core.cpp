@@ -132,7 +132,7 @@ std::int64_t mpv_core::append(const play_item& item) {
     const std::string start = seconds_text(item.start);
     const std::string end = seconds_text(item.end);
     text_map options;
-    if (item.start) options.add("start", start.c_str());
+    if (item.start.value_or(0) > 0) options.add("start", start.c_str());
     if (item.end) options.add("end", end.c_str());
     text_map command;
     command.add("name", "loadfile");

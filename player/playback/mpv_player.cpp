@@ -62,6 +62,8 @@ private:
     void handle(const mpv_event& event);
     void on_start_file(std::int64_t entry);
     void on_loaded();
+    void on_seek();
+    void on_restart();
     void on_position(double seconds);
     void on_end_file(const mpv_event_end_file& end);
     void finish(end_reason reason);
@@ -80,8 +82,10 @@ private:
 
     std::optional<std::size_t> current_;
     double duration_ = 0;
-    bool sounding_ = false;    // from the moment the file is open
-    bool positioned_ = false;  // from the first sound; a seek before it only finds the start of the item
+    bool sounding_ = false;       // from the moment the file is open
+    bool audible_ = false;        // from the first sound; positions before it are not from this item's start
+    bool seeking_ = false;        // from a jump to the sound after it
+    bool finding_start_ = false;  // the first seek is libmpv's own, to the start of the item
 };
 
 bool mpv_player::session::run(const std::atomic<bool>& stop) {
@@ -128,12 +132,9 @@ void mpv_player::session::handle(const mpv_event& event) {
         case MPV_EVENT_FILE_LOADED:
             return on_loaded();
         case MPV_EVENT_SEEK:
-            if (positioned_) rule_.seek();
-            return;
+            return on_seek();
         case MPV_EVENT_PLAYBACK_RESTART:
-            positioned_ = true;
-            rule_.restart();
-            return on_position(core_.number("time-pos"));
+            return on_restart();
         case MPV_EVENT_PROPERTY_CHANGE: {
             const auto& property = *static_cast<const mpv_event_property*>(event.data);
             if (property.format == MPV_FORMAT_DOUBLE) on_position(*static_cast<const double*>(property.data));
@@ -153,7 +154,9 @@ void mpv_player::session::on_start_file(std::int64_t entry) {
     if (found == queued_.end()) return;
     report_refused();
     current_ = found->second;
-    positioned_ = false;
+    audible_ = false;
+    seeking_ = false;
+    finding_start_ = start() > 0;
     rule_.started();
     append_next();
 }
@@ -164,12 +167,28 @@ void mpv_player::session::on_loaded() {
     const double end = whole > 0 ? std::min(item().end.value_or(whole), whole) : item().end.value_or(0);
     duration_ = std::max(end - start(), 0.0);
     rule_.loaded(duration_);
-    sounding_ = duration_ > 0 || start() == 0;
-    if (sounding_) report(callbacks_.on_started, *current_);
+    sounding_ = duration_ > 0 || start() <= 0;
+    if (!sounding_) return;
+    report(callbacks_.on_started, *current_);
+    report(callbacks_.on_progress, *current_, 0.0, duration_);
+}
+
+void mpv_player::session::on_seek() {
+    if (std::exchange(finding_start_, false)) return;
+    seeking_ = true;
+    rule_.seek();
+}
+
+void mpv_player::session::on_restart() {
+    audible_ = true;
+    rule_.restart();
+    // Asking for the position now may answer from beyond a seek that is still on its way to us. After a seek that does no
+    // harm, since the first position only says where listening begins again; at the start of an item it would add the jump.
+    if (std::exchange(seeking_, false)) on_position(core_.number("time-pos"));
 }
 
 void mpv_player::session::on_position(double seconds) {
-    if (!sounding_ || !positioned_ || seconds < 0) return;
+    if (!sounding_ || !audible_ || seconds < 0) return;
     const double position = std::max(seconds - start(), 0.0);
     const bool counts = rule_.position(position);
     report(callbacks_.on_progress, *current_, position, duration_);

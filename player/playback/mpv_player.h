@@ -42,6 +42,7 @@ struct play_callbacks {
     /// The item cannot be played, or not to its end; the list goes on. `text` says why, without the path.
     std::function<void(std::size_t index, const std::string& text)> on_error;
     /// Both in seconds, counted from the start of the item; the duration is 0 when it is unknown.
+    /// Comes first right after `on_started`.
     std::function<void(std::size_t index, double position, double duration)> on_progress;
     /// Comes at least ten times a second, for whatever else this thread has to do.
     std::function<void()> on_turn;

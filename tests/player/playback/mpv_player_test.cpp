@@ -92,7 +92,7 @@ TEST_F(mpv_player_test, measures_the_parts_of_a_cue_sheet_by_their_own_length) {
         EXPECT_LT(position, duration + 1);
     };
     EXPECT_TRUE(
-        play({{path("long.flac"), {}, 40.0}, {path("long.flac"), 40.0, 75.5}, {path("long.flac"), 75.5, {}}}, callbacks));
+        play({{path("long.flac"), 0.0, 40.0}, {path("long.flac"), 40.0, 75.5}, {path("long.flac"), 75.5, {}}}, callbacks));
     EXPECT_EQ(log_, (lines{"started 0", "counted 0", "finished 0", "started 1", "counted 1", "finished 1", "started 2",
                            "counted 2", "finished 2"}));
     ASSERT_EQ(durations.size(), 3U);
