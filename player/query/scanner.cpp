@@ -1,0 +1,134 @@
+#include "player/query/scanner.h"
+
+#include <algorithm>
+#include <array>
+
+#include "player/query/query.h"
+
+namespace ostrevan::query {
+
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+constexpr std::array<std::string_view, 3> value_ends = {"AND", "OR", "SORT"};
+
+/// Inside a quoted text, two quotes stand for one.
+std::string unescaped(std::string_view inside) {
+    std::string text;
+    for (std::size_t i = 0; i < inside.size(); ++i) {
+        text += inside[i];
+        if (inside[i] == '"') ++i;
+    }
+    return text;
+}
+
+/// Place in the quoted text of a place in what `unescaped` made of it.
+std::size_t escaped_position(std::string_view inside, std::size_t position) {
+    std::size_t extra = 0;
+    for (std::size_t i = 0; i < position && i + extra < inside.size(); ++i)
+        if (inside[i + extra] == '"') ++extra;
+    return position + extra;
+}
+
+}  // namespace
+
+void scanner::fail(const std::string& reason, std::size_t position) const { throw query_error(reason, source_, position); }
+
+std::size_t scanner::position() {
+    position_ = std::min(source_.find_first_not_of(blanks, position_), source_.size());
+    return position_;
+}
+
+bool scanner::take(char c) {
+    if (next() != c) return false;
+    ++position_;
+    return true;
+}
+
+piece scanner::word() {
+    const auto start = position();
+    const auto end = std::min(source_.find_first_of(" \t\r\n()", start), source_.size());
+    return {source_.substr(start, end - start), start};
+}
+
+bool scanner::take_word(std::string_view keyword) {
+    const piece found = word();
+    if (found.text != keyword) return false;
+    skip(found);
+    return true;
+}
+
+piece scanner::quoted() {
+    const auto start = position();
+    for (std::size_t at = start + 1; at < source_.size(); ++at) {
+        if (source_[at] != '"') continue;
+        if (source_.substr(at, 2) == "\"\"") {
+            ++at;
+            continue;
+        }
+        position_ = at + 1;
+        return {source_.substr(start + 1, at - start - 1), start + 1};
+    }
+    fail("this quote is never closed", start);
+}
+
+std::string scanner::value(std::string_view what) {
+    if (next() == '"') return unescaped(quoted().text);
+
+    const auto start = position();
+    auto end = start;
+    std::size_t parentheses = 0;
+    for (piece next_word = word(); !at_end(); next_word = word()) {
+        if (std::ranges::find(value_ends, next_word.text) != value_ends.end()) break;
+        if (next_word.text.empty()) {
+            if (next() == ')' && parentheses == 0) break;
+            parentheses = next() == '(' ? parentheses + 1 : parentheses - 1;
+            next_word.text = source_.substr(position_, 1);
+        }
+        skip(next_word);
+        end = position_;
+    }
+    if (end == start) fail("expected " + std::string(what), start);
+    return std::string(source_.substr(start, end - start));
+}
+
+titleformat::script scanner::compile(std::string_view text, std::size_t start, std::string_view escaped) const {
+    try {
+        auto script = titleformat::compile(text);
+        if (!script.reads_fields()) fail("this script shows no field; a field is written %artist%", start);
+        return script;
+    } catch (const titleformat::script_error& error) {
+        fail(error.reason(), start + escaped_position(escaped, error.position()));
+    }
+}
+
+titleformat::script scanner::quoted_script() {
+    const piece inside = quoted();
+    return compile(unescaped(inside.text), inside.position, inside.text);
+}
+
+titleformat::script scanner::field() {
+    const auto start = position();
+    const auto end = source_.find('%', start + 1);
+    if (end == std::string_view::npos) fail("this '%' is never closed", start);
+    if (end == start + 1) fail("expected the name of a field between the percent signs", start);
+    position_ = end + 1;
+    return titleformat::compile(source_.substr(start, end + 1 - start));
+}
+
+titleformat::script scanner::field_named(std::string_view name) {
+    return titleformat::compile('%' + std::string(name) + '%');
+}
+
+titleformat::script scanner::script_to_end() {
+    if (at_end()) fail("expected a field or a script to sort by");
+    if (next() == '"') return quoted_script();
+    std::string_view rest = source_.substr(position());
+    rest = rest.substr(0, rest.find_last_not_of(blanks) + 1);
+    const auto start = position_;
+    position_ = source_.size();
+    if (rest.find_first_of("%$") == std::string_view::npos) return field_named(rest);
+    return compile(rest, start, {});
+}
+
+}  // namespace ostrevan::query
