@@ -1,0 +1,230 @@
+#include "player/cli/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <filesystem>
+
+#include "player/cli/exit_status.h"
+#include "player/cli/help_texts.h"
+
+namespace ostrevan::cli {
+namespace {
+
+std::string default_profile() {
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data == '/')
+        return std::string(data) + "/ostrevan";
+    const char* home = std::getenv("HOME");
+    return std::string(home == nullptr ? "." : home) + "/.local/share/ostrevan";
+}
+
+std::string default_components() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (error ? std::filesystem::path("components") : program.parent_path() / "components").string();
+}
+
+/// Everything that CLI11 fills while it reads the command line.
+class command_line {
+public:
+    command_line();
+    std::variant<arguments, int> parse(int count, const char* const* values);
+
+private:
+    CLI::App* add(CLI::App& parent, const char* name, const char* what, const char* examples);
+    void add_tracks(CLI::App& app, track_arguments& tracks);
+    template <typename Command>
+    void choose(CLI::App* app, Command& filled) {
+        app->final_callback([this, &filled] { result_.chosen = filled; });
+    }
+    void add_library();
+    void add_track_commands();
+    void add_playlists();
+    void add_index();
+    void split_context_words();
+
+    CLI::App app_{main_description, "ostrevan"};
+    arguments result_;
+    bool yes_ = false;
+    bool no_ = false;
+
+    library_add library_add_;
+    library_remove library_remove_;
+    library_rescan library_rescan_;
+    library_folders library_folders_;
+    list_tracks list_;
+    play_tracks play_;
+    std::string audio_ = "auto";
+    format_tracks format_;
+    show_properties properties_;
+    edit_tags edit_;
+    std::vector<std::string> assignments_;
+    context_menu context_;
+    std::vector<std::string> context_words_;
+    show_settings settings_;
+    playlist_list playlist_list_;
+    playlist_show playlist_show_;
+    playlist_create playlist_create_;
+    playlist_remove playlist_remove_;
+    show_keys keys_;
+    index_dump dump_;
+    list_components components_;
+};
+
+CLI::App* command_line::add(CLI::App& parent, const char* name, const char* what, const char* examples) {
+    auto* const app = parent.add_subcommand(name, what);
+    app->footer(examples);
+    return app;
+}
+
+void command_line::add_tracks(CLI::App& app, track_arguments& tracks) {
+    auto* const paths = app.add_option("TRACK", tracks.paths, "A path, path|subsong, or a folder");
+    app.add_option("--where", tracks.where, "Every track of the library that matches this query")->excludes(paths);
+}
+
+void command_line::add_library() {
+    auto* const library = add(app_, "library", "Folders of the media library", library_examples);
+    library->require_subcommand(1);
+    auto* const added = add(*library, "add", "Add folders and scan them", "");
+    added->add_option("FOLDER", library_add_.folders)->required();
+    choose(added, library_add_);
+    auto* const removed = add(*library, "remove", "Forget folders; files and statistics stay", "");
+    removed->add_option("FOLDER", library_remove_.folders)->required();
+    choose(removed, library_remove_);
+    choose(add(*library, "rescan", "Look for new, changed and removed files", ""), library_rescan_);
+    choose(add(*library, "folders", "List the folders", ""), library_folders_);
+}
+
+void command_line::add_track_commands() {
+    auto* const list = add(app_, "list", "List tracks of the library", list_examples);
+    list->add_option("QUERY", list_.query, "Which tracks; all without a query");
+    list->add_option("--column", list_.columns, "A column to show, may be repeated")->allow_extra_args(false);
+    auto* const script = list->add_option("--format", list_.format, "One line a track by this title formatting script");
+    list->add_flag("--json", list_.json, "An array of objects")->excludes(script);
+    choose(list, list_);
+
+    auto* const play = add(app_, "play", "Play tracks", play_examples);
+    add_tracks(*play, play_.tracks);
+    play->add_option("--audio", audio_, "auto: the sound device; null: none")->check(CLI::IsMember({"auto", "null"}));
+    play->add_flag("--fast", play_.fast, "Decode as fast as possible, without sound");
+    play->final_callback([this] {
+        play_.null_audio = audio_ == "null";
+        result_.chosen = play_;
+    });
+
+    auto* const format = add(app_, "format", "Print one line a track", format_examples);
+    format->add_option("SCRIPT", format_.script, "A title formatting script")->required();
+    add_tracks(*format, format_.tracks);
+    choose(format, format_);
+
+    auto* const properties = add(app_, "properties", "The property sections of a selection", properties_examples);
+    add_tracks(*properties, properties_.tracks);
+    choose(properties, properties_);
+
+    auto* const edit = add(app_, "edit", "Edit tags in the files", edit_examples);
+    add_tracks(*edit, edit_.tracks);
+    edit->add_option("--set", assignments_, "FIELD=VALUE, may be repeated")->allow_extra_args(false);
+    edit->add_option("--remove", edit_.remove, "A field to remove, may be repeated")->allow_extra_args(false);
+    edit->final_callback([this] {
+        for (const auto& text : assignments_) {
+            const auto equals = text.find('=');
+            if (equals == 0 || equals == std::string::npos)
+                throw CLI::ValidationError("--set", "'" + text + "' is not of the form FIELD=VALUE");
+            edit_.set.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+        }
+        if (edit_.set.empty() && edit_.remove.empty())
+            throw CLI::ValidationError("edit", "say what to do: --set or --remove");
+        result_.chosen = edit_;
+    });
+
+    auto* const context = add(app_, "context", "List the context menu of a selection, or run one command", context_examples);
+    context->add_option("PATH", context_words_, "A menu path or {GUID}, then the tracks");
+    context->add_option("--where", context_.tracks.where, "Every track of the library that matches this query");
+    context->final_callback([this] {
+        split_context_words();
+        result_.chosen = context_;
+    });
+}
+
+/// The first word is a track when a file of that name is there, and a command otherwise.
+void command_line::split_context_words() {
+    auto& words = context_words_;
+    if (!words.empty()) {
+        std::error_code error;
+        const auto path = words.front().substr(0, words.front().rfind('|'));
+        if (!std::filesystem::exists(words.front(), error) && !std::filesystem::exists(path, error)) {
+            context_.command = words.front();
+            words.erase(words.begin());
+        }
+    }
+    context_.tracks.paths = std::move(words);
+}
+
+void command_line::add_playlists() {
+    auto* const playlist = add(app_, "playlist", "Named lists of tracks", playlist_examples);
+    playlist->require_subcommand(1);
+    choose(add(*playlist, "list", "List the playlists", ""), playlist_list_);
+    auto* const show = add(*playlist, "show", "List the tracks of one", "");
+    show->add_option("NAME", playlist_show_.name)->required();
+    choose(show, playlist_show_);
+    auto* const create = add(*playlist, "create", "Make a playlist of tracks", "");
+    create->add_option("NAME", playlist_create_.name)->required();
+    add_tracks(*create, playlist_create_.tracks);
+    choose(create, playlist_create_);
+    auto* const remove = add(*playlist, "remove", "Remove a playlist; its tracks stay", "");
+    remove->add_option("NAME", playlist_remove_.name)->required();
+    choose(remove, playlist_remove_);
+}
+
+void command_line::add_index() {
+    auto* const settings = add(app_, "settings", "Show or change advanced settings", settings_examples);
+    settings->add_option("NAME", settings_.name, "Label, part of a label, or {GUID}");
+    settings->add_option("VALUE", settings_.value, "on or off");
+    choose(settings, settings_);
+
+    auto* const key = add(app_, "key", "The key of tracks in the statistics index", key_examples);
+    add_tracks(*key, keys_.tracks);
+    choose(key, keys_);
+
+    auto* const index = add(app_, "index", "Look into the track-information index", index_examples);
+    index->require_subcommand(1);
+    auto* const dump = add(*index, "dump", "GUID, key and bytes of every stored record", "");
+    dump->add_option("GUID", dump_.index, "Only this index");
+    choose(dump, dump_);
+
+    choose(add(app_, "components", "What is loaded: name, version, file", ""), components_);
+}
+
+command_line::command_line() {
+    result_.profile = default_profile();
+    result_.components = default_components();
+    app_.footer(main_examples);
+    app_.set_version_flag("--version", OSTREVAN_VERSION);
+    app_.add_option("--profile", result_.profile, "Folder that keeps everything")->type_name("DIR")->capture_default_str();
+    app_.add_option("--components", result_.components, "Folder with the components")->type_name("DIR");
+    app_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
+    auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes");
+    app_.add_flag("--no", no_, "Answer every question with no")->excludes(yes);
+    app_.require_subcommand(1);
+    add_library();
+    add_track_commands();
+    add_playlists();
+    add_index();
+}
+
+std::variant<arguments, int> command_line::parse(int count, const char* const* values) {
+    try {
+        app_.parse(count, values);
+    } catch (const CLI::ParseError& error) {
+        return app_.exit(error) == 0 ? exit_done : exit_usage;
+    }
+    if (yes_ || no_) result_.answer = yes_;
+    return result_;
+}
+
+}  // namespace
+
+std::variant<arguments, int> parse_arguments(int count, const char* const* values) {
+    return command_line().parse(count, values);
+}
+
+}  // namespace ostrevan::cli

@@ -1,0 +1,67 @@
+#include "player/front/settings_tree.h"
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+
+#include "nuv/text.h"
+
+namespace ostrevan::front {
+namespace {
+
+bool contains_nocase(std::string_view text, std::string_view part) {
+    const auto same = [](char a, char b) { return nuv::ascii_lower(a) == nuv::ascii_lower(b); };
+    return std::ranges::search(text, part, same).begin() != text.end();
+}
+
+[[noreturn]] void throw_no_such(const std::vector<setting_entry>& tree, std::string_view name, const char* problem) {
+    std::string message = std::string(problem) + " \"" + std::string(name) + "\". Settings are:";
+    for (const auto& entry : tree)
+        if (entry.checkbox != nullptr)
+            message += "\n  {" + nuv::guid_text(entry.setting->id()) + "} " + entry.setting->label();
+    throw std::invalid_argument(message);
+}
+
+}  // namespace
+
+std::vector<setting_entry> settings_tree(const service_registry& services) {
+    std::vector<advanced_setting*> all;
+    services.for_each<advanced_setting>([&](advanced_setting& setting) { all.push_back(&setting); });
+    std::ranges::sort(all, [](const advanced_setting* a, const advanced_setting* b) {
+        return std::pair(a->sort_priority(), a->label()) < std::pair(b->sort_priority(), b->label());
+    });
+
+    std::vector<setting_entry> tree;
+    const std::function<void(const nuv::guid&, std::size_t)> append_children = [&](const nuv::guid& parent,
+                                                                                   std::size_t depth) {
+        for (auto* setting : all) {
+            if (setting->parent() != parent) continue;
+            auto* const checkbox = setting->service_query(advanced_checkbox::checkbox_guid);
+            tree.push_back({setting, static_cast<advanced_checkbox*>(checkbox), depth});
+            if (depth < all.size()) append_children(setting->id(), depth + 1);
+        }
+    };
+    std::vector<nuv::guid> roots;
+    for (const auto* setting : all) {
+        const auto parent = setting->parent();
+        const bool offered = std::ranges::any_of(all, [&](const auto* other) { return other->id() == parent; });
+        if (!offered && std::ranges::find(roots, parent) == roots.end()) roots.push_back(parent);
+    }
+    for (const auto& root : roots) append_children(root, 0);
+    return tree;
+}
+
+advanced_checkbox& find_checkbox(const std::vector<setting_entry>& tree, std::string_view name) {
+    const auto id = nuv::parse_guid(name);
+    std::vector<advanced_checkbox*> partial;
+    for (const auto& entry : tree) {
+        if (entry.checkbox == nullptr) continue;
+        if ((id && entry.setting->id() == *id) || nuv::equal_ascii_nocase(entry.setting->label(), name))
+            return *entry.checkbox;
+        if (contains_nocase(entry.setting->label(), name)) partial.push_back(entry.checkbox);
+    }
+    if (partial.size() == 1) return *partial.front();
+    throw_no_such(tree, name, partial.empty() ? "There is no setting" : "More than one setting fits");
+}
+
+}  // namespace ostrevan::front

@@ -1,0 +1,144 @@
+#include "player/titleformat/track_fields.h"
+
+#include <array>
+#include <cmath>
+#include <optional>
+
+namespace ostrevan::titleformat {
+namespace {
+
+class string_out final : public titleformat_text_out {
+public:
+    explicit string_out(std::string& out) : out_(out) {}
+    void write(const nuv::guid& /*kind*/, const char* text, std::size_t length) override {
+        if (length == whole_text) out_ += text;
+        else out_.append(text, length);
+    }
+
+private:
+    std::string& out_;
+};
+
+std::string_view file_of(std::string_view path) {
+    const auto slash = path.find_last_of('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+std::string_view without_extension(std::string_view file) {
+    const auto dot = file.find_last_of('.');
+    return dot == std::string_view::npos || dot == 0 ? file : file.substr(0, dot);
+}
+
+std::string_view folder_of(std::string_view path) {
+    const auto slash = path.find_last_of('/');
+    return slash == std::string_view::npos ? std::string_view{} : file_of(path.substr(0, slash));
+}
+
+std::string clock_text(double seconds) {
+    const auto whole = static_cast<long long>(std::llround(seconds));
+    const auto two = [](long long n) { return (n < 10 ? "0" : "") + std::to_string(n); };
+    if (whole < 3600) return std::to_string(whole / 60) + ":" + two(whole % 60);
+    return std::to_string(whole / 3600) + ":" + two(whole / 60 % 60) + ":" + two(whole % 60);
+}
+
+std::optional<std::string> number(std::uint32_t value) {
+    return value == 0 ? std::nullopt : std::optional(std::to_string(value));
+}
+
+using from_location = std::string (*)(const playable_location&);
+using from_info = std::optional<std::string> (*)(const file_info&);
+
+template <typename Function>
+struct named {
+    std::string_view name;
+    Function value;
+};
+
+constexpr auto location_fields = std::to_array<named<from_location>>({
+    {"path", [](const playable_location& l) { return l.path; }},
+    {"filename_ext", [](const playable_location& l) { return std::string(file_of(l.path)); }},
+    {"filename", [](const playable_location& l) { return std::string(without_extension(file_of(l.path))); }},
+    {"directoryname", [](const playable_location& l) { return std::string(folder_of(l.path)); }},
+    {"subsong", [](const playable_location& l) { return std::to_string(l.subsong); }},
+});
+
+constexpr auto info_fields = std::to_array<named<from_info>>({
+    {"length", [](const file_info& i) { return i.length() > 0 ? std::optional(clock_text(i.length())) : std::nullopt; }},
+    {"length_seconds",
+     [](const file_info& i) {
+         return i.length() > 0 ? std::optional(std::to_string(std::llround(i.length()))) : std::nullopt;
+     }},
+    {"codec", [](const file_info& i) { return i.codec().empty() ? std::nullopt : std::optional(i.codec()); }},
+    {"bitrate", [](const file_info& i) { return number(i.bitrate); }},
+    {"samplerate", [](const file_info& i) { return number(i.sample_rate); }},
+    {"channels", [](const file_info& i) { return number(i.channels); }},
+});
+
+/// Tags that stand in for one that is absent, in the order in which they are tried.
+struct substitution {
+    std::string_view name;
+    std::array<std::string_view, 4> tags;
+};
+constexpr auto substitutions = std::to_array<substitution>({
+    {"artist", {"artist", "album artist", "composer", "performer"}},
+    {"album artist", {"album artist", "artist", "composer", "performer"}},
+});
+
+bool append_tag(const file_info& info, std::string_view name, std::string& out) {
+    const auto index = info.meta_find(name);
+    if (index == file_info::npos || info.meta_value_count(index) == 0) return false;
+    const char* separator = "";
+    for (const auto& value : info.meta_values(index)) {
+        out.append(separator).append(value);
+        separator = ", ";
+    }
+    return true;
+}
+
+template <typename Table>
+auto find_named(const Table& table, std::string_view name) {
+    auto it = table.begin();
+    while (it != table.end() && it->name != name) ++it;
+    return it;
+}
+
+}  // namespace
+
+void component_fields::add(field_provider& provider) {
+    for (std::size_t i = 0; i < provider.get_field_count(); ++i)
+        entries_.try_emplace(provider.get_field_name(i), entry{&provider, i});
+}
+
+const component_fields::entry* component_fields::find(std::string_view name) const noexcept {
+    const auto found = entries_.find(std::string(name));
+    return found == entries_.end() ? nullptr : &found->second;
+}
+
+bool track_fields::field(std::string_view name, std::string& out) const {
+    if (const auto* published = published_.find(name)) {
+        string_out sink(out);
+        return published->provider->process_field(published->index, &track_, sink);
+    }
+    if (const auto it = find_named(location_fields, name); it != location_fields.end()) {
+        out += it->value(track_.location());
+        return true;
+    }
+    if (!info_) return false;
+    const auto& info = info_->info();
+    if (const auto it = find_named(info_fields, name); it != info_fields.end()) {
+        const auto text = it->value(info);
+        if (text) out += *text;
+        return text.has_value();
+    }
+    if (const auto it = find_named(substitutions, name); it != substitutions.end()) {
+        for (const auto tag : it->tags)
+            if (append_tag(info, tag, out)) return true;
+        return false;
+    }
+    if (append_tag(info, name, out)) return true;
+    if (name != "title") return false;
+    out += without_extension(file_of(track_.location().path));  // an untagged file goes by its name
+    return true;
+}
+
+}  // namespace ostrevan::titleformat
