@@ -17,7 +17,6 @@ public:
     void add(task work);
 
 private:
-    void start_worker();
     void work_until_empty() noexcept;
 
     std::mutex lock_;

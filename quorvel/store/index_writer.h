@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 #include "ostrevan/index.h"
@@ -12,7 +11,7 @@ namespace quorvel {
 
 /// The player's index between its registration and the end of the component. [main-thread]
 namespace statistics_index {
-void open(ostrevan::service_ptr_t<ostrevan::index_manager> manager) noexcept;
+void open(ostrevan::index_manager& manager) noexcept;
 void close() noexcept;
 }  // namespace statistics_index
 
@@ -39,6 +38,7 @@ public:
 
 private:
     bool begun_ = false;
+    ostrevan::index_manager* manager_ = nullptr;
     ostrevan::index_transaction_ptr transaction_;
     std::unique_lock<std::mutex> own_turn_;
 };

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "nuv/exceptions.h"
@@ -17,18 +19,23 @@ public:
     exception_time_error() noexcept : fixed_exception("Invalid timestamp") {}
 };
 
-/// The text of a time, kept in place: "2024-03-05 07:08:09" or "<invalid timestamp>", both of one length.
+/// The text of a time, kept in place: "2024-03-05 07:08:09" or "<invalid timestamp>".
 class timestamp_text {
 public:
-    static constexpr std::size_t length = 19;
+    explicit timestamp_text(std::string_view text) noexcept : length_(std::min(text.size(), capacity)) {
+        std::memcpy(characters_.data(), text.data(), length_);
+    }
 
-    [[nodiscard]] std::string_view view() const noexcept { return {characters_.data(), length}; }
+    [[nodiscard]] std::string_view view() const noexcept { return {characters_.data(), length_}; }
     operator std::string_view() const noexcept { return view(); }  // NOLINT(google-explicit-constructor): it is text
+    /// Ends with a zero.
     [[nodiscard]] const char* c_str() const noexcept { return characters_.data(); }
-    [[nodiscard]] char* data() noexcept { return characters_.data(); }
 
 private:
-    std::array<char, length + 1> characters_{};
+    /// Years above 9999 have five digits.
+    static constexpr std::size_t capacity = 20;
+    std::array<char, capacity + 1> characters_{};
+    std::size_t length_;
 };
 
 /// Local time, to the second. 0 is a time like any other; whoever shows times tests for it first. [any-thread]

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "ostrevan/popup.h"
+
+namespace quorvel {
+
+/// Title of the component's questions and messages.
+inline constexpr const char* message_title = "Playback Statistics";
+
+/// Asks through the player, owned by its main window, and returns at once. `reply` gets the answer later, or is dropped when
+/// the player ends first. `style` is a message-box style. Throws when the player cannot ask. [main-thread]
+void ask(std::string text, std::string title, unsigned style, std::function<void(unsigned answer)> reply);
+
+}  // namespace quorvel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "quorvel/platform/zone_rule_posix.h"
+
+namespace quorvel {
+
+/// When a zone's offset from UTC changed and will change. Moments are seconds since 1970 UTC, offsets seconds east of
+/// Greenwich.
+class zone_changes {
+public:
+    /// From the bytes of a file of the zone database (version 2 or later); empty when they are not of that form.
+    static std::optional<zone_changes> from_file(std::string_view bytes);
+    /// From a rule alone.
+    explicit zone_changes(const zone_rule& rule);
+
+    /// The offset in force at a moment, and since and until when it is.
+    struct span {
+        std::int64_t since;
+        std::int64_t until;
+        std::int32_t offset;
+        [[nodiscard]] bool contains(std::int64_t moment) const noexcept { return since <= moment && moment < until; }
+    };
+    [[nodiscard]] span at(std::int64_t moment) const noexcept;
+    /// A wall-clock time that was skipped has the offset after the change; one that occurs twice is the first.
+    [[nodiscard]] std::int64_t utc_of(std::int64_t wall_clock) const noexcept;
+
+private:
+    explicit zone_changes(std::int32_t first_offset) : moments_{beginning}, offsets_{first_offset} {}
+    void add(std::int64_t moment, std::int32_t offset);
+    /// Adds a calendar period of the rule's changes after `known_until`.
+    void add_years(const zone_rule& rule, std::int64_t known_until);
+
+    /// Index of the span that a moment before `horizon_` lies in.
+    [[nodiscard]] std::size_t index_of(std::int64_t moment) const noexcept;
+    [[nodiscard]] span span_at(std::size_t index) const noexcept;
+    /// How far a moment at or beyond `horizon_` has to be moved back.
+    [[nodiscard]] std::int64_t periods_beyond(std::int64_t moment) const noexcept;
+
+    static constexpr std::int64_t beginning = std::numeric_limits<std::int64_t>::min();
+    static constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max();
+
+    /// The offset at an index holds from the moment at that index to the next one.
+    std::vector<std::int64_t> moments_;
+    std::vector<std::int32_t> offsets_;
+    /// From here on everything repeats what was one calendar period of 400 years earlier.
+    std::int64_t horizon_ = end;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,78 @@
+#include "quorvel/store/index_writer.h"
+
+#include <atomic>
+#include <utility>
+
+#include "ostrevan/core_api.h"
+#include "quorvel/common/main_thread_post.h"
+#include "quorvel/store/key.h"
+
+namespace quorvel {
+namespace {
+
+/// A service of the player, which lives until the process ends: no reference is held, so that none is released late.
+constinit std::atomic<ostrevan::index_manager*> index{nullptr};
+constinit std::mutex turn_of_own_writers;
+
+void refresh_now(const std::vector<std::uint64_t>& keys) {
+    if (auto* const manager = opened_index()) manager->refresh(statistics_index_guid, nuv::list_view_t<std::uint64_t>(keys));
+}
+
+}  // namespace
+
+namespace statistics_index {
+
+void open(ostrevan::index_manager& manager) noexcept { index.store(&manager, std::memory_order_release); }
+void close() noexcept { index.store(nullptr, std::memory_order_release); }
+
+}  // namespace statistics_index
+
+ostrevan::index_manager* opened_index() noexcept { return index.load(std::memory_order_acquire); }
+
+t_playback_stats read_record(std::uint64_t key) noexcept {
+    auto* const manager = opened_index();
+    if (manager == nullptr) return {};
+    try {
+        record_blob blob;
+        const std::size_t size = manager->read(statistics_index_guid, key, blob.data(), blob.size());
+        return size == blob.size() ? decode_record(blob) : t_playback_stats{};
+    } catch (...) {
+        return {};
+    }
+}
+
+void refresh_keys(std::vector<std::uint64_t> keys) {
+    if (keys.empty()) return;
+    if (ostrevan::core_api::is_main_thread()) {
+        refresh_now(keys);
+    } else {
+        post_to_main_thread([keys = std::move(keys)] { refresh_now(keys); });
+    }
+}
+
+void index_writer::begin() {
+    if (begun_) return;
+    manager_ = opened_index();
+    if (manager_ != nullptr) {
+        if (const auto extension = ostrevan::query_service<ostrevan::index_manager_transactions>(*manager_))
+            transaction_ = extension->begin();
+        else own_turn_ = std::unique_lock(turn_of_own_writers);
+    }
+    begun_ = true;
+}
+
+void index_writer::write(std::uint64_t key, const t_playback_stats& record) {
+    if (key == 0 || manager_ == nullptr) return;
+    const auto blob = encode_record(record);
+    if (transaction_) transaction_->write(statistics_index_guid, key, blob.data(), blob.size());
+    else manager_->write(statistics_index_guid, key, blob.data(), blob.size());
+}
+
+void index_writer::commit() {
+    if (transaction_) transaction_->commit();
+    transaction_.reset();
+    if (own_turn_.owns_lock()) own_turn_.unlock();
+    begun_ = false;
+}
+
+}  // namespace quorvel

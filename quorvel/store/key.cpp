@@ -1,0 +1,106 @@
+#include "quorvel/store/key.h"
+
+#include <array>
+#include <atomic>
+#include <utility>
+#include <vector>
+
+#include "ostrevan/core_api.h"
+#include "quorvel/store/mappings.h"
+
+namespace quorvel {
+namespace {
+
+using ostrevan::index_client;
+using ostrevan::index_client_ptr;
+
+template <typename Mapping>
+index_client_ptr create_mapping() {
+    return ostrevan::service_new<Mapping>(ostrevan::get_service<ostrevan::hash_service>());
+}
+
+struct mapping_row {
+    nuv::guid id;
+    index_client_ptr (*create)();
+};
+constexpr std::array<mapping_row, 3> mapping_table{{
+    {title_mapping_guid, &create_mapping<TitleMapping>},
+    {legacy_track_mapping_guid, &create_mapping<LegacyTrackMapping>},
+    {repeated_track_mapping_guid, &create_mapping<RepeatedTrackMapping>},
+}};
+constexpr auto ids_of_table = [] {
+    std::array<nuv::guid, mapping_table.size()> ids;
+    for (std::size_t i = 0; i < ids.size(); ++i) ids[i] = mapping_table[i].id;
+    return ids;
+}();
+
+constinit std::atomic<index_client*> active{nullptr};
+
+/// Other threads may be inside a key function when it stops being the active one, so none is ever released.
+std::vector<index_client_ptr>& key_functions() {
+    static auto* const kept = new std::vector<index_client_ptr>;
+    return *kept;
+}
+
+/// What a thread hashed last. The references keep both objects from being replaced by others at the same address.
+struct remembered_key {
+    index_client* mapping = nullptr;
+    ostrevan::metadb_handle_ptr track;
+    ostrevan::metadb_info_ptr snapshot;
+    std::uint64_t key = 0;
+};
+thread_local remembered_key last_key;
+
+}  // namespace
+
+std::span<const nuv::guid> mapping_guids() noexcept { return ids_of_table; }
+
+index_client_ptr FindMapping(const nuv::guid& mapping) {
+    for (const auto& row : mapping_table)
+        if (row.id == mapping) return row.create();
+    return {};
+}
+
+std::optional<std::uint64_t> KeyOf(ostrevan::metadb_handle& track) {
+    auto* const mapping = active.load(std::memory_order_acquire);
+    if (mapping == nullptr) return std::nullopt;
+    auto snapshot = track.info();
+    if (!snapshot) return std::nullopt;
+
+    auto& last = last_key;
+    if (last.snapshot != snapshot || last.track.get() != &track || last.mapping != mapping) {
+        const std::uint64_t key = mapping->key_of(snapshot->info(), track.location());
+        last = {mapping, &track, std::move(snapshot), key};
+    }
+    return last.key;
+}
+
+std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info, const ostrevan::playable_location& location) {
+    auto* const mapping = active.load(std::memory_order_acquire);
+    if (mapping == nullptr) return std::nullopt;
+    return mapping->key_of(info, location);
+}
+
+std::optional<std::uint64_t> KeyOfOnce(const ostrevan::metadb_handle& track) {
+    const auto snapshot = track.info();
+    return snapshot ? KeyOf(snapshot->info(), track.location()) : std::nullopt;
+}
+
+namespace active_mapping {
+
+index_client_ptr start() {
+    auto mapping = FindMapping(active_mapping_guid);
+    key_functions().push_back(mapping);
+    active.store(mapping.get(), std::memory_order_release);
+    return mapping;
+}
+
+void stop() noexcept {
+    active.store(nullptr, std::memory_order_release);
+    // The references of this thread must not outlive the player; those of other threads go with the threads.
+    last_key = {};
+}
+
+}  // namespace active_mapping
+
+}  // namespace quorvel

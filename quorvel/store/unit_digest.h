@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "ostrevan/hash_service.h"
+
+namespace quorvel {
+
+/// A digest of 32-bit little-endian units: characters in lower case, a terminator after every text, a separator after every
+/// group. Units are gathered in place; the tags of nearly every track fit, and then the player digests them in one call.
+class unit_digest {
+public:
+    explicit unit_digest(ostrevan::hash_service& hash) noexcept : hash_(hash) {}
+
+    static constexpr std::uint32_t terminator = 0;
+    static constexpr std::uint32_t separator = 0xFFFFFFFF;
+
+    void feed(std::uint32_t unit) {
+        if (used_ == units_.size()) flush();
+        if constexpr (std::endian::native == std::endian::big) unit = __builtin_bswap32(unit);
+        units_[used_++] = unit;
+    }
+    /// UTF-8 text up to its end or its first invalid sequence, and the terminator.
+    void feed_text(std::string_view text);
+    /// The same without the zeros at the front.
+    void feed_number(std::string_view text);
+
+    /// Both halves of the digest, little-endian, combined by exclusive or. Nothing may be fed afterwards.
+    [[nodiscard]] std::uint64_t finish();
+
+private:
+    void flush();
+
+    ostrevan::hash_service& hash_;
+    ostrevan::service_ptr_t<ostrevan::hash_stream> stream_;
+    std::size_t used_ = 0;
+    std::array<std::uint32_t, 256> units_;
+};
+
+/// The text without the zeros at its front; empty when there is nothing else.
+[[nodiscard]] std::string_view without_leading_zeros(std::string_view text) noexcept;
+
+}  // namespace quorvel
