@@ -1,22 +1,23 @@
 #include "player/index/index_database.h"
 
+#include <sqlite3.h>
+
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <fstream>
 #include <string>
 #include <string_view>
-
-#include "player/index/index_error.h"
+#include <tuple>
+#include <utility>
 
 namespace ostrevan::indexing {
 namespace {
 
-constexpr std::int64_t application_id = 0x4F737449;  // "OstI"
-constexpr std::int64_t format_version = 1;
 constexpr std::int64_t seconds_per_day = 24 * 60 * 60;
 
-constexpr const char* schema = R"(
+constexpr sqlite::format index_format{
+    .application_id = 0x4F737449,  // "OstI"
+    .version = 1,
+    .schema = R"(
     CREATE TABLE indexes (
         id INTEGER PRIMARY KEY,
         guid TEXT NOT NULL UNIQUE,
@@ -29,49 +30,22 @@ constexpr const char* schema = R"(
         data BLOB NOT NULL,
         PRIMARY KEY (index_id, key)
     ) STRICT, WITHOUT ROWID;
-    PRAGMA application_id = 0x4F737449;
-    PRAGMA user_version = 1;
-)";
+)",
+    .contents = "track index",
+};
 
 /// The database knows signed numbers only; the bits are the same.
 std::int64_t column_of(std::uint64_t key) noexcept { return std::bit_cast<std::int64_t>(key); }
 std::uint64_t key_of(std::int64_t column) noexcept { return std::bit_cast<std::uint64_t>(column); }
 
-[[noreturn]] void refuse(const std::filesystem::path& path, std::string_view what, std::string_view advice) {
-    throw index_error("Track index " + path.string() + ": " + std::string(what) + ". It has not been changed. " +
-                          std::string(advice) + ".",
-                      true);
+/// Closing the last connection copies the write-ahead log into the database, unless told not to.
+void checkpoint_on_close(sqlite::database& database, bool wanted) {
+    sqlite3_db_config(database.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, wanted ? 0 : 1, nullptr);
 }
 
-void check_identity(const std::filesystem::path& path, std::int64_t application, std::int64_t version) {
-    if (application != application_id) refuse(path, "the file belongs to another program", "Move it aside and start again");
-    if (version > format_version)
-        refuse(path, "the file was written by a newer version of the player",
-               "Use that version, or move the file aside and start again");
-    if (version < format_version)
-        refuse(path, "the file is damaged", "Move it aside, or put a backup in its place, and start again");
-}
-
-/// Looks at the file's header before SQLite gets to see the file, because opening a database may already write to it.
-/// While a rollback journal lies beside it the header need not be whole.
-void check_header(const std::filesystem::path& path) {
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored) || std::filesystem::file_size(path, ignored) == 0) return;
-    if (std::filesystem::exists(path.string() + "-journal", ignored)) return;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return;  // SQLite will say why
-
-    constexpr std::string_view magic("SQLite format 3\0", 16);
-    std::array<char, 100> header{};
-    file.read(header.data(), header.size());
-    if (file.gcount() != static_cast<std::streamsize>(header.size()) || std::string_view(header.data(), 16) != magic)
-        refuse(path, "the file is not a track index", "Move it aside and start again");
-    const auto number_at = [&](std::size_t offset) {
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < 4; ++i) value = value << 8 | static_cast<unsigned char>(header[offset + i]);
-        return static_cast<std::int64_t>(value);
-    };
-    check_identity(path, number_at(68), number_at(60));
+void prepare_connection(sqlite::database& database, std::chrono::milliseconds busy_timeout) {
+    sqlite3_busy_timeout(database.handle(), static_cast<int>(busy_timeout.count()));
+    checkpoint_on_close(database, false);
 }
 
 struct row {
@@ -98,25 +72,11 @@ std::vector<row> final_rows(std::span<const index_job> jobs) {
 }  // namespace
 
 index_database::index_database(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout)
-    : database_((check_header(path), path), sqlite_database::access::create, busy_timeout), path_(path) {
-    database_.run("PRAGMA cell_size_check = ON");
-    const std::int64_t application = database_.integer("PRAGMA application_id");
-    const std::int64_t version = database_.integer("PRAGMA user_version");
-    if (application == 0 && version == 0 && database_.integer("SELECT count(*) FROM sqlite_schema") == 0) create();
-    else check_identity(path, application, version);
-
-    if (database_.text("PRAGMA journal_mode = WAL") != "wal")
-        throw index_error("Track index " + path.string() + ": the file system cannot hold its write-ahead log. Put the " +
-                          "profile folder on a local disk.");
-    database_.run("PRAGMA synchronous = FULL; PRAGMA journal_size_limit = 16777216");
-}
-
-/// With a rollback journal, so that the database is either empty or complete, and its header always tells the version.
-void index_database::create() {
-    database_.run("PRAGMA synchronous = FULL");
-    sqlite_transaction transaction(database_);
-    database_.run(schema);
-    transaction.commit();
+    : database_(path.string(), index_format) {
+    prepare_connection(database_, busy_timeout);
+    // SQLite opens a write-protected file for reading only, without a word.
+    if (sqlite3_db_readonly(database_.handle(), "main") == 1) database_.fail(SQLITE_READONLY);
+    database_.execute("PRAGMA cell_size_check = ON; PRAGMA journal_size_limit = 16777216");
 }
 
 std::vector<catalog_entry> index_database::catalog() {
@@ -124,7 +84,7 @@ std::vector<catalog_entry> index_database::catalog() {
     auto statement = database_.prepare("SELECT id, guid, retention FROM indexes ORDER BY id");
     while (statement.step()) {
         const auto guid = nuv::parse_guid(statement.text(1));
-        if (!guid) refuse(path_, "the file is damaged", "Move it aside, or put a backup in its place, and start again");
+        if (!guid) database_.fail(SQLITE_CORRUPT);
         catalog_entry entry{.id = statement.integer(0), .guid = *guid, .retention = {}};
         if (!statement.is_null(2)) entry.retention = static_cast<std::uint64_t>(statement.integer(2));
         entries.push_back(entry);
@@ -141,17 +101,17 @@ bool index_database::load(const std::function<bool(std::int64_t, const change_li
         for (bool more = true; more;) {
             rows.clear();
             while (rows.changes().size() < rows_at_once && (more = statement.step()))
-                rows.put(key_of(statement.integer(0)), statement.bytes(1));
+                rows.put(key_of(statement.integer(0)), statement.blob(1));
             if (!visit(entry.id, rows)) return false;
         }
     }
     // Every page has been read by now: closing may tidy up.
-    database_.checkpoint_on_close(true);
+    checkpoint_on_close(database_, true);
     return true;
 }
 
 void index_database::save(std::span<const index_job> jobs) {
-    sqlite_transaction transaction(database_);
+    sqlite::transaction transaction(database_);
     for (const index_job& job : jobs)
         if (const auto* entry = std::get_if<catalog_entry>(&job)) save_entry(*entry);
     save_records(jobs);
@@ -165,7 +125,8 @@ void index_database::save_entry(const catalog_entry& entry) {
     auto statement = database_.prepare(
         "INSERT INTO indexes (id, guid, retention) VALUES (?, ?, ?) "
         "ON CONFLICT (id) DO UPDATE SET retention = excluded.retention");
-    statement.bind(1, entry.id).bind(2, nuv::guid_text(entry.guid));
+    const std::string guid = nuv::guid_text(entry.guid);
+    statement.bind(1, entry.id).bind(2, std::string_view(guid));
     if (entry.retention) statement.bind(3, static_cast<std::int64_t>(*entry.retention));
     else statement.bind_null(3);
     statement.run();
@@ -195,14 +156,17 @@ void index_database::mark_seen(const seen_keys& seen) {
 }
 
 index_reader::index_reader(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout)
-    : database_(path, sqlite_database::access::read_only, busy_timeout),
-      read_(database_.prepare("SELECT data FROM records WHERE index_id = ? AND key = ?")) {}
+    : database_(path.string(), index_format),
+      read_(database_.prepare("SELECT data FROM records WHERE index_id = ? AND key = ?")) {
+    prepare_connection(database_, busy_timeout);
+    database_.execute("PRAGMA query_only = ON");
+}
 
 std::size_t index_reader::read(std::int64_t index_id, std::uint64_t key, void* buffer, std::size_t capacity) {
     const std::scoped_lock lock(mutex_);
     read_.bind(1, index_id).bind(2, column_of(key));
     if (!read_.step()) return 0;
-    const auto data = read_.bytes(0);
+    const auto data = read_.blob(0);
     std::copy_n(data.begin(), std::min(data.size(), capacity), static_cast<std::byte*>(buffer));
     const std::size_t size = data.size();
     read_.reset();

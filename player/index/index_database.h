@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "player/index/index_changes.h"
-#include "player/index/sqlite.h"
+#include "player/sqlite/database.h"
 
 namespace ostrevan::indexing {
 
-/// The database file as the one thread that writes it sees it. Format: docs/file-formats.md.
+/// The database file as the one thread that writes it sees it. Format: docs/file-formats.md. Throws sqlite::error.
 class index_database {
 public:
-    /// Opens or creates. A file that is damaged, no database, another program's or a newer version's is left as it is.
+    /// Opens or creates. Until all of a file has been read without error it is not written to, not even on closing.
     index_database(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout);
 
     [[nodiscard]] std::vector<catalog_entry> catalog();
@@ -31,16 +31,14 @@ public:
     void save(std::span<const index_job> jobs);
 
 private:
-    void create();
     void save_entry(const catalog_entry& entry);
     void save_records(std::span<const index_job> jobs);
     void mark_seen(const seen_keys& seen);
 
-    sqlite_database database_;
-    std::filesystem::path path_;
+    sqlite::database database_;
 };
 
-/// The same file for everyone else. [any-thread]
+/// The same file for everyone else. Throws sqlite::error. [any-thread]
 class index_reader {
 public:
     index_reader(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout);
@@ -52,8 +50,8 @@ public:
 
 private:
     std::mutex mutex_;
-    sqlite_database database_;
-    sqlite_statement read_;
+    sqlite::database database_;
+    sqlite::statement read_;
 };
 
 }  // namespace ostrevan::indexing

@@ -1,5 +1,7 @@
 #include "player/index/index_store.h"
 
+#include <sqlite3.h>
+
 #include <ctime>
 #include <optional>
 #include <stdexcept>
@@ -28,8 +30,8 @@ struct index_store::state {
     index_reader reader;
     index_memory memory;
     write_gate gate;
-    std::mutex catalog_mutex;           // keeps memory and queue in the same order
-    std::optional<index_error> damage;  // the writer's thread only
+    std::mutex catalog_mutex;             // keeps memory and queue in the same order
+    std::optional<sqlite::error> damage;  // the writer's thread only
     index_writer writer;
 };
 
@@ -52,8 +54,8 @@ bool index_store::state::load(const std::stop_token& stop) {
         });
         if (complete) memory.finish_loading();
         return complete;
-    } catch (const index_error& error) {
-        if (error.damaged()) damage = error;
+    } catch (const sqlite::error& error) {
+        if ((error.code() & 0xFF) == SQLITE_CORRUPT) damage = error;
         throw;
     }
 }

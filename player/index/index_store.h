@@ -8,10 +8,10 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "nuv/guid.h"
-#include "player/index/index_error.h"
 
 namespace ostrevan {
 
@@ -34,18 +34,18 @@ public:
         std::function<std::int64_t()> clock;             // seconds since 1970; the system's when empty
     };
 
-    /// Opens the database or creates it. Throws index_error, and leaves the file as it is, when it cannot be used; damage
-    /// that only shows when all of it is read is reported to the sink, and from then on nothing is written.
+    /// Opens the database or creates it. Throws std::runtime_error, and leaves the file as it is, when it cannot be used;
+    /// damage that only shows when all of it is read is reported to the sink, and from then on nothing is written.
     index_store(const std::filesystem::path& path, index_error_sink error_sink, options settings);
     index_store(const std::filesystem::path& path, index_error_sink error_sink)
         : index_store(path, std::move(error_sink), options()) {}
     /// Saves what is not saved yet; what cannot be saved is reported to the sink. No transaction may be open.
     ~index_store();
 
-    /// The size of the record, 0 when there is none. Copies what fits into the buffer. Throws index_error when the database
-    /// is still being loaded and cannot be read.
+    /// The size of the record, 0 when there is none. Copies what fits into the buffer. Throws std::runtime_error when the
+    /// database is still being loaded and cannot be read.
     std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const;
-    /// Keys that have a record, sorted. Waits for the database to be loaded; throws index_error when it cannot be.
+    /// Keys that have a record, sorted. Waits for the database to be loaded; throws std::runtime_error when it cannot be.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const;
     /// All indexes that were ever registered or written to.
     [[nodiscard]] std::vector<nuv::guid> indexes() const;
@@ -55,8 +55,8 @@ public:
     /// A transaction of its own. Throws std::invalid_argument when there are too many bytes.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
 
-    /// Waits until all that was changed before the call is on disk. Throws index_error when it cannot be saved; it is kept
-    /// then, and saved when that is possible again.
+    /// Waits until all that was changed before the call is on disk. Throws std::runtime_error when it cannot be saved; it is
+    /// kept then, and saved when that is possible again.
     void flush();
     /// True while some change is not on disk.
     [[nodiscard]] bool pending() const;
@@ -70,7 +70,8 @@ public:
     /// Marks records as seen now (seconds since 1970). Writing a record marks it as well.
     void touch(const nuv::guid& index, std::span<const std::uint64_t> keys_of_library_tracks, std::int64_t now);
     /// Drops records not seen for longer than the retention period, and answers their number; none when the index is not
-    /// registered. Waits as `begin` does, and until the records are gone from the disk; throws index_error like `flush`.
+    /// registered. Waits as `begin` does, and until the records are gone from the disk; throws std::runtime_error like
+    /// `flush`.
     std::size_t purge(const nuv::guid& index, std::int64_t now);
 
 private:

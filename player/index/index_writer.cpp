@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 #include <utility>
-
-#include "player/index/index_error.h"
 
 namespace ostrevan::indexing {
 namespace {
@@ -39,11 +38,11 @@ void index_writer::flush() {
         target = queued_;
     }
     if (target == loaded_target) return;
-    if (const auto failure = wait_for(target)) throw index_error(*failure + unsaved_is_kept);
+    if (const auto failure = wait_for(target)) throw std::runtime_error(*failure + unsaved_is_kept);
 }
 
 void index_writer::wait_loaded() {
-    if (const auto failure = wait_for(loaded_target)) throw index_error(*failure);
+    if (const auto failure = wait_for(loaded_target)) throw std::runtime_error(*failure);
 }
 
 bool index_writer::pending() const {

@@ -36,8 +36,8 @@ public:
     /// The jobs are saved together. [any-thread]
     void enqueue(std::vector<index_job> jobs);
 
-    /// Wait until the database has been loaded, or until all that was queued before is on disk. Throw index_error when an
-    /// attempt begun after the call has failed. [any-thread]
+    /// Wait until the database has been loaded, or until all that was queued before is on disk. Throw std::runtime_error
+    /// when an attempt begun after the call has failed. [any-thread]
     void wait_loaded();
     void flush();
     [[nodiscard]] bool pending() const;

@@ -1,0 +1,229 @@
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <functional>
+#include <latch>
+
+#include "tests/player/index/faulty_disk.h"
+#include "tests/player/index/records.h"
+
+namespace ostrevan {
+namespace {
+
+using index_store_fault = index_folder;
+using namespace std::chrono_literals;
+const index_store::options only_when_asked{.retry_interval = 1h, .busy_timeout = 1ms, .clock = {}};
+
+void expect_named(const std::exception& error, const std::filesystem::path& path, const char* reason) {
+    const std::string text = error.what();
+    EXPECT_NE(text.find(path.string()), text.npos) << text;
+    EXPECT_NE(text.find(reason), text.npos) << text;
+}
+
+/// Runs a statement as another program would.
+void run_beside(const std::filesystem::path& path, const char* sql) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    sqlite3_close(database);
+}
+
+TEST_F(index_store_fault, refuses_a_file_it_cannot_use_and_leaves_it_as_it_is) {
+    const auto spoil = [&](std::size_t from, std::size_t to) {
+        std::string bytes = file_bytes();
+        std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(from), bytes.begin() + static_cast<std::ptrdiff_t>(to), 'x');
+        std::ofstream(path_, std::ios::binary) << bytes;
+    };
+    const std::vector<std::pair<const char*, std::function<void()>>> cases = {
+        {"not a database", [&] { spoil(0, 16); }},
+        {"newer version", [&] { run_beside(path_, "PRAGMA user_version = 2"); }},
+        {"another program", [&] { run_beside(path_, "PRAGMA application_id = 1"); }},
+        {"malformed", [&] { std::filesystem::resize_file(path_, 4096); }},
+        {"malformed", [&] { spoil(100, 2000); }},
+        {"malformed", [&] { run_beside(path_, "UPDATE indexes SET guid = 'x'"); }},
+    };
+    for (const auto& [reason, prepare] : cases) {
+        SCOPED_TRACE(reason);
+        std::filesystem::remove(path_);
+        index_store(path_, fail_on_report).write(plays, 1, record_of(1));
+        prepare();
+        const std::string before = file_bytes();
+        try {
+            const index_store store(path_, fail_on_report);
+            ADD_FAILURE() << "accepted";
+        } catch (const std::runtime_error& error) {
+            expect_named(error, path_, reason);
+        }
+        EXPECT_EQ(file_bytes(), before);
+    }
+    try {
+        const index_store store(folder_ / "missing" / "index.sqlite", fail_on_report);
+        ADD_FAILURE() << "accepted";
+    } catch (const std::runtime_error& error) {
+        expect_named(error, folder_ / "missing" / "index.sqlite", "folder");
+    }
+}
+
+TEST_F(index_store_fault, says_that_a_folder_or_a_file_may_not_be_written) {
+    constexpr uid_t nobody = 65534;
+    const auto open_as_nobody = [&] {
+        if (geteuid() == 0 && setuid(nobody) != 0) _exit(2);
+        try {
+            index_store(path_, fail_on_report).write(plays, 1, record_of(1));
+        } catch (const std::runtime_error& error) {
+            std::fputs(error.what(), stderr);
+            _exit(1);
+        }
+        _exit(0);
+    };
+    std::filesystem::permissions(folder_, std::filesystem::perms(0555));
+    EXPECT_EXIT(open_as_nobody(), testing::ExitedWithCode(1), "index.sqlite.*writable");
+    std::filesystem::permissions(folder_, std::filesystem::perms(0755));
+    { const index_store store(path_, fail_on_report); }
+    std::filesystem::permissions(path_, std::filesystem::perms(0444));
+    std::filesystem::permissions(folder_, std::filesystem::perms(0777));
+    EXPECT_EXIT(open_as_nobody(), testing::ExitedWithCode(1), "index.sqlite.*writable");
+}
+
+TEST_F(index_store_fault, leaves_a_file_alone_whose_damage_shows_only_when_it_is_read) {
+    {
+        index_store store(path_, fail_on_report);
+        index_transaction transaction = store.begin();
+        for (std::uint64_t key = 1; key <= 2000; ++key) transaction.write(plays, key, record_of(key));
+        transaction.commit();
+    }
+    std::string bytes = file_bytes();
+    bytes.replace(20 * 4096, 4096, 4096, '\x55');
+    std::ofstream(path_, std::ios::binary) << bytes;
+    std::latch reported(1);
+    {
+        index_store store(
+            path_,
+            [&](const std::string& text) {
+                expect_named(std::runtime_error(text), path_, "malformed");
+                if (!reported.try_wait()) reported.count_down();
+            },
+            only_when_asked);
+        reported.wait();
+        EXPECT_THROW(static_cast<void>(store.keys(plays)), std::runtime_error);
+        EXPECT_EQ(stored(store, plays, 1), record_of(1)) << "what can be read is answered";
+        store.write(plays, 1, record_of(1, 1));
+        EXPECT_EQ(stored(store, plays, 1), record_of(1, 1));
+        EXPECT_THROW(store.flush(), std::runtime_error);
+    }
+    EXPECT_EQ(file_bytes(), bytes);
+}
+
+TEST_F(index_store_fault, waits_for_another_program_and_then_names_it) {
+    index_store store(
+        path_, [](const std::string&) {}, only_when_asked);
+    static_cast<void>(store.keys(plays));
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(path_.c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    store.write(plays, 1, record_of(1));
+    try {
+        store.flush();
+        ADD_FAILURE() << "saved";
+    } catch (const std::runtime_error& error) {
+        expect_named(error, path_, "Another program");
+    }
+    sqlite3_close(other);
+    store.flush();
+}
+
+TEST_F(index_store_fault, loses_nothing_acknowledged_wherever_the_disk_fails) {
+    faulty_disk disk;
+    const auto copy = folder_ / "copy.sqlite";
+    for (const int code : {SQLITE_FULL, SQLITE_IOERR_WRITE}) {
+        bool was_reached = true;
+        for (long step = 0; was_reached; ++step) {
+            SCOPED_TRACE(step);
+            for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_.string() + suffix);
+            std::atomic<int> reports = 0;
+            {
+                index_store store(
+                    path_, [&](const std::string&) { ++reports; }, only_when_asked);
+                store.write(plays, 1, record_of(1));
+                store.flush();
+                disk.fail_after(step, code);
+                for (std::uint64_t key = 2; key < 200; ++key) store.write(plays, key, record_of(key));
+                store.write(plays, 1, record_of(1, 1));
+                bool is_durable = true;
+                try {
+                    store.flush();
+                } catch (const std::runtime_error& error) {
+                    is_durable = false;
+                    expect_named(error, path_, "try again");
+                    EXPECT_THROW(store.flush(), std::runtime_error);
+                }
+                was_reached = disk.has_failed();
+                disk.heal();
+                EXPECT_EQ(is_durable, !was_reached);
+                for (const char* suffix : {"", "-wal"})  // what would be found if the machine stopped here
+                    std::filesystem::copy_file(path_.string() + suffix, copy.string() + suffix,
+                                               std::filesystem::copy_options::overwrite_existing);
+                const index_store found(copy, fail_on_report);
+                EXPECT_TRUE(stored(found, plays, 1) == record_of(1, is_durable) ||
+                            stored(found, plays, 1) == record_of(1, 1));
+                EXPECT_EQ(stored(store, plays, 199), record_of(199)) << "memory keeps what could not be saved";
+                store.flush();
+                EXPECT_EQ(reports, was_reached ? 1 : 0);
+            }
+            const index_store reopened(path_, fail_on_report);
+            EXPECT_EQ(stored(reopened, plays, 1), record_of(1, 1));
+            EXPECT_EQ(reopened.keys(plays).size(), 199U);
+        }
+    }
+}
+
+/// Acknowledges every number after it is on disk, until it is killed. Each number is a transaction of three records.
+[[noreturn]] void write_numbers(const std::filesystem::path& path, std::uint64_t next, int acknowledge) {
+    index_store store(path, [](const std::string&) {});
+    for (;; ++next) {
+        index_transaction transaction = store.begin();
+        for (std::uint64_t part = 0; part < 3; ++part) transaction.write(plays, next * 3 + part, record_of(next, part));
+        transaction.commit();
+        store.flush();
+        if (::write(acknowledge, &next, sizeof next) != sizeof next) _exit(1);
+    }
+}
+
+TEST_F(index_store_fault, loses_nothing_acknowledged_when_killed) {
+    std::uint64_t last = 0;
+    for (unsigned kill_number = 0; kill_number < 40; ++kill_number) {
+        SCOPED_TRACE(kill_number);
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) write_numbers(path_, last + 1, ends[1]);
+        close(ends[1]);
+        // Kills come at the start, between two acknowledgements and a while after one.
+        for (unsigned i = 0; i < kill_number % 7; ++i) ASSERT_EQ(::read(ends[0], &last, sizeof last), ssize_t{sizeof last});
+        for (std::atomic<unsigned> wait = 0; wait < kill_number * 7919 % 40 * 20'000; ++wait) {
+        }
+        kill(child, SIGKILL);
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        while (::read(ends[0], &last, sizeof last) == ssize_t{sizeof last}) {
+        }
+        close(ends[0]);
+
+        const index_store store(path_, fail_on_report);
+        const auto keys = store.keys(plays);
+        ASSERT_GE(keys.size(), last * 3);
+        ASSERT_EQ(keys.size() % 3, 0U) << "a transaction in part";
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            ASSERT_EQ(keys[i], i + 3);
+            ASSERT_EQ(stored(store, plays, keys[i]), record_of(keys[i] / 3, keys[i] % 3));
+        }
+        last = keys.size() / 3;
+    }
+    EXPECT_GT(last, 40U);
+}
+
+}  // namespace
+}  // namespace ostrevan

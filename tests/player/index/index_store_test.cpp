@@ -1,0 +1,173 @@
+#include "player/index/index_store.h"
+
+#include <atomic>
+#include <latch>
+#include <limits>
+#include <thread>
+
+#include "tests/player/index/records.h"
+
+namespace ostrevan {
+namespace {
+
+using index_store_test = index_folder;
+constexpr std::uint64_t highest_key = std::numeric_limits<std::uint64_t>::max();
+
+TEST_F(index_store_test, answers_the_same_before_while_and_after_loading) {
+    const std::vector<std::pair<std::uint64_t, std::size_t>> records = {
+        {0, 40}, {1, 1}, {2, 39}, {3, 40}, {4, 41}, {5, index_store::max_record_size}, {highest_key, 40}};
+    const auto check = [&](const index_store& store) {
+        for (const auto& [key, size] : records) EXPECT_EQ(stored(store, plays, key), record_of(key, 7, size)) << key;
+        EXPECT_EQ(stored(store, plays, 6), std::nullopt);
+        EXPECT_EQ(stored(store, moods, 3), std::nullopt);
+    };
+    {
+        index_store store(path_, fail_on_report);
+        for (const auto& [key, size] : records) store.write(plays, key, record_of(key, 0, 40));
+        for (const auto& [key, size] : records) store.write(plays, key, record_of(key, 7, size));
+        check(store);
+    }
+    const index_store reopened(path_, fail_on_report);
+    check(reopened);
+    EXPECT_EQ(reopened.keys(plays), (std::vector<std::uint64_t>{0, 1, 2, 3, 4, 5, highest_key}));
+    EXPECT_EQ(reopened.indexes(), std::vector{plays});
+    check(reopened);
+}
+
+TEST_F(index_store_test, copies_no_more_than_fits_and_tells_the_whole_size) {
+    index_store store(path_, fail_on_report);
+    for (const std::size_t size : {40U, 100U}) {
+        store.write(plays, 1, record_of(1, 2, size));
+        record_bytes buffer(50, std::byte{0xEE});
+        EXPECT_EQ(store.read(plays, 1, buffer.data(), 30), size);
+        EXPECT_TRUE(std::equal(buffer.begin(), buffer.begin() + 30, record_of(1, 2).begin()));
+        EXPECT_EQ(std::ranges::count(buffer, std::byte{0xEE}), 20);
+        EXPECT_EQ(store.read(plays, 1, nullptr, 0), size);
+    }
+    EXPECT_THROW(store.write(plays, 1, record_of(1, 0, index_store::max_record_size + 1)), std::invalid_argument);
+}
+
+TEST_F(index_store_test, applies_a_transaction_as_a_whole_or_not_at_all) {
+    {
+        index_store store(path_, fail_on_report);
+        store.write(plays, 1, record_of(1));
+        {
+            index_transaction dropped = store.begin();
+            dropped.write(plays, 1, record_of(1, 9));
+            dropped.write(moods, 2, record_of(2, 9));
+            EXPECT_THROW(static_cast<void>(store.begin()), std::logic_error);
+            EXPECT_THROW(store.write(plays, 1, {}), std::logic_error);
+        }
+        EXPECT_EQ(stored(store, plays, 1), record_of(1));
+        index_transaction kept = store.begin();
+        kept.write(plays, 3, record_of(3, 1));
+        kept.write(moods, 3, record_of(3, 5));
+        kept.write(plays, 3, record_of(3, 2));
+        EXPECT_EQ(stored(store, plays, 3), std::nullopt);
+        kept.commit();
+        EXPECT_THROW(kept.write(plays, 1, {}), std::logic_error);
+        EXPECT_EQ(stored(store, plays, 3), record_of(3, 2));
+    }
+    const index_store reopened(path_, fail_on_report);
+    EXPECT_EQ(reopened.keys(plays), (std::vector<std::uint64_t>{1, 3}));
+    EXPECT_EQ(stored(reopened, plays, 1), record_of(1));
+    EXPECT_EQ(stored(reopened, plays, 3), record_of(3, 2));
+    EXPECT_EQ(stored(reopened, moods, 3), record_of(3, 5));
+}
+
+TEST_F(index_store_test, loses_no_update_when_several_threads_add_in_transactions) {
+    index_store store(path_, fail_on_report);
+    constexpr int threads = 4, additions = 200;
+    {
+        std::vector<std::jthread> adders;
+        for (int i = 0; i < threads; ++i)
+            adders.emplace_back([&] {
+                for (int n = 0; n < additions; ++n) {
+                    index_transaction transaction = store.begin();
+                    std::uint64_t count = 0;
+                    store.read(plays, 1, &count, sizeof count);
+                    ++count;
+                    transaction.write(plays, 1, std::as_bytes(std::span(&count, 1)));
+                    transaction.commit();
+                }
+            });
+    }
+    std::uint64_t count = 0;
+    store.read(plays, 1, &count, sizeof count);
+    EXPECT_EQ(count, static_cast<std::uint64_t>(threads * additions));
+}
+
+TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading_and_growing) {
+    constexpr std::uint64_t keys = 20'000;
+    const auto write_all = [](index_store& store, std::uint64_t count, std::uint64_t version) {
+        index_transaction transaction = store.begin();
+        for (std::uint64_t key = 1; key <= count; ++key) transaction.write(plays, key, record_of(key, version));
+        transaction.commit();
+    };
+    {
+        index_store store(path_, fail_on_report);
+        write_all(store, keys, 1);
+    }
+    index_store store(path_, fail_on_report);
+    std::atomic<bool> is_over = false;
+    std::vector<std::jthread> readers;
+    for (int i = 0; i < 2; ++i)
+        readers.emplace_back([&] {
+            std::vector<std::uint64_t> newest(keys + 1, 1);
+            for (std::uint64_t key = 1; !is_over; key = key % keys + 1) {
+                std::array<std::uint64_t, 5> data{};
+                ASSERT_EQ(store.read(plays, key, data.data(), sizeof data), sizeof data) << key;
+                ASSERT_GE(data[1], newest[key]) << key;
+                newest[key] = data[1];
+                ASSERT_EQ(data, (std::array{key, newest[key], key, newest[key], key}));
+            }
+        });
+    for (std::uint64_t version = 2; version < 6; ++version) write_all(store, keys * version / 2, version);
+    EXPECT_EQ(store.keys(plays).size(), keys * 5 / 2);
+    is_over = true;
+}
+
+TEST_F(index_store_test, drops_only_records_of_registered_indexes_that_were_not_seen_for_long) {
+    constexpr std::int64_t day = 86'400;
+    constexpr std::uint64_t week_100ns = 7 * day * 10'000'000ULL;
+    std::int64_t today = 100 * day;
+    const index_store::options settings{.retry_interval = std::chrono::hours(1), .clock = [&] { return today; }};
+    {
+        index_store store(path_, fail_on_report, settings);
+        store.register_index(plays, week_100ns);
+        for (const std::uint64_t key : {1, 2, 3, 4}) store.write(plays, key, record_of(key));
+        store.write(moods, 1, record_of(1));
+        today += 6 * day;
+        store.write(plays, 2, record_of(2, 1));                          // a write marks as seen
+        store.touch(plays, std::array<std::uint64_t, 2>{3, 77}, today);  // so does a track; 77 has no record
+        EXPECT_EQ(store.purge(plays, today + day), 0U) << "exactly as long as the retention is not longer";
+    }
+    index_store store(path_, fail_on_report, settings);
+    EXPECT_TRUE(store.registered(plays));
+    EXPECT_EQ(store.purge(plays, today + day + 1), 2U);
+    EXPECT_EQ(store.keys(plays), (std::vector<std::uint64_t>{2, 3}));
+    EXPECT_EQ(stored(store, plays, 1), std::nullopt);
+    EXPECT_EQ(store.purge(moods, today + 1000 * day), 0U);
+    store.remove_index(plays);
+    EXPECT_FALSE(store.registered(plays));
+    EXPECT_EQ(store.purge(plays, today + 1000 * day), 0U);
+    EXPECT_EQ(stored(store, plays, 2), record_of(2, 1));
+    store.register_index(plays, week_100ns);
+    store.write(plays, 4, record_of(4));
+    EXPECT_EQ(store.purge(plays, today + 8 * day), 3U);
+    store.write(plays, 1, record_of(1));
+    EXPECT_EQ(store.keys(plays), std::vector<std::uint64_t>{1});
+}
+
+TEST_F(index_store_test, keeps_a_purge_after_restart) {
+    {
+        index_store store(path_, fail_on_report);
+        store.register_index(plays, 1);
+        store.write(plays, 1, record_of(1));
+        EXPECT_EQ(store.purge(plays, std::numeric_limits<std::int64_t>::max() / 2), 1U);
+    }
+    EXPECT_TRUE(index_store(path_, fail_on_report).keys(plays).empty());
+}
+
+}  // namespace
+}  // namespace ostrevan

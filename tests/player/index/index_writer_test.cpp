@@ -1,0 +1,105 @@
+#include "player/index/index_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <semaphore>
+#include <stdexcept>
+
+namespace ostrevan::indexing {
+namespace {
+
+using namespace std::chrono_literals;
+
+index_job seen(std::uint64_t key) { return seen_keys{1, 0, {key}}; }
+bool loaded(const std::stop_token&) { return true; }
+void ignore(const std::string&) {}
+
+TEST(index_writer, saves_all_that_came_while_it_was_busy_in_one_go) {
+    std::binary_semaphore busy(0), go_on(0);
+    std::vector<std::size_t> sizes;
+    index_writer writer({.load = loaded,
+                         .save =
+                             [&](std::span<const index_job> jobs) {
+                                 sizes.push_back(jobs.size());
+                                 if (sizes.size() > 1) return;
+                                 busy.release();
+                                 go_on.acquire();
+                             },
+                         .report = ignore},
+                        1h);
+    writer.enqueue({seen(1)});
+    busy.acquire();
+    for (std::uint64_t key = 2; key < 5; ++key) writer.enqueue({seen(key), seen(key)});
+    EXPECT_TRUE(writer.pending());
+    go_on.release();
+    writer.flush();
+    EXPECT_FALSE(writer.pending());
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 6}));
+}
+
+TEST(index_writer, keeps_what_fails_tries_again_by_itself_and_reports_once) {
+    std::atomic<bool> is_full = true;
+    std::atomic<int> reports = 0;
+    std::size_t saved = 0;
+    std::counting_semaphore<> attempts(0);
+    index_writer writer({.load = loaded,
+                         .save =
+                             [&](std::span<const index_job> jobs) {
+                                 attempts.release();
+                                 if (is_full) throw std::runtime_error("disk full.");
+                                 saved += jobs.size();
+                             },
+                         .report = [&](const std::string&) { ++reports; }},
+                        1ms);
+    writer.enqueue({seen(1)});
+    for (int i = 0; i < 5; ++i) attempts.acquire();
+    writer.enqueue({seen(2)});
+    try {
+        writer.flush();
+        ADD_FAILURE() << "flush succeeded";
+    } catch (const std::runtime_error& error) {
+        EXPECT_TRUE(std::string(error.what()).starts_with("disk full. What has not been saved is kept")) << error.what();
+    }
+    EXPECT_TRUE(writer.pending());
+    is_full = false;
+    writer.flush();
+    EXPECT_EQ(saved, 2U);
+    EXPECT_EQ(reports, 1);
+}
+
+TEST(index_writer, writes_nothing_before_all_has_been_read) {
+    std::atomic<bool> is_readable = false;
+    std::atomic<bool> has_saved = false;
+    index_writer writer({.load =
+                             [&](const std::stop_token&) {
+                                 if (!is_readable) throw std::runtime_error("unreadable.");
+                                 return true;
+                             },
+                         .save = [&](std::span<const index_job>) { has_saved = true; },
+                         .report = ignore},
+                        1h);
+    writer.enqueue({seen(1)});
+    EXPECT_THROW(writer.flush(), std::runtime_error);
+    EXPECT_THROW(writer.wait_loaded(), std::runtime_error);
+    EXPECT_FALSE(has_saved);
+    is_readable = true;
+    writer.flush();
+    EXPECT_TRUE(has_saved);
+}
+
+TEST(index_writer, reports_what_is_lost_at_the_end) {
+    std::vector<std::string> reports;
+    {
+        index_writer writer({.load = loaded,
+                             .save = [](std::span<const index_job>) { throw std::runtime_error("disk full."); },
+                             .report = [&](const std::string& text) { reports.push_back(text); }},
+                            1h);
+        writer.enqueue({seen(1)});
+    }
+    ASSERT_FALSE(reports.empty());
+    EXPECT_EQ(reports.back(), "The last changes could not be saved and are lost. disk full.");
+}
+
+}  // namespace
+}  // namespace ostrevan::indexing
