@@ -14,7 +14,7 @@ namespace ostrevan::front {
 /// A context menu as it stands for one selection: submenus and commands, in the order in which components registered them.
 /// It keeps what the components built for it, so it must be released before they are. [main-thread]
 struct menu_entry {
-    std::string text;
+    std::string text{};
     unsigned flags = 0;
     /// What the player knows the command by; zero for a submenu of the player's own making.
     nuv::guid id{};
