@@ -1,0 +1,86 @@
+#include "player/tags/open_file.h"
+
+#include <aifffile.h>
+#include <apefile.h>
+#include <asffile.h>
+#include <fcntl.h>
+#include <flacfile.h>
+#include <id3v2framefactory.h>
+#include <mp4file.h>
+#include <mpegfile.h>
+#include <oggflacfile.h>
+#include <opusfile.h>
+#include <speexfile.h>
+#include <sys/stat.h>
+#include <trueaudiofile.h>
+#include <vorbisfile.h>
+#include <wavfile.h>
+#include <wavpackfile.h>
+
+#include <cerrno>
+
+#include "player/tags/errors.h"
+
+namespace ostrevan::tags {
+namespace {
+
+using file_pointer = std::unique_ptr<TagLib::File>;
+
+template <class File>
+file_pointer open_plain(TagLib::IOStream& stream) {
+    return std::make_unique<File>(&stream, true, TagLib::AudioProperties::Fast);
+}
+
+template <class File>
+file_pointer open_with_frames(TagLib::IOStream& stream) {
+    return std::make_unique<File>(&stream, TagLib::ID3v2::FrameFactory::instance(), true, TagLib::AudioProperties::Fast);
+}
+
+/// In the order of `container`.
+constexpr file_pointer (*openers[])(TagLib::IOStream&) = {
+    open_with_frames<TagLib::MPEG::File>, open_with_frames<TagLib::FLAC::File>, open_plain<TagLib::Ogg::Vorbis::File>,
+    open_plain<TagLib::Ogg::Opus::File>,  open_plain<TagLib::Ogg::Speex::File>, open_plain<TagLib::Ogg::FLAC::File>,
+    open_plain<TagLib::MP4::File>,        open_plain<TagLib::WavPack::File>,    open_plain<TagLib::APE::File>,
+    open_plain<TagLib::RIFF::WAV::File>,  open_plain<TagLib::RIFF::AIFF::File>, open_plain<TagLib::ASF::File>,
+    open_plain<TagLib::TrueAudio::File>,
+};
+
+void require_regular(const std::string& path, const struct stat& about) {
+    if (S_ISDIR(about.st_mode)) throw tag_error(path, "is a folder, not an audio file");
+    if (!S_ISREG(about.st_mode)) throw tag_error(path, "is not a regular file (a pipe, socket or device)");
+    if (about.st_size == 0) throw tag_error(path, "is empty; replace it by a copy with its audio");
+}
+
+}  // namespace
+
+descriptor open_regular(const std::string& path, file_stream::access mode) {
+    struct stat about {};
+    if (stat(path.c_str(), &about) != 0) throw tag_error(path, "cannot be opened: " + reason_of_errno(errno));
+    require_regular(path, about);
+    const int flags = (mode == file_stream::access::write ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    descriptor file(open(path.c_str(), flags));
+    if (!file) throw tag_error(path, "cannot be opened: " + reason_of_errno(errno));
+    // The name may have come to mean something else since it was looked at.
+    if (fstat(file.get(), &about) != 0) throw tag_error(path, "cannot be examined: " + reason_of_errno(errno));
+    require_regular(path, about);
+    return file;
+}
+
+opened_file open_audio(const std::string& path, file_stream::access mode) {
+    opened_file result;
+    result.stream = std::make_unique<file_stream>(path, open_regular(path, mode), mode);
+    const auto kind = detect(*result.stream, path);
+    if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
+    if (!kind) throw tag_error(path, "is not an audio file of a supported format");
+    result.kind = *kind;
+    result.stream->seek(0, TagLib::IOStream::Beginning);
+    result.file = openers[static_cast<std::size_t>(*kind)](*result.stream);
+    if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
+    const auto* sound = result.file->isValid() ? result.file->audioProperties() : nullptr;
+    if (sound == nullptr || sound->sampleRate() <= 0)
+        throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
+                                  " sound was found in it");
+    return result;
+}
+
+}  // namespace ostrevan::tags

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <tfile.h>
+
+#include <memory>
+#include <string>
+
+#include "player/tags/file_stream.h"
+#include "player/tags/formats.h"
+
+namespace ostrevan::tags {
+
+/// An audio file under TagLib. The stream outlives the file that reads from it.
+struct opened_file {
+    std::unique_ptr<file_stream> stream;
+    container kind{};
+    std::unique_ptr<TagLib::File> file;
+};
+
+/// Opens a regular file without ever waiting for it: what is a pipe, a device or a folder is refused, not opened.
+/// @throws tag_error
+descriptor open_regular(const std::string& path, file_stream::access mode);
+
+/// Opens the file by what its bytes say. @throws tag_error: no such file, not permitted, empty, no supported audio in it.
+opened_file open_audio(const std::string& path, file_stream::access mode = file_stream::access::read);
+
+}  // namespace ostrevan::tags

@@ -1,0 +1,143 @@
+#include "player/tags/reader.h"
+
+#include <apefile.h>
+#include <apetag.h>
+#include <asffile.h>
+#include <asftag.h>
+#include <flacfile.h>
+#include <id3v1tag.h>
+#include <id3v2tag.h>
+#include <infotag.h>
+#include <mp4file.h>
+#include <mpegfile.h>
+#include <tpropertymap.h>
+#include <trueaudiofile.h>
+#include <wavfile.h>
+#include <wavpackfile.h>
+#include <xiphcomment.h>
+
+#include "player/tags/field_names.h"
+#include "player/tags/freeform.h"
+#include "player/tags/tag_fields.h"
+
+namespace ostrevan::tags {
+namespace {
+
+/// "3/12" becomes the number 3 and the total 12; a text that is no such pair stays as it is.
+void add_number(const number_pair& pair, const std::string& text, file_info& info) {
+    const auto slash = text.find('/');
+    const bool digits_only = text.find_first_not_of("0123456789/ ") == std::string::npos;
+    if (slash == std::string::npos || !digits_only) {
+        info.meta_add(pair.number_field, text);
+        return;
+    }
+    const auto trimmed = [](std::string_view part) {
+        const auto first = part.find_first_not_of(' ');
+        return first == part.npos ? std::string() : std::string(part.substr(first, part.find_last_not_of(' ') + 1 - first));
+    };
+    const auto number = trimmed(std::string_view(text).substr(0, slash));
+    const auto total = trimmed(std::string_view(text).substr(slash + 1));
+    if (!number.empty()) info.meta_add(pair.number_field, number);
+    if (!total.empty() && !info.meta_exists(pair.total_field)) info.meta_add(pair.total_field, total);
+}
+
+void add_values(const std::string& key, const TagLib::StringList& values, file_info& info) {
+    const std::string field = field_of_key(key);
+    if (info.meta_exists(field)) return;  // another spelling of the field came first
+    if (const auto* pair = pair_of_field(field); pair != nullptr && field == pair->number_field) {
+        for (const auto& value : values) add_number(*pair, value.to8Bit(true), info);
+        return;
+    }
+    std::vector<std::string> texts;
+    for (const auto& value : values) texts.push_back(value.to8Bit(true));
+    if (!texts.empty()) info.meta_set_values(field, std::move(texts));
+}
+
+/// Tags of a file in the order asked for, without those that are missing or hold no field.
+std::vector<TagLib::Tag*> filled(std::initializer_list<TagLib::Tag*> tags) {
+    std::vector<TagLib::Tag*> result;
+    for (auto* tag : tags)
+        if (tag != nullptr && !tag->isEmpty()) result.push_back(tag);
+    return result;
+}
+
+/// `Tag::properties` is not virtual: called on the base it knows seven fields only.
+template <class... Tags>
+TagLib::PropertyMap properties_of(const TagLib::Tag& tag) {
+    TagLib::PropertyMap properties = tag.properties();
+    const auto ask = [&](const auto* exact) {
+        if (exact != nullptr) properties = exact->properties();
+        return exact != nullptr;
+    };
+    (ask(dynamic_cast<const Tags*>(&tag)) || ...);
+    return properties;
+}
+
+}  // namespace
+
+std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
+    auto* file = opened.file.get();
+    switch (opened.kind) {
+        case container::mpeg: {
+            auto& mpeg = dynamic_cast<TagLib::MPEG::File&>(*file);
+            return filled({mpeg.ID3v2Tag(), mpeg.APETag(), mpeg.ID3v1Tag()});
+        }
+        case container::flac: {
+            auto& flac = dynamic_cast<TagLib::FLAC::File&>(*file);
+            return filled({flac.xiphComment(), flac.ID3v2Tag(), flac.ID3v1Tag()});
+        }
+        case container::true_audio: {
+            auto& tta = dynamic_cast<TagLib::TrueAudio::File&>(*file);
+            return filled({tta.ID3v2Tag(), tta.ID3v1Tag()});
+        }
+        case container::wavpack: {
+            auto& wavpack = dynamic_cast<TagLib::WavPack::File&>(*file);
+            return filled({wavpack.APETag(), wavpack.ID3v1Tag()});
+        }
+        case container::monkeys_audio: {
+            auto& ape = dynamic_cast<TagLib::APE::File&>(*file);
+            return filled({ape.APETag(), ape.ID3v1Tag()});
+        }
+        case container::wav: {
+            auto& wav = dynamic_cast<TagLib::RIFF::WAV::File&>(*file);
+            return filled({wav.ID3v2Tag(), wav.InfoTag()});
+        }
+        default:
+            return filled({file->tag()});
+    }
+}
+
+void add_tag_fields(const TagLib::Tag& tag, file_info& info) {
+    const auto properties =
+        properties_of<TagLib::ID3v2::Tag, TagLib::Ogg::XiphComment, TagLib::APE::Tag, TagLib::MP4::Tag, TagLib::ASF::Tag>(tag);
+    for (const auto& [key, values] : properties) add_values(key.to8Bit(true), values, info);
+    if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
+        for (const auto& [key, values] : freeform_fields(*mp4)) add_values(key, values, info);
+    if (const auto* asf = dynamic_cast<const TagLib::ASF::Tag*>(&tag))
+        for (const auto& [key, values] : freeform_fields(*asf)) add_values(key, values, info);
+}
+
+void add_fields(const opened_file& opened, file_info& info) {
+    for (const auto* tag : tags_by_precedence(opened)) {
+        if (info.meta_count() == 0) {
+            add_tag_fields(*tag, info);
+            continue;
+        }
+        file_info later;
+        add_tag_fields(*tag, later);
+        for (const auto field : statistics_fields)
+            if (const auto index = later.meta_find(field); index != file_info::npos && !info.meta_exists(field))
+                info.meta_set_values(field, later.meta_values(index));
+    }
+}
+
+file_info info_of(const opened_file& opened) {
+    file_info info;
+    add_fields(opened, info);
+    add_sound(opened, info);
+    return info;
+}
+
+file_info read_file(const std::string& path) { return info_of(open_audio(path)); }
+
+}  // namespace ostrevan::tags

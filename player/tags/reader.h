@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "ostrevan/file_info.h"
+
+namespace ostrevan::tags {
+
+/// The fields and the sound of one audio file. Field names are lower-case; docs/tag-storage.md says where each is found and
+/// which tag of several wins. The length comes from sample counts where the format has them, else in milliseconds.
+/// [any-thread] Several files may be read at once. Never waits for a pipe or device.
+/// @throws tag_error with the file and the reason.
+file_info read_file(const std::string& path);
+
+}  // namespace ostrevan::tags

@@ -1,0 +1,67 @@
+#include <aifffile.h>
+#include <apefile.h>
+#include <asffile.h>
+#include <flacfile.h>
+#include <mp4file.h>
+#include <mpegfile.h>
+#include <trueaudiofile.h>
+#include <wavpackfile.h>
+#include <wavfile.h>
+
+#include "player/tags/tag_fields.h"
+
+namespace ostrevan::tags {
+namespace {
+
+/// Samples of one channel, 0 where the format's reader knows only milliseconds.
+template <class... Properties>
+double sample_frames(const TagLib::AudioProperties& sound) {
+    double frames = 0;
+    const auto ask = [&]<class P>(const P* exact) {
+        if (exact != nullptr) frames = static_cast<double>(exact->sampleFrames());
+    };
+    (ask(dynamic_cast<const Properties*>(&sound)), ...);
+    return frames;
+}
+
+std::string codec_of(container kind, const TagLib::AudioProperties& sound) {
+    if (const auto* mpeg = dynamic_cast<const TagLib::MPEG::Properties*>(&sound))
+        return "MP" + std::to_string(mpeg->layer());
+    if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Properties*>(&sound))
+        return mp4->codec() == TagLib::MP4::Properties::ALAC ? "ALAC" : "AAC";
+    if (const auto* asf = dynamic_cast<const TagLib::ASF::Properties*>(&sound)) {
+        constexpr const char* names[] = {"WMA", "WMA 1", "WMA 2", "WMA Pro", "WMA Lossless"};
+        return names[asf->codec()];
+    }
+    switch (kind) {
+        case container::wav:
+        case container::aiff:
+            return "PCM";
+        case container::vorbis:
+            return "Vorbis";
+        case container::ogg_flac:
+            return "FLAC";
+        case container::true_audio:
+            return "TTA";
+        default:
+            return std::string(name_of(kind));
+    }
+}
+
+std::uint32_t positive(int number) { return number > 0 ? static_cast<std::uint32_t>(number) : 0; }
+
+}  // namespace
+
+void add_sound(const opened_file& opened, file_info& info) {
+    const auto& sound = *opened.file->audioProperties();
+    info.sample_rate = positive(sound.sampleRate());
+    info.channels = positive(sound.channels());
+    info.bitrate = positive(sound.bitrate());
+    info.set_codec(codec_of(opened.kind, sound));
+    const double frames =
+        sample_frames<TagLib::FLAC::Properties, TagLib::RIFF::WAV::Properties, TagLib::RIFF::AIFF::Properties,
+                      TagLib::APE::Properties, TagLib::WavPack::Properties, TagLib::TrueAudio::Properties>(sound);
+    info.set_length(frames > 0 ? frames / sound.sampleRate() : sound.lengthInMilliseconds() / 1000.0);
+}
+
+}  // namespace ostrevan::tags

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "ostrevan/file_info.h"
+#include "player/tags/open_file.h"
+
+namespace ostrevan::tags {
+
+/// The tags of the file that hold anything, the one that wins first. docs/tag-storage.md has the table.
+std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened);
+
+/// The fields of one tag under the player's names, added to what is in `info` already.
+void add_tag_fields(const TagLib::Tag& tag, file_info& info);
+
+/// Fields of the first tag, and the statistics that only later tags hold.
+void add_fields(const opened_file& opened, file_info& info);
+
+/// Length, rate, channels, bit rate and the name of the coding.
+void add_sound(const opened_file& opened, file_info& info);
+
+/// All of it.
+file_info info_of(const opened_file& opened);
+
+}  // namespace ostrevan::tags
