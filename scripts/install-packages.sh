@@ -1,0 +1,83 @@
+#!/usr/bin/env bash
+# Installs the distribution packages the project needs and that are missing. Debian 12 or a current Ubuntu.
+#   run    what the built player needs and the sample music is made with
+#   build  that and what compiles it
+#   test   that and what the tests and the lint use (the default)
+set -euo pipefail
+
+# One need a word; alternatives, the preferred one first, stand between bars where distributions differ.
+run_packages=(ffmpeg)
+build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcli11-dev libsqlite3-dev libssl-dev
+    "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev)
+test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev clang-format clang-tidy shellcheck sox libsox-fmt-all flac
+    vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace)
+
+needs=("${run_packages[@]}")
+case "${1:-test}" in
+    run) ;;
+    build) needs+=("${build_packages[@]}") ;;
+    test) needs+=("${build_packages[@]}" "${test_packages[@]}") ;;
+    -h | --help)
+        sed -n '2,5s/^# \{0,1\}//p' "$0"
+        exit 0
+        ;;
+    *)
+        echo "install-packages: unknown set '$1'; use run, build or test" >&2
+        exit 2
+        ;;
+esac
+
+if ! command -v dpkg-query >/dev/null; then
+    echo "install-packages: this system has no dpkg. Please install the counterparts of these packages yourself:" >&2
+    printf '  %s\n' "${needs[@]}" >&2
+    exit 1
+fi
+
+mapfile -t names < <(printf '%s\n' "${needs[@]}" | tr '|' '\n')
+# Fails as soon as one name is unknown, and prints what it knows of the others all the same.
+installed=$(dpkg-query -W -f ' ${Package}:${db:Status-Status} ' "${names[@]}" 2>/dev/null || true)
+
+missing=()
+for need in "${needs[@]}"; do
+    found=no
+    for name in ${need//|/ }; do
+        if [[ $installed == *" $name:installed "* ]]; then found=yes; fi
+    done
+    if [[ $found == no ]]; then missing+=("$need"); fi
+done
+if ((${#missing[@]} == 0)); then exit 0; fi
+
+as_root=()
+if ((EUID != 0)); then
+    if ! command -v sudo >/dev/null; then
+        echo "install-packages: these packages are missing, and only root can install them: ${missing[*]}" >&2
+        echo "Run as root:  apt-get install ${missing[*]%%|*}" >&2
+        exit 1
+    fi
+    as_root=(sudo)
+fi
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+apt() {
+    if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y "$@" >"$log" 2>&1; then
+        tail -n 20 "$log" >&2
+        echo "install-packages: 'apt-get $1' failed; the reason stands above. Is the network up, and are the package sources right?" >&2
+        exit 1
+    fi
+}
+
+echo "Installing ${#missing[@]} missing packages: ${missing[*]%%|*}"
+apt update
+names=()
+for need in "${missing[@]}"; do
+    chosen=${need%%|*}
+    for name in ${need//|/ }; do
+        if apt-cache show "$name" >/dev/null 2>&1; then
+            chosen=$name
+            break
+        fi
+    done
+    names+=("$chosen")
+done
+apt install --no-install-recommends "${names[@]}"

@@ -1,0 +1,56 @@
+"""Who may include whom: the folders are the architecture, and this keeps them so."""
+
+import re
+
+from tracked import lines, report, tracked
+
+# What each folder may name in quotes, itself apart; the longest folder that fits a file decides.
+SDK = ["sdk", "nuv", "ostrevan"]
+GROUND = {
+    "sdk": SDK,
+    "player": SDK,
+    "quorvel/common": SDK,
+    "quorvel/xml": SDK,
+    "quorvel/platform": SDK + ["quorvel/common"],
+    "quorvel/store": SDK + ["quorvel/common", "quorvel/xml", "quorvel/platform"],
+    "quorvel/interchange": SDK + ["quorvel/common", "quorvel/xml", "quorvel/platform", "quorvel/store"],
+    "quorvel/host": SDK + ["quorvel"],
+}
+# These link the standard library alone, whose headers have neither a folder nor an ending; system headers are for the platform.
+STANDARD_ONLY = ("sdk/", "quorvel/")
+SYSTEM_TOO = ("quorvel/platform/",)
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+
+
+def folder_of(name):
+    fitting = [folder for folder in GROUND if name.startswith(folder + "/")]
+    return max(fitting, key=len, default=None)
+
+
+def complaint(name, kind, target):
+    if kind == "<":
+        if name.startswith(STANDARD_ONLY) and not name.startswith(SYSTEM_TOO) and re.search(r"[/.]", target):
+            return "the component and its contract use the standard library only; the system belongs into quorvel/platform"
+        return None
+    folder = folder_of(name)
+    if folder is None:
+        return "the folder has no rule in tests/lint/include_rules.py; add one"
+    if not any(target.startswith(allowed + "/") for allowed in GROUND[folder] + [folder]):
+        return f"{folder} may include itself and {', '.join(GROUND[folder])}, by paths from the top of the tree"
+    return None
+
+
+def main():
+    complaints = []
+    sources = [n for n in tracked(".h", ".cpp") if n.split("/")[0] in ("sdk", "quorvel", "player")]
+    for name in sources:
+        for number, line in lines(name):
+            found = INCLUDE.match(line)
+            wrong = found and complaint(name, *found.groups())
+            if wrong:
+                complaints.append(f"{name}:{number}: {line.strip()}: {wrong}")
+    report(len(sources), complaints)
+
+
+main()
