@@ -2,6 +2,8 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
+
 #include "nuv/text.h"
 
 namespace ostrevan::titleformat {
@@ -71,7 +73,19 @@ std::size_t columns_of(std::int32_t code) noexcept {
 }
 
 void append_folded(std::string& out, std::string_view text) {
-    append_mapped(out, text, [](std::int32_t code) { return fold_of(code); });
+    while (!text.empty()) {
+        // Whole runs of ASCII at once: searches and sorting fold every text of a library.
+        const auto run_end = std::ranges::find_if(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+        const auto run = static_cast<std::size_t>(run_end - text.begin());
+        const auto start = out.size();
+        out += text.substr(0, run);
+        for (auto i = start; i < out.size(); ++i) out[i] = nuv::ascii_lower(out[i]);
+        text.remove_prefix(run);
+        if (text.empty()) return;
+        const std::size_t length = first_character(text).length;
+        append_mapped(out, text.substr(0, length), fold_of);
+        text.remove_prefix(length);
+    }
 }
 
 }  // namespace ostrevan::titleformat
