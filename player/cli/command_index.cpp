@@ -1,0 +1,78 @@
+#include <algorithm>
+#include <iostream>
+
+#include "ostrevan/component_version.h"
+#include "player/cli/commands.h"
+#include "player/cli/exit_status.h"
+#include "player/cli/key_text.h"
+#include "player/cli/table.h"
+
+namespace ostrevan::cli {
+namespace {
+
+constexpr char digits[] = "0123456789abcdef";
+
+void dump(const index_service& index, const nuv::guid& id) {
+    const auto name = nuv::guid_text(id);
+    std::vector<unsigned char> blob(index_store::max_record_size);
+    std::string line;
+    for (const auto key : index.keys(id)) {
+        const auto size = std::min(index.read(id, key, blob.data(), blob.size()), blob.size());
+        line.assign(name).append(" ").append(hexadecimal(key)).append(" ");
+        for (std::size_t i = 0; i < size; ++i) line.append({digits[blob[i] >> 4], digits[blob[i] & 15]});
+        std::cout << line << '\n';
+    }
+}
+
+}  // namespace
+
+std::string hexadecimal(std::uint64_t key) {
+    std::string text(16, '0');
+    for (auto it = text.rbegin(); it != text.rend(); ++it, key >>= 4) *it = digits[key & 15];
+    return text;
+}
+
+std::string key_text(const index_service& index, const metadb_handle& track) {
+    if (index.registrations().empty()) return {};
+    const auto key = index_service::key_of(index.registrations().front(), track);
+    return key ? hexadecimal(*key) : std::string{};
+}
+
+void run(run_context& context, const show_keys& arguments) {
+    if (context.player.index().registrations().empty())
+        throw std::runtime_error("No component has registered an index; see 'ostrevan components'.");
+    for (const auto& track : tracks_of(context, arguments.tracks)) {
+        const auto key = key_text(context.player.index(), *track);
+        std::cout << (key.empty() ? std::string(16, '-') : key) << ' ' << track->location().path;
+        if (track->location().subsong != 0) std::cout << '|' << track->location().subsong;
+        std::cout << '\n';
+    }
+}
+
+void run(run_context& context, const index_dump& arguments) {
+    if (!arguments.index) {
+        for (const auto& id : context.player.stored_indexes()) dump(context.player.index(), id);
+        return;
+    }
+    const auto id = nuv::parse_guid(*arguments.index);
+    if (!id) throw usage_error("\"" + *arguments.index + "\" is not a GUID; 'ostrevan index dump' shows those in use.");
+    dump(context.player.index(), *id);
+}
+
+void run(run_context& context, const list_components& /*arguments*/) {
+    table out({{"Name"}, {"Version"}, {"File"}});
+    for (const auto& component : context.player.components()) {
+        std::vector<std::string> row{"", "", component.path};
+        for (std::size_t i = 0; i < component.api->service_count(); ++i) {
+            const auto entry = component.api->service_at(i);
+            if (entry.service_class != component_version::class_guid) continue;
+            const auto& version = static_cast<const component_version&>(*entry.service);
+            row[0] = version.name();
+            row[1] = version.version();
+        }
+        out.add_row(std::move(row));
+    }
+    std::cout << out.text(0);
+}
+
+}  // namespace ostrevan::cli

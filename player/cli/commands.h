@@ -1,0 +1,38 @@
+#pragma once
+
+#include "player/cli/arguments.h"
+#include "player/cli/terminal.h"
+#include "player/front/session.h"
+
+namespace ostrevan::cli {
+
+/// What a command runs with.
+struct run_context {
+    front::session& player;
+    terminal& screen;
+};
+
+/// One function a command. Results go to standard output; failures are thrown, or reported to the screen one by one.
+void run(run_context& context, const library_add& arguments);
+void run(run_context& context, const library_remove& arguments);
+void run(run_context& context, const library_rescan& arguments);
+void run(run_context& context, const library_folders& arguments);
+void run(run_context& context, const list_tracks& arguments);
+void run(run_context& context, const play_tracks& arguments);
+void run(run_context& context, const format_tracks& arguments);
+void run(run_context& context, const show_properties& arguments);
+void run(run_context& context, const edit_tags& arguments);
+void run(run_context& context, const context_menu& arguments);
+void run(run_context& context, const show_settings& arguments);
+void run(run_context& context, const playlist_list& arguments);
+void run(run_context& context, const playlist_show& arguments);
+void run(run_context& context, const playlist_create& arguments);
+void run(run_context& context, const playlist_remove& arguments);
+void run(run_context& context, const show_keys& arguments);
+void run(run_context& context, const index_dump& arguments);
+void run(run_context& context, const list_components& arguments);
+
+/// The tracks that a command line names. Throws `usage_error` when it names none, or its query has a mistake.
+metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments);
+
+}  // namespace ostrevan::cli
