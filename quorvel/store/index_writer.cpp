@@ -18,6 +18,12 @@ void refresh_now(const std::vector<std::uint64_t>& keys) {
     if (auto* const manager = opened_index()) manager->refresh(statistics_index_guid, nuv::list_view_t<std::uint64_t>(keys));
 }
 
+t_playback_stats record_in(const ostrevan::index_manager& manager, std::uint64_t key) {
+    record_blob blob;
+    const std::size_t size = manager.read(statistics_index_guid, key, blob.data(), blob.size());
+    return size == blob.size() ? decode_record(blob) : t_playback_stats{};
+}
+
 }  // namespace
 
 namespace statistics_index {
@@ -33,9 +39,7 @@ t_playback_stats read_record(std::uint64_t key) noexcept {
     auto* const manager = opened_index();
     if (manager == nullptr) return {};
     try {
-        record_blob blob;
-        const std::size_t size = manager->read(statistics_index_guid, key, blob.data(), blob.size());
-        return size == blob.size() ? decode_record(blob) : t_playback_stats{};
+        return record_in(*manager, key);
     } catch (...) {
         return {};
     }
@@ -59,6 +63,10 @@ void index_writer::begin() {
         else own_turn_ = std::unique_lock(turn_of_own_writers);
     }
     begun_ = true;
+}
+
+t_playback_stats index_writer::read(std::uint64_t key) const {
+    return manager_ == nullptr ? t_playback_stats{} : record_in(*manager_, key);
 }
 
 void index_writer::write(std::uint64_t key, const t_playback_stats& record) {

@@ -31,6 +31,9 @@ public:
     /// Waits until nobody else writes. Does nothing the second time.
     void begin();
     [[nodiscard]] bool begun() const noexcept { return begun_; }
+    /// The stored record, between `begin` and `commit`. Other than elsewhere a failed read throws: to write what was edited
+    /// from a default record would destroy the one that could not be read.
+    [[nodiscard]] t_playback_stats read(std::uint64_t key) const;
     /// Between `begin` and `commit`. Key 0 is never written.
     void write(std::uint64_t key, const t_playback_stats& record);
     /// Afterwards the writer may begin again.

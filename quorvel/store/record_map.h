@@ -20,9 +20,10 @@ public:
     [[nodiscard]] bool empty() const noexcept { return entries_.empty(); }
     [[nodiscard]] std::vector<std::uint64_t> keys() const;
 
-private:
     using entry = std::pair<std::uint64_t, t_playback_stats>;
+    [[nodiscard]] const std::vector<entry>& entries() const noexcept { return entries_; }
 
+private:
     [[nodiscard]] std::size_t slot_of(std::uint64_t key) const noexcept;
     void grow();
 

@@ -2,9 +2,9 @@
 
 namespace quorvel {
 
-t_playback_stats StatsOp::GetByKey(std::uint64_t key) const noexcept {
-    const auto* const own = written_.find(key);
-    return own != nullptr ? *own : read_record(key);
+t_playback_stats StatsOp::GetByKey(std::uint64_t key) const {
+    if (const auto* const own = written_.find(key)) return *own;
+    return writer_.begun() ? writer_.read(key) : read_record(key);
 }
 
 void StatsOp::SetByKey(std::uint64_t key, const t_playback_stats& record) {

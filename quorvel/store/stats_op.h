@@ -14,7 +14,8 @@ namespace quorvel {
 /// has written itself. Destroyed before `commit` it writes nothing. Used by one thread. [any-thread]
 class StatsOp {
 public:
-    [[nodiscard]] t_playback_stats GetByKey(std::uint64_t key) const noexcept;
+    /// Throws when the record cannot be read inside the transaction.
+    [[nodiscard]] t_playback_stats GetByKey(std::uint64_t key) const;
 
     /// Key 0 is skipped.
     void SetByKey(std::uint64_t key, const t_playback_stats& record);
@@ -43,6 +44,7 @@ public:
     void begin() { writer_.begin(); }
     /// Makes the writes permanent. Nothing may be written afterwards.
     void commit() { writer_.commit(); }
+    [[nodiscard]] bool has_written(std::uint64_t key) const noexcept { return written_.find(key) != nullptr; }
     /// Each key written, once, in the order of the first write.
     [[nodiscard]] std::vector<std::uint64_t> changed_keys() const { return written_.keys(); }
     /// Redraws what shows the changed keys; call it after `commit`. From another thread than the main thread it is posted.

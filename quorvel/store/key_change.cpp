@@ -1,0 +1,36 @@
+#include "quorvel/store/key_change.h"
+
+#include "ostrevan/core_api.h"
+#include "quorvel/store/key.h"
+#include "quorvel/store/stats_op.h"
+
+namespace quorvel {
+
+std::vector<key_change> key_changes(const nuv::list_base_const_t<ostrevan::tag_edit>& edits) {
+    std::vector<key_change> changes;
+    for (const auto& edit : edits) {
+        if (!edit.track || edit.after == nullptr) continue;
+        const auto key_from = [&](const ostrevan::file_info* info) {
+            return info == nullptr ? std::nullopt : KeyOf(*info, edit.track->location());
+        };
+        const auto to = key_from(edit.after);
+        const auto from = key_from(edit.before);
+        const auto from_file = key_from(edit.before_in_file);
+        if (!to) continue;
+        if (from && from != to) changes.push_back({*from, *to});
+        if (from_file && from_file != to && from_file != from) changes.push_back({*from_file, *to});
+    }
+    return changes;
+}
+
+void follow_key_changes(std::span<const key_change> changes) {
+    StatsOp op;
+    for (const auto& [from, to] : changes)
+        op.Update(to, [&op, old_key = from](t_playback_stats& record) {
+            record = merged(record, op.GetByKey(old_key), MergeType::MergeMax);
+        });
+    op.commit();
+    if (!ostrevan::core_api::is_shutting_down()) op.publish();
+}
+
+}  // namespace quorvel
