@@ -1,11 +1,123 @@
 #include "quorvel/store/tag_sync.h"
 
+#include <map>
+#include <utility>
+
+#include "ostrevan/core_api.h"
+#include "ostrevan/filesystem.h"
 #include "quorvel/common/settings.h"
+#include "quorvel/common/shared_tracks.h"
+#include "quorvel/store/file_tags.h"
+#include "quorvel/store/key.h"
+#include "quorvel/store/pcdb.h"
+#include "quorvel/store/stats_op.h"
 
 namespace quorvel {
+namespace {
 
-void PCDB_auto_sync_tags(ostrevan::metadb_handle_list_cref /*tracks*/, bool /*user_initiated*/) {
+using ostrevan::tag_update_service;
+
+using record_of_track = std::map<ostrevan::metadb_handle_ptr, t_playback_stats>;
+
+/// Writes the records as they were when the request was made. The player keeps it until the update is over.
+class StampTagsFilter : public ostrevan::file_info_filter {
+public:
+    StampTagsFilter(shared_tracks tracks, record_of_track records) noexcept
+        : tracks_(std::move(tracks)), records_(std::move(records)) {}
+
+    bool apply_filter(const ostrevan::metadb_handle_ptr& track, ostrevan::file_info& info) override {
+        const auto found = records_.find(track);
+        if (found == records_.end()) return false;
+        t_playback_stats current;
+        PCDB_read_tags(current, info, false);
+        if (current == found->second) return false;
+        PCDB_write_tags(found->second, info);
+        return true;
+    }
+
+private:
+    shared_tracks tracks_;
+    record_of_track records_;
+};
+
+class ClearTagsFilter : public ostrevan::file_info_filter {
+public:
+    bool apply_filter(const ostrevan::metadb_handle_ptr& /*track*/, ostrevan::file_info& info) override {
+        t_playback_stats current;
+        PCDB_read_tags(current, info, false);
+        if (current == t_playback_stats{}) return false;
+        PCDB_write_tags({}, info);
+        return true;
+    }
+};
+
+/// The first file system that answers for the path says whether it may be rewritten; where none does, it may.
+bool is_writable(const ostrevan::metadb_handle& track) {
+    const char* const path = track.location().path.c_str();
+    const ostrevan::filesystem* owner = nullptr;
+    ostrevan::for_each_service<ostrevan::filesystem>([&](const ostrevan::filesystem& candidate) {
+        if (owner == nullptr && candidate.is_our_path(path)) owner = &candidate;
+    });
+    return owner == nullptr || !owner->is_remote(path);
+}
+
+void take_over(t_playback_stats& record, const t_playback_stats& tags, std::uint32_t present) noexcept {
+    if ((present & tag_field_play_count) != 0) record.play_count = tags.play_count;
+    if ((present & tag_field_first_played) != 0) record.first_played = tags.first_played;
+    if ((present & tag_field_last_played) != 0) record.last_played = tags.last_played;
+    if ((present & tag_field_added) != 0) record.added = tags.added;
+    if ((present & tag_field_rating) != 0) record.rating = tags.rating;
+}
+
+}  // namespace
+
+void PCDB_stamp_tags(ostrevan::metadb_handle_list_cref tracks, unsigned updateFlags,
+                     ostrevan::completion_notify_ptr notify) {
+    try {
+        const auto held = share_tracks(tracks);
+        record_of_track records;
+        for (const auto& track : *held) records.emplace(track, PCDB::Get(*track));
+        ostrevan::get_service<tag_update_service>()->update_async(
+            *held, ostrevan::service_new<StampTagsFilter>(held, std::move(records)), ostrevan::core_api::main_window(),
+            updateFlags, std::move(notify));
+    } catch (...) {  // the statistics are safe in the database, and a later request writes them
+    }
+}
+
+void PCDB_clear_tags(ostrevan::metadb_handle_list_cref tracks, void* parent_window) {
+    ostrevan::get_service<tag_update_service>()->update_async(tracks, ostrevan::service_new<ClearTagsFilter>(),
+                                                              parent_window, 0, nullptr);
+}
+
+void PCDB_auto_sync_tags(ostrevan::metadb_handle_list_cref tracks, bool user_initiated) {
     if (!tag_sync_enabled.get()) return;
+    const auto writable = writable_tracks(tracks);
+    if (writable.empty()) return;
+    constexpr unsigned quiet = tag_update_service::option_silent | tag_update_service::option_background;
+    PCDB_stamp_tags(writable, user_initiated ? 0 : quiet, nullptr);
+}
+
+ostrevan::metadb_handle_list writable_tracks(ostrevan::metadb_handle_list_cref tracks) {
+    ostrevan::metadb_handle_list result;
+    for (const auto& track : tracks)
+        if (is_writable(*track)) result.items().push_back(track);
+    return result;
+}
+
+void PCDB::ImportFromTags(ostrevan::metadb_handle_list_cref tracks) {
+    ostrevan::core_api::ensure_main_thread();
+    StatsOp op;
+    for (const auto& track : tracks) {
+        const auto snapshot = track->info();
+        if (!snapshot) continue;
+        const auto key = KeyOf(snapshot->info(), track->location());
+        if (!key) continue;
+        t_playback_stats tags;
+        const std::uint32_t present = PCDB_read_tags(tags, snapshot->info(), true);
+        op.Update(*key, [&](t_playback_stats& record) { take_over(record, tags, present); });
+    }
+    op.commit();
+    op.publish();
 }
 
 }  // namespace quorvel

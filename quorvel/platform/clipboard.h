@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+/// The system's clipboard, for bytes in private formats that are known by name: that of Windows, elsewhere the player's.
+/// [main-thread]
+namespace quorvel::clipboard {
+
+/// Whether there is something in that format; the bytes are not looked at.
+[[nodiscard]] bool has_format(const char* format);
+
+/// Replaces what the clipboard holds. Throws `exception_system_error`, `std::bad_alloc`, or what the player's clipboard
+/// throws.
+void set(const char* format, std::span<const std::uint8_t> bytes);
+
+/// A copy of what the clipboard holds in that format; on Windows it may be longer than what was set. Empty when there is
+/// none or it cannot be read.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> get(const char* format);
+
+/// The system's default beep.
+void beep();
+
+}  // namespace quorvel::clipboard
