@@ -109,10 +109,10 @@ std::vector<nuv::guid> index_store::indexes() const {
     return guids;
 }
 
-index_transaction index_store::begin() { return index_transaction(*state_); }
+store_transaction index_store::begin() { return store_transaction(*state_); }
 
 void index_store::write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data) {
-    index_transaction transaction = begin();
+    store_transaction transaction = begin();
     transaction.write(index, key, data);
     transaction.commit();
 }
@@ -165,7 +165,7 @@ std::size_t index_store::purge(const nuv::guid& index, std::int64_t now) {
     return count;
 }
 
-struct index_transaction::changes {
+struct store_transaction::changes {
     explicit changes(index_store::state& into) : store(into), inside(into.gate.enter()) {}
 
     index_store::state& store;
@@ -173,11 +173,11 @@ struct index_transaction::changes {
     std::vector<std::pair<nuv::guid, change_list>> lists;  // one for each index, a handful
 };
 
-index_transaction::index_transaction(index_store::state& store) : changes_(std::make_unique<changes>(store)) {}
-index_transaction::index_transaction(index_transaction&&) noexcept = default;
-index_transaction::~index_transaction() = default;
+store_transaction::store_transaction(index_store::state& store) : changes_(std::make_unique<changes>(store)) {}
+store_transaction::store_transaction(store_transaction&&) noexcept = default;
+store_transaction::~store_transaction() = default;
 
-void index_transaction::write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data) {
+void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data) {
     if (!changes_) throw std::logic_error("The index transaction is finished");
     if (data.size() > index_store::max_record_size) throw std::invalid_argument("An index record holds at most 65536 bytes");
     for (auto& [guid, list] : changes_->lists)
@@ -185,7 +185,7 @@ void index_transaction::write(const nuv::guid& index, std::uint64_t key, std::sp
     changes_->lists.emplace_back(index, change_list()).second.put(key, data);
 }
 
-void index_transaction::commit() {
+void store_transaction::commit() {
     if (!changes_) throw std::logic_error("The index transaction is finished");
     const auto finished = std::exchange(changes_, nullptr);
     finished->store.commit(finished->lists);

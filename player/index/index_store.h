@@ -15,7 +15,7 @@
 
 namespace ostrevan {
 
-class index_transaction;
+class store_transaction;
 
 /// Told about failures that nobody waits for; the text is for the user. Called on a thread of the store, which it must not
 /// hold up or call.
@@ -51,7 +51,7 @@ public:
     [[nodiscard]] std::vector<nuv::guid> indexes() const;
 
     /// Waits until no transaction is open. Throws std::logic_error when this thread has one open.
-    [[nodiscard]] index_transaction begin();
+    [[nodiscard]] store_transaction begin();
     /// A transaction of its own. Throws std::invalid_argument when there are too many bytes.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
 
@@ -75,18 +75,18 @@ public:
     std::size_t purge(const nuv::guid& index, std::int64_t now);
 
 private:
-    friend class index_transaction;
+    friend class store_transaction;
     struct state;
     std::unique_ptr<state> state_;
 };
 
 /// Changes that become visible together, or not at all when it is destroyed without commit. While it is open nobody else
 /// writes. Used and destroyed on the thread that began it, before the store is.
-class index_transaction {
+class store_transaction {
 public:
-    index_transaction(index_transaction&&) noexcept;
-    index_transaction& operator=(index_transaction&&) = delete;
-    ~index_transaction();
+    store_transaction(store_transaction&&) noexcept;
+    store_transaction& operator=(store_transaction&&) = delete;
+    ~store_transaction();
 
     /// Throws std::invalid_argument when there are too many bytes, std::logic_error after commit.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
@@ -95,7 +95,7 @@ public:
 private:
     friend class index_store;
     struct changes;
-    explicit index_transaction(index_store::state& store);
+    explicit store_transaction(index_store::state& store);
     std::unique_ptr<changes> changes_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <iterator>
 #include <span>
 #include <utility>
 #include <vector>
@@ -21,11 +22,22 @@ public:
 
     class iterator {
     public:
+        using iterator_category = std::input_iterator_tag;
+        using value_type = T;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const T*;
+        using reference = const T&;
+
         iterator(const list_base_const_t& list, std::size_t index) noexcept : list_(&list), index_(index) {}
         const T& operator*() const { return list_->get_item(index_); }
         iterator& operator++() noexcept {
             ++index_;
             return *this;
+        }
+        iterator operator++(int) noexcept {
+            const iterator before = *this;
+            ++index_;
+            return before;
         }
         bool operator==(const iterator& other) const noexcept { return index_ == other.index_; }
 

@@ -91,7 +91,7 @@ TEST_F(index_store_fault, says_that_a_folder_or_a_file_may_not_be_written) {
 TEST_F(index_store_fault, leaves_a_file_alone_whose_damage_shows_only_when_it_is_read) {
     {
         index_store store(path_, fail_on_report);
-        index_transaction transaction = store.begin();
+        store_transaction transaction = store.begin();
         for (std::uint64_t key = 1; key <= 2000; ++key) transaction.write(plays, key, record_of(key));
         transaction.commit();
     }
@@ -184,7 +184,7 @@ TEST_F(index_store_fault, loses_nothing_acknowledged_wherever_the_disk_fails) {
 [[noreturn]] void write_numbers(const std::filesystem::path& path, std::uint64_t next, int acknowledge) {
     index_store store(path, [](const std::string&) {});
     for (;; ++next) {
-        index_transaction transaction = store.begin();
+        store_transaction transaction = store.begin();
         for (std::uint64_t part = 0; part < 3; ++part) transaction.write(plays, next * 3 + part, record_of(next, part));
         transaction.commit();
         store.flush();

@@ -52,14 +52,14 @@ TEST_F(index_store_test, applies_a_transaction_as_a_whole_or_not_at_all) {
         index_store store(path_, fail_on_report);
         store.write(plays, 1, record_of(1));
         {
-            index_transaction dropped = store.begin();
+            store_transaction dropped = store.begin();
             dropped.write(plays, 1, record_of(1, 9));
             dropped.write(moods, 2, record_of(2, 9));
             EXPECT_THROW(static_cast<void>(store.begin()), std::logic_error);
             EXPECT_THROW(store.write(plays, 1, {}), std::logic_error);
         }
         EXPECT_EQ(stored(store, plays, 1), record_of(1));
-        index_transaction kept = store.begin();
+        store_transaction kept = store.begin();
         kept.write(plays, 3, record_of(3, 1));
         kept.write(moods, 3, record_of(3, 5));
         kept.write(plays, 3, record_of(3, 2));
@@ -83,7 +83,7 @@ TEST_F(index_store_test, loses_no_update_when_several_threads_add_in_transaction
         for (int i = 0; i < threads; ++i)
             adders.emplace_back([&] {
                 for (int n = 0; n < additions; ++n) {
-                    index_transaction transaction = store.begin();
+                    store_transaction transaction = store.begin();
                     std::uint64_t count = 0;
                     store.read(plays, 1, &count, sizeof count);
                     ++count;
@@ -100,7 +100,7 @@ TEST_F(index_store_test, loses_no_update_when_several_threads_add_in_transaction
 TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading_and_growing) {
     constexpr std::uint64_t keys = 20'000;
     const auto write_all = [](index_store& store, std::uint64_t count, std::uint64_t version) {
-        index_transaction transaction = store.begin();
+        store_transaction transaction = store.begin();
         for (std::uint64_t key = 1; key <= count; ++key) transaction.write(plays, key, record_of(key, version));
         transaction.commit();
     };

@@ -1,0 +1,91 @@
+#include "player/index/index_service.h"
+
+#include <algorithm>
+#include <exception>
+#include <span>
+
+#include "ostrevan/core_api.h"
+
+namespace ostrevan {
+namespace {
+
+std::span<const std::byte> bytes_of(const void* bytes, std::size_t size) {
+    return {static_cast<const std::byte*>(bytes), size};
+}
+
+/// The contract's transaction over the store's; the two live and end together.
+class transaction_service : public index_transaction {
+public:
+    explicit transaction_service(index_store& store) : changes_(store.begin()) {}
+    void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override {
+        changes_.write(index, key, bytes_of(bytes, size));
+    }
+    void commit() override { changes_.commit(); }
+
+private:
+    store_transaction changes_;
+};
+
+}  // namespace
+
+index_transaction_ptr index_transactions_service::begin() {
+    try {
+        return service_new<transaction_service>(store_);
+    } catch (const std::logic_error& error) {
+        uBugCheck(error.what());
+    }
+}
+
+void index_service::register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) {
+    store_.register_index(index, retention);
+    std::erase_if(registrations_, [&](const registration& known) { return known.index == index; });
+    registrations_.push_back({index, std::move(client)});
+}
+
+void index_service::remove_index(const nuv::guid& index) {
+    store_.remove_index(index);
+    std::erase_if(registrations_, [&](const registration& known) { return known.index == index; });
+}
+
+std::size_t index_service::read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const {
+    return store_.read(index, key, buffer, capacity);
+}
+
+void index_service::write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) {
+    store_.write(index, key, bytes_of(bytes, size));
+}
+
+std::vector<std::uint64_t> index_service::keys(const nuv::guid& index) const { return store_.keys(index); }
+
+void index_service::save_now(const nuv::guid& /*index*/) { store_.flush(); }
+
+void index_service::refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) {
+    if (on_refresh_) on_refresh_(index, std::vector<std::uint64_t>(keys.begin(), keys.end()));
+}
+
+service_base* index_service::service_query(const nuv::guid& interface_guid) noexcept {
+    return interface_guid == index_manager_transactions::class_guid ? &transactions_ : nullptr;
+}
+
+std::optional<std::uint64_t> index_service::key_of(const registration& index, const metadb_handle& track) {
+    const auto info = track.info();
+    if (!info) return std::nullopt;
+    return index.client->key_of(info->info(), track.location());
+}
+
+std::size_t index_service::drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now) {
+    std::size_t dropped = 0;
+    for (const auto& registered : registrations_) {
+        std::vector<std::uint64_t> present;
+        present.reserve(library.get_count());
+        for (const auto& track : library)
+            if (const auto key = key_of(registered, *track)) present.push_back(*key);
+        std::ranges::sort(present);
+        present.erase(std::ranges::unique(present).begin(), present.end());
+        store_.touch(registered.index, present, now);
+        dropped += store_.purge(registered.index, now);
+    }
+    return dropped;
+}
+
+}  // namespace ostrevan

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "ostrevan/index.h"
+#include "player/index/index_store.h"
+
+namespace ostrevan {
+
+class index_transactions_service : public index_manager_transactions {
+public:
+    explicit index_transactions_service(index_store& store) : store_(store) {}
+    index_transaction_ptr begin() override;
+
+private:
+    index_store& store_;
+};
+
+/// The index manager for components, over the store.
+class index_service : public index_manager {
+public:
+    /// Told which keys are to be shown afresh. [main-thread]
+    using redraw = std::function<void(const nuv::guid& index, const std::vector<std::uint64_t>& keys)>;
+
+    index_service(index_store& store, redraw on_refresh)
+        : store_(store), on_refresh_(std::move(on_refresh)), transactions_(store) {}
+
+    void register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) override;
+    void remove_index(const nuv::guid& index) override;
+    std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const override;
+    void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override;
+    [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const override;
+    void save_now(const nuv::guid& index) override;
+    void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
+    service_base* service_query(const nuv::guid& interface_guid) noexcept override;
+
+    /// The indexes that components have registered, in that order, and their key functions. [main-thread]
+    struct registration {
+        nuv::guid index;
+        index_client_ptr client;
+    };
+    [[nodiscard]] const std::vector<registration>& registrations() const noexcept { return registrations_; }
+
+    /// Key of a track in one index; none while nothing is known of the track.
+    [[nodiscard]] static std::optional<std::uint64_t> key_of(const registration& index, const metadb_handle& track);
+
+    /// Marks what the library holds as present, then drops the records whose tracks have been gone for longer than their
+    /// index keeps them. Answers how many. [main-thread]
+    std::size_t drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now);
+
+private:
+    index_store& store_;
+    const redraw on_refresh_;
+    service_uncounted_t<index_transactions_service> transactions_;
+    std::vector<registration> registrations_;
+};
+
+}  // namespace ostrevan
