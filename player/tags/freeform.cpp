@@ -12,6 +12,13 @@ namespace {
 
 /// Technical entries that are no fields, and identifiers that the library maps under its own names.
 constexpr std::string_view hidden_mp4[] = {"MUSICBRAINZ ", "ITUN"};
+/// Attributes that some encoders write beside the fields of the content description.
+struct synonym {
+    std::string_view attribute;
+    std::string_view key;
+};
+constexpr synonym asf_synonyms[] = {{"AUTHOR", "ARTIST"}, {"DESCRIPTION", "COMMENT"}};
+
 constexpr std::string_view hidden_asf[] = {"ISVBR", "WMFSDK", "DEVICECONFORMANCE", "MUSICBRAINZ/", "WM/"};
 
 template <std::size_t N>
@@ -65,6 +72,13 @@ std::string freeform_name(const TagLib::String& atom) {
     return colon == std::string::npos ? std::string() : text.substr(colon + 1);
 }
 
+std::string asf_key(const TagLib::String& attribute) {
+    const std::string name = ascii_upper(attribute.to8Bit(true));
+    for (const auto& each : asf_synonyms)
+        if (name == each.attribute) return std::string(each.key);
+    return name;
+}
+
 keyed_values freeform_fields(const TagLib::MP4::Tag& tag) {
     keyed_values fields;
     for (const auto& [atom, item] : tag.itemMap()) {
@@ -78,7 +92,7 @@ keyed_values freeform_fields(const TagLib::MP4::Tag& tag) {
 keyed_values freeform_fields(const TagLib::ASF::Tag& tag) {
     keyed_values fields;
     for (const auto& [attribute, values] : tag.attributeListMap()) {
-        const std::string name = ascii_upper(attribute.to8Bit(true));
+        const std::string name = asf_key(attribute);
         if (is_hidden(hidden_asf, name)) continue;
         if (auto texts = texts_of(values); !texts.isEmpty()) fields.emplace_back(name, texts);
     }

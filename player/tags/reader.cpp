@@ -16,6 +16,7 @@
 #include <wavpackfile.h>
 #include <xiphcomment.h>
 
+#include "player/tags/changes.h"
 #include "player/tags/field_names.h"
 #include "player/tags/freeform.h"
 #include "player/tags/tag_fields.h"
@@ -23,34 +24,10 @@
 namespace ostrevan::tags {
 namespace {
 
-/// "3/12" becomes the number 3 and the total 12; a text that is no such pair stays as it is.
-void add_number(const number_pair& pair, const std::string& text, file_info& info) {
-    const auto slash = text.find('/');
-    const bool digits_only = text.find_first_not_of("0123456789/ ") == std::string::npos;
-    if (slash == std::string::npos || !digits_only) {
-        info.meta_add(pair.number_field, text);
-        return;
-    }
-    const auto trimmed = [](std::string_view part) {
-        const auto first = part.find_first_not_of(' ');
-        return first == part.npos ? std::string() : std::string(part.substr(first, part.find_last_not_of(' ') + 1 - first));
-    };
-    const auto number = trimmed(std::string_view(text).substr(0, slash));
-    const auto total = trimmed(std::string_view(text).substr(slash + 1));
-    if (!number.empty()) info.meta_add(pair.number_field, number);
-    if (!total.empty() && !info.meta_exists(pair.total_field)) info.meta_add(pair.total_field, total);
-}
-
 void add_values(const std::string& key, const TagLib::StringList& values, file_info& info) {
-    const std::string field = field_of_key(key);
-    if (info.meta_exists(field)) return;  // another spelling of the field came first
-    if (const auto* pair = pair_of_field(field); pair != nullptr && field == pair->number_field) {
-        for (const auto& value : values) add_number(*pair, value.to8Bit(true), info);
-        return;
-    }
     std::vector<std::string> texts;
     for (const auto& value : values) texts.push_back(value.to8Bit(true));
-    if (!texts.empty()) info.meta_set_values(field, std::move(texts));
+    add_entry(key, std::move(texts), info);
 }
 
 /// Tags of a file in the order asked for, without those that are missing or hold no field.
@@ -109,7 +86,8 @@ std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
 
 void add_tag_fields(const TagLib::Tag& tag, file_info& info) {
     const auto properties =
-        properties_of<TagLib::ID3v2::Tag, TagLib::Ogg::XiphComment, TagLib::APE::Tag, TagLib::MP4::Tag, TagLib::ASF::Tag>(tag);
+        properties_of<TagLib::ID3v2::Tag, TagLib::Ogg::XiphComment, TagLib::APE::Tag, TagLib::MP4::Tag, TagLib::ASF::Tag>(
+            tag);
     for (const auto& [key, values] : properties) add_values(key.to8Bit(true), values, info);
     if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
         for (const auto& [key, values] : freeform_fields(*mp4)) add_values(key, values, info);

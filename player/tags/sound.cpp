@@ -5,8 +5,8 @@
 #include <mp4file.h>
 #include <mpegfile.h>
 #include <trueaudiofile.h>
-#include <wavpackfile.h>
 #include <wavfile.h>
+#include <wavpackfile.h>
 
 #include "player/tags/tag_fields.h"
 

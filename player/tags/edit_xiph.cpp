@@ -1,0 +1,79 @@
+#include <xiphcomment.h>
+
+#include <algorithm>
+
+#include "player/tags/edit_tags.h"
+#include "player/tags/field_names.h"
+
+namespace ostrevan::tags {
+namespace {
+
+constexpr std::string_view vendor_of_new_comments = "ostrevan";
+
+/// A Vorbis comment taken apart: entries are "NAME=value", those without a "=" kept as they are.
+struct comment_parts {
+    std::string vendor{vendor_of_new_comments};
+    std::vector<std::string> entries;
+    /// What follows the entries: a framing bit, or bytes that Opus keeps there.
+    std::string rest;
+};
+
+comment_parts take_apart(const std::string& comment) {
+    std::size_t at = 0;
+    const auto next = [&](std::size_t size) {
+        if (size > comment.size() - at) throw edit_error("its comment header is damaged");
+        at += size;
+        return comment.substr(at - size, size);
+    };
+    comment_parts parts;
+    if (comment.empty()) return parts;
+    parts.vendor = next(little_endian(next(4), 0, 4));
+    for (auto count = little_endian(next(4), 0, 4); count > 0; --count)
+        parts.entries.push_back(next(little_endian(next(4), 0, 4)));
+    parts.rest = comment.substr(at);
+    return parts;
+}
+
+std::string put_together(const comment_parts& parts) {
+    std::string bytes = as_little_endian(parts.vendor.size(), 4) + parts.vendor + as_little_endian(parts.entries.size(), 4);
+    for (const auto& entry : parts.entries) bytes += as_little_endian(entry.size(), 4) + entry;
+    return bytes + parts.rest;
+}
+
+std::string name_of_entry(const std::string& entry) {
+    const auto equals = entry.find('=');
+    return equals == std::string::npos ? std::string() : entry.substr(0, equals);
+}
+
+}  // namespace
+
+std::string edit_xiph(const std::string& comment, const tag_changes& changes) {
+    auto parts = take_apart(comment);
+    for (const auto& change : changes) {
+        std::vector<std::string> old_names;
+        std::size_t place = parts.entries.size();
+        for (std::size_t i = 0; i < parts.entries.size();) {
+            const auto name = name_of_entry(parts.entries[i]);
+            if (!concerns(change, ascii_upper(name))) {
+                ++i;
+                continue;
+            }
+            if (old_names.empty()) place = i;
+            old_names.push_back(name);
+            parts.entries.erase(parts.entries.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        place = std::min(place, parts.entries.size());
+        for (const auto& [key, values] : change.writes) {
+            // A field keeps the spelling of its name that the file has.
+            const auto same = std::ranges::find(old_names, field_of_key(key), field_of_key);
+            const std::string name = same == old_names.end() ? key : *same;
+            if (!TagLib::Ogg::XiphComment::checkKey(TagLib::String(name, TagLib::String::UTF8)))
+                cannot_hold("Vorbis comments", change.field, "names there are plain ASCII characters without \"=\"");
+            for (const auto& value : values)
+                parts.entries.insert(parts.entries.begin() + static_cast<std::ptrdiff_t>(place++), name + "=" + value);
+        }
+    }
+    return put_together(parts);
+}
+
+}  // namespace ostrevan::tags

@@ -1,0 +1,152 @@
+#include "player/tags/rewrite.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include "player/tags/changes.h"
+#include "player/tags/edit_tags.h"
+#include "player/tags/errors.h"
+#include "player/tags/open_file.h"
+#include "player/tags/tag_fields.h"
+#include "player/tags/working_copy.h"
+
+namespace ostrevan::tags {
+namespace {
+
+std::string resolved(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), std::free);
+    if (!real) throw tag_error(path, "cannot be opened: " + reason_of_errno(errno));
+    return real.get();
+}
+
+struct stat examined(const std::string& path, int file) {
+    struct stat about {};
+    if (fstat(file, &about) != 0) throw tag_error(path, "cannot be examined: " + reason_of_errno(errno));
+    return about;
+}
+
+/// A rename needs no permission on the file itself; the wish of who protected it is respected all the same.
+void require_writable(const std::string& path, const struct stat& about) {
+    constexpr mode_t write_bits = S_IWUSR | S_IWGRP | S_IWOTH;
+    if ((about.st_mode & write_bits) == 0 || faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
+        throw tag_error(path, "is read-only; allow writing to it and try again");
+}
+
+bool same_file(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
+           a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+void require_same(const std::string& path, const struct stat& before) {
+    struct stat now {};
+    if (stat(path.c_str(), &now) != 0 || !same_file(before, now))
+        throw tag_error(path, "was changed by another program meanwhile; nothing was written, try again");
+}
+
+void edit_copy(const std::string& copy, const file_info& before, const file_info& after, const rewrite_options& options) {
+    auto opened = open_audio(copy, file_stream::access::write);
+    if (options.faults != nullptr && options.faults->at_write) opened.stream->set_write_fault(options.faults->at_write);
+    std::string refusal;
+    try {
+        edit_tags(opened, before, after);
+    } catch (const edit_error& refused) {
+        refusal = refused.what();
+    }
+    opened.file.reset();
+    // A failed write comes first: what the library makes of it is no reason.
+    if (const int error = opened.stream->close(); error != 0)
+        throw tag_error(copy, "its edited copy cannot be written: " + reason_of_errno(error));
+    if (!refusal.empty()) throw tag_error(copy, refusal);
+}
+
+/// A field that does not hold the same in both, or an empty text.
+std::string differing_field(const file_info& a, const file_info& b) {
+    for (const auto* one : {&a, &b})
+        for (std::size_t i = 0; i < one->meta_count(); ++i) {
+            const auto& other = one == &a ? b : a;
+            const auto index = other.meta_find(one->meta_name(i));
+            if (index == file_info::npos || other.meta_values(index) != one->meta_values(i))
+                return std::string(one->meta_name(i));
+        }
+    return {};
+}
+
+file_info verified_copy(const std::string& copy, const file_info& before, const file_info& after) {
+    const auto opened = open_audio(copy);
+    file_info now = info_of(opened);
+    if (now.length() != before.length() || now.sample_rate != before.sample_rate || now.channels != before.channels ||
+        now.codec() != before.codec())
+        throw tag_error(copy, "after the edit its sound read differently");
+    if (const auto field = differing_field(now, after); !field.empty())
+        throw tag_error(copy, "a tag of its format (" + std::string(name_of(opened.kind)) +
+                                  ") cannot hold this value of the field \"" + field + "\": it read back differently");
+    return now;
+}
+
+bool sync_folder(const std::string& folder) {
+    const descriptor handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return handle && (fsync(handle.get()) == 0 || errno == EINVAL);
+}
+
+rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit, const rewrite_options& options) {
+    const auto done = [&](rewrite_step step) {
+        if (options.faults != nullptr && options.faults->at_step) options.faults->at_step(step);
+    };
+    rewrite_result result;
+    opened_file original = open_audio(path);
+    const struct stat about = examined(path, original.stream->file());
+    const file_info before = info_of(original);
+    original.file.reset();
+
+    result.info = before;
+    file_info edited = before;
+    if (!edit(edited)) return result;
+    const file_info after = canonical(edited);
+    if (same_fields(before, after)) return result;
+    if (before.length() <= 0) throw tag_error(path, "has no known length and may be damaged; repair or replace it first");
+    require_writable(path, about);
+    done(rewrite_step::opened);
+
+    remove_stale_copies(folder_of(path));
+    working_copy copy(path);
+    done(rewrite_step::copy_made);
+    copy.take_content(original.stream->file(), about);
+    done(rewrite_step::copied);
+    if (!copy.take_attributes(original.stream->file(), about))
+        result.notes.push_back("its owner could not be kept; the file belongs to you now");
+    done(rewrite_step::attributes_set);
+    edit_copy(copy.path(), before, after, options);
+    done(rewrite_step::edited);
+    result.info = verified_copy(copy.path(), before, after);
+    done(rewrite_step::verified);
+    if (options.preserve_modification_time) copy.take_times(about);
+    copy.sync();
+    done(rewrite_step::synced);
+    require_same(path, about);
+    done(rewrite_step::checked);
+    copy.take_place();
+    result.outcome = rewrite_outcome::rewritten;
+    done(rewrite_step::renamed);
+    if (!sync_folder(folder_of(path)))
+        result.notes.push_back(
+            "its folder could not be brought to the disk; a power failure now may bring back the old file");
+    done(rewrite_step::folder_synced);
+    if (about.st_nlink > 1) result.notes.push_back("it had other names (hard links); they still lead to the old content");
+    return result;
+}
+
+}  // namespace
+
+rewrite_result rewrite_file(const std::string& path, const field_edit& edit, const rewrite_options& options) try {
+    return rewrite_resolved(resolved(path), edit, options);
+} catch (const tag_error& error) {
+    // The user knows the file by the name given, not by that of the copy or of what a link leads to.
+    throw tag_error(path, error.reason() + " (the file is unchanged)");
+}
+
+}  // namespace ostrevan::tags
