@@ -14,7 +14,7 @@ std::vector<std::size_t> indices(const std::vector<sort_entry>& entries) {
 }
 
 TEST(sort, order_is_the_one_a_reader_expects) {
-    const std::string long_number(300, '1'), longer_number(301, '1');
+    const std::string long_number(257, '1'), longer_number(258, '1');
     const std::vector<std::string> ascending = {"",           "(x)",        "0",         "1 b",         "2",     "10",
                                                 "1999-12-31", "2000-01-01", long_number, longer_number, "a 2 9", "A 2 10",
                                                 "a 10",       "ab",         "B",         "été"};

@@ -92,7 +92,9 @@ TEST(script, deep_nesting_is_refused_and_deep_enough_nesting_runs) {
 
     std::string allowed(200, '[');
     allowed += "%artist%" + std::string(200, ']');
-    EXPECT_EQ(compile(allowed).run(track).text, "Björk");
+    std::string side_by_side;
+    for (int i = 0; i < 300; ++i) side_by_side += "$if([%genre%],x)";
+    EXPECT_EQ(compile(allowed + side_by_side).run(track).text, "Björk");
 }
 
 TEST(script, result_is_bounded_whatever_the_script_asks_for) {
