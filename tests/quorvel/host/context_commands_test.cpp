@@ -1,0 +1,157 @@
+#include "ostrevan/context_menu.h"
+#include "quorvel/interchange/clipboard_transfer.h"
+#include "tests/support/statistics_test.h"
+
+namespace {
+
+using ostrevan::metadb_handle_list;
+using ostrevan::popup_message_v3;
+
+constexpr quorvel::t_playback_stats played{
+    .play_count = 5, .first_played = 10, .last_played = 20, .added = 5, .rating = 149};
+
+class context_commands : public support::statistics_test {
+protected:
+    support::memory_track_ptr track = support::make_track("/a", {{"artist", "a"}, {"title", "t"}});
+
+    /// The group that holds a command, and the command's index in it.
+    std::pair<ostrevan::context_menu_item*, std::size_t> find(const std::string& name) {
+        for (std::size_t i = 0;; ++i) {
+            auto& group = player.component_service<ostrevan::context_menu_item>(i);
+            for (std::size_t index = 0; index < group.get_item_count(); ++index)
+                if (group.get_item_name(index) == name) return {&group, index};
+        }
+    }
+    void run(const std::string& name, const metadb_handle_list& tracks) {
+        const auto [group, index] = find(name);
+        group->context_command(index, tracks, ostrevan::context_caller::selection);
+    }
+    bool grayed(const std::string& name) {
+        const auto [group, index] = find(name);
+        ostrevan::context_menu_node::display_t shown;
+        EXPECT_TRUE(
+            group->item_get_display_data(shown, index, metadb_handle_list{track}, ostrevan::context_caller::selection));
+        EXPECT_EQ(shown.text, name);
+        return shown.flags == 6;
+    }
+    void expect_question(const char* text, unsigned style) {
+        ASSERT_EQ(player.popups.questions().size(), 1U);
+        const auto& question = player.popups.questions()[0];
+        EXPECT_EQ(question.text, text);
+        EXPECT_EQ(question.title, "Playback Statistics");
+        EXPECT_EQ(question.style, style);
+        EXPECT_EQ(question.parent, player.main_window());
+    }
+};
+
+TEST_F(context_commands, reset_statistics_after_ok_and_not_otherwise) {
+    put(track, played);
+    for (const unsigned answer : {popup_message_v3::answer_cancel, popup_message_v3::answer_ok}) {
+        {
+            const metadb_handle_list selection{track};
+            run("Reset statistics", selection);
+        }
+        expect_question("This will reset playback statistics for selected items. Continue?", 0x31);
+        EXPECT_EQ(stored(track), played);
+        player.popups.answer(answer);
+    }
+    EXPECT_EQ(stored(track), (quorvel::t_playback_stats{.added = 5}));
+    EXPECT_TRUE(player.tag_updates.requests.empty());
+}
+
+TEST_F(context_commands, reset_does_not_ask_about_nothing) {
+    run("Reset statistics", {});
+    EXPECT_TRUE(player.popups.questions().empty());
+}
+
+TEST_F(context_commands, reset_clears_file_tags_as_the_setting_was_when_asked) {
+    const auto bare = support::make_track("/b", {{"artist", "b"}, {"title", "t"}, {"last_played", "2024-03-05 07:08:09"}});
+    const auto tagged = support::make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "5"}, {"rating", "3"}});
+    for (const bool on_when_asked : {false, true}) {
+        track->publish(tagged);
+        put(track, played);
+        quorvel::tag_sync_enabled.set(on_when_asked);
+        run("Reset statistics", {track, bare});
+        quorvel::tag_sync_enabled.set(!on_when_asked);
+        player.popups.answer(popup_message_v3::answer_ok);
+        EXPECT_EQ(stored(track).play_count, 0U);
+        ASSERT_EQ(player.tag_updates.requests.size(), on_when_asked ? 1U : 0U);
+    }
+    EXPECT_EQ(player.tag_updates.requests[0].options, 0U);
+    EXPECT_EQ(player.tag_updates.requests[0].parent, player.main_window());
+    EXPECT_EQ(player.tag_updates.run_next(), std::vector<ostrevan::metadb_handle_ptr>{track})
+        << "only files with statistics";
+    EXPECT_EQ(track->info()->info(), support::make_info({{"artist", "a"}, {"title", "t"}}));
+}
+
+TEST_F(context_commands, reset_says_when_it_rewrites_files) {
+    quorvel::tag_sync_enabled.set(true);
+    run("Reset statistics", {track});
+    expect_question(
+        "This will reset playback statistics for selected items and rewrite file tags removing statistics info from them. "
+        "Continue?",
+        0x31);
+}
+
+TEST_F(context_commands, write_tags_after_ok_whatever_the_setting) {
+    put(track, {.play_count = 7});
+    const auto remote = support::make_track("http://a/b", {{"artist", "b"}, {"title", "t"}});
+    for (const unsigned answer : {popup_message_v3::answer_cancel, popup_message_v3::answer_ok}) {
+        EXPECT_TRUE(player.tag_updates.requests.empty());
+        run("Write statistics to file tags", {track, remote});
+        expect_question("This will update file tags with playback statistics info. Continue?", 1);
+        player.popups.answer(answer);
+    }
+    ASSERT_EQ(player.tag_updates.requests.size(), 1U);
+    EXPECT_EQ(player.tag_updates.requests[0].tracks.get_count(), 2U) << "the user asked for these very files";
+    EXPECT_EQ(player.tag_updates.requests[0].options, 0U);
+    EXPECT_FALSE(player.tag_updates.requests[0].notify);
+    player.tag_updates.run_next();
+    EXPECT_EQ(track->info()->info(), support::make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "7"}}));
+}
+
+TEST_F(context_commands, import_tags_once_they_have_been_read_again) {
+    track->publish(support::make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "12"}}));
+    run("Import statistics from file tags", {track});
+    run("Import statistics from file tags", {track});
+    ASSERT_EQ(player.reloads.requests.size(), 2U);
+    EXPECT_EQ(player.reloads.requests[0].mode, 2U);
+    EXPECT_EQ(player.reloads.requests[0].options, 4U);
+    EXPECT_EQ(player.reloads.requests[0].parent, player.main_window());
+    EXPECT_EQ(stored(track).play_count, 0U);
+
+    player.reloads.requests[0].notify->on_completion(ostrevan::completion_notify::status_failed);
+    EXPECT_EQ(stored(track).play_count, 0U);
+    player.reloads.requests[1].notify->on_completion(ostrevan::completion_notify::status_success);
+    EXPECT_EQ(stored(track).play_count, 12U);
+}
+
+TEST_F(context_commands, import_tags_needs_the_reload_service) {
+    player.withdraw(ostrevan::info_reload_service::class_guid);
+    EXPECT_THROW(run("Import statistics from file tags", {track}), ostrevan::exception_service_extension_not_found);
+}
+
+TEST_F(context_commands, paste_is_gray_unless_statistics_have_been_copied) {
+    EXPECT_TRUE(grayed("Paste statistics"));
+    player.clipboard.set("text", {});
+    EXPECT_TRUE(grayed("Paste statistics"));
+    run("Copy statistics", {track});
+    EXPECT_FALSE(grayed("Paste statistics"));
+    player.clipboard.set("text", {});
+    EXPECT_FALSE(grayed("Copy statistics"));
+
+    run("Copy statistics", {track});
+    run("Paste statistics", {track});
+    EXPECT_EQ(player.popups.questions().size(), 1U);
+}
+
+TEST_F(context_commands, refuse_an_index_out_of_range) {
+    auto* group = find("Reset statistics").first;
+    std::string text;
+    EXPECT_FALSE(group->get_item_description(3, text));
+    EXPECT_DEATH((void)group->get_item_name(3), "Bug check");
+    EXPECT_DEATH((void)group->get_item_guid(3), "Bug check");
+    EXPECT_DEATH(group->context_command(3, metadb_handle_list{track}, {}), "Bug check");
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+#include "ostrevan/track_properties.h"
+
+#include <algorithm>
+
+#include "quorvel/store/timestamp.h"
+#include "tests/support/statistics_test.h"
+
+namespace {
+
+using ostrevan::metadb_handle_list;
+
+constexpr std::uint64_t moment = 133'541'244'480'000'000;
+constexpr std::uint64_t day = 864'000'000'000;
+
+struct recording_sink final : ostrevan::track_property_sink {
+    std::string rows;
+    void set_property(const char* group, double priority, const char* name, const char* value) override {
+        EXPECT_STREQ(group, "Playback Statistics");
+        rows += std::to_string(static_cast<int>(priority)) + ' ' + name + " = " + value + '\n';
+    }
+};
+
+struct choosing_groups final : ostrevan::track_property_groups {
+    bool accept = true;
+    std::vector<std::string> seen;
+    bool on_group(const char* group) override {
+        seen.emplace_back(group);
+        return accept;
+    }
+};
+
+std::string text_of(std::uint64_t time) { return std::string(quorvel::FormatTimestamp(time).view()); }
+
+class track_properties : public support::statistics_test {
+protected:
+    std::string rows(const metadb_handle_list& tracks) {
+        recording_sink sink;
+        player.component_service<ostrevan::track_property_provider>().enumerate_properties(tracks, sink);
+        return sink.rows;
+    }
+};
+
+TEST_F(track_properties, sum_up_a_selection) {
+    const auto tracks = support::make_tracks(3);
+    put(tracks[0], {.play_count = 2, .first_played = moment + day, .last_played = moment + 9 * day, .added = moment + day});
+    put(tracks[1],
+        {.play_count = 3, .first_played = moment, .last_played = moment + 5 * day, .added = moment, .rating = 149});
+    EXPECT_EQ(rows(tracks), "0 Played = 5 times\n2 Last played = " + text_of(moment + 9 * day) +
+                                "\n1 First played = " + text_of(moment) + "\n3 Added = " + text_of(moment) + " - " +
+                                text_of(moment + day) + "\n4 Rating = ★★★☆☆\n");
+}
+
+TEST_F(track_properties, show_only_rows_with_something_to_say) {
+    const auto tracks = support::make_tracks(2);
+    EXPECT_EQ(rows({}), "");
+    EXPECT_EQ(rows(tracks), "");
+    put(tracks[0], {.play_count = 1, .added = moment, .rating = 0});
+    put(tracks[1], {.added = moment});
+    EXPECT_EQ(rows(tracks), "0 Played = 1 time\n3 Added = " + text_of(moment) + "\n4 Rating = ☆☆☆☆☆\n");
+}
+
+TEST_F(track_properties, count_a_record_once_and_skip_tracks_without_information) {
+    const auto track = support::make_track("/a", {{"artist", "a"}, {"title", "t"}});
+    const auto copy = support::make_track("/b", {{"artist", "a"}, {"title", "t"}});
+    const auto unread = support::make_track("/c", {});
+    unread->forget_info();
+    put(track, {.play_count = 2});
+    EXPECT_EQ(rows({track, track, copy, unread}), "0 Played = 2 times\n");
+}
+
+TEST_F(track_properties, average_ratings_in_the_order_of_the_keys) {
+    auto tracks = support::make_tracks(3);
+    std::ranges::sort(tracks.items(), {}, [](const auto& track) { return key_of(track); });
+    const auto combined = [&](std::array<std::uint32_t, 3> ratings) {
+        for (std::size_t i = 0; i < 3; ++i) put(tracks[i], {.rating = ratings[i]});
+        return rows({tracks[2], tracks[0], tracks[1]});
+    };
+    EXPECT_EQ(combined({63, 149, 234}), "4 Rating = ★★★☆☆\n");  // 106, then 170
+    EXPECT_EQ(combined({234, 149, 63}), "4 Rating = ★★☆☆☆\n");  // 191, then 127
+    EXPECT_EQ(combined({quorvel::rating_not_set, 234, quorvel::rating_not_set}), "4 Rating = ★★★★★\n");
+}
+
+TEST_F(track_properties, fill_the_group_only_when_it_is_wanted) {
+    const auto tracks = support::make_tracks(1);
+    put(tracks[0], {.play_count = 1});
+    auto& provider = player.component_service<ostrevan::track_property_provider>();
+    for (const bool accept : {false, true}) {
+        recording_sink sink;
+        choosing_groups groups;
+        groups.accept = accept;
+        provider.enumerate_groups(tracks, groups, sink);
+        EXPECT_EQ(groups.seen, std::vector<std::string>{"Playback Statistics"});
+        EXPECT_EQ(sink.rows, accept ? "0 Played = 1 time\n" : "");
+    }
+}
+
+}  // namespace

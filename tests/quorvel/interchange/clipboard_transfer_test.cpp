@@ -1,0 +1,195 @@
+#include "quorvel/interchange/clipboard_transfer.h"
+
+#include <cstdlib>
+
+#include "ostrevan/exceptions.h"
+#include "quorvel/store/timestamp.h"
+#include "tests/support/statistics_test.h"
+
+#ifdef __unix__
+#include <sys/resource.h>
+#endif
+
+namespace {
+
+using ostrevan::metadb_handle_list;
+using ostrevan::popup_message_v3;
+using quorvel::t_playback_stats;
+
+constexpr std::uint64_t moment = 133'541'244'480'000'000;
+
+/// A selection that says how long it is and has nothing in it.
+struct empty_selection final : nuv::list_base_const_t<ostrevan::metadb_handle_ptr> {
+    explicit empty_selection(std::size_t size) : size_(size) {}
+    std::size_t get_count() const noexcept override { return size_; }
+    const ostrevan::metadb_handle_ptr& get_item(std::size_t) const override { throw std::logic_error("never read"); }
+    std::size_t size_;
+};
+
+class clipboard_transfer : public support::statistics_test {
+protected:
+    metadb_handle_list from = support::make_tracks(3);
+    metadb_handle_list to = [] {
+        metadb_handle_list tracks;
+        for (const char* title : {"x", "y", "z"})
+            tracks.items().push_back(support::make_track(title, {{"artist", "b"}, {"title", title}}));
+        return tracks;
+    }();
+
+    /// A block of `count` equal records.
+    void set_block(std::uint32_t count, const t_playback_stats& record = {}) {
+        std::vector<std::uint8_t> block;
+        const auto append = [&](std::uint64_t value, unsigned size) {
+            for (unsigned i = 0; i < size; ++i) block.push_back(static_cast<std::uint8_t>(value >> 8 * i));
+        };
+        append(count, 4);
+        for (std::uint32_t i = 0; i < std::min(count, 10U); ++i) {
+            for (const auto value : {record.play_count, record.first_played, record.last_played, record.added})
+                append(value, 8);
+            append(record.rating, 4);
+        }
+        player.clipboard.set(quorvel::clipboard_format, block);
+    }
+    std::string preview_of(std::uint32_t count, const t_playback_stats& record) {
+        set_block(count, record);
+        EXPECT_TRUE(quorvel::pasteStatistics(support::make_tracks(count)));
+        auto text = player.popups.questions().at(0).text;
+        player.popups.answer(popup_message_v3::answer_cancel);
+        return text;
+    }
+};
+
+TEST_F(clipboard_transfer, copies_a_count_and_36_bytes_a_track) {
+    put(from[0], {.play_count = 0x0102030405060708, .first_played = 2, .last_played = 3, .added = 4, .rating = 0xA1B2C3D4});
+    quorvel::copyStatistics(from);
+    const auto& block = player.clipboard.bytes;
+    EXPECT_EQ(player.clipboard.format, "{9B7A2C92-BC1E-4a96-BB97-B19884AB2141}");
+    ASSERT_EQ(block.size(), 112U);
+    const std::vector<std::uint8_t> first = {3, 0, 0, 0, 8, 7, 6, 5, 4, 3, 2, 1, 2, 0, 0, 0, 0,    0,    0,    0,
+                                             3, 0, 0, 0, 0, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0xD4, 0xC3, 0xB2, 0xA1};
+    EXPECT_EQ(std::vector(block.begin(), block.begin() + 40), first);
+    std::vector<std::uint8_t> unset(36, 0);
+    std::fill(unset.end() - 4, unset.end(), std::uint8_t{0xFF});
+    EXPECT_EQ(std::vector(block.begin() + 40, block.begin() + 76), unset);
+}
+
+TEST_F(clipboard_transfer, refuses_more_tracks_than_the_count_can_say) {
+    EXPECT_THROW(quorvel::copyStatistics(empty_selection(0x100000000)), nuv::exception_overflow);
+    player.clipboard.fail = true;
+    EXPECT_ANY_THROW(quorvel::copyStatistics(from));
+}
+
+TEST_F(clipboard_transfer, overwrites_by_position_after_ok) {
+    const t_playback_stats record{.play_count = 1, .first_played = 2, .last_played = 3, .added = 4, .rating = 63};
+    put(from[0], record);
+    put(from[2], {.play_count = 9});
+    put(to[0], {.play_count = 50, .added = 1, .rating = 234});
+    put(to[1], {.play_count = 60});
+    quorvel::copyStatistics(from);
+    for (const unsigned answer : {popup_message_v3::answer_cancel, popup_message_v3::answer_ok}) {
+        {
+            const metadb_handle_list selection = to;
+            EXPECT_TRUE(quorvel::pasteStatistics(selection));
+        }
+        const auto& question = player.popups.questions().at(0);
+        EXPECT_EQ(question.style, 1U);
+        EXPECT_EQ(question.title, "Playback Statistics");
+        EXPECT_EQ(stored(to[0]).play_count, 50U);
+        player.popups.answer(answer);
+    }
+    EXPECT_EQ(stored(to[0]), record);
+    EXPECT_EQ(stored(to[1]), t_playback_stats{}) << "unset values overwrite too";
+    EXPECT_EQ(stored(to[2]).play_count, 9U);
+    ASSERT_EQ(player.index.refreshes.size(), 1U);
+    EXPECT_EQ(player.index.refreshes[0].size(), 3U);
+    EXPECT_TRUE(player.tag_updates.requests.empty());
+}
+
+TEST_F(clipboard_transfer, keeps_the_later_record_of_tracks_that_share_a_key) {
+    put(from[0], {.play_count = 1});
+    put(from[1], {.play_count = 2});
+    quorvel::copyStatistics(metadb_handle_list{from[0], from[1]});
+    quorvel::pasteStatistics(metadb_handle_list{to[0], to[0]});
+    player.popups.answer(popup_message_v3::answer_ok);
+    EXPECT_EQ(stored(to[0]).play_count, 2U);
+}
+
+TEST_F(clipboard_transfer, writes_file_tags_of_local_tracks_when_wanted) {
+    quorvel::tag_sync_enabled.set(true);
+    const auto remote = support::make_track("http://host/a", {{"artist", "r"}, {"title", "t"}});
+    set_block(2, {.play_count = 4});
+    quorvel::pasteStatistics(metadb_handle_list{remote, to[0]});
+    player.popups.answer(popup_message_v3::answer_ok);
+    ASSERT_EQ(player.tag_updates.requests.size(), 1U);
+    const auto& request = player.tag_updates.requests[0];
+    EXPECT_EQ(request.tracks.items(), std::vector<ostrevan::metadb_handle_ptr>{to[0]});
+    EXPECT_EQ(request.options, 0U);
+    EXPECT_TRUE(request.notify);
+}
+
+TEST_F(clipboard_transfer, previews_five_records_and_counts_the_rest) {
+    const std::string time(quorvel::FormatTimestamp(moment).view());
+    const std::string head = "The following data is about to be imported, overwriting your current playback statistics:\n\n";
+    EXPECT_EQ(
+        preview_of(1, {.play_count = 3, .first_played = moment, .last_played = moment, .added = moment, .rating = 128}),
+        head + "Item: t0\nPlayed 3 times, first: " + time + ", last: " + time + ", added: " + time + ", rating: ***\n\n");
+    std::string items;
+    for (const char* title : {"t0", "t1", "t2", "t3", "t4"})
+        items += std::string("Item: ") + title + "\nPlayed 0 times, first: N/A, last: N/A, added: N/A, rating: N/A\n\n";
+    EXPECT_EQ(preview_of(5, {}), head + items);
+    EXPECT_EQ(preview_of(7, {}), head + items + "(2 more...)\n");
+
+    const std::pair<std::uint32_t, const char*> ratings[] = {
+        {42, "\n"}, {63, "*\n"}, {234, "*****\n"}, {255, "*****\n"}, {0xFFFFFFFE, "*****\n"}, {0x55555556, "\n"}};
+    for (const auto& [rating, stars] : ratings)
+        EXPECT_TRUE(preview_of(1, {.rating = rating}).ends_with(std::string("rating: ") + stars + "\n")) << rating;
+}
+
+TEST_F(clipboard_transfer, says_that_the_numbers_of_tracks_differ) {
+    set_block(2);
+    EXPECT_FALSE(quorvel::pasteStatistics(to));
+    EXPECT_TRUE(player.popups.questions().empty());
+    EXPECT_EQ(player.popups.messages, (std::vector<support::shown_message>{
+                                          {"Clipboard contains information for 2 tracks. Please select a correct number of "
+                                           "tracks to paste information to.",
+                                           "Playback Statistics", 0}}));
+}
+
+TEST_F(clipboard_transfer, writes_nothing_from_a_block_that_is_not_there_or_ends_early) {
+    EXPECT_FALSE(quorvel::pasteStatistics(to));
+    set_block(3);
+    for (std::size_t size = player.clipboard.bytes.size(); size-- > 0;) {
+        player.clipboard.bytes.resize(size);
+        EXPECT_THROW(quorvel::pasteStatistics(to), ostrevan_io::exception_io_data_truncation) << size;
+    }
+    player.clipboard.fail = true;
+    EXPECT_FALSE(quorvel::pasteStatistics(to));
+    EXPECT_TRUE(player.popups.questions().empty());
+    EXPECT_EQ(player.index.direct_writes + player.index.begun, 0U);
+}
+
+TEST_F(clipboard_transfer, ignores_bytes_after_the_block) {
+    set_block(3, {.play_count = 8});
+    player.clipboard.bytes.resize(player.clipboard.bytes.size() + 20);
+    EXPECT_TRUE(quorvel::pasteStatistics(to));
+}
+
+#if defined(__unix__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST_F(clipboard_transfer, beeps_when_there_is_no_room_for_the_records) {
+    set_block(0xFFFFFFFF);
+    const auto paste_without_memory = [&] {
+        const rlimit limit{1U << 30, 1U << 30};
+        setrlimit(RLIMIT_AS, &limit);
+        const bool pasted = quorvel::pasteStatistics(empty_selection(0xFFFFFFFF));
+        std::_Exit(!pasted && player.beeps.count == 1 ? 0 : 1);
+    };
+    EXPECT_EXIT(paste_without_memory(), testing::ExitedWithCode(0), "");
+}
+#endif
+
+TEST_F(clipboard_transfer, is_for_the_main_thread) {
+    EXPECT_DEATH(std::thread([&] { quorvel::copyStatistics(from); }).join(), "^core_api::ensure_main_thread");
+    EXPECT_DEATH(std::thread([&] { (void)quorvel::pasteStatistics(from); }).join(), "^core_api::ensure_main_thread");
+}
+
+}  // namespace
