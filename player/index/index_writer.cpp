@@ -16,11 +16,11 @@ index_writer::index_writer(steps work, std::chrono::milliseconds retry_interval)
     : work_(std::move(work)), retry_interval_(retry_interval), thread_([this](const std::stop_token& stop) { run(stop); }) {}
 
 index_writer::~index_writer() {
-    if (pending())
-        if (const auto failure = wait_for(queued_))
-            work_.report("The last changes could not be saved and are lost. " + *failure);
+    const auto failure = pending() ? wait_for(queued_) : std::nullopt;
     thread_.request_stop();
     thread_.join();
+    // After the thread's own reports, so that this is the last.
+    if (failure) work_.report("The last changes could not be saved and are lost. " + *failure);
 }
 
 void index_writer::enqueue(std::vector<index_job> jobs) {

@@ -1,7 +1,6 @@
 #include "player/index/index_store.h"
 
 #include <atomic>
-#include <latch>
 #include <limits>
 #include <thread>
 
@@ -98,7 +97,7 @@ TEST_F(index_store_test, loses_no_update_when_several_threads_add_in_transaction
 }
 
 TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading_and_growing) {
-    constexpr std::uint64_t keys = 20'000;
+    constexpr std::uint64_t keys = 10'000;
     const auto write_all = [](index_store& store, std::uint64_t count, std::uint64_t version) {
         store_transaction transaction = store.begin();
         for (std::uint64_t key = 1; key <= count; ++key) transaction.write(plays, key, record_of(key, version));

@@ -35,7 +35,7 @@ inline record_bytes record_of(std::uint64_t key, std::uint64_t version = 0, std:
 
 /// What the store answers, or nothing where it has no record.
 inline std::optional<record_bytes> stored(const index_store& store, const nuv::guid& index, std::uint64_t key) {
-    record_bytes data(index_store::max_record_size);
+    record_bytes data(store.read(index, key, nullptr, 0));
     data.resize(store.read(index, key, data.data(), data.size()));
     return data.empty() ? std::nullopt : std::optional(data);
 }
