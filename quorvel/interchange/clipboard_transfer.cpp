@@ -160,7 +160,8 @@ bool pasteStatistics(metadb_handle_list_cref tracks) {
     }
     for (std::uint32_t i = 0; i < count; ++i) pasted->push_back(reader.read_record());
 
-    ask(preview(tracks, *pasted), message_title, popup_message_v3::style_ok_cancel,
+    auto question = preview(tracks, *pasted);
+    ask(std::move(question), message_title, popup_message_v3::style_ok_cancel,
         [held = share_tracks(tracks), pasted = std::move(*pasted)](unsigned answer) {
             if (answer == popup_message_v3::answer_ok) overwrite(*held, pasted);
         });
