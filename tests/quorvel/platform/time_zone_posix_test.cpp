@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "quorvel/platform/clock.h"
+#include "quorvel/platform/time_zone.h"
+
+using quorvel::civil_time;
+using quorvel::time_zone;
+
+namespace {
+
+/// The C library in another zone, for as long as this lives.
+class c_library_zone {
+public:
+    explicit c_library_zone(const std::string& name) {
+        if (const char* before = std::getenv("TZ")) before_ = before;
+        set(name.c_str());
+    }
+    ~c_library_zone() { before_.empty() ? unset() : set(before_.c_str()); }
+
+    [[nodiscard]] static civil_time local(std::uint64_t time) {
+        const auto seconds = static_cast<std::time_t>(time / quorvel::filetime_per_second) -
+                             static_cast<std::time_t>(quorvel::filetime_of_1970 / quorvel::filetime_per_second);
+        std::tm t{};
+        localtime_r(&seconds, &t);
+        return {t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, 0};
+    }
+
+private:
+    static void set(const char* name) {
+        setenv("TZ", name, 1);
+        tzset();
+    }
+    static void unset() {
+        unsetenv("TZ");
+        tzset();
+    }
+    std::string before_;
+};
+
+std::uint64_t utc(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
+    static const auto zone = time_zone::load("UTC0");
+    return zone->to_utc({year, month, day, hour, minute, second}).value();
+}
+
+std::vector<std::string> database_zones() {
+    namespace fs = std::filesystem;
+    const fs::path root = "/usr/share/zoneinfo";
+    std::vector<std::string> names;
+    if (!fs::exists(root)) return names;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        const auto name = entry.path().lexically_relative(root).string();
+        if (entry.is_regular_file() && !name.starts_with("right/") && time_zone::load(name)) names.push_back(name);
+    }
+    return names;
+}
+
+}  // namespace
+
+TEST(time_zone, agrees_with_the_c_library_everywhere) {
+    auto names = database_zones();
+    if (names.empty()) GTEST_SKIP() << "no zone database on this machine";
+    const auto zones = names.size();
+    for (const char* rule : {"PST8PDT,M3.2.0,M11.1.0", "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", "IST-1GMT0,M10.5.0,M3.5.0/1",
+                             "XXX3YYY,J60/-1,300/26:30:15", "<-02>2"})
+        names.emplace_back(rule);
+
+    std::mt19937_64 random(1);
+    std::uniform_int_distribution<std::uint64_t> recent(utc(1900, 1, 1), utc(2100, 1, 1));
+    std::uniform_int_distribution<std::uint64_t> whenever(0, utc(9999, 1, 1));
+    for (std::size_t n = 0; n < names.size(); ++n) {
+        const auto& name = names[n];
+        const auto zone = time_zone::load(name);
+        ASSERT_TRUE(zone) << name;
+        const c_library_zone reference(name);
+        for (int i = 0; i < 300; ++i) {
+            auto time = (i % 3 == 0 ? whenever(random) : recent(random)) / 10'000'000 * 10'000'000;
+            // The C library applies a bare rule to years since 1970 only.
+            if (n >= zones && time < quorvel::filetime_of_1970) time += utc(2001, 1, 1);
+            const auto local = zone->to_local(time);
+            ASSERT_EQ(local, c_library_zone::local(time)) << name << " at " << time;
+            if (local->year < 1601) continue;
+            const auto back = zone->to_utc(*local);
+            ASSERT_TRUE(back) << name << " at " << time;
+            ASSERT_LE(*back, time) << name;
+            ASSERT_EQ(zone->to_local(*back), local) << name << ": the first of two at most";
+        }
+    }
+}
+
+TEST(time_zone, agrees_with_the_c_library_around_every_change_of_the_clock) {
+    for (const char* name : {"America/Los_Angeles", "Australia/Lord_Howe", "Europe/Dublin", "Africa/Casablanca",
+                             "Pacific/Apia", "America/Sao_Paulo"}) {
+        const auto zone = time_zone::load(name);
+        if (!zone) GTEST_SKIP() << "no zone database on this machine";
+        const c_library_zone reference(name);
+        constexpr std::uint64_t half_hour = 1800 * quorvel::filetime_per_second;
+        for (auto time = utc(2010, 1, 1); time < utc(2012, 1, 1); time += half_hour)
+            for (const auto near : {time - 10'000'000, time})
+                ASSERT_EQ(zone->to_local(near), c_library_zone::local(near)) << name << " at " << near;
+    }
+}
+
+TEST(time_zone, reads_skipped_and_repeated_times_by_rule) {
+    const auto zone = time_zone::load("PST8PDT,M3.2.0,M11.1.0");
+    EXPECT_EQ(zone->to_utc({2021, 3, 14, 1, 59, 59}), utc(2021, 3, 14, 9, 59, 59));
+    EXPECT_EQ(zone->to_utc({2021, 3, 14, 2, 30, 0}), utc(2021, 3, 14, 9, 30, 0)) << "skipped";
+    EXPECT_EQ(zone->to_utc({2021, 3, 14, 3, 0, 0}), utc(2021, 3, 14, 10, 0, 0));
+    EXPECT_EQ(zone->to_utc({2021, 11, 7, 1, 30, 0}), utc(2021, 11, 7, 8, 30, 0)) << "the first of two";
+    EXPECT_EQ(zone->to_utc({2021, 11, 7, 2, 0, 0}), utc(2021, 11, 7, 10, 0, 0));
+    EXPECT_EQ(zone->to_utc({29021, 7, 1, 2, 0, 0}), utc(29021, 7, 1, 9, 0, 0)) << "rules hold for ever";
+}
+
+TEST(time_zone, converts_within_the_range_of_the_windows_calls) {
+    const auto east = time_zone::load("<+09>-9");
+    const auto west = time_zone::load("<-08>8");
+    EXPECT_EQ(east->to_local(0), (civil_time{1601, 1, 1, 9, 0, 0}));
+    EXPECT_EQ(west->to_local(0), (civil_time{1600, 12, 31, 16, 0, 0}));
+    const auto last = utc(30827, 12, 31, 23, 59, 59);
+    EXPECT_EQ(west->to_local(last), (civil_time{30827, 12, 31, 15, 59, 59}));
+    EXPECT_FALSE(east->to_local(last)) << "already in the year 30828 there";
+    EXPECT_FALSE(west->to_local(last + quorvel::filetime_per_second));
+    for (const auto time : {std::uint64_t{1} << 63, ~std::uint64_t{0}}) EXPECT_FALSE(west->to_local(time));
+
+    EXPECT_EQ(west->to_utc({1601, 1, 1}), 8 * 3600 * quorvel::filetime_per_second);
+    EXPECT_FALSE(east->to_utc({1601, 1, 1})) << "before 1601 in UTC";
+    EXPECT_FALSE(east->to_utc({2023, 2, 29}));
+    EXPECT_TRUE(east->to_utc({2024, 2, 29}));
+}
+
+TEST(time_zone, refuses_what_is_neither_a_zone_nor_a_rule) {
+    for (const char* name : {"", "Nowhere/Land", "../../etc/passwd", "/etc/passwd", "AB3", "PST8PDT,M13.1.0,M11.1.0",
+                             "PST8PDT,M3.2.0", "PST200"})
+        EXPECT_FALSE(time_zone::load(name)) << name;
+}

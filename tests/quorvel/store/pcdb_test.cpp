@@ -1,0 +1,251 @@
+#include "quorvel/store/pcdb.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "ostrevan/statistics_collector.h"
+#include "quorvel/common/settings.h"
+#include "quorvel/platform/clock.h"
+#include "quorvel/store/key.h"
+#include "quorvel/store/stats_op.h"
+#include "tests/support/memory_player.h"
+
+using namespace quorvel;
+using track_list = ostrevan::metadb_handle_list;
+
+namespace {
+
+/// A started player and one track.
+class pcdb : public testing::Test {
+protected:
+    pcdb() {
+        player.start();
+        key = KeyOf(*track).value();
+    }
+
+    void store(const t_playback_stats& record) {
+        PCDB::Update(key, [&](t_playback_stats& r) { r = record; });
+        forget_traffic();
+    }
+    void forget_traffic() {
+        player.index.refreshes.clear();
+        player.index.begun = player.index.committed = 0;
+    }
+    [[nodiscard]] bool refreshed_once() const {
+        return player.index.refreshes == std::vector<std::vector<std::uint64_t>>{{key}};
+    }
+    t_playback_stats stored() { return PCDB::Get(*track); }
+
+    support::memory_player player;
+    support::memory_track_ptr track = support::make_track("/music/a.flac", {{"artist", "a"}, {"title", "t"}});
+    std::uint64_t key = 0;
+};
+
+using pcdb_death = pcdb;
+
+}  // namespace
+
+TEST_F(pcdb, counts_a_play_and_keeps_the_first) {
+    const auto before = filetime_now();
+    PCDB::ItemPlayed(*track);
+    const auto first = stored();
+    EXPECT_EQ(first.play_count, 1U);
+    EXPECT_EQ(first.first_played, first.last_played);
+    EXPECT_GE(first.first_played, before);
+    EXPECT_LE(first.first_played, filetime_now());
+    EXPECT_TRUE(refreshed_once());
+    EXPECT_EQ(player.index.committed, 1U);
+
+    store({1, 5, 6, 7, 63, 0xABCD});
+    PCDB::ItemPlayed(*track);
+    EXPECT_EQ(stored().play_count, 2U);
+    EXPECT_EQ(stored().first_played, 5U);
+    EXPECT_GT(stored().last_played, before - 1);
+    EXPECT_EQ(stored().trailing, 0xABCDU);
+
+    forget_traffic();
+    track->forget_info();
+    PCDB::ItemPlayed(*track);
+    EXPECT_EQ(player.index.begun, 0U) << "a track without a key is not counted";
+}
+
+TEST_F(pcdb, collector_counts_on_the_main_thread_while_monitoring_is_on) {
+    auto& collector = player.component_service<ostrevan::playback_statistics_collector>();
+    std::thread([&] { collector.on_item_played(track); }).join();
+    EXPECT_EQ(stored().play_count, 0U);
+    player.settle();
+    EXPECT_EQ(stored().play_count, 1U);
+    EXPECT_TRUE(player.tag_updates.requests.empty());
+
+    monitoring_enabled.set(false);
+    collector.on_item_played(track);
+    player.settle();
+    monitoring_enabled.set(true);
+    EXPECT_EQ(stored().play_count, 1U);
+
+    player.index.writes_until_failure = 0;
+    collector.on_item_played(track);
+    player.settle();
+    ASSERT_EQ(player.console.lines.size(), 1U) << "a play that cannot be saved is reported, and the player goes on";
+    EXPECT_NE(player.console.lines[0].find("/music/a.flac"), std::string::npos);
+}
+
+TEST_F(pcdb, resets_everything_but_the_date_added) {
+    store({.added = 9});
+    PCDB::Reset(track_list{track});
+    EXPECT_EQ(player.index.begun, 0U) << "nothing to reset";
+    for (const t_playback_stats& record : {t_playback_stats{3, 4, 5, 9, 106}, t_playback_stats{0, 0, 0, 9, 0}}) {
+        store(record);
+        PCDB::Reset(track_list{track});
+        EXPECT_EQ(stored(), (t_playback_stats{.added = 9}));
+        EXPECT_TRUE(refreshed_once());
+    }
+}
+
+TEST_F(pcdb, steps_ratings_by_stars) {
+    struct {
+        std::uint32_t before;
+        int step;
+        std::uint32_t after;
+    } const cases[] = {{rating_not_set, -1, 106},
+                       {rating_not_set, 1, 149},
+                       {20, -1, 63},
+                       {63, -1, 63},
+                       {70, -1, 63},
+                       {149, 1, 191},
+                       {234, 1, 234},
+                       {255, 1, 234},
+                       {300, -1, 191},
+                       {0, 1, 63}};
+    for (const auto& [before, step, after] : cases) {
+        store({.added = 1, .rating = before});
+        PCDB::AdjustRating(track_list{track}, step);
+        EXPECT_EQ(stored().rating, after) << before << " by " << step;
+        EXPECT_EQ(player.index.begun, before == after ? 0U : 1U) << before << " by " << step;
+    }
+    store({.rating = 63});
+    const auto copy = support::make_track("/music/b.mp3", {{"artist", "a"}, {"title", "t"}});
+    PCDB::AdjustRating(track_list{track, copy}, 1);
+    EXPECT_EQ(stored().rating, 106U) << "two copies share a record, and it moves by one step";
+    PCDB::SetRating(track_list{track, copy}, rating_not_set);
+    EXPECT_EQ(stored().rating, rating_not_set);
+}
+
+TEST_F(pcdb, merges_a_batch_in_one_transaction_and_one_refresh) {
+    for (const bool transactions : {true, false}) {
+        player.index.offer_transactions = transactions;
+        store({.added = 1});
+        const auto nameless = support::make_track("/music/c", {});
+        nameless->forget_info();
+        const std::vector<PCDB::TrackRecord> pairs{
+            {track, {.play_count = 3}}, {nameless, {.play_count = 9}}, {track, {.play_count = 4}}};
+        PCDB::MergeBatch(pairs, MergeType::MergeSum);
+        EXPECT_EQ(stored().play_count, 7U);
+        EXPECT_TRUE(refreshed_once());
+        EXPECT_EQ(player.index.begun, transactions ? 1U : 0U);
+
+        forget_traffic();
+        PCDB::MergeBatch(pairs, MergeType::MergeMax);
+        EXPECT_TRUE(player.index.refreshes.empty()) << "nothing changed";
+    }
+}
+
+TEST_F(pcdb, writes_nothing_of_an_operation_that_fails) {
+    const auto tracks = support::make_tracks(10);
+    player.index.writes_until_failure = 5;
+    EXPECT_ANY_THROW(PCDB::SetRating(tracks, 63));
+    for (const auto& other : tracks) EXPECT_EQ(PCDB::Get(*other), t_playback_stats{});
+    player.index.writes_until_failure = 1000;
+    PCDB::SetRating(tracks, 63);
+    EXPECT_EQ(PCDB::Keys().size(), 10U) << "the failed transaction has been given up";
+
+    store({.play_count = 8});
+    player.index.fail_read = true;
+    EXPECT_EQ(stored(), t_playback_stats{});
+    EXPECT_ANY_THROW(PCDB::ItemPlayed(*track));
+    player.index.fail_read = false;
+    EXPECT_EQ(stored().play_count, 8U) << "a record that could not be read is not replaced by a new one";
+}
+
+TEST_F(pcdb, never_writes_key_0) {
+    PCDB::Update(0, [](t_playback_stats& record) { record.play_count = 1; });
+    StatsOp op;
+    op.SetByKey(0, {.play_count = 1});
+    op.commit();
+    op.publish();
+    EXPECT_TRUE(PCDB::Keys().empty());
+    EXPECT_TRUE(player.index.refreshes.empty());
+}
+
+TEST_F(pcdb, stamps_the_date_added_once) {
+    store({.play_count = 2});
+    const auto dated = support::make_track("/b", {{"artist", "b"}});
+    PCDB::Update(*KeyOf(*dated), [](t_playback_stats& record) { record.added = 1; });
+    const auto unread = support::make_track("/c", {});
+    unread->forget_info();
+    forget_traffic();
+
+    const auto before = filetime_now();
+    PCDB::OnAdded(track_list{track, dated, unread, track});
+    EXPECT_EQ(stored().added, 0U) << "left to the worker";
+    player.settle();
+    EXPECT_EQ(stored().play_count, 2U);
+    EXPECT_GE(stored().added, before);
+    EXPECT_EQ(PCDB::Get(*dated).added, 1U);
+    EXPECT_TRUE(refreshed_once());
+    EXPECT_EQ(player.index.begun, 1U);
+
+    forget_traffic();
+    PCDB::OnAdded(track_list{track, dated});
+    player.settle();
+    EXPECT_EQ(player.index.begun, 0U);
+    EXPECT_TRUE(player.index.refreshes.empty());
+}
+
+TEST_F(pcdb, loses_no_play_while_a_library_is_stamped) {
+    constexpr std::size_t count = 3000;
+    const auto tracks = support::make_tracks(count);
+    player.threads.how = support::task_threads::mode::at_once;
+    PCDB::OnAdded(tracks);
+    for (std::size_t i = 0; i < count; ++i) PCDB::ItemPlayed(*tracks[count - 1 - i]);
+    for (std::size_t i = 0; i < count; i += 7) PCDB::SetRating(track_list{tracks[i]}, 63);
+    player.settle();
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto record = PCDB::Get(*tracks[i]);
+        ASSERT_EQ(record.play_count, 1U) << i;
+        ASSERT_NE(record.added, 0U) << i;
+        ASSERT_EQ(record.rating, i % 7 == 0 ? 63 : rating_not_set) << i;
+    }
+}
+
+TEST_F(pcdb, applies_an_edit_to_what_was_written_in_between) {
+    for (const bool transactions : {true, false}) {
+        player.index.offer_transactions = transactions;
+        store({});
+        constexpr int each = 2000;
+        const auto count_up = [this] {
+            for (int i = 0; i < each; ++i) {
+                StatsOp op;
+                op.Update(key, [](t_playback_stats& record) { ++record.play_count; });
+                op.commit();
+            }
+        };
+        std::thread worker(count_up);
+        count_up();
+        worker.join();
+        EXPECT_EQ(stored().play_count, 2U * each);
+    }
+}
+
+TEST_F(pcdb_death, refuses_other_threads_than_the_main_thread) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const std::function<void()> operations[] = {
+        [&] { PCDB::ItemPlayed(*track); },
+        [&] { PCDB::Reset(track_list{track}); },
+        [&] { PCDB::OnAdded(track_list{track}); },
+        [&] { PCDB::MergeBatch({}, MergeType::MergeSum); },
+    };
+    for (const auto& operation : operations) EXPECT_DEATH(std::thread(operation).join(), "^core_api::ensure_main_thread");
+}

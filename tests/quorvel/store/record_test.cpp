@@ -1,0 +1,87 @@
+#include "quorvel/store/record.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "quorvel/store/merge.h"
+#include "quorvel/store/record_map.h"
+
+using namespace quorvel;
+
+TEST(record, is_stored_little_endian_in_the_order_of_its_fields) {
+    const t_playback_stats record{0x0102030405060708, 0x1112131415161718, 0x2122232425262728,
+                                  0x3132333435363738, 0x41424344,         0x51525354};
+    const auto blob = encode_record(record);
+    std::string hex;
+    for (const auto byte : blob) hex += "0123456789ABCDEF"[int(byte) >> 4], hex += "0123456789ABCDEF"[int(byte) & 15];
+    EXPECT_EQ(hex,
+              "0807060504030201"
+              "1817161514131211"
+              "2827262524232221"
+              "3837363534333231"
+              "44434241"
+              "54535251");
+    EXPECT_EQ(decode_record(blob), record);
+    EXPECT_EQ(decode_record(blob).trailing, record.trailing);
+}
+
+TEST(record, of_another_size_reads_as_the_default) {
+    const std::vector<std::byte> bytes(64, std::byte{1});
+    for (const std::size_t size : {0, 39, 41, 64})
+        EXPECT_EQ(decode_record(std::span(bytes).first(size)), t_playback_stats{}) << size;
+    EXPECT_EQ(t_playback_stats{}.rating, 0xFFFFFFFF);
+    EXPECT_EQ((t_playback_stats{.trailing = 1}), t_playback_stats{}) << "the last bytes mean nothing";
+}
+
+TEST(record, shows_the_stars_of_its_rating) {
+    struct {
+        std::uint32_t rating, stars;
+    } const cases[] = {{0, 0},   {42, 0},  {43, 1},  {85, 1},  {86, 2},  {127, 2}, {128, 3},
+                       {170, 3}, {171, 4}, {213, 4}, {214, 5}, {255, 5}, {300, 5}};
+    for (const auto& [rating, stars] : cases) {
+        EXPECT_EQ(stars_of(rating), stars) << rating;
+        EXPECT_EQ(stars_of_wrapping(rating), stars) << rating;
+    }
+    EXPECT_EQ(stars_of(0x2AAAAAAB), 5U);
+    EXPECT_EQ(stars_of_wrapping(0x2AAAAAAB), 0U) << "the product has wrapped";
+
+    const std::vector<std::uint32_t> written{21, 63, 106, 149, 191, 234};
+    for (std::uint32_t stars = 0; stars < written.size(); ++stars) EXPECT_EQ(rating_of_stars(stars), written[stars]);
+}
+
+TEST(merge, combines_field_by_field) {
+    const auto none = rating_not_set;
+    const t_playback_stats stored{3, 20, 30, 40, 149, 7};
+    struct {
+        MergeType type;
+        t_playback_stats stored, incoming, expected;
+    } const cases[] = {
+        {MergeType::Overwrite, stored, {4, 1, 2, 3, 5}, {4, 1, 2, 3, 5}},
+        {MergeType::Overwrite, stored, {}, {}},
+        {MergeType::MergeMax, stored, {4, 10, 50, 60, 234}, {4, 10, 50, 40, 191}},
+        {MergeType::MergeSum, stored, {4, 30, 10, 30, 234}, {7, 20, 30, 30, 191}},
+        {MergeType::MergeMax, stored, {}, stored},
+        {MergeType::MergeSum, {}, stored, stored},
+        {MergeType::MergeMax, {2, 0, 0, 0, none}, {1, 5, 6, 7, 0}, {2, 5, 6, 7, 0}},
+        {MergeType::MergeSum, {~0ULL, 0, 0, 0, 0xFFFFFFFE}, {2, 0, 0, 0, 4}, {1, 0, 0, 0, 1}},
+    };
+    for (const auto& c : cases) {
+        const auto result = merged(c.stored, c.incoming, c.type);
+        EXPECT_EQ(result, c.expected) << &c - cases;
+        EXPECT_EQ(result.trailing, c.stored.trailing) << &c - cases;
+    }
+}
+
+TEST(record_map, finds_every_key_it_was_given) {
+    record_map map;
+    constexpr std::uint64_t count = 5000;
+    const auto key = [](std::uint64_t i) { return i * 0x100000000ULL; };
+    for (std::uint64_t i = 0; i < count; ++i) map.set(key(i), {.play_count = 0});
+    for (std::uint64_t i = 0; i < count; ++i) map.set(key(i), {.play_count = i});
+    for (std::uint64_t i = 0; i < count; ++i) ASSERT_EQ(map.find(key(i))->play_count, i);
+    EXPECT_EQ(map.find(1), nullptr);
+    EXPECT_EQ(map.keys().size(), count);
+    EXPECT_EQ(map.keys()[1], key(1));
+}
