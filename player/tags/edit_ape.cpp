@@ -10,7 +10,7 @@ namespace ostrevan::tags {
 namespace {
 
 constexpr std::size_t footer_size = 32;
-constexpr std::size_t id3v1_size = 128;
+constexpr long id3v1_size = 128;
 constexpr std::uint64_t has_header_flag = 0x80000000;
 constexpr std::uint64_t is_header_flag = 0x20000000;
 constexpr std::uint64_t written_version = 2000;
@@ -104,20 +104,23 @@ std::string edit_ape(const std::string& bytes, const tag_changes& changes, tag_r
 }
 
 void edit_ape_at_end(file_stream& stream, const tag_changes& changes, tag_role role) {
-    long end = stream.length();
-    if (read_bytes(stream, end - static_cast<long>(id3v1_size), 3) == "TAG") end -= static_cast<long>(id3v1_size);
-    const std::string footer = read_bytes(stream, end - static_cast<long>(footer_size), footer_size);
     std::string old;
-    if (footer.starts_with("APETAGEX")) {
-        const auto size =
-            little_endian(footer, 12, 4) + ((little_endian(footer, 20, 4) & has_header_flag) != 0 ? footer_size : 0);
-        if (size < footer_size || size > static_cast<std::uint64_t>(end)) throw edit_error("its APE tag is damaged");
-        old = read_bytes(stream, end - static_cast<long>(size), size);
+    long start = 0;
+    if (const long found = find_ape_footer(stream); found >= 0) {
+        const std::string footer = read_bytes(stream, found, footer_size);
+        const bool has_header = (little_endian(footer, 20, 4) & has_header_flag) != 0;
+        const auto size = little_endian(footer, 12, 4) + (has_header ? footer_size : 0);
+        start = found + static_cast<long>(footer_size) - static_cast<long>(size);
+        if (size < footer_size || start < 0) throw edit_error("its APE tag is damaged");
+        old = read_bytes(stream, start, size);
     } else if (role == tag_role::other) {
         return;
+    } else {
+        start = stream.length();
+        if (read_bytes(stream, start - id3v1_size, 3) == "TAG") start -= id3v1_size;
     }
     const std::string edited = edit_ape(old, changes, role);
-    if (edited != old) replace_bytes(stream, edited, end - static_cast<long>(old.size()), old.size());
+    if (edited != old) replace_bytes(stream, edited, start, old.size());
 }
 
 }  // namespace ostrevan::tags

@@ -1,74 +1,54 @@
-#include <asffile.h>
-#include <asftag.h>
-#include <tpropertymap.h>
+#include <algorithm>
 
+#include "player/tags/asf_fields.h"
+#include "player/tags/asf_header.h"
 #include "player/tags/edit_tags.h"
-#include "player/tags/freeform.h"
+#include "player/tags/field_names.h"
 
 namespace ostrevan::tags {
 namespace {
 
-namespace ASF = TagLib::ASF;
+/// The largest value that the older objects hold.
+constexpr std::size_t largest_short_value = 65535;
+constexpr std::size_t scope_size = 4;
 
-TagLib::PropertyMap one_entry(const std::string& key, const TagLib::StringList& values) {
-    TagLib::PropertyMap map;
-    map.insert(TagLib::String(key, TagLib::String::UTF8), values);
-    return map;
-}
-
-/// Fields of the content description, which are no attributes and hold one text each.
-struct description_field {
-    std::string_view key;
-    void (ASF::Tag::*set)(const TagLib::String&);
-};
-constexpr description_field description_fields[] = {{"TITLE", &ASF::Tag::setTitle},
-                                                    {"ARTIST", &ASF::Tag::setArtist},
-                                                    {"COMMENT", &ASF::Tag::setComment},
-                                                    {"COPYRIGHT", &ASF::Tag::setCopyright}};
-
-const description_field* description_of(const std::string& key) {
-    for (const auto& each : description_fields)
-        if (each.key == key) return &each;
-    return nullptr;
-}
-
-/// The attribute that holds an entry: the library knows the customary names.
-TagLib::String attribute_of(const std::string& key) {
-    ASF::Tag translator;
-    if (translator.setProperties(one_entry(key, TagLib::StringList("1"))).isEmpty())
-        for (const auto& [name, values] : translator.attributeListMap()) return name;
-    return {key, TagLib::String::UTF8};
-}
-
-void remove(ASF::Tag& tag, const tag_change& change) {
-    for (const auto& key : change.keys) {
-        if (const auto* field = description_of(key)) (tag.*field->set)(TagLib::String());
-        tag.removeItem(attribute_of(key));
-    }
-    const ASF::AttributeListMap present = tag.attributeListMap();
-    for (const auto& [name, values] : present)
-        if (concerns(change, asf_key(name))) tag.removeItem(name);
-}
-
-void write(ASF::Tag& tag, const std::string& key, const std::vector<std::string>& values) {
-    if (const auto* field = description_of(key); field != nullptr && values.size() == 1) {
-        (tag.*field->set)(TagLib::String(values.front(), TagLib::String::UTF8));
-        return;
-    }
-    ASF::AttributeList attributes;
-    for (const auto& value : values) attributes.append(ASF::Attribute(TagLib::String(value, TagLib::String::UTF8)));
-    tag.setAttribute(attribute_of(key), attributes);
+/// The first value goes where every program looks; of several, only the library object may repeat a name.
+asf_place place_for(const asf_header& header, const asf_attribute& attribute) {
+    const auto is_taken = [&](asf_place place) {
+        return std::ranges::any_of(header.attributes,
+                                   [&](const auto& each) { return each.place == place && each.name == attribute.name; });
+    };
+    if (attribute.value.size() > largest_short_value) return asf_place::library;
+    if (is_description_name(attribute.name) && !is_taken(asf_place::description)) return asf_place::description;
+    return is_taken(asf_place::extended) ? asf_place::library : asf_place::extended;
 }
 
 }  // namespace
 
-void edit_asf(TagLib::File& file, const tag_changes& changes) {
-    auto& tag = dynamic_cast<ASF::Tag&>(*file.tag());
+void edit_asf(file_stream& stream, const tag_changes& changes) {
+    const auto size = little_endian(read_bytes(stream, 16, 8), 0, 8);
+    auto header = take_apart_asf(read_bytes(stream, 0, size));
     for (const auto& change : changes) {
-        remove(tag, change);
-        for (const auto& [key, values] : change.writes) write(tag, key, values);
+        std::string old_name;
+        std::erase_if(header.attributes, [&](const asf_attribute& each) {
+            const bool age_rating = each.place == asf_place::description && each.name == "Rating";
+            if (age_rating || !concerns(change, key_of_asf_name(each.name))) return false;
+            if (old_name.empty()) old_name = each.name;
+            return true;
+        });
+        for (const auto& [key, values] : change.writes) {
+            const std::string customary = asf_name_of_key(key);
+            const bool keeps_name = customary == key && field_of_key(ascii_upper(old_name)) == field_of_key(key);
+            for (const auto& value : values) {
+                asf_attribute attribute{{}, keeps_name ? old_name : customary, asf_type::text, utf16_of_utf8(value), {}};
+                attribute.place = place_for(header, attribute);
+                attribute.scope.assign(scope_size, '\0');
+                header.attributes.push_back(std::move(attribute));
+            }
+        }
     }
-    if (!file.save()) throw edit_error("its header could not be written");
+    const auto file_size = static_cast<std::uint64_t>(stream.length());
+    replace_bytes(stream, put_together_asf(header, file_size), 0, header.size);
 }
 
 }  // namespace ostrevan::tags

@@ -106,7 +106,7 @@ void edit_tags(opened_file& opened, const file_info& before, const file_info& af
             edit_mp4(*opened.file, changes);
             break;
         case container::asf:
-            edit_asf(*opened.file, changes);
+            edit_asf(stream, changes);
             break;
     }
 }

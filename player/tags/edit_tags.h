@@ -42,7 +42,7 @@ void edit_id3v2_chunk(file_stream& stream, const tag_changes& changes, bool big_
 void edit_flac_comment(file_stream& stream, const tag_changes& changes);
 void edit_ogg_comment(TagLib::File& file, container kind, const tag_changes& changes);
 void edit_mp4(TagLib::File& file, const tag_changes& changes);
-void edit_asf(TagLib::File& file, const tag_changes& changes);
+void edit_asf(file_stream& stream, const tag_changes& changes);
 
 /// Makes the fields of an open file those of `after`, touching only entries of fields that differ from `before`.
 /// Both in canonical form. @throws edit_error

@@ -10,9 +10,6 @@ namespace TagLib {
 namespace MP4 {
 class Tag;
 }
-namespace ASF {
-class Tag;
-}
 }  // namespace TagLib
 
 namespace ostrevan::tags {
@@ -22,12 +19,8 @@ using keyed_values = std::vector<std::pair<std::string, TagLib::StringList>>;
 /// The name of a freeform atom, which is what follows its second colon: "----:com.apple.iTunes:NAME"; empty for other atoms.
 std::string freeform_name(const TagLib::String& atom);
 
-/// The upper-case key of a Windows Media attribute that the library's property map leaves out.
-std::string asf_key(const TagLib::String& attribute);
-
 /// Fields with names of the user's choosing, which the library's own property map leaves out: MP4 freeform atoms whatever
-/// their `mean`, and Windows Media attributes.
+/// their `mean`.
 keyed_values freeform_fields(const TagLib::MP4::Tag& tag);
-keyed_values freeform_fields(const TagLib::ASF::Tag& tag);
 
 }  // namespace ostrevan::tags

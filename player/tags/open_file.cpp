@@ -2,6 +2,7 @@
 
 #include <aifffile.h>
 #include <apefile.h>
+#include <apetag.h>
 #include <asffile.h>
 #include <fcntl.h>
 #include <flacfile.h>
@@ -19,6 +20,7 @@
 
 #include <cerrno>
 
+#include "player/tags/bytes.h"
 #include "player/tags/errors.h"
 
 namespace ostrevan::tags {
@@ -51,7 +53,17 @@ void require_regular(const std::string& path, const struct stat& about) {
     if (about.st_size == 0) throw tag_error(path, "is empty; replace it by a copy with its audio");
 }
 
+constexpr long id3v1_size = 128;
+constexpr long ape_footer_size = 32;
+
 }  // namespace
+
+long find_ape_footer(TagLib::IOStream& stream) {
+    long end = stream.length();
+    if (end >= id3v1_size && read_bytes(stream, end - id3v1_size, 3) == "TAG") end -= id3v1_size;
+    if (end < ape_footer_size || read_bytes(stream, end - ape_footer_size, 8) != "APETAGEX") return -1;
+    return end - ape_footer_size;
+}
 
 descriptor open_regular(const std::string& path, file_stream::access mode) {
     struct stat about {};
@@ -80,6 +92,9 @@ opened_file open_audio(const std::string& path, file_stream::access mode) {
     if (sound == nullptr || sound->sampleRate() <= 0)
         throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
                                   " sound was found in it");
+    if (*kind == container::true_audio)
+        if (const long footer = find_ape_footer(*result.stream); footer >= 0)
+            result.ape_tag = std::make_unique<TagLib::APE::Tag>(result.file.get(), footer);
     return result;
 }
 

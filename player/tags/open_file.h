@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tag.h>
 #include <tfile.h>
 
 #include <memory>
@@ -15,7 +16,12 @@ struct opened_file {
     std::unique_ptr<file_stream> stream;
     container kind{};
     std::unique_ptr<TagLib::File> file;
+    /// The APE tag at the end of a True Audio file, which the library does not look for there.
+    std::unique_ptr<TagLib::Tag> ape_tag;
 };
+
+/// Where an APE tag at the end of the file, or in front of an ID3v1 tag there, has its last 32 bytes; -1 when there is none.
+long find_ape_footer(TagLib::IOStream& stream);
 
 /// Opens a regular file without ever waiting for it: what is a pipe, a device or a folder is refused, not opened.
 /// @throws tag_error

@@ -2,8 +2,6 @@
 
 #include <apefile.h>
 #include <apetag.h>
-#include <asffile.h>
-#include <asftag.h>
 #include <flacfile.h>
 #include <id3v1tag.h>
 #include <id3v2tag.h>
@@ -16,6 +14,7 @@
 #include <wavpackfile.h>
 #include <xiphcomment.h>
 
+#include "player/tags/asf_fields.h"
 #include "player/tags/changes.h"
 #include "player/tags/field_names.h"
 #include "player/tags/freeform.h"
@@ -65,7 +64,7 @@ std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
         }
         case container::true_audio: {
             auto& tta = dynamic_cast<TagLib::TrueAudio::File&>(*file);
-            return filled({tta.ID3v2Tag(), tta.ID3v1Tag()});
+            return filled({tta.ID3v2Tag(), opened.ape_tag.get(), tta.ID3v1Tag()});
         }
         case container::wavpack: {
             auto& wavpack = dynamic_cast<TagLib::WavPack::File&>(*file);
@@ -86,16 +85,14 @@ std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
 
 void add_tag_fields(const TagLib::Tag& tag, file_info& info) {
     const auto properties =
-        properties_of<TagLib::ID3v2::Tag, TagLib::Ogg::XiphComment, TagLib::APE::Tag, TagLib::MP4::Tag, TagLib::ASF::Tag>(
-            tag);
+        properties_of<TagLib::ID3v2::Tag, TagLib::Ogg::XiphComment, TagLib::APE::Tag, TagLib::MP4::Tag>(tag);
     for (const auto& [key, values] : properties) add_values(key.to8Bit(true), values, info);
     if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
         for (const auto& [key, values] : freeform_fields(*mp4)) add_values(key, values, info);
-    if (const auto* asf = dynamic_cast<const TagLib::ASF::Tag*>(&tag))
-        for (const auto& [key, values] : freeform_fields(*asf)) add_values(key, values, info);
 }
 
 void add_fields(const opened_file& opened, file_info& info) {
+    if (opened.kind == container::asf) return add_asf_fields(*opened.stream, info);
     for (const auto* tag : tags_by_precedence(opened)) {
         if (info.meta_count() == 0) {
             add_tag_fields(*tag, info);

@@ -4,9 +4,14 @@
 #include <flacfile.h>
 #include <mp4file.h>
 #include <mpegfile.h>
+#include <oggfile.h>
+#include <oggpageheader.h>
 #include <trueaudiofile.h>
 #include <wavfile.h>
 #include <wavpackfile.h>
+#include <xingheader.h>
+
+#include <algorithm>
 
 #include "player/tags/tag_fields.h"
 
@@ -22,6 +27,22 @@ double sample_frames(const TagLib::AudioProperties& sound) {
     };
     (ask(dynamic_cast<const Properties*>(&sound)), ...);
     return frames;
+}
+
+/// Of MPEG audio whose encoder wrote the number of frames.
+double sample_frames_of_mpeg(const TagLib::MPEG::Properties& sound) {
+    const auto* counted = sound.xingHeader();
+    if (counted == nullptr || !counted->isValid()) return 0;
+    const int halves = sound.version() == TagLib::MPEG::Header::Version1 ? 2 : 1;
+    const int samples_a_frame = sound.layer() == 1 ? 384 : sound.layer() == 2 ? 1152 : 576 * halves;
+    return static_cast<double>(counted->totalFrames()) * samples_a_frame;
+}
+
+/// Ogg FLAC written to a pipe has no count in its header; the last page has it in any case.
+double sample_frames_of_ogg_flac(TagLib::File& file) {
+    auto& ogg = dynamic_cast<TagLib::Ogg::File&>(file);
+    const auto* last = ogg.lastPageHeader();
+    return last == nullptr ? 0 : std::max(0.0, static_cast<double>(last->absoluteGranularPosition()));
 }
 
 std::string codec_of(container kind, const TagLib::AudioProperties& sound) {
@@ -58,9 +79,11 @@ void add_sound(const opened_file& opened, file_info& info) {
     info.channels = positive(sound.channels());
     info.bitrate = positive(sound.bitrate());
     info.set_codec(codec_of(opened.kind, sound));
-    const double frames =
+    double frames =
         sample_frames<TagLib::FLAC::Properties, TagLib::RIFF::WAV::Properties, TagLib::RIFF::AIFF::Properties,
                       TagLib::APE::Properties, TagLib::WavPack::Properties, TagLib::TrueAudio::Properties>(sound);
+    if (const auto* mpeg = dynamic_cast<const TagLib::MPEG::Properties*>(&sound)) frames = sample_frames_of_mpeg(*mpeg);
+    if (frames <= 0 && opened.kind == container::ogg_flac) frames = sample_frames_of_ogg_flac(*opened.file);
     info.set_length(frames > 0 ? frames / sound.sampleRate() : sound.lengthInMilliseconds() / 1000.0);
 }
 

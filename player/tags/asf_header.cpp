@@ -1,0 +1,199 @@
+#include "player/tags/asf_header.h"
+
+#include <tstring.h>
+
+#include <algorithm>
+
+#include "player/tags/edit_tags.h"
+
+namespace ostrevan::tags {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view description_id = "\x33\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C"sv;
+constexpr std::string_view extended_id = "\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50"sv;
+constexpr std::string_view extension_id = "\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65"sv;
+constexpr std::string_view metadata_id = "\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA"sv;
+constexpr std::string_view library_id = "\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54"sv;
+constexpr std::string_view file_properties_id = "\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65"sv;
+
+constexpr std::size_t object_header_size = 24;
+constexpr std::size_t header_size = 30;
+constexpr std::size_t extension_prefix_size = 22;
+constexpr std::size_t file_size_offset = 16;
+
+constexpr std::string_view description_names[] = {"Title", "Author", "Copyright", "Description", "Rating"};
+
+/// Reads one thing after another; what is beyond the end is damage.
+class reader {
+public:
+    explicit reader(std::string_view bytes) : bytes_(bytes) {}
+    std::string_view take(std::uint64_t size) {
+        if (size > bytes_.size()) throw edit_error("its header is damaged");
+        const auto part = bytes_.substr(0, size);
+        bytes_.remove_prefix(size);
+        return part;
+    }
+    std::uint64_t number(std::size_t size) { return little_endian(take(size), 0, size); }
+    [[nodiscard]] bool at_end() const { return bytes_.empty(); }
+
+private:
+    std::string_view bytes_;
+};
+
+std::vector<asf_object> objects_of(std::string_view bytes) {
+    std::vector<asf_object> objects;
+    for (reader source(bytes); !source.at_end();) {
+        const auto id = source.take(16);
+        const auto size = source.number(8);
+        if (size < object_header_size) throw edit_error("its header is damaged");
+        objects.push_back({std::string(id), std::string(source.take(size - object_header_size))});
+    }
+    return objects;
+}
+
+std::string bytes_of(const std::vector<asf_object>& objects) {
+    std::string bytes;
+    for (const auto& object : objects)
+        bytes += object.id + as_little_endian(object.body.size() + object_header_size, 8) + object.body;
+    return bytes;
+}
+
+void read_description(std::string_view body, std::vector<asf_attribute>& found) {
+    reader source(body);
+    std::uint64_t sizes[std::size(description_names)];
+    for (auto& size : sizes) size = source.number(2);
+    for (std::size_t i = 0; i < std::size(description_names); ++i)
+        if (const auto value = source.take(sizes[i]); !value.empty())
+            found.push_back(
+                {asf_place::description, std::string(description_names[i]), asf_type::text, std::string(value), {}});
+}
+
+void read_extended(std::string_view body, std::vector<asf_attribute>& found) {
+    reader source(body);
+    for (auto count = source.number(2); count > 0; --count) {
+        asf_attribute each{asf_place::extended, utf8_of_utf16(source.take(source.number(2))), {}, {}, {}};
+        each.type = static_cast<asf_type>(source.number(2));
+        each.value = source.take(source.number(2));
+        found.push_back(std::move(each));
+    }
+}
+
+void read_metadata(std::string_view body, asf_place place, std::vector<asf_attribute>& found) {
+    reader source(body);
+    for (auto count = source.number(2); count > 0; --count) {
+        asf_attribute each{place, {}, {}, {}, std::string(source.take(4))};
+        const auto name_size = source.number(2);
+        each.type = static_cast<asf_type>(source.number(2));
+        const auto value_size = source.number(4);
+        each.name = utf8_of_utf16(source.take(name_size));
+        each.value = source.take(value_size);
+        found.push_back(std::move(each));
+    }
+}
+
+void read_attributes(const std::vector<asf_object>& objects, std::vector<asf_attribute>& found) {
+    for (const auto& object : objects) {
+        if (object.id == description_id) read_description(object.body, found);
+        if (object.id == extended_id) read_extended(object.body, found);
+        if (object.id == metadata_id) read_metadata(object.body, asf_place::metadata, found);
+        if (object.id == library_id) read_metadata(object.body, asf_place::library, found);
+        if (object.id == extension_id && object.body.size() > extension_prefix_size)
+            read_attributes(objects_of(std::string_view(object.body).substr(extension_prefix_size)), found);
+    }
+}
+
+std::string description_body(const std::vector<asf_attribute>& attributes) {
+    std::string sizes, values;
+    for (const auto name : description_names) {
+        const auto found = std::ranges::find_if(
+            attributes, [&](const auto& each) { return each.place == asf_place::description && each.name == name; });
+        const std::string value = found == attributes.end() ? "" : found->value;
+        sizes += as_little_endian(value.size(), 2);
+        values += value;
+    }
+    return sizes + values;
+}
+
+std::string list_body(const std::vector<asf_attribute>& attributes, asf_place place) {
+    std::string body;
+    std::size_t count = 0;
+    for (const auto& each : attributes) {
+        if (each.place != place) continue;
+        ++count;
+        const std::string name = utf16_of_utf8(each.name);
+        const auto type = as_little_endian(static_cast<unsigned>(each.type), 2);
+        if (place == asf_place::extended)
+            body += as_little_endian(name.size(), 2) + name + type + as_little_endian(each.value.size(), 2) + each.value;
+        else
+            body += each.scope + as_little_endian(name.size(), 2) + type + as_little_endian(each.value.size(), 4) + name +
+                    each.value;
+    }
+    return as_little_endian(count, 2) + body;
+}
+
+/// Puts the body of an object in place, which is made when there is something to put there.
+void set_body(std::vector<asf_object>& objects, std::string_view id, const std::string& body, bool needed) {
+    const auto found = std::ranges::find(objects, id, &asf_object::id);
+    if (found != objects.end()) found->body = body;
+    else if (needed) objects.push_back({std::string(id), body});
+}
+
+}  // namespace
+
+bool is_description_name(std::string_view name) noexcept {
+    return std::ranges::find(description_names, name) != std::end(description_names);
+}
+
+std::string utf8_of_utf16(std::string_view bytes) {
+    std::string text =
+        TagLib::String(to_vector(bytes.substr(0, bytes.size() & ~std::size_t{1})), TagLib::String::UTF16LE).to8Bit(true);
+    while (text.ends_with('\0')) text.pop_back();
+    return text;
+}
+
+std::string utf16_of_utf8(std::string_view text) {
+    const auto bytes = TagLib::String(std::string(text), TagLib::String::UTF8).data(TagLib::String::UTF16LE);
+    return std::string(bytes.data(), bytes.size()) + std::string(2, '\0');
+}
+
+asf_header take_apart_asf(const std::string& bytes) {
+    asf_header header;
+    header.size = little_endian(bytes, 16, 8);
+    if (bytes.size() < header_size || header.size < header_size || header.size > bytes.size())
+        throw edit_error("its header is damaged");
+    header.reserved = bytes.substr(28, 2);
+    header.objects = objects_of(std::string_view(bytes).substr(header_size, header.size - header_size));
+    read_attributes(header.objects, header.attributes);
+    std::ranges::stable_sort(header.attributes, {}, &asf_attribute::place);
+    return header;
+}
+
+std::string put_together_asf(const asf_header& header, std::uint64_t file_size) {
+    const auto& attributes = header.attributes;
+    const auto has = [&](asf_place place) {
+        return std::ranges::find(attributes, place, &asf_attribute::place) != attributes.end();
+    };
+    auto objects = header.objects;
+    set_body(objects, description_id, description_body(attributes), has(asf_place::description));
+    set_body(objects, extended_id, list_body(attributes, asf_place::extended), has(asf_place::extended));
+    if (const auto found = std::ranges::find(objects, extension_id, &asf_object::id); found != objects.end()) {
+        auto inner = objects_of(std::string_view(found->body).substr(std::min(found->body.size(), extension_prefix_size)));
+        set_body(inner, metadata_id, list_body(attributes, asf_place::metadata), false);
+        set_body(inner, library_id, list_body(attributes, asf_place::library), has(asf_place::library));
+        const std::string inner_bytes = bytes_of(inner);
+        found->body =
+            found->body.substr(0, extension_prefix_size - 4) + as_little_endian(inner_bytes.size(), 4) + inner_bytes;
+    } else if (has(asf_place::library)) {
+        throw edit_error("its header has no place for several values of a field");
+    }
+    const std::size_t new_size = header_size + bytes_of(objects).size();
+    if (const auto found = std::ranges::find(objects, file_properties_id, &asf_object::id);
+        found != objects.end() && found->body.size() >= file_size_offset + 8)
+        found->body.replace(file_size_offset, 8, as_little_endian(file_size - header.size + new_size, 8));
+    return std::string("\x30\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C"sv) +
+           as_little_endian(new_size, 8) + as_little_endian(objects.size(), 4) + header.reserved + bytes_of(objects);
+}
+
+}  // namespace ostrevan::tags
