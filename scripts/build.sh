@@ -39,7 +39,7 @@ progress() {
 }
 
 if ! NINJA_STATUS='%f/%t ' ninja -C "$folder" -j "$(nproc)" "$@" 2>&1 | tee "$log" | progress; then
-    echo >&2
+    if [[ -t 1 ]]; then echo; fi
     fail "building $preset"
 fi
 if grep -q 'no work to do' "$log"; then
