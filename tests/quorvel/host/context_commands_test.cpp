@@ -45,6 +45,8 @@ protected:
 };
 
 TEST_F(context_commands, reset_statistics_after_ok_and_not_otherwise) {
+    run("Reset statistics", {});
+    EXPECT_TRUE(player.popups.questions().empty());
     put(track, played);
     for (const unsigned answer : {popup_message_v3::answer_cancel, popup_message_v3::answer_ok}) {
         {
@@ -59,11 +61,6 @@ TEST_F(context_commands, reset_statistics_after_ok_and_not_otherwise) {
     EXPECT_TRUE(player.tag_updates.requests.empty());
 }
 
-TEST_F(context_commands, reset_does_not_ask_about_nothing) {
-    run("Reset statistics", {});
-    EXPECT_TRUE(player.popups.questions().empty());
-}
-
 TEST_F(context_commands, reset_clears_file_tags_as_the_setting_was_when_asked) {
     const auto bare = support::make_track("/b", {{"artist", "b"}, {"title", "t"}, {"last_played", "2024-03-05 07:08:09"}});
     const auto tagged = support::make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "5"}, {"rating", "3"}});
@@ -72,6 +69,11 @@ TEST_F(context_commands, reset_clears_file_tags_as_the_setting_was_when_asked) {
         put(track, played);
         quorvel::tag_sync_enabled.set(on_when_asked);
         run("Reset statistics", {track, bare});
+        if (on_when_asked)
+            expect_question(
+                "This will reset playback statistics for selected items and rewrite file tags removing statistics info from "
+                "them. Continue?",
+                0x31);
         quorvel::tag_sync_enabled.set(!on_when_asked);
         player.popups.answer(popup_message_v3::answer_ok);
         EXPECT_EQ(stored(track).play_count, 0U);
@@ -82,15 +84,6 @@ TEST_F(context_commands, reset_clears_file_tags_as_the_setting_was_when_asked) {
     EXPECT_EQ(player.tag_updates.run_next(), std::vector<ostrevan::metadb_handle_ptr>{track})
         << "only files with statistics";
     EXPECT_EQ(track->info()->info(), support::make_info({{"artist", "a"}, {"title", "t"}}));
-}
-
-TEST_F(context_commands, reset_says_when_it_rewrites_files) {
-    quorvel::tag_sync_enabled.set(true);
-    run("Reset statistics", {track});
-    expect_question(
-        "This will reset playback statistics for selected items and rewrite file tags removing statistics info from them. "
-        "Continue?",
-        0x31);
 }
 
 TEST_F(context_commands, write_tags_after_ok_whatever_the_setting) {
@@ -124,9 +117,7 @@ TEST_F(context_commands, import_tags_once_they_have_been_read_again) {
     EXPECT_EQ(stored(track).play_count, 0U);
     player.reloads.requests[1].notify->on_completion(ostrevan::completion_notify::status_success);
     EXPECT_EQ(stored(track).play_count, 12U);
-}
 
-TEST_F(context_commands, import_tags_needs_the_reload_service) {
     player.withdraw(ostrevan::info_reload_service::class_guid);
     EXPECT_THROW(run("Import statistics from file tags", {track}), ostrevan::exception_service_extension_not_found);
 }

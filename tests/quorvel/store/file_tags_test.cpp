@@ -123,16 +123,4 @@ TEST(file_tags, read_times_as_text_only_when_allowed) {
     }
 }
 
-TEST(file_tags, read_back_what_was_written) {
-    for (std::uint32_t stars = 0; stars <= 5; ++stars) {
-        const t_playback_stats record{
-            .play_count = stars, .first_played = 3, .last_played = 4, .added = 2, .rating = quorvel::rating_of_stars(stars)};
-        auto info = make_info({});
-        quorvel::PCDB_write_tags(record, info);
-        t_playback_stats back;
-        quorvel::PCDB_read_tags(back, info, false);
-        EXPECT_EQ(back, record);
-    }
-}
-
 }  // namespace
