@@ -103,7 +103,7 @@ void edit_tags(opened_file& opened, const file_info& before, const file_info& af
             edit_id3v2_chunk(stream, changes, true);
             break;
         case container::mp4:
-            edit_mp4(*opened.file, changes);
+            edit_mp4(stream, changes);
             break;
         case container::asf:
             edit_asf(stream, changes);
