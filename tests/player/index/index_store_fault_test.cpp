@@ -95,6 +95,16 @@ TEST_F(index_store_fault, leaves_a_file_alone_whose_damage_shows_only_when_it_is
         for (std::uint64_t key = 1; key <= 2000; ++key) transaction.write(plays, key, record_of(key));
         transaction.commit();
     }
+    // A write-ahead log lies beside the file, as after a crash: copying it into the file would be a change, too.
+    const auto crashed = folder_ / "crashed.sqlite";
+    {
+        index_store store(path_, fail_on_report);
+        store.write(plays, 3, record_of(3, 1));
+        store.flush();
+        for (const char* suffix : {"", "-wal"})
+            std::filesystem::copy_file(path_.string() + suffix, crashed.string() + suffix);
+    }
+    path_ = crashed;
     std::string bytes = file_bytes();
     bytes.replace(20 * 4096, 4096, 4096, '\x55');
     std::ofstream(path_, std::ios::binary) << bytes;
