@@ -1,0 +1,208 @@
+#include "player/library/cue_files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "nuv/text.h"
+#include "player/library/directory.h"
+#include "player/tags/formats.h"
+
+namespace ostrevan::library {
+namespace {
+
+constexpr std::size_t cue_size_limit = 1 << 20;
+
+/// Fields of an audio file that hold for each of the tracks inside it.
+constexpr std::string_view shared_fields[] = {
+    "artist",    "album artist", "album",      "date",         "genre", "composer",
+    "performer", "discnumber",   "totaldiscs", "discsubtitle", "label", "comment",
+};
+constexpr std::string_view embedded_field = "cuesheet";
+
+std::string folder_of(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == path.npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+std::string_view stem_of(std::string_view name) noexcept { return name.substr(0, std::min(name.rfind('.'), name.size())); }
+
+std::string join(const std::string& folder, std::string_view name) {
+    return folder + (folder.ends_with('/') ? "" : "/") + std::string(name);
+}
+
+std::string read_sheet(const std::string& path) {
+    const auto status = status_of(path);
+    if (status.kind != entry_kind::file) throw cue_error("it is not a regular file");
+    if (static_cast<std::size_t>(status.stamp.size) > cue_size_limit) throw cue_error("the CUE sheet is larger than 1 MiB");
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(static_cast<std::size_t>(status.stamp.size), '\0');
+    if (!file.is_open()) throw std::system_error(errno, std::generic_category());
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    return bytes;
+}
+
+bool is_file(const std::string& path) noexcept {
+    try {
+        return status_of(path).kind == entry_kind::file;
+    } catch (const std::system_error&) {
+        return false;
+    }
+}
+
+/// How well a name in the sheet's folder answers to the one in the sheet; 0 when it does not.
+class audio_search {
+public:
+    audio_search(std::string_view wanted, std::string_view cue_name, bool is_only) noexcept
+        : wanted_(wanted), cue_name_(cue_name), is_only_(is_only) {}
+
+    [[nodiscard]] int rank(std::string_view name) const noexcept {
+        if (!tags::has_supported_extension(name)) return 0;
+        if (nuv::equal_ascii_nocase(name, wanted_)) return 3;
+        if (nuv::equal_ascii_nocase(stem_of(name), stem_of(wanted_))) return 2;
+        return is_only_ && nuv::equal_ascii_nocase(stem_of(name), stem_of(cue_name_)) ? 1 : 0;
+    }
+
+private:
+    std::string_view wanted_, cue_name_;
+    bool is_only_;
+};
+
+std::string locate_audio(const std::string& cue_path, const std::string& name, bool is_only) {
+    const std::string folder = folder_of(cue_path);
+    std::string relative = name;
+    std::ranges::replace(relative, '\\', '/');
+    if (tags::has_supported_extension(relative)) {
+        const auto direct = (std::filesystem::path(folder) / relative).lexically_normal().string();
+        if (is_file(direct)) return direct;
+    }
+    const audio_search search(nuv::file_name_of(relative), nuv::file_name_of(cue_path), is_only);
+    std::string best;
+    int best_rank = 0;
+    directory listing(folder);
+    while (const auto entry = listing.next()) {
+        const int rank = search.rank(entry->name);
+        // Among equals the first in byte order, whatever the order of the directory.
+        if (rank == 0 || rank < best_rank || (rank == best_rank && entry->name >= best)) continue;
+        best = entry->name;
+        best_rank = rank;
+    }
+    if (best.empty()) throw cue_error("the CUE sheet refers to \"" + name + "\", which is not there");
+    return join(folder, best);
+}
+
+void overlay(file_info& info, const cue_fields& fields, bool is_disc) {
+    for (const auto& [name, value] : fields) {
+        const auto field = !is_disc ? name : name == "title" ? "album" : name == "artist" ? "album artist" : name;
+        info.meta_set(field, value);
+        if (is_disc && name == "artist") info.meta_set("artist", value);
+    }
+}
+
+/// `owns_file` when no other track is in the same file: then all that the file says is about this track.
+file_info info_of_track(const cue_sheet& sheet, const cue_track& track, const file_info& audio, bool owns_file) {
+    file_info info;
+    if (owns_file) {
+        info = audio;
+        info.meta_remove_field(embedded_field);
+    } else {
+        info.bitrate = audio.bitrate;
+        info.sample_rate = audio.sample_rate;
+        info.channels = audio.channels;
+        info.set_codec(audio.codec());
+        for (const auto name : shared_fields)
+            if (const auto index = audio.meta_find(name); index != file_info::npos)
+                info.meta_set_values(name, audio.meta_values(index));
+    }
+    overlay(info, sheet.fields, true);
+    overlay(info, track.fields, false);
+    info.meta_set("tracknumber", std::to_string(track.number));
+    info.set_length(std::max(0.0, track.end.value_or(audio.length()) - track.start));
+    return info;
+}
+
+std::vector<read_track> tracks_of(const cue_sheet& sheet, const std::vector<file_info>& audio) {
+    std::vector<std::size_t> tracks_in_file(audio.size());
+    for (const auto& track : sheet.tracks) ++tracks_in_file[track.file];
+    std::vector<read_track> tracks;
+    tracks.reserve(sheet.tracks.size());
+    for (const auto& track : sheet.tracks)
+        tracks.push_back({track.number, info_of_track(sheet, track, audio[track.file], tracks_in_file[track.file] == 1)});
+    return tracks;
+}
+
+/// The sheet inside an audio file. It speaks of that file alone, whatever names it gives. Nothing when there is none that
+/// can be understood.
+std::optional<cue_sheet> embedded_sheet(const file_info& info) {
+    const auto field = info.meta_find(embedded_field);
+    if (field == file_info::npos || info.meta_value_count(field) == 0) return std::nullopt;
+    try {
+        auto sheet = parse_cue(info.meta_value(field, 0));
+        const auto is_elsewhere = [](const cue_track& track) { return track.file != 0; };
+        if (std::ranges::any_of(sheet.tracks, is_elsewhere)) return std::nullopt;
+        return sheet;
+    } catch (const cue_error&) {
+        return std::nullopt;
+    }
+}
+
+const cue_track& track_in(const cue_sheet& sheet, std::uint32_t number, const std::string& path) {
+    const auto found = std::ranges::find(sheet.tracks, number, &cue_track::number);
+    if (found == sheet.tracks.end())
+        throw cue_error(path + ": there is no track " + std::to_string(number) + " in its CUE sheet. Rescan the library.");
+    return *found;
+}
+
+}  // namespace
+
+bool is_cue_path(std::string_view path) noexcept {
+    return path.size() > 4 && nuv::equal_ascii_nocase(path.substr(path.size() - 4), ".cue");
+}
+
+located_sheet locate_sheet(const std::string& cue_path) {
+    located_sheet result{parse_cue(read_sheet(cue_path)), {}};
+    const auto& files = result.sheet.files;
+    for (const auto& name : files) result.audio.push_back(locate_audio(cue_path, name, files.size() == 1));
+    return result;
+}
+
+cue_contents read_cue(const std::string& cue_path, const info_reader& reader) {
+    const auto [sheet, audio] = locate_sheet(cue_path);
+    cue_contents contents;
+    std::vector<file_info> infos;
+    for (const auto& path : audio) {
+        contents.sources.push_back({path, status_of(path).stamp});
+        infos.push_back(reader(path));
+    }
+    contents.tracks = tracks_of(sheet, infos);
+    return contents;
+}
+
+std::vector<read_track> split_embedded(file_info info) {
+    std::vector<read_track> tracks;
+    if (const auto sheet = embedded_sheet(info)) {
+        std::vector<file_info> audio;
+        audio.push_back(std::move(info));
+        return tracks_of(*sheet, audio);
+    }
+    tracks.push_back({0, std::move(info)});
+    return tracks;
+}
+
+playable resolve_playable(const std::string& path, std::uint32_t subsong, const info_reader& reader) {
+    if (is_cue_path(path)) {
+        const auto [sheet, audio] = locate_sheet(path);
+        const auto& track = track_in(sheet, subsong, path);
+        return {audio[track.file], track.start, track.end};
+    }
+    if (subsong == 0) return {path, 0, std::nullopt};
+    const auto sheet = embedded_sheet(reader(path));
+    if (!sheet) throw cue_error(path + ": there is no CUE sheet inside the file any more. Rescan the library.");
+    const auto& track = track_in(*sheet, subsong, path);
+    return {path, track.start, track.end};
+}
+
+}  // namespace ostrevan::library

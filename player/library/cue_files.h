@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ostrevan/file_info.h"
+#include "player/library/cue_sheet.h"
+#include "player/library/file_stamp.h"
+
+namespace ostrevan::library {
+
+/// Reads the fields and the sound of one audio file; throws with the reason when it cannot. Called by several threads.
+using info_reader = std::function<file_info(const std::string& path)>;
+
+struct read_track {
+    std::uint32_t subsong = 0;
+    file_info info;
+};
+
+/// Whether the name is that of a CUE sheet.
+bool is_cue_path(std::string_view path) noexcept;
+
+/// A CUE sheet with the paths of its audio in place of the names that it gives them.
+struct located_sheet {
+    cue_sheet sheet;
+    std::vector<std::string> audio;  // one for each of sheet.files
+};
+
+/// Reads a sheet and looks for its audio: the file named, in the folder of the sheet; one whose name differs in case or
+/// extension only, since sheets outlive a conversion; and for a sheet with one file, one that is named as the sheet. Throws
+/// with the reason when the sheet cannot be read or its audio is not there.
+located_sheet locate_sheet(const std::string& cue_path);
+
+/// The tracks of a sheet, and the audio that they were made from.
+struct cue_contents {
+    std::vector<source_file> sources;
+    std::vector<read_track> tracks;
+};
+cue_contents read_cue(const std::string& cue_path, const info_reader& reader);
+
+/// What an audio file holds: subsong 0, or the tracks 1 to n of the sheet in its "cuesheet" field.
+std::vector<read_track> split_embedded(file_info info);
+
+/// What has to be played for a track.
+struct playable {
+    std::string path;
+    double start = 0;           // seconds
+    std::optional<double> end;  // seconds; nothing for the end of the file
+};
+
+/// Looks into the sheet on the disk. Throws with the reason when there is no such track in it any more. [any-thread]
+playable resolve_playable(const std::string& path, std::uint32_t subsong, const info_reader& reader);
+
+}  // namespace ostrevan::library

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "player/library/file_stamp.h"
+#include "player/sqlite/database.h"
+
+namespace ostrevan::library {
+
+/// A folder that the user has added: absolute, lexically normal, symbolic links as the user gave them.
+struct library_folder {
+    std::int64_t id = 0;
+    std::string path;
+};
+
+/// A file with what was seen of it when its tracks were read.
+struct stored_file {
+    std::int64_t id = 0;  // 0 while it is not in the database
+    std::int64_t folder = 0;
+    std::string path;
+    file_stamp stamp;
+    std::vector<source_file> sources;  // for a CUE sheet: the audio it refers to
+};
+
+struct stored_track {
+    std::uint32_t subsong = 0;
+    std::string encoded;  // by encode_info
+};
+
+/// The database of the library, `library.sqlite`. Paths are kept as bytes, because file names need not be UTF-8. Used by one
+/// thread at a time; every function throws sqlite::error, whose text names the file and the way out.
+class library_store {
+public:
+    explicit library_store(std::string path);
+
+    [[nodiscard]] std::vector<library_folder> folders() const;
+    library_folder add_folder(const std::string& path);
+    /// With all its files and tracks.
+    void remove_folder(std::int64_t id);
+
+    /// Every file with its tracks, in the order in which they were first stored.
+    void load(const std::function<void(stored_file&&, std::vector<stored_track>&&)>& on_file) const;
+
+    // To be called inside a transaction on `database()`.
+    /// Adds the file, or replaces what is stored under its id; answers the id.
+    std::int64_t put_file(const stored_file& file, std::span<const stored_track> tracks);
+    void remove_file(std::int64_t id);
+
+    [[nodiscard]] sqlite::database& database() noexcept { return database_; }
+
+private:
+    void clear_file(std::int64_t id);
+
+    sqlite::database database_;
+    sqlite::statement insert_file_, update_file_, delete_file_;
+    sqlite::statement insert_track_, delete_tracks_;
+    sqlite::statement insert_source_, delete_sources_;
+};
+
+/// A path or other text as it is bound to a BLOB column, and back.
+inline std::span<const std::byte> to_blob(std::string_view text) noexcept { return std::as_bytes(std::span(text)); }
+inline std::string from_blob(std::span<const std::byte> blob) {
+    return {reinterpret_cast<const char*>(blob.data()), blob.size()};
+}
+
+}  // namespace ostrevan::library

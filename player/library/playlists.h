@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "ostrevan/track.h"
+#include "player/sqlite/database.h"
+
+namespace ostrevan::library {
+
+/// Named lists of tracks in the order that the user gave them, kept in the library's database. A list may hold a location
+/// several times, and locations that are not in the library. [main-thread] Every function throws sqlite::error.
+class playlists {
+public:
+    explicit playlists(sqlite::database& database) noexcept : database_(database) {}
+
+    /// In alphabetical order of their bytes.
+    [[nodiscard]] std::vector<std::string> names() const;
+    /// Nothing when there is no playlist of that name.
+    [[nodiscard]] std::optional<std::vector<playable_location>> entries(const std::string& name) const;
+    /// False, with nothing changed, when there is one of that name already.
+    bool create(const std::string& name, std::span<const playable_location> entries);
+    /// False when there is none.
+    bool remove(const std::string& name);
+
+private:
+    [[nodiscard]] std::optional<std::int64_t> find(const std::string& name) const;
+
+    sqlite::database& database_;
+};
+
+}  // namespace ostrevan::library

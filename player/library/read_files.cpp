@@ -1,0 +1,121 @@
+#include "player/library/read_files.h"
+
+#include <chrono>
+#include <exception>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include "player/library/info_codec.h"
+#include "player/library/track.h"
+
+namespace ostrevan::library {
+namespace {
+
+using steady = std::chrono::steady_clock;
+
+constexpr std::size_t files_a_portion = 1000;
+constexpr auto longest_portion = std::chrono::seconds(1);
+
+class reading {
+public:
+    reading(std::span<const read_job> jobs, const info_reader& reader, worker_group& workers, std::atomic<std::size_t>& done,
+            const read_events& events) noexcept
+        : jobs_(jobs), reader_(reader), workers_(workers), done_(done), events_(events) {}
+
+    void run() {
+        workers_.run(
+            jobs_.size(), [this] { work(); }, [this] { deliver(false); });
+        deliver(true);
+    }
+
+private:
+    void work() {
+        while (!workers_.is_stopped()) {
+            const std::size_t index = next_.fetch_add(1, std::memory_order_relaxed);
+            if (index >= jobs_.size()) return;
+            read(jobs_[index]);
+            done_.fetch_add(1, std::memory_order_relaxed);
+        }
+    }
+
+    void read(const read_job& job) {
+        try {
+            auto file = read_tracks(job, reader_);
+            const std::lock_guard guard(mutex_);
+            last_ = &job;
+            read_.push_back(std::move(file));
+            if (read_.size() % files_a_portion == 0) workers_.wake();
+        } catch (const std::bad_alloc&) {
+            throw;  // says nothing about the file
+        } catch (const std::exception& failure) {
+            const std::lock_guard guard(mutex_);
+            last_ = &job;
+            problems_.push_back({job.path, reason_of(failure, job.path)});
+        }
+    }
+
+    void deliver(bool is_last) {
+        std::vector<scanned_file> files;
+        std::vector<file_problem> problems;
+        const read_job* last = nullptr;
+        {
+            const std::lock_guard guard(mutex_);
+            const bool is_due = is_last || read_.size() >= files_a_portion || steady::now() - delivered_ >= longest_portion;
+            if (is_due) files.swap(read_);
+            problems.swap(problems_);
+            last = last_;
+        }
+        for (auto& problem : problems) events_.on_problem(std::move(problem));
+        if (!files.empty()) {
+            events_.on_read(std::move(files));
+            delivered_ = steady::now();
+        }
+        if (last != nullptr) events_.on_progress(last->path);
+    }
+
+    const std::span<const read_job> jobs_;
+    const info_reader& reader_;
+    worker_group& workers_;
+    std::atomic<std::size_t>& done_;
+    const read_events& events_;
+
+    std::atomic<std::size_t> next_ = 0;
+    steady::time_point delivered_ = steady::now();
+    std::mutex mutex_;  // for the rest
+    std::vector<scanned_file> read_;
+    std::vector<file_problem> problems_;
+    const read_job* last_ = nullptr;
+};
+
+}  // namespace
+
+scanned_file read_tracks(const read_job& job, const info_reader& reader) {
+    scanned_file file{job.path, job.folder, job.stamp, {}, {}, 0};
+    std::vector<read_track> tracks;
+    if (is_cue_path(job.path)) {
+        auto contents = read_cue(job.path, reader);
+        file.sources = std::move(contents.sources);
+        tracks = std::move(contents.tracks);
+    } else {
+        tracks = split_embedded(reader(job.path));
+    }
+    for (auto& [subsong, info] : tracks) {
+        std::string encoded = encode_info(info);
+        file.tracks.push_back({subsong, make_snapshot(std::move(info)), std::move(encoded)});
+    }
+    return file;
+}
+
+void read_files(std::span<const read_job> jobs, const info_reader& reader, worker_group& workers,
+                std::atomic<std::size_t>& done, const read_events& events) {
+    reading(jobs, reader, workers, done, events).run();
+}
+
+std::string reason_of(const std::exception& failure, const std::string& path) {
+    std::string_view text = failure.what();
+    if (text.starts_with(path) && text.substr(path.size()).starts_with(": ")) text.remove_prefix(path.size() + 2);
+    return std::string(text);
+}
+
+}  // namespace ostrevan::library

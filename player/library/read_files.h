@@ -1,0 +1,40 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "player/library/cue_files.h"
+#include "player/library/scan_types.h"
+#include "player/library/worker_group.h"
+
+namespace ostrevan::library {
+
+/// A file to be read, with its stamp from before the reading: what changes meanwhile is read again by the next scan.
+struct read_job {
+    std::string path;
+    file_stamp stamp;
+    std::int64_t folder = 0;
+};
+
+/// Reads the tracks of one file; throws with the reason. [any-thread]
+scanned_file read_tracks(const read_job& job, const info_reader& reader);
+
+/// Told on the calling thread.
+struct read_events {
+    std::function<void(std::vector<scanned_file>&&)> on_read;  // in portions of at most a second
+    std::function<void(file_problem&&)> on_problem;
+    std::function<void(const std::string& path)> on_progress;
+};
+
+/// Reads all files on the threads of the group, in no promised order. `done` counts them.
+void read_files(std::span<const read_job> jobs, const info_reader& reader, worker_group& workers,
+                std::atomic<std::size_t>& done, const read_events& events);
+
+/// Why a file could not be read, without the name of the file, which some readers put in front.
+std::string reason_of(const std::exception& failure, const std::string& path);
+
+}  // namespace ostrevan::library

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ostrevan/track.h"
+#include "player/library/file_stamp.h"
+
+namespace ostrevan::library {
+
+struct scan_progress {
+    std::size_t files_done = 0;
+    std::size_t files_known = 0;  // so far: grows while folders are still being looked through
+    std::string folder;           // in which something was last looked at
+};
+
+struct scan_options {
+    std::size_t workers = 4;
+    /// Set to end the scan early, by any thread or a signal handler. May be null.
+    const std::atomic<bool>* stop = nullptr;
+    /// Called on the scanning thread, about ten times a second and at the end. May be empty.
+    std::function<void(const scan_progress&)> on_progress;
+};
+
+/// A track as it is stored and as it is published.
+struct scanned_track {
+    std::uint32_t subsong = 0;
+    metadb_info_ptr info;
+    std::string encoded;
+};
+
+/// A file that was read because it is new or has changed.
+struct scanned_file {
+    std::string path;
+    std::int64_t folder = 0;
+    file_stamp stamp;
+    std::vector<source_file> sources;
+    std::vector<scanned_track> tracks;
+    std::uint64_t seen = 0;  // number of the scan
+};
+
+struct file_problem {
+    std::string path;
+    std::string reason;
+};
+
+/// A folder of the library, or something below one, that could not be looked into. Its tracks were kept.
+struct absent_place {
+    std::string path;
+    std::string reason;
+    std::size_t tracks_kept = 0;
+    bool is_library_folder = false;
+};
+
+struct scan_report {
+    std::vector<absent_place> absent;
+    std::vector<file_problem> problems;
+    std::vector<std::string> gone;  // paths of files that are known and not there any more
+    std::size_t tracks_unchanged = 0;
+    bool is_stopped = false;
+};
+
+}  // namespace ostrevan::library

@@ -1,0 +1,201 @@
+#include "player/library/scanner.h"
+
+#include <algorithm>
+#include <atomic>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+
+#include "player/library/audio_claims.h"
+#include "player/library/folder_walk.h"
+#include "player/library/read_files.h"
+#include "player/library/worker_group.h"
+#include "player/tags/formats.h"
+
+namespace ostrevan::library {
+namespace {
+
+std::uint64_t next_scan_number() noexcept {
+    static std::atomic<std::uint64_t> last = 0;
+    return ++last;
+}
+
+bool is_below(std::string_view path, std::string_view place) noexcept {
+    return path.starts_with(place) && (path.size() == place.size() || path[place.size()] == '/' || place == "/");
+}
+
+std::string folder_of(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
+class scan {
+public:
+    scan(std::span<const library_folder> folders, library_files& files, const info_reader& reader,
+         const scan_options& options, const scan_sink& sink)
+        : folders_(folders),
+          files_(files),
+          reader_(reader),
+          options_(options),
+          sink_(sink),
+          workers_(options.workers, options.stop) {}
+
+    scan_report run() {
+        for (const auto& folder : folders_)
+            if (!workers_.is_stopped()) walk(folder);
+        // Only a walk that has seen everything can tell what is gone.
+        if (!workers_.is_stopped()) {
+            read_sheets();
+            read_audio();
+            find_gone();
+        }
+        report_.is_stopped = workers_.is_stopped();
+        report_.tracks_unchanged = tracks_unchanged_;
+        std::ranges::sort(report_.problems, {}, &file_problem::path);
+        tell({});
+        return std::move(report_);
+    }
+
+private:
+    void walk(const library_folder& folder) {
+        const walk_rules rules{
+            [](std::string_view name) { return is_cue_path(name) || tags::has_supported_extension(name); },
+            [this](const std::string& path, const file_stamp& stamp) { return is_of_interest(path, stamp); },
+            [this](const std::string& directory) { tell(directory); }};
+        tell(folder.path);
+        auto found = walk_folder(folder.path, rules, workers_);
+        for (auto& [path, stamp] : found.files)
+            (is_cue_path(path) ? sheets_ : audio_).push_back({std::move(path), stamp, folder.id});
+        if (found.root_reason.empty() && found.is_empty && holds_files(folder.id)) found.root_reason = "it is empty";
+        if (found.root_reason.empty()) folders_seen_.insert(folder.id);
+        else report_.absent.push_back({folder.path, std::move(found.root_reason), 0, true});
+        for (auto& [path, reason, leads_nowhere] : found.hidden) {
+            if (leads_nowhere) dead_links_.insert(path);
+            report_.absent.push_back({std::move(path), std::move(reason), 0, false});
+        }
+    }
+
+    [[nodiscard]] bool holds_files(std::int64_t folder) const {
+        return std::ranges::any_of(files_, [&](const auto& each) { return each.second.folder == folder; });
+    }
+
+    /// Called by the walk's threads. Each path is met by one of them, and so is its record.
+    bool is_of_interest(const std::string& path, const file_stamp& stamp) {
+        known_.fetch_add(1, std::memory_order_relaxed);
+        const auto found = files_.find(path);
+        if (found == files_.end()) return true;
+        auto& file = found->second;
+        file.seen = number_;
+        if (!(file.stamp == stamp) || is_cue_path(path)) return true;
+        note_unchanged(file);
+        return false;
+    }
+
+    void note_unchanged(const library_file& file) {
+        done_.fetch_add(1, std::memory_order_relaxed);
+        tracks_unchanged_.fetch_add(file.tracks.size(), std::memory_order_relaxed);
+    }
+
+    void read_sheets() {
+        std::unordered_set<std::string> to_read;
+        std::erase_if(sheets_, [&](const read_job& sheet) {
+            const auto known = files_.find(sheet.path);
+            const bool is_unchanged = known != files_.end() && is_unchanged_sheet(known->second, sheet.stamp);
+            if (is_unchanged) note_unchanged(known->second);
+            else to_read.insert(sheet.path);
+            return is_unchanged;
+        });
+
+        std::vector<scanned_file> read;
+        read_files(sheets_, reader_, workers_, done_, events([&](std::vector<scanned_file>&& files) {
+                       for (auto& file : files) {
+                           to_read.erase(file.path);
+                           read.push_back(std::move(file));
+                       }
+                   }));
+        // `to_read` now holds the sheets that failed or were not reached. They keep their tracks and their audio, as do all
+        // that are known and not gone.
+        std::unordered_set<std::string_view> replaced;
+        for (const auto& file : read) replaced.insert(file.path);
+        for (const auto& [path, file] : files_)
+            if (!file.sources.empty() && !replaced.contains(path) && !is_gone(path, file)) claims_.add(file.sources);
+        claims_.settle(read);
+        if (!read.empty()) deliver(std::move(read));
+    }
+
+    void read_audio() {
+        done_ +=
+            std::erase_if(audio_, [this](const read_job& each) { return claims_.contains(each.path) && drop(each.path); });
+        // What was listed by itself so far, and has not changed.
+        for (const auto& path : claims_.paths())
+            if (const auto known = files_.find(path); known != files_.end() && known->second.seen == number_) {
+                tracks_unchanged_ -= known->second.tracks.size();
+                drop(path);
+            }
+        read_files(audio_, reader_, workers_, done_,
+                   events([this](std::vector<scanned_file>&& files) { deliver(std::move(files)); }));
+    }
+
+    void deliver(std::vector<scanned_file>&& files) {
+        for (auto& file : files) file.seen = number_;
+        sink_(std::move(files));
+    }
+
+    /// Makes a file that was found one that is gone.
+    bool drop(const std::string& path) {
+        if (const auto known = files_.find(path); known != files_.end()) known->second.seen = 0;
+        return true;
+    }
+
+    [[nodiscard]] bool is_gone(std::string_view path, const library_file& file) const {
+        return file.seen != number_ && folders_seen_.contains(file.folder) &&
+               std::ranges::none_of(report_.absent, [&](const absent_place& place) { return is_below(path, place.path); });
+    }
+
+    /// What lies below an absent place is kept, and counted there.
+    void find_gone() {
+        for (const auto& [path, file] : files_) {
+            if (file.seen == number_) continue;
+            const auto place =
+                std::ranges::find_if(report_.absent, [&](const absent_place& each) { return is_below(path, each.path); });
+            if (place != report_.absent.end()) place->tracks_kept += file.tracks.size();
+            else if (is_gone(path, file)) report_.gone.push_back(path);
+        }
+        // A link that leads nowhere matters only when it led to something before.
+        std::erase_if(report_.absent,
+                      [&](const absent_place& each) { return each.tracks_kept == 0 && dead_links_.contains(each.path); });
+    }
+
+    read_events events(scan_sink on_read) {
+        return {std::move(on_read), [this](file_problem&& problem) { report_.problems.push_back(std::move(problem)); },
+                [this](const std::string& path) { tell(folder_of(path)); }};
+    }
+
+    void tell(const std::string& folder) const {
+        if (options_.on_progress) options_.on_progress({done_, known_, folder});
+    }
+
+    const std::span<const library_folder> folders_;
+    library_files& files_;
+    const info_reader& reader_;
+    const scan_options& options_;
+    const scan_sink& sink_;
+    worker_group workers_;
+    const std::uint64_t number_ = next_scan_number();
+
+    std::atomic<std::size_t> done_ = 0;
+    std::atomic<std::size_t> known_ = 0;
+    std::atomic<std::size_t> tracks_unchanged_ = 0;
+    std::vector<read_job> sheets_;
+    std::vector<read_job> audio_;
+    audio_claims claims_;
+    std::unordered_set<std::int64_t> folders_seen_;
+    std::unordered_set<std::string> dead_links_;
+    scan_report report_;
+};
+
+}  // namespace
+
+scan_report scan_folders(std::span<const library_folder> folders, library_files& files, const info_reader& reader,
+                         const scan_options& options, const scan_sink& sink) {
+    return scan(folders, files, reader, options, sink).run();
+}
+
+}  // namespace ostrevan::library

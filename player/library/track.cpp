@@ -1,0 +1,61 @@
+#include "player/library/track.h"
+
+#include <exception>
+#include <thread>
+#include <utility>
+
+#include "player/library/info_codec.h"
+
+namespace ostrevan::library {
+
+class track::spin_guard {
+public:
+    explicit spin_guard(const track& owner) noexcept : lock_(owner.lock_) {
+        while (lock_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+    }
+    ~spin_guard() { lock_.clear(std::memory_order_release); }
+    spin_guard(const spin_guard&) = delete;
+    spin_guard& operator=(const spin_guard&) = delete;
+
+private:
+    std::atomic_flag& lock_;
+};
+
+metadb_info_ptr make_snapshot(file_info info) { return service_new<info_snapshot>(std::move(info)); }
+
+metadb_info_ptr track::info() const {
+    const spin_guard guard(*this);
+    if (!encoded_.empty()) {
+        // Decoded under the lock, once in the life of a handle: a second reader waits as long as decoding would have taken
+        // it.
+        try {
+            info_ = make_snapshot(decode_info(encoded_));
+        } catch (const std::exception&) {
+            info_.reset();
+        }
+        encoded_ = {};
+    }
+    return info_;
+}
+
+bool track::has_info() const noexcept {
+    const spin_guard guard(*this);
+    return info_ || !encoded_.empty();
+}
+
+void track::publish(metadb_info_ptr snapshot) {
+    std::string unused;
+    const spin_guard guard(*this);
+    // What was in force is destroyed by the caller's pointer, after the lock is free.
+    std::swap(info_, snapshot);
+    std::swap(encoded_, unused);
+}
+
+void track::publish_encoded(std::string bytes) {
+    metadb_info_ptr unused;
+    const spin_guard guard(*this);
+    std::swap(encoded_, bytes);
+    std::swap(info_, unused);
+}
+
+}  // namespace ostrevan::library

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "player/library/media_library.h"
+
+namespace library_test {
+
+namespace fs = std::filesystem;
+using namespace ostrevan::library;
+
+inline std::string contents_of(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Reads "name=value" lines where a tag reader would read audio; "length" and "codec" are the sound.
+inline ostrevan::file_info read_lines(const std::string& path) {
+    std::ifstream file(path);
+    if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
+    ostrevan::file_info info;
+    for (std::string line; std::getline(file, line);) {
+        const auto equals = line.find('=');
+        if (equals == line.npos) throw std::runtime_error("the file is damaged");
+        const auto name = line.substr(0, equals);
+        auto value = line.substr(equals + 1);
+        for (auto& each : value)
+            if (each == ';') each = '\n';  // for a sheet in a field
+        if (name == "length") info.set_length(std::stod(value));
+        else if (name == "codec") info.set_codec(value);
+        else info.meta_add(name, value);
+    }
+    return info;
+}
+
+/// A music folder and a database of their own.
+class library_files_test : public testing::Test, public library_observer {
+protected:
+    void SetUp() override {
+        std::string pattern = testing::TempDir() + "libraryXXXXXX";
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        folder_ = pattern;
+        music_ = folder_ / "music";
+        fs::create_directory(music_);
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    void on_library_changed(const library_changes& changes) override { changes_ = changes; }
+
+    /// Gives every write a time of its own, however coarse the clock of the file system.
+    fs::path put(const fs::path& path, const std::string& contents) {
+        const auto full = music_ / path;
+        fs::create_directories(full.parent_path());
+        std::ofstream(full, std::ios::binary) << contents;
+        fs::last_write_time(full, fs::file_time_type() + std::chrono::seconds(++writes_));
+        return full;
+    }
+
+    /// The library as a new process sees it.
+    media_library& reopen() {
+        library_.reset();
+        tracks_ = std::make_unique<track_table>();
+        const auto counted = [this](const std::string& path) {
+            ++reads_;
+            return reader_(path);
+        };
+        library_ = std::make_unique<media_library>((folder_ / "library.sqlite").string(), *tracks_, counted, *this);
+        return *library_;
+    }
+    scan_summary add_music() { return shown(reopen().add_folders(std::vector{music_.string()})); }
+    scan_summary rescan() {
+        changes_ = {};
+        return shown(library_->rescan());
+    }
+    /// What went wrong belongs to the picture when an expectation fails.
+    static scan_summary shown(scan_summary summary) {
+        for (const auto& [path, reason] : summary.problems) std::clog << path << ": " << reason << '\n';
+        return summary;
+    }
+
+    /// Path below the music folder, "|subsong" if it is not 0, and the title, in order.
+    std::string listing() {
+        std::string text;
+        for (const auto& track : library_->items()) {
+            const auto& [path, subsong] = track->location();
+            text += path.substr(music_.string().size() + 1);
+            if (subsong != 0) text += "|" + std::to_string(subsong);
+            const auto info = track->info();
+            const auto title = info ? info->info().meta_find("title") : ostrevan::file_info::npos;
+            text += title == ostrevan::file_info::npos ? "\n" : ":" + info->info().meta_value(title, 0) + "\n";
+        }
+        return text;
+    }
+
+    fs::path folder_, music_;
+    info_reader reader_ = read_lines;
+    std::atomic<int> reads_ = 0;
+    int writes_ = 0;
+    std::unique_ptr<track_table> tracks_;
+    std::unique_ptr<media_library> library_;
+    library_changes changes_;
+};
+
+}  // namespace library_test

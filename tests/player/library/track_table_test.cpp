@@ -1,0 +1,63 @@
+#include "player/library/track_table.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "player/library/info_codec.h"
+
+namespace {
+
+using namespace ostrevan::library;
+
+ostrevan::file_info info_of_length(double seconds) {
+    ostrevan::file_info info;
+    info.set_length(seconds);
+    return info;
+}
+
+TEST(track_table, gives_all_threads_the_same_handle_for_one_location) {
+    track_table table;
+    std::vector<std::vector<track_ptr>> found(4);
+    {
+        std::vector<std::jthread> threads;
+        for (auto& mine : found)
+            threads.emplace_back([&] {
+                for (std::uint32_t i = 0; i < 2000; ++i) mine.push_back(table.obtain("/m/" + std::to_string(i / 4), i % 4));
+            });
+    }
+    for (const auto& mine : found) EXPECT_EQ(mine, found.front());
+    EXPECT_EQ(table.find("/m/7", 3), found.front()[31]);
+    EXPECT_FALSE(table.find("/m/7", 4));
+}
+
+TEST(track, shows_one_whole_snapshot_after_the_other_to_all_threads) {
+    const auto handle = ostrevan::service_new<track>(ostrevan::playable_location{"/m/a", 0});
+    std::jthread writer([&](const std::stop_token& stop) {
+        for (double i = 1; !stop.stop_requested(); ++i) {
+            handle->publish_encoded(encode_info(info_of_length(i)));
+            handle->publish(make_snapshot(info_of_length(i + 0.5)));
+        }
+    });
+    const auto read = [&] {
+        double last = 0;
+        for (int i = 0; i < 20000; ++i) {
+            const auto info = handle->info();
+            const double now = info ? info->info().length() : 0;
+            EXPECT_GE(now, last);
+            last = now;
+        }
+    };
+    std::jthread other(read);
+    read();
+}
+
+TEST(track, holds_no_information_when_its_stored_form_is_damaged) {
+    const auto handle = ostrevan::service_new<track>(ostrevan::playable_location{"/m/a", 0});
+    handle->publish_encoded("\x01garbage");
+    EXPECT_FALSE(handle->info());
+    EXPECT_FALSE(handle->has_info());
+}
+
+}  // namespace
