@@ -1,0 +1,103 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "player/tags/rewrite.h"
+
+namespace ostrevan::tags {
+
+namespace fs = std::filesystem;
+
+/// The file's bytes; a way to put others there.
+inline std::string bytes_of(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void put_bytes(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+/// What a command prints; a test that needs a missing program fails.
+inline std::string output_of(const std::string& command) {
+    FILE* pipe = popen(command.c_str(), "r");
+    std::string text;
+    char part[4096];
+    while (const auto size = fread(part, 1, sizeof part, pipe)) text.append(part, size);
+    EXPECT_EQ(pclose(pipe), 0) << command;
+    return text;
+}
+
+/// Paths as arguments of a command.
+inline std::string quoted(const std::vector<fs::path>& paths) {
+    std::string text;
+    for (const auto& path : paths) text += " '" + path.string() + "'";
+    return text;
+}
+
+/// A folder of the test's own with copies of the audio files that all tests share.
+class audio_files : public testing::Test {
+protected:
+    audio_files() {
+        std::string name = (fs::temp_directory_path() / "tags-test-XXXXXX").string();
+        folder_ = mkdtemp(name.data());
+    }
+    ~audio_files() override { fs::remove_all(folder_); }
+
+    [[nodiscard]] fs::path copy(const std::string& name) const {
+        fs::copy_file(fs::path(AUDIO_FIXTURES) / name, folder_ / name, fs::copy_options::overwrite_existing);
+        return folder_ / name;
+    }
+
+    /// Of every file made for the tests, those with crowded tags included.
+    [[nodiscard]] std::vector<fs::path> copy_all() const {
+        std::vector<fs::path> paths;
+        for (const auto& entry : fs::directory_iterator(AUDIO_FIXTURES))
+            if (entry.path().filename() != ".made") paths.push_back(copy(entry.path().filename().string()));
+        return paths;
+    }
+
+    /// One checksum of the decoded sound a file. Monkey's Audio is left out: the frames made for the tests do not decode.
+    static std::string sounds_of(std::vector<fs::path> paths) {
+        std::erase_if(paths, [](const auto& path) { return path.extension() == ".ape"; });
+        std::string command = "ffmpeg -nostdin -v quiet";
+        for (const auto& path : paths) command += " -i" + quoted({path});
+        for (std::size_t i = 0; i < paths.size(); ++i) command += " -map " + std::to_string(i) + ":a";
+        return output_of(command + " -f streamhash -hash sha256 -");
+    }
+
+    [[nodiscard]] std::size_t files_in_folder() const {
+        return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), {}));
+    }
+
+    fs::path folder_;
+};
+
+inline field_edit set_field(std::string name, std::string value) {
+    return [=](file_info& info) {
+        info.meta_set(name, value);
+        return true;
+    };
+}
+
+inline std::string first_value(const file_info& info, std::string_view name) {
+    const auto index = info.meta_find(name);
+    return index == file_info::npos ? "(none)" : info.meta_value(index, 0);
+}
+
+template <class Call>
+std::string message_of(Call call) {
+    try {
+        call();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "(no error)";
+}
+
+}  // namespace ostrevan::tags
