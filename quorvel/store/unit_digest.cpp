@@ -38,19 +38,29 @@ std::uint64_t little_endian_at(const ostrevan::hash_digest& digest, std::size_t 
 }  // namespace
 
 void unit_digest::feed_text(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte < 0x80) {
-            feed(ostrevan::uCharLower(byte));
-            ++i;
-            continue;
-        }
-        const auto [code_point, length] = decode_sequence(text.substr(i));
+    while (!text.empty()) {
+        if (used_ == units_.size()) flush();
+        const std::size_t ascii = feed_ascii(text.substr(0, units_.size() - used_));
+        text.remove_prefix(ascii);
+        if (text.empty() || static_cast<unsigned char>(text[0]) < 0x80) continue;
+        const auto [code_point, length] = decode_sequence(text);
         if (length == 0) break;
         feed(ostrevan::uCharLower(code_point));
-        i += length;
+        text.remove_prefix(length);
     }
     feed(terminator);
+}
+
+std::size_t unit_digest::feed_ascii(std::string_view text) noexcept {
+    std::uint32_t* const out = &units_[used_];
+    std::size_t count = 0;
+    for (; count < text.size(); ++count) {
+        const auto byte = static_cast<unsigned char>(text[count]);
+        if (byte >= 0x80) break;
+        out[count] = little_endian(ostrevan::uCharLower(byte));
+    }
+    used_ += count;
+    return count;
 }
 
 void unit_digest::feed_number(std::string_view text) { feed_text(without_leading_zeros(text)); }

@@ -21,8 +21,7 @@ public:
 
     void feed(std::uint32_t unit) {
         if (used_ == units_.size()) flush();
-        if constexpr (std::endian::native == std::endian::big) unit = __builtin_bswap32(unit);
-        units_[used_++] = unit;
+        units_[used_++] = little_endian(unit);
     }
     /// UTF-8 text up to its end or its first invalid sequence, and the terminator.
     void feed_text(std::string_view text);
@@ -33,6 +32,13 @@ public:
     [[nodiscard]] std::uint64_t finish();
 
 private:
+    static constexpr std::uint32_t little_endian(std::uint32_t unit) noexcept {
+        if constexpr (std::endian::native == std::endian::big)
+            unit = unit >> 24 | (unit >> 8 & 0xFF00U) | (unit << 8 & 0xFF0000U) | unit << 24;
+        return unit;
+    }
+    /// Feeds the characters before the first that is not ASCII; there must be room for the whole text. Answers how many.
+    std::size_t feed_ascii(std::string_view text) noexcept;
     void flush();
 
     ostrevan::hash_service& hash_;
