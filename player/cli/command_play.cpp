@@ -4,7 +4,9 @@
 #include "ostrevan/statistics_collector.h"
 #include "player/cli/commands.h"
 #include "player/front/interrupt.h"
+#include "player/library/cue_files.h"
 #include "player/playback/mpv_player.h"
+#include "player/tags/reader.h"
 
 namespace ostrevan::cli {
 namespace {
@@ -43,8 +45,9 @@ std::string play_run::title_of(std::size_t index) const {
 std::vector<playback::play_item> play_run::items() {
     std::vector<playback::play_item> list;
     for (const auto& track : tracks_) {
-        auto part = context_.player.library().resolve_playable(track->location());
-        list.push_back({std::move(part.path), part.start, part.end});
+        const auto& [path, subsong] = track->location();
+        auto part = library::resolve_playable(path, subsong, tags::read_file);
+        list.push_back({std::move(part.path), subsong == 0 ? std::nullopt : std::optional(part.start), part.end});
     }
     return list;
 }
@@ -72,8 +75,8 @@ playback::play_callbacks play_run::callbacks() {
     playback::play_callbacks out;
     out.on_started = [this](std::size_t index) {
         post([this, index] {
-            context_.screen.note("Playing " + std::to_string(index + 1) + " of " + std::to_string(tracks_.get_count()) + ": " +
-                                 title_of(index));
+            context_.screen.note("Playing " + std::to_string(index + 1) + " of " + std::to_string(tracks_.get_count()) +
+                                 ": " + title_of(index));
         });
     };
     out.on_counted = [this](std::size_t index) { count(index); };

@@ -65,7 +65,7 @@ std::size_t terminal_width() {
 }
 
 table::table(std::vector<column> columns) : columns_(std::move(columns)) {
-    for (const auto& column : columns_) widths_.push_back(display_width(column.title));
+    for (const auto& each : columns_) widths_.push_back(display_width(each.title));
 }
 
 void table::add_row(std::vector<std::string> cells) {

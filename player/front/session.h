@@ -46,6 +46,8 @@ public:
     void save();
     /// Drops the records of tracks that have been gone for longer than components want them kept. Answers how many.
     std::size_t drop_expired_records();
+    /// Every index that has ever had a record.
+    [[nodiscard]] std::vector<nuv::guid> stored_indexes() const;
 
 private:
     struct parts;

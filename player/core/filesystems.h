@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ostrevan/filesystem.h"
+
+namespace ostrevan {
+
+/// Files of this machine: paths without a protocol, and `file://`.
+class local_filesystem : public filesystem {
+public:
+    [[nodiscard]] bool is_our_path(const char* path) const noexcept override;
+    [[nodiscard]] bool is_remote(const char* /*path*/) const noexcept override { return false; }
+};
+
+/// What is reached through a network protocol, such as a radio station.
+class network_filesystem : public filesystem {
+public:
+    [[nodiscard]] bool is_our_path(const char* path) const noexcept override;
+    [[nodiscard]] bool is_remote(const char* /*path*/) const noexcept override { return true; }
+};
+
+}  // namespace ostrevan

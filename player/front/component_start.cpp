@@ -1,0 +1,80 @@
+#include "player/front/component_start.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "ostrevan/component_version.h"
+#include "ostrevan/configuration.h"
+#include "ostrevan/startup.h"
+
+namespace ostrevan::front {
+namespace {
+
+template <typename Visitor>
+void for_each_entry(const std::vector<loaded_component>& components, Visitor&& visit) {
+    for (const auto& component : components)
+        for (std::size_t i = 0; i < component.api->service_count(); ++i) visit(component, component.api->service_at(i));
+}
+
+template <typename Visitor>
+void for_each_variable(const std::vector<loaded_component>& components, Visitor&& visit) {
+    for (const auto& component : components)
+        for (std::size_t i = 0; i < component.api->config_variable_count(); ++i) visit(component.api->config_variable_at(i));
+}
+
+template <typename Work>
+void guarded(const char* what, const component_failure& on_failure, Work&& work) {
+    try {
+        work();
+    } catch (const std::exception& error) {
+        on_failure(std::string("A component failed at ") + what + ": " + error.what());
+    }
+}
+
+}  // namespace
+
+void register_components(const std::vector<loaded_component>& components, service_registry& services,
+                         titleformat::component_fields& fields) {
+    for_each_entry(components, [&](const loaded_component&, const component_api::service_entry& entry) {
+        services.add(entry.service_class, *entry.service);
+    });
+    services.for_each<field_provider>([&](field_provider& provider) { fields.add(provider); });
+}
+
+void check_installations(const std::vector<loaded_component>& components, const component_failure& on_failure) {
+    for_each_entry(components, [&](const loaded_component& component, const component_api::service_entry& entry) {
+        if (entry.service_class != component_version::class_guid) return;
+        auto& version = static_cast<component_version&>(*entry.service);
+        if (version.test_installation()) return;
+        on_failure("Component " + component.path + " (" + version.name() + ") must be named " + version.file_name() +
+                   ". Rename the file, or install the component again.");
+    });
+}
+
+void start_components(const std::vector<loaded_component>& components, const service_registry& services,
+                      const component_failure& on_failure) {
+    for_each_variable(
+        components, [&](config_variable& variable) { guarded("reading a setting", on_failure, [&] { variable.load(); }); });
+
+    std::vector<initialisation_stage*> stages;
+    services.for_each<initialisation_stage>([&](initialisation_stage& stage) { stages.push_back(&stage); });
+    std::ranges::stable_sort(stages, {}, [](const initialisation_stage* stage) { return stage->stage(); });
+    constexpr unsigned last_before_startup = 30;
+    const auto later = std::ranges::find_if(stages, [](const auto* stage) { return stage->stage() > last_before_startup; });
+    const auto run_stage = [&](initialisation_stage* stage) { guarded("starting", on_failure, [&] { stage->on_stage(); }); };
+
+    std::for_each(stages.begin(), later, run_stage);
+    services.for_each<startup_notification>(
+        [&](startup_notification& notified) { guarded("starting", on_failure, [&] { notified.on_startup(); }); });
+    std::for_each(later, stages.end(), run_stage);
+}
+
+void end_components(const std::vector<loaded_component>& components, const service_registry& services,
+                    const component_failure& on_failure) {
+    services.for_each<startup_notification>(
+        [&](startup_notification& notified) { guarded("ending", on_failure, [&] { notified.on_shutdown(); }); });
+    for_each_variable(components,
+                      [&](config_variable& variable) { guarded("saving a setting", on_failure, [&] { variable.save(); }); });
+}
+
+}  // namespace ostrevan::front

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "ostrevan/library.h"
+#include "ostrevan/tag_update.h"
+#include "player/core/main_loop.h"
+#include "player/core/service_registry.h"
+#include "player/front/front_end.h"
+#include "player/library/media_library.h"
+
+namespace ostrevan::front {
+
+/// The library for components.
+class library_manager_impl : public library_manager {
+public:
+    explicit library_manager_impl(const library::media_library& library) : library_(library) {}
+    [[nodiscard]] bool is_library_enabled() const override { return library_.is_enabled(); }
+    void get_all_items(metadb_handle_list& out) const override;
+
+private:
+    const library::media_library& library_;
+};
+
+/// Passes changes of the library on to the components, and what other programs did to tags as an edit.
+class library_events final : public library::library_observer {
+public:
+    explicit library_events(const service_registry& services) : services_(services) {}
+    void on_library_changed(const library::library_changes& changes) override;
+
+private:
+    const service_registry& services_;
+};
+
+/// The file-info reload service: files are read in portions between which the main loop serves others.
+class info_reloads : public info_reload_service {
+public:
+    info_reloads(main_loop& loop, front_end& ui, library::media_library& library, library::track_table& tracks)
+        : loop_(loop), ui_(ui), library_(library), tracks_(tracks) {}
+
+    void reload_async(metadb_handle_list_cref tracks, unsigned mode, void* parent_window, unsigned options,
+                      completion_notify_ptr notify) override;
+
+private:
+    struct job;
+    void step(const std::shared_ptr<job>& work);
+    void finish(const job& done);
+
+    main_loop& loop_;
+    front_end& ui_;
+    library::media_library& library_;
+    library::track_table& tracks_;
+};
+
+/// The player's own handles of these tracks.
+std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles);
+
+}  // namespace ostrevan::front

@@ -1,0 +1,166 @@
+#include "player/front/session.h"
+
+#include <chrono>
+#include <ctime>
+#include <filesystem>
+#include <stdexcept>
+
+#include "ostrevan/startup.h"
+#include "ostrevan/tag_edit.h"
+#include "player/core/configuration_file.h"
+#include "player/core/filesystems.h"
+#include "player/core/hash_service_impl.h"
+#include "player/core/host.h"
+#include "player/core/profile_lock.h"
+#include "player/core/text_helper_impl.h"
+#include "player/core/thread_services.h"
+#include "player/front/clipboard_file.h"
+#include "player/front/component_start.h"
+#include "player/front/library_services.h"
+#include "player/front/popup_service.h"
+#include "player/front/tag_updates.h"
+#include "player/tags/reader.h"
+#include "player/titleformat/titleformat_service_impl.h"
+
+namespace ostrevan::front {
+namespace {
+
+constexpr auto lock_patience = std::chrono::milliseconds(2000);
+
+const std::string& made_folder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    if (!std::filesystem::is_directory(path))
+        throw std::runtime_error("Cannot make the profile folder " + path + ": " + error.message() +
+                                 ". Choose another with --profile.");
+    return path;
+}
+
+}  // namespace
+
+/// In the order in which they are made; destroyed in the opposite one.
+struct session::parts {
+    parts(const session_options& options, front_end& screen)
+        : ui(screen), lock(made_folder(options.profile), lock_patience), profile(options.profile), quiet(options.quiet) {}
+
+    std::string file(const char* name) const { return profile + "/" + name; }
+    void report(const std::string& text) {
+        ui.note_failure();
+        ui.print_line(text);
+    }
+    void publish_rewritten(const std::vector<tag_rewrite>& files);
+
+    front_end& ui;
+    const profile_lock lock;
+    const std::string profile;
+    const bool quiet;
+
+    main_loop loop{[this](const char* what) { report(what); }};
+    service_registry services;
+    service_uncounted_t<crash_log_impl> crash_log{file("crash.log")};
+    service_uncounted_t<console_impl> console{[this](const std::string& line) { ui.print_line(line); }};
+    host player{loop, services, crash_log, profile, quiet};
+    const player_interface block = player.interface_block();
+
+    service_uncounted_t<md5_service> hash;  // before the index, which keeps key functions that use it
+    service_uncounted_t<text_helper_impl> text;
+    service_uncounted_t<configuration_file> configuration{file("configuration.json")};
+    index_store records{file("index.sqlite"),
+                        [this](const std::string& text) { loop.post([this, text] { report(text); }); }};
+    service_uncounted_t<index_service> index{records, index_service::redraw{}};
+
+    library_events events{services};
+    library::track_table tracks;
+    library::media_library library{file("library.sqlite"), tracks, tags::read_file, events};
+    service_uncounted_t<library_manager_impl> library_service{library};
+
+    titleformat::component_fields fields;
+    service_uncounted_t<titleformat::titleformat_service_impl> titleformat{fields};
+    service_uncounted_t<main_thread_service_impl> main_thread{loop};
+    service_uncounted_t<thread_service_impl> threads{loop};
+    service_uncounted_t<local_filesystem> local_files;
+    service_uncounted_t<network_filesystem> network_files;
+    service_uncounted_t<message_service> messages{loop, ui};
+    service_uncounted_t<beep_service_impl> beep{ui};
+    service_uncounted_t<clipboard_file> clipboard;
+    service_uncounted_t<tag_updates> tag_update{loop, ui, [this](const auto& files) { publish_rewritten(files); }};
+    service_uncounted_t<info_reloads> reload{loop, ui, library, tracks};
+
+    std::vector<loaded_component> components;
+};
+
+void session::parts::publish_rewritten(const std::vector<tag_rewrite>& files) {
+    std::vector<tag_edit> edits;
+    std::vector<metadb_info_ptr> cached;  // keeps what the edits point to
+    std::vector<library::track_ptr> changed;
+    for (const auto& file : files) {
+        cached.push_back(file.track->info());
+        const auto* const before = cached.back() ? &cached.back()->info() : &file.before_in_file;
+        edits.push_back({file.track, before, &file.after, *before == file.before_in_file ? nullptr : &file.before_in_file});
+        changed.push_back(tracks.obtain(file.track->location().path, file.track->location().subsong));
+    }
+    for (const auto& [path, reason] : library.refresh_tracks(changed, library::refresh_mode::always))
+        report(path + ": " + reason);
+    services.for_each<tag_edit_callback>(
+        [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
+}
+
+session::session(const session_options& options, front_end& ui) : parts_(std::make_unique<parts>(options, ui)) {
+    auto& p = *parts_;
+    auto& services = p.services;
+    services.add<configuration_store>(p.configuration);
+    services.add<crash_log_service>(p.crash_log);
+    services.add<console_service>(p.console);
+    services.add<index_manager>(p.index);
+    services.add<library_manager>(p.library_service);
+    services.add<titleformat_service>(p.titleformat);
+    services.add<main_thread_callback_service>(p.main_thread);
+    services.add<thread_service>(p.threads);
+    services.add<hash_service>(p.hash);
+    services.add<text_helper_service>(p.text);
+    services.add<filesystem>(p.local_files);
+    services.add<filesystem>(p.network_files);
+    services.add<popup_message>(p.messages);
+    services.add<beep_service>(p.beep);
+    services.add<clipboard_service>(p.clipboard);
+    services.add<tag_update_service>(p.tag_update);
+    services.add<info_reload_service>(p.reload);
+
+    const auto report = [&p](const std::string& message) { p.report(message); };
+    p.components = load_components(options.components, p.block, report);
+    register_components(p.components, services, p.fields);
+    check_installations(p.components, report);
+    start_components(p.components, services, report);
+}
+
+session::~session() {
+    auto& p = *parts_;
+    try {
+        p.loop.run_until_idle();
+        p.player.begin_shutdown();
+        end_components(p.components, p.services, [&p](const std::string& message) { p.report(message); });
+        p.records.flush();
+    } catch (const std::exception& error) {
+        p.report(error.what());
+    }
+}
+
+main_loop& session::loop() noexcept { return parts_->loop; }
+const service_registry& session::services() const noexcept { return parts_->services; }
+library::media_library& session::library() noexcept { return parts_->library; }
+library::track_table& session::tracks() noexcept { return parts_->tracks; }
+index_service& session::index() noexcept { return parts_->index; }
+const titleformat::component_fields& session::fields() const noexcept { return parts_->fields; }
+const std::vector<loaded_component>& session::components() const noexcept { return parts_->components; }
+std::vector<nuv::guid> session::stored_indexes() const { return parts_->records.indexes(); }
+
+void session::run_until_idle() { parts_->loop.run_until_idle(); }
+void session::save() { parts_->records.flush(); }
+
+std::size_t session::drop_expired_records() {
+    const auto& items = parts_->library.items();
+    const std::vector<metadb_handle_ptr> handles(items.begin(), items.end());
+    return parts_->index.drop_expired(nuv::list_view_t<metadb_handle_ptr>(handles), std::time(nullptr));
+}
+
+}  // namespace ostrevan::front

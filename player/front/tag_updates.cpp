@@ -1,0 +1,94 @@
+#include "player/front/tag_updates.h"
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "player/front/interrupt.h"
+#include "player/library/cue_files.h"
+#include "player/tags/rewrite.h"
+
+namespace ostrevan::front {
+
+void tag_updates::update_async(metadb_handle_list_cref tracks, service_ptr_t<file_info_filter> filter,
+                               void* /*parent_window*/, unsigned options, completion_notify_ptr notify) {
+    check_main_thread(loop_, "update_async");
+    batch fresh{
+        .tracks = metadb_handle_list(tracks), .filter = std::move(filter), .options = options, .notify = std::move(notify)};
+
+    const std::lock_guard lock(mutex_);
+    const auto place = fresh.is_background() ? waiting_.end() : std::ranges::find_if(waiting_, &batch::is_background);
+    waiting_.insert(place, std::move(fresh));
+    if (is_working_) return;
+    std::thread([this, busy = main_loop::activity(loop_)] { work(); }).detach();
+    is_working_ = true;
+}
+
+void tag_updates::work() {
+    for (;;) {
+        auto next = std::make_shared<batch>();
+        {
+            const std::lock_guard lock(mutex_);
+            if (waiting_.empty()) {
+                is_working_ = false;
+                return;
+            }
+            *next = std::move(waiting_.front());
+            waiting_.pop_front();
+        }
+        rewrite_all(*next);
+        loop_.post([this, next] { finish(*next); });
+    }
+}
+
+void tag_updates::rewrite_all(batch& work) const {
+    const auto total = work.tracks.get_count();
+    for (std::size_t i = 0; i < total && !work.is_aborted; ++i) {
+        work.is_aborted = interrupted();
+        if (work.is_aborted) break;
+        if (!work.is_silent()) loop_.post([this, i, total] { ui_.show_progress("files checked and rewritten", i, total); });
+        rewrite(work, work.tracks[i]);
+    }
+}
+
+void tag_updates::rewrite(batch& work, const metadb_handle_ptr& track) const {
+    const auto& [path, subsong] = track->location();
+    try {
+        if (subsong != 0 || library::is_cue_path(path))
+            throw std::runtime_error(path + "|" + std::to_string(subsong) +
+                                     ": a part of a CUE sheet has no tags of its own. Edit the sheet, or split the file.");
+        file_info before;
+        auto result = tags::rewrite_file(path, [&](file_info& info) {
+            before = info;
+            return work.filter->apply_filter(track, info);
+        });
+        work.notes.insert(work.notes.end(), result.notes.begin(), result.notes.end());
+        if (result.outcome == tags::rewrite_outcome::rewritten)
+            work.rewritten.push_back({track, std::move(before), std::move(result.info)});
+    } catch (const std::exception& error) {
+        work.problems.emplace_back(error.what());
+    }
+}
+
+void tag_updates::finish(const batch& done) const {
+    if (!done.is_silent()) ui_.end_progress();
+    if (!done.rewritten.empty()) on_rewritten_(done.rewritten);
+    for (const auto& note : done.notes) ui_.print_line(note);
+    for (const auto& problem : done.problems) ui_.print_line(problem);
+    if (!done.problems.empty() && !done.is_silent()) {
+        ui_.note_failure();
+        ui_.print_line(std::to_string(done.problems.size()) + " of " + std::to_string(done.tracks.get_count()) +
+                       " files could not be updated; they are as they were.");
+    }
+    if (done.is_aborted)
+        ui_.print_line("Interrupted: " + std::to_string(done.rewritten.size()) +
+                       " files were rewritten, the rest are as they were.");
+    if (!done.notify) return;
+    const bool failed = !done.problems.empty();
+    done.notify->on_completion(done.is_aborted ? completion_notify::status_aborted
+                               : failed        ? completion_notify::status_failed
+                                               : completion_notify::status_success);
+}
+
+}  // namespace ostrevan::front

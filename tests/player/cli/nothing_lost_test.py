@@ -1,0 +1,86 @@
+"""Kills, unmounted folders, two players at once, damaged databases."""
+import re
+import sqlite3
+import unittest
+
+from player import PlayerTest
+
+
+class NothingLost(PlayerTest):
+    def setUp(self):
+        super().setUp()
+        self.copy_music()
+        self.first = self.files()[0]
+
+    def test_a_kill_right_after_a_play_was_reported_loses_nothing(self):
+        reported = 0
+        for kill_after in (1, 2, 3, 5, 8):
+            player = self.start("play", "--audio", "null", "--fast", *[self.first] * 12)
+            for _ in range(kill_after):
+                self.assertRegex(player.stdout.readline(), "^Counted: ")
+            player.kill()
+            reported += kill_after + player.communicate()[0].count("Counted: ")
+            self.assertGreaterEqual(self.play_count(self.first), reported)
+
+    def test_an_interrupted_play_keeps_what_was_counted(self):
+        player = self.start("play", "--audio", "null", "--fast", *[self.first] * 500)
+        player.stdout.readline()
+        player.send_signal(2)
+        out, err = player.communicate(timeout=60)
+        self.assertEqual(player.returncode, 1, err)
+        self.assertIn("Interrupted", err)
+        self.assertEqual(self.play_count(self.first), 1 + out.count("Counted: "))
+
+    def test_a_folder_that_is_not_there_keeps_its_tracks_and_records(self):
+        self.play(self.first)
+        before = self.tracks()
+        away = self.folder / "away"
+        for make_mount_point in (False, True):
+            self.music.rename(away)
+            if make_mount_point:
+                self.music.mkdir()
+            rescan = self.run_player("library", "rescan", status=1)
+            self.assertRegex(rescan.stderr, re.escape(str(self.music)) + ".*not there")
+            self.assertEqual(self.tracks(), before)
+            if make_mount_point:
+                self.music.rmdir()
+            away.rename(self.music)
+        self.run_player("library", "rescan")
+        self.assertEqual(self.tracks(), before)
+
+    def test_players_at_the_same_time_take_turns_or_say_who_holds_the_profile(self):
+        players = [self.start("play", "--audio", "null", "--fast", self.first) for _ in range(6)]
+        done = 0
+        for player in players:
+            _, err = player.communicate(timeout=100)
+            if player.returncode == 0:
+                done += 1
+            else:
+                self.assertRegex(err, r"in use by process \d+")
+        self.assertGreaterEqual(done, 1)
+        self.assertEqual(self.play_count(self.first), done)
+
+    def test_a_database_that_cannot_be_used_is_named_and_left(self):
+        self.play(self.first)
+        for name in ("index.sqlite", "library.sqlite"):
+            path = self.profile / name
+            good = path.read_bytes()
+            for sidecar in self.profile.glob(name + "-*"):
+                sidecar.unlink()
+            newer = self.folder / "newer"
+            newer.write_bytes(good)
+            with sqlite3.connect(newer) as database:
+                database.execute("PRAGMA user_version = 999")
+            for content, reason in ((b"this is no database, and long enough to be looked at" * 9, "database"),
+                                    (newer.read_bytes(), "newer")):
+                path.write_bytes(content)
+                refused = self.run_player("list", status=1)
+                self.assertIn(str(path), refused.stderr)
+                self.assertIn(reason, refused.stderr)
+                self.assertEqual(path.read_bytes(), content)
+            path.write_bytes(good)
+        self.assertEqual(self.play_count(self.first), 1)
+
+
+if __name__ == "__main__":
+    unittest.main()

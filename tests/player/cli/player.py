@@ -1,0 +1,79 @@
+"""Runs the real player on profiles of its own, for the end-to-end tests beside this file.
+
+Environment: OSTREVAN is the program, MUSIC a folder of tagged files in five formats, AUDIO one file of every format that can
+be tagged, BROKEN_COMPONENTS modules that are broken on purpose, FIXTURES the scripts of tests/fixtures.
+"""
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = os.environ["OSTREVAN"]
+MUSIC = pathlib.Path(os.environ["MUSIC"])
+AUDIO = pathlib.Path(os.environ["AUDIO"])
+FIXTURES = pathlib.Path(os.environ["FIXTURES"])
+
+
+class PlayerTest(unittest.TestCase):
+    """A folder of its own for each test: a profile, a copy of the music, a clipboard."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="ostrevan-"))
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.profile = self.folder / "profile"
+        self.music = self.folder / "music"
+        (self.folder / "run").mkdir(mode=0o700)
+        self.env = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder / "run"), TZ="UTC", LC_ALL="C.UTF-8")
+
+    def command(self, *words, profile=None):
+        return [PROGRAM, "--profile", str(profile or self.profile), *map(str, words)]
+
+    def start(self, *words, **options):
+        return subprocess.Popen(self.command(*words), env=self.env, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, text=True, **options)
+
+    def run_player(self, *words, status=0, profile=None, text=None):
+        """Runs one command and checks its exit status; gives what it printed."""
+        done = subprocess.run(self.command(*words, profile=profile), env=self.env, input=text or "", capture_output=True,
+                              text=True, timeout=110)
+        self.assertEqual(done.returncode, status, f"{words}\n{done.stdout}\n{done.stderr}")
+        return done
+
+    def copy_music(self):
+        shutil.copytree(MUSIC, self.music)
+        self.run_player("library", "add", self.music)
+
+    def tracks(self, query="", profile=None):
+        return json.loads(self.run_player("list", "--json", query, profile=profile).stdout)
+
+    def track(self, path, profile=None):
+        found = [t for t in self.tracks(profile=profile) if t["path"] == str(path)]
+        self.assertEqual(len(found), 1, path)
+        return found[0]
+
+    def play_count(self, path):
+        return int(self.track(path)["play_count"] or 0)
+
+    def play(self, *paths, **options):
+        return self.run_player("play", "--audio", "null", "--fast", *paths, **options)
+
+    def files(self, suffix=""):
+        return sorted(p for p in self.music.rglob("*" + suffix) if p.is_file())
+
+
+def tags_of(*paths):
+    """What an independent reader sees in the files, by path."""
+    out = subprocess.run([sys.executable, FIXTURES / "show_tags.py", *map(str, paths)], capture_output=True, text=True,
+                         check=True)
+    return json.loads(out.stdout)
+
+
+def samples_of(path):
+    """A digest of the decoded audio."""
+    done = subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", str(path), "-map", "0:a", "-f", "md5", "-"],
+                          capture_output=True, text=True, check=False)
+    return done.stdout

@@ -1,0 +1,84 @@
+"""Each wrong input gets a message that names it, the right exit status, and changes nothing."""
+import os
+import shutil
+import unittest
+
+from player import PlayerTest
+
+
+class WrongInput(PlayerTest):
+    def setUp(self):
+        super().setUp()
+        self.copy_music()
+        self.first = self.files()[0]
+
+    def test_each_is_named_with_its_exit_status(self):
+        text = self.folder / "notes.mp3"
+        text.write_text("this is no audio at all")
+        absent = self.folder / "absent.flac"
+        cases = [
+            (1, "absent.flac", "play", absent),
+            (1, "notes.mp3", "play", text),
+            (1, "absent", "library", "add", self.folder / "absent"),
+            (1, "notes.mp3", "library", "add", text),
+            (1, "already", "library", "add", self.music),
+            (1, "absent", "library", "remove", self.folder / "absent"),
+            (1, str(self.folder / "run"), "play", self.folder / "run"),
+            (2, "^", "list", "%title% IS"),
+            (2, "^", "list", "--format", "$nosuch(%title%)"),
+            (2, "Play Count", "list", "--column", "Nosuch"),
+            (2, "FIELD=VALUE", "edit", self.first, "--set", "title"),
+            (2, "--set", "edit", self.first),
+            (2, "at least one track", "play"),
+            (2, "GUID", "index", "dump", "xyz"),
+            (2, "no setting", "settings", "nosuch"),
+            (2, "neither on nor off", "settings", "Automatically", "perhaps"),
+            (2, "Rating", "context", "Playback Statistics/Nosuch", self.first),
+            (2, "submenu", "context", "Playback Statistics/Rating", self.first),
+            (2, "subcommand", ),
+            (1, "nosuch", "playlist", "show", "nosuch"),
+        ]
+        before = self.tracks()
+        for status, names, *words in cases:
+            with self.subTest(words=words):
+                done = self.run_player(*words, status=status)
+                self.assertIn(names, done.stderr + done.stdout)
+        self.assertEqual(self.tracks(), before)
+
+    @unittest.skipIf(os.geteuid() == 0, "root may read everything")
+    def test_an_unreadable_file_is_named(self):
+        self.first.chmod(0)
+        self.assertIn(str(self.first), self.run_player("play", self.first, status=1).stderr)
+
+    def test_a_file_that_is_no_audio_does_not_stop_the_scan_or_the_list(self):
+        (self.music / "garbage.flac").write_bytes(b"fLaC" + bytes(100))
+        (self.music / "empty.mp3").touch()
+        os.mkfifo(self.music / "pipe.mp3")
+        scanned = self.run_player("library", "rescan", status=1)
+        self.assertIn("garbage.flac", scanned.stderr)
+        self.assertIn("empty.mp3", scanned.stderr)
+        self.assertNotIn("garbage", self.run_player("list").stdout)
+        played = self.play(self.music / "garbage.flac", self.first, status=1)
+        self.assertNotIn("Counted", played.stdout)
+
+    def test_broken_components_are_named_and_the_rest_works(self):
+        folder = self.folder / "components"
+        shutil.copytree(os.environ["BROKEN_COMPONENTS"], folder, ignore=lambda _, names: [n for n in names if
+                                                                                         not n.endswith(".dll")])
+        own = shutil.copy(os.path.join(os.path.dirname(os.environ["OSTREVAN"]), "components", "quorvel.dll"), folder)
+        done = self.run_player("--components", folder, "list", "--json", status=1)
+        for broken in ("no_entry", "not_a_library", "too_old", "too_new", "wrong_magic"):
+            self.assertIn(broken + ".dll", done.stderr)
+        self.assertIn('"play_count"', done.stdout)
+        self.assertIn(own, self.run_player("--components", folder, "components", status=1).stdout)
+
+    def test_a_renamed_component_is_reported(self):
+        folder = self.folder / "renamed"
+        folder.mkdir()
+        source = os.path.join(os.path.dirname(os.environ["OSTREVAN"]), "components", "quorvel.dll")
+        shutil.copy(source, folder / "other.dll")
+        self.assertIn("quorvel.dll", self.run_player("--components", folder, "list", status=1).stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
