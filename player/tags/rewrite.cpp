@@ -1,6 +1,7 @@
 #include "player/tags/rewrite.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,10 +43,15 @@ bool same_file(const struct stat& a, const struct stat& b) {
            a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
-void require_same(const std::string& path, const struct stat& before) {
+/// Of several rewrites at a time one comes to an end; the others find that the file is no longer what they have read. The
+/// lock is on the original and closes the gap between this look and the rename. Not all file systems lock: they keep the
+/// gap.
+void lock_and_require_same(const std::string& path, int original, const struct stat& before) {
+    if (flock(original, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        throw tag_error(path, "is being changed by another program; try again later");
     struct stat now {};
     if (stat(path.c_str(), &now) != 0 || !same_file(before, now))
-        throw tag_error(path, "was changed by another program meanwhile; nothing was written, try again");
+        throw tag_error(path, "was changed by another program meanwhile; try again");
 }
 
 void edit_copy(const std::string& copy, const file_info& before, const file_info& after, const rewrite_options& options) {
@@ -127,7 +133,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     if (options.preserve_modification_time) copy.take_times(about);
     copy.sync();
     done(rewrite_step::synced);
-    require_same(path, about);
+    lock_and_require_same(path, original.stream->file(), about);
     done(rewrite_step::checked);
     copy.take_place();
     result.outcome = rewrite_outcome::rewritten;

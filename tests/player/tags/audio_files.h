@@ -49,7 +49,7 @@ protected:
     }
     ~audio_files() override { fs::remove_all(folder_); }
 
-    [[nodiscard]] fs::path copy(const std::string& name) const {
+    fs::path copy(const std::string& name) const {
         fs::copy_file(fs::path(AUDIO_FIXTURES) / name, folder_ / name, fs::copy_options::overwrite_existing);
         return folder_ / name;
     }
