@@ -37,9 +37,9 @@ void run(run_context& context, const context_menu& arguments) {
     }
     const auto menu = front::context_menu_for(services, tracks);
     try {
-        const auto& command = front::find_command(menu, *arguments.command);
-        if (!command.enabled()) throw std::runtime_error("\"" + command.text + "\" is greyed for these tracks.");
-        command.run();
+        const auto& entry = front::find_command(menu, *arguments.command);
+        if (!entry.enabled()) throw std::runtime_error("\"" + entry.text + "\" is greyed for these tracks.");
+        entry.run();
     } catch (const std::invalid_argument& error) {
         throw usage_error(error.what());
     }

@@ -44,9 +44,9 @@ struct session::parts {
         : ui(screen), lock(made_folder(options.profile), lock_patience), profile(options.profile), quiet(options.quiet) {}
 
     std::string file(const char* name) const { return profile + "/" + name; }
-    void report(const std::string& text) {
+    void report(const std::string& message) {
         ui.note_failure();
-        ui.print_line(text);
+        ui.print_line(message);
     }
     void publish_rewritten(const std::vector<tag_rewrite>& files);
 
@@ -66,7 +66,7 @@ struct session::parts {
     service_uncounted_t<text_helper_impl> text;
     service_uncounted_t<configuration_file> configuration{file("configuration.json")};
     index_store records{file("index.sqlite"),
-                        [this](const std::string& text) { loop.post([this, text] { report(text); }); }};
+                        [this](const std::string& message) { loop.post([this, message] { report(message); }); }};
     service_uncounted_t<index_service> index{records, index_service::redraw{}};
 
     library_events events{services};

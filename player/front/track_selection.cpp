@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "player/library/scanner.h"
+#include "player/library/read_files.h"
 #include "player/query/sort.h"
 #include "player/tags/reader.h"
 
@@ -48,7 +48,7 @@ void append_tracks_below(session& player, const std::string& folder, std::vector
 /// A file that the library does not hold: read from the disk, and known to the player until it ends.
 std::vector<library::track_ptr> read_from_disk(session& player, const std::string& path) {
     std::vector<library::track_ptr> tracks;
-    for (const auto& read : library::scan_file(path, {}, tags::read_file).tracks) {
+    for (const auto& read : library::read_tracks({path, {}, 0}, tags::read_file).tracks) {
         tracks.push_back(player.tracks().obtain(path, read.subsong));
         tracks.back()->publish(read.info);
     }

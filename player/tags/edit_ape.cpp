@@ -21,19 +21,6 @@ struct ape_item {
     std::string bytes;
 };
 
-/// The upper-case key that reading gives an item: a few items have names of their own.
-std::string key_of_item(const std::string& name) {
-    constexpr std::string_view renamed[][2] = {{"TRACK", "TRACKNUMBER"},
-                                               {"YEAR", "DATE"},
-                                               {"DISC", "DISCNUMBER"},
-                                               {"ALBUM ARTIST", "ALBUMARTIST"},
-                                               {"MIXARTIST", "REMIXER"}};
-    const std::string upper = ascii_upper(name);
-    for (const auto& pair : renamed)
-        if (upper == pair[0]) return std::string(pair[1]);
-    return upper;
-}
-
 std::vector<ape_item> items_of(const std::string& tag) {
     std::vector<ape_item> items;
     const bool has_header = tag.starts_with("APETAGEX");
@@ -55,18 +42,11 @@ ape_item item_of(const std::string& name, const std::vector<std::string>& values
     return {name, as_little_endian(text.size(), 4) + std::string(4, '\0') + name + '\0' + text};
 }
 
-/// The name an entry gets in a new item: the library knows the customary ones.
-std::string name_of_item(const std::string& key) {
-    constexpr std::string_view customary[][2] = {{"TRACKNUMBER", "Track"},
-                                                 {"DATE", "Year"},
-                                                 {"DISCNUMBER", "Disc"},
-                                                 {"ALBUMARTIST", "Album Artist"},
-                                                 {"REMIXER", "MixArtist"}};
-    for (const auto& pair : customary)
-        if (key == pair[0]) return std::string(pair[1]);
-    if (!TagLib::APE::Tag::checkKey(TagLib::String(key, TagLib::String::UTF8)))
+std::string name_of_new_item(const std::string& key) {
+    const std::string name = ape_item_of_key(key);
+    if (!TagLib::APE::Tag::checkKey(TagLib::String(name, TagLib::String::UTF8)))
         cannot_hold("APEv2", key, "names there have 2 to 255 plain ASCII characters");
-    return key;
+    return name;
 }
 
 std::string put_together(const std::vector<ape_item>& items) {
@@ -88,15 +68,15 @@ std::string edit_ape(const std::string& bytes, const tag_changes& changes, tag_r
     for (const auto& change : changes) {
         std::string old_name;
         const auto held = std::erase_if(items, [&](const ape_item& item) {
-            if (!concerns(change, key_of_item(item.key))) return false;
+            if (!concerns(change, key_of_ape_item(item.key))) return false;
             if (old_name.empty()) old_name = item.key;
             return true;
         });
         edited |= held != 0;
         if (role == tag_role::other && held == 0) continue;
         for (const auto& [key, values] : change.writes) {
-            const bool same_name = field_of_key(key_of_item(old_name)) == field_of_key(key);
-            items.push_back(item_of(same_name ? old_name : name_of_item(key), values));
+            const bool same_name = field_of_key(key_of_ape_item(old_name)) == field_of_key(key);
+            items.push_back(item_of(same_name ? old_name : name_of_new_item(key), values));
             edited = true;
         }
     }

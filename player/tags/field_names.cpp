@@ -18,6 +18,12 @@ constexpr spelling spellings[] = {
     {"totaldiscs", {"DISCTOTAL", "TOTALDISCS", ""}},
 };
 
+constexpr std::string_view ape_items[][2] = {{"Track", "TRACKNUMBER"},
+                                             {"Year", "DATE"},
+                                             {"Disc", "DISCNUMBER"},
+                                             {"Album Artist", "ALBUMARTIST"},
+                                             {"MixArtist", "REMIXER"}};
+
 }  // namespace
 
 bool is_statistics_field(std::string_view field) noexcept {
@@ -52,6 +58,18 @@ std::vector<std::string> keys_of_field(std::string_view field) {
             return keys;
         }
     return {ascii_upper(field)};
+}
+
+std::string key_of_ape_item(std::string_view item) {
+    for (const auto& pair : ape_items)
+        if (nuv::equal_ascii_nocase(item, pair[0])) return std::string(pair[1]);
+    return ascii_upper(item);
+}
+
+std::string ape_item_of_key(std::string_view key) {
+    for (const auto& pair : ape_items)
+        if (key == pair[1]) return std::string(pair[0]);
+    return std::string(key);
 }
 
 const number_pair* pair_of_field(std::string_view field) noexcept {

@@ -34,6 +34,10 @@ std::string field_of_key(std::string_view key);
 /// The upper-case keys that hold a field, the one to write first: "album artist" gives "ALBUMARTIST", "ALBUM ARTIST", ...
 std::vector<std::string> keys_of_field(std::string_view field);
 
+/// A few APE items have customary names that differ from the keys: "Year" is DATE.
+std::string key_of_ape_item(std::string_view item);
+std::string ape_item_of_key(std::string_view key);
+
 /// The pair a field is one half of, or null.
 const number_pair* pair_of_field(std::string_view field) noexcept;
 

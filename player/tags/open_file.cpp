@@ -29,6 +29,11 @@ namespace {
 using file_pointer = std::unique_ptr<TagLib::File>;
 
 template <class File>
+file_pointer open_ogg(TagLib::IOStream& stream) {
+    return std::make_unique<File>(&stream, false);
+}
+
+template <class File>
 file_pointer open_plain(TagLib::IOStream& stream) {
     return std::make_unique<File>(&stream, true, TagLib::AudioProperties::Fast);
 }
@@ -40,8 +45,8 @@ file_pointer open_with_frames(TagLib::IOStream& stream) {
 
 /// In the order of `container`.
 constexpr file_pointer (*openers[])(TagLib::IOStream&) = {
-    open_with_frames<TagLib::MPEG::File>, open_with_frames<TagLib::FLAC::File>, open_plain<TagLib::Ogg::Vorbis::File>,
-    open_plain<TagLib::Ogg::Opus::File>,  open_plain<TagLib::Ogg::Speex::File>, open_plain<TagLib::Ogg::FLAC::File>,
+    open_with_frames<TagLib::MPEG::File>, open_with_frames<TagLib::FLAC::File>, open_ogg<TagLib::Ogg::Vorbis::File>,
+    open_ogg<TagLib::Ogg::Opus::File>,    open_ogg<TagLib::Ogg::Speex::File>,   open_ogg<TagLib::Ogg::FLAC::File>,
     open_plain<TagLib::MP4::File>,        open_plain<TagLib::WavPack::File>,    open_plain<TagLib::APE::File>,
     open_plain<TagLib::RIFF::WAV::File>,  open_plain<TagLib::RIFF::AIFF::File>, open_plain<TagLib::ASF::File>,
     open_plain<TagLib::TrueAudio::File>,
@@ -88,8 +93,10 @@ opened_file open_audio(const std::string& path, file_stream::access mode) {
     result.stream->seek(0, TagLib::IOStream::Beginning);
     result.file = openers[static_cast<std::size_t>(*kind)](*result.stream);
     if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
-    const auto* sound = result.file->isValid() ? result.file->audioProperties() : nullptr;
-    if (sound == nullptr || sound->sampleRate() <= 0)
+    if (result.file->isValid() && is_ogg(*kind)) result.sound = sound_of_ogg(*kind, *result.stream);
+    else if (const auto* properties = result.file->audioProperties(); result.file->isValid() && properties != nullptr)
+        result.sound = sound_of(*kind, *properties);
+    if (result.sound.sample_rate == 0)
         throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
                                   " sound was found in it");
     if (*kind == container::true_audio)

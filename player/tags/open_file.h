@@ -8,6 +8,7 @@
 
 #include "player/tags/file_stream.h"
 #include "player/tags/formats.h"
+#include "player/tags/sound.h"
 
 namespace ostrevan::tags {
 
@@ -16,6 +17,7 @@ struct opened_file {
     std::unique_ptr<file_stream> stream;
     container kind{};
     std::unique_ptr<TagLib::File> file;
+    ostrevan::tags::sound sound;
     /// The APE tag at the end of a True Audio file, which the library does not look for there.
     std::unique_ptr<TagLib::Tag> ape_tag;
 };

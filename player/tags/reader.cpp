@@ -6,9 +6,7 @@
 #include <id3v1tag.h>
 #include <id3v2tag.h>
 #include <infotag.h>
-#include <mp4file.h>
 #include <mpegfile.h>
-#include <tpropertymap.h>
 #include <trueaudiofile.h>
 #include <wavfile.h>
 #include <wavpackfile.h>
@@ -17,17 +15,11 @@
 #include "player/tags/asf_fields.h"
 #include "player/tags/changes.h"
 #include "player/tags/field_names.h"
-#include "player/tags/freeform.h"
+#include "player/tags/tag_entries.h"
 #include "player/tags/tag_fields.h"
 
 namespace ostrevan::tags {
 namespace {
-
-void add_values(const std::string& key, const TagLib::StringList& values, file_info& info) {
-    std::vector<std::string> texts;
-    for (const auto& value : values) texts.push_back(value.to8Bit(true));
-    add_entry(key, std::move(texts), info);
-}
 
 /// Tags of a file in the order asked for, without those that are missing or hold no field.
 std::vector<TagLib::Tag*> filled(std::initializer_list<TagLib::Tag*> tags) {
@@ -35,18 +27,6 @@ std::vector<TagLib::Tag*> filled(std::initializer_list<TagLib::Tag*> tags) {
     for (auto* tag : tags)
         if (tag != nullptr && !tag->isEmpty()) result.push_back(tag);
     return result;
-}
-
-/// `Tag::properties` is not virtual: called on the base it knows seven fields only.
-template <class... Tags>
-TagLib::PropertyMap properties_of(const TagLib::Tag& tag) {
-    TagLib::PropertyMap properties = tag.properties();
-    const auto ask = [&](const auto* exact) {
-        if (exact != nullptr) properties = exact->properties();
-        return exact != nullptr;
-    };
-    (ask(dynamic_cast<const Tags*>(&tag)) || ...);
-    return properties;
 }
 
 }  // namespace
@@ -84,11 +64,7 @@ std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
 }
 
 void add_tag_fields(const TagLib::Tag& tag, file_info& info) {
-    const auto properties =
-        properties_of<TagLib::ID3v2::Tag, TagLib::Ogg::XiphComment, TagLib::APE::Tag, TagLib::MP4::Tag>(tag);
-    for (const auto& [key, values] : properties) add_values(key.to8Bit(true), values, info);
-    if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Tag*>(&tag))
-        for (const auto& [key, values] : freeform_fields(*mp4)) add_values(key, values, info);
+    for (auto& [key, values] : entries_of(tag)) add_entry(key, std::move(values), info);
 }
 
 void add_fields(const opened_file& opened, file_info& info) {
@@ -109,7 +85,11 @@ void add_fields(const opened_file& opened, file_info& info) {
 file_info info_of(const opened_file& opened) {
     file_info info;
     add_fields(opened, info);
-    add_sound(opened, info);
+    info.set_length(opened.sound.length);
+    info.set_codec(opened.sound.codec);
+    info.bitrate = opened.sound.bitrate;
+    info.sample_rate = opened.sound.sample_rate;
+    info.channels = opened.sound.channels;
     return info;
 }
 

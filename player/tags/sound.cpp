@@ -4,16 +4,12 @@
 #include <flacfile.h>
 #include <mp4file.h>
 #include <mpegfile.h>
-#include <oggfile.h>
-#include <oggpageheader.h>
 #include <trueaudiofile.h>
 #include <wavfile.h>
 #include <wavpackfile.h>
 #include <xingheader.h>
 
-#include <algorithm>
-
-#include "player/tags/tag_fields.h"
+#include "player/tags/sound.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -36,13 +32,6 @@ double sample_frames_of_mpeg(const TagLib::MPEG::Properties& sound) {
     const int halves = sound.version() == TagLib::MPEG::Header::Version1 ? 2 : 1;
     const int samples_a_frame = sound.layer() == 1 ? 384 : sound.layer() == 2 ? 1152 : 576 * halves;
     return static_cast<double>(counted->totalFrames()) * samples_a_frame;
-}
-
-/// Ogg FLAC written to a pipe has no count in its header; the last page has it in any case.
-double sample_frames_of_ogg_flac(TagLib::File& file) {
-    auto& ogg = dynamic_cast<TagLib::Ogg::File&>(file);
-    const auto* last = ogg.lastPageHeader();
-    return last == nullptr ? 0 : std::max(0.0, static_cast<double>(last->absoluteGranularPosition()));
 }
 
 std::string codec_of(container kind, const TagLib::AudioProperties& sound) {
@@ -73,18 +62,16 @@ std::uint32_t positive(int number) { return number > 0 ? static_cast<std::uint32
 
 }  // namespace
 
-void add_sound(const opened_file& opened, file_info& info) {
-    const auto& sound = *opened.file->audioProperties();
-    info.sample_rate = positive(sound.sampleRate());
-    info.channels = positive(sound.channels());
-    info.bitrate = positive(sound.bitrate());
-    info.set_codec(codec_of(opened.kind, sound));
+sound sound_of(container kind, const TagLib::AudioProperties& properties) {
     double frames =
         sample_frames<TagLib::FLAC::Properties, TagLib::RIFF::WAV::Properties, TagLib::RIFF::AIFF::Properties,
-                      TagLib::APE::Properties, TagLib::WavPack::Properties, TagLib::TrueAudio::Properties>(sound);
-    if (const auto* mpeg = dynamic_cast<const TagLib::MPEG::Properties*>(&sound)) frames = sample_frames_of_mpeg(*mpeg);
-    if (frames <= 0 && opened.kind == container::ogg_flac) frames = sample_frames_of_ogg_flac(*opened.file);
-    info.set_length(frames > 0 ? frames / sound.sampleRate() : sound.lengthInMilliseconds() / 1000.0);
+                      TagLib::APE::Properties, TagLib::WavPack::Properties, TagLib::TrueAudio::Properties>(properties);
+    if (const auto* mpeg = dynamic_cast<const TagLib::MPEG::Properties*>(&properties)) frames = sample_frames_of_mpeg(*mpeg);
+    return {.length = frames > 0 ? frames / properties.sampleRate() : properties.lengthInMilliseconds() / 1000.0,
+            .sample_rate = positive(properties.sampleRate()),
+            .channels = positive(properties.channels()),
+            .bitrate = positive(properties.bitrate()),
+            .codec = codec_of(kind, properties)};
 }
 
 }  // namespace ostrevan::tags

@@ -14,10 +14,7 @@ void add_tag_fields(const TagLib::Tag& tag, file_info& info);
 /// Fields of the first tag, and the statistics that only later tags hold.
 void add_fields(const opened_file& opened, file_info& info);
 
-/// Length, rate, channels, bit rate and the name of the coding.
-void add_sound(const opened_file& opened, file_info& info);
-
-/// All of it.
+/// Fields and sound.
 file_info info_of(const opened_file& opened);
 
 }  // namespace ostrevan::tags
