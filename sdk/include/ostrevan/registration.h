@@ -16,7 +16,7 @@ public:
     [[nodiscard]] service_base& service() const noexcept { return *service_; }
     [[nodiscard]] const service_registration* next() const noexcept { return next_; }
 
-    /// Start of this module's list, in no promised order.
+    /// Start of this module's list, in the order in which its static objects were made.
     static const service_registration* first() noexcept;
 
     service_registration(const service_registration&) = delete;
@@ -25,7 +25,7 @@ public:
 private:
     nuv::guid service_class_;
     service_base* service_;
-    const service_registration* next_;
+    const service_registration* next_ = nullptr;
 };
 
 /// Makes the one object of a service and registers it: a static object at namespace scope. `Implementation` derives from the
