@@ -69,8 +69,10 @@ class NothingLost(PlayerTest):
                 sidecar.unlink()
             newer = self.folder / "newer"
             newer.write_bytes(good)
-            with sqlite3.connect(newer) as database:
-                database.execute("PRAGMA user_version = 999")
+            database = sqlite3.connect(newer, isolation_level=None)
+            database.execute("PRAGMA journal_mode = DELETE")
+            database.execute("PRAGMA user_version = 999")
+            database.close()
             for content, reason in ((b"this is no database, and long enough to be looked at" * 9, "database"),
                                     (newer.read_bytes(), "newer")):
                 path.write_bytes(content)
