@@ -52,16 +52,18 @@ def check_tidy(build):
     names = [n for n in sources if os.path.realpath(os.path.join(ROOT, n)) in built]
     header = f"^{re.escape(ROOT)}/(sdk|quorvel|player)/"
     command = [tidy, "--quiet", "--use-color=0", "-p", build, f"--header-filter={header}"]
-    complaints, unread = {}, []
+    complaints, unread = [], []
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
         finish = pool.map(lambda n: subprocess.run(command + [n], cwd=ROOT, capture_output=True, text=True), names)
         for name, result in zip(names, finish):
             found = re.findall(r"^(\S+:\d+:\d+: (?:error|warning): .*\[([\w.,-]+)\])$", result.stdout, re.M)
-            complaints.update((text, None) for text, check in found if not check.startswith("clang-diagnostic-error"))
+            for text, check in found:
+                if not check.startswith("clang-diagnostic-error") and text not in complaints:
+                    complaints.append(text)
+                    print(text, flush=True)
             # This clang cannot parse some of the ranges in libstdc++. Such a file is named, and many of them are a failure.
             if result.returncode != 0 and not any(not check.startswith("clang-diagnostic-error") for _, check in found):
                 unread.append(name)
-    print("\n".join(complaints))
     print(f"{len(names)} files, {len(complaints)} complaints; not read to the end: {', '.join(unread) or 'none'}")
     sys.exit(1 if complaints or len(unread) * 4 >= len(names) else 0)
 
