@@ -74,6 +74,9 @@ def tags_of(*paths):
 
 def samples_of(path):
     """A digest of the decoded audio."""
+    if str(path).endswith(".ape"):
+        # Made by a script, of frames that no decoder accepts: what stands before the tag is compared instead.
+        return pathlib.Path(path).read_bytes().split(b"APETAGEX")[0]
     done = subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", str(path), "-map", "0:a", "-f", "md5", "-"],
                           capture_output=True, text=True, check=False)
     return done.stdout
