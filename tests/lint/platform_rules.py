@@ -7,7 +7,9 @@ from tracked import lines, report, tracked
 EXPORT_MACRO = "sdk/include/ostrevan/component.h"
 PLATFORM = "quorvel/platform/"
 PLATFORM_FILE = re.compile(r"_(win32|posix)\.(h|cpp)$")
-SYSTEM_MACRO = re.compile(r"\b(_WIN32|_WIN64|WIN32|__linux__|__unix__|__MINGW\w+__|_MSC_VER)\b")
+WINDOWS = re.compile(r"\b(_WIN32|_WIN64)\b")
+# A test may leave out what a system cannot do; the product may not.
+ANY_SYSTEM = re.compile(r"\b(_WIN32|_WIN64|WIN32|__linux__|__unix__|__MINGW\w+__|_MSC_VER)\b")
 
 
 def main():
@@ -18,8 +20,9 @@ def main():
             complaints.append(f"{name}: files of one system belong into {PLATFORM}")
         if name == EXPORT_MACRO:
             continue
+        macro = ANY_SYSTEM if name.startswith(("sdk/", "quorvel/", "player/")) else WINDOWS
         for number, line in lines(name):
-            if SYSTEM_MACRO.search(line):
+            if macro.search(line):
                 complaints.append(f"{name}:{number}: {line.strip()}: give {PLATFORM} a function for it")
     report(len(sources), complaints)
 
