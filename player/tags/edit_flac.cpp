@@ -1,33 +1,26 @@
 #include <algorithm>
 
 #include "player/tags/edit_tags.h"
+#include "player/tags/xiph_reader.h"
 
 namespace ostrevan::tags {
 namespace {
 
-constexpr std::size_t header_size = 4;
+constexpr std::size_t header_size = flac_block_header_size;
 constexpr std::size_t largest_block = (1u << 24) - 1;
 constexpr std::size_t room_to_grow = 1024;
-constexpr int padding_type = 1;
-constexpr int comment_type = 4;
 
 struct flac_block {
     int type;
     std::string body;
 };
 
-std::vector<flac_block> blocks_of(file_stream& stream, long start) {
+std::vector<flac_block> blocks_of(file_stream& stream) {
     std::vector<flac_block> blocks;
-    for (bool last = false; !last;) {
-        const std::string header = read_bytes(stream, start, header_size);
-        if (header.size() < header_size) throw edit_error("its metadata blocks are cut off");
-        const auto first = static_cast<unsigned char>(header[0]);
-        const auto size = big_endian(header, 1, 3);
-        blocks.push_back({first & 0x7F, read_bytes(stream, start + static_cast<long>(header_size), size)});
-        if (blocks.back().body.size() != size) throw edit_error("its metadata blocks are cut off");
-        last = (first & 0x80) != 0;
-        start += static_cast<long>(header_size + size);
-    }
+    for (const auto& place : flac_block_places(stream))
+        blocks.push_back(
+            {place.type, read_bytes(stream, place.at + flac_block_header_size, static_cast<std::uint64_t>(place.size))});
+    if (blocks.empty()) throw edit_error("its metadata blocks are cut off");
     return blocks;
 }
 
@@ -50,12 +43,12 @@ std::string put_together(const std::vector<flac_block>& blocks) {
 
 /// Lets padding take up the difference, so that the sound need not move.
 void fit(std::vector<flac_block>& blocks, std::size_t old_size) {
-    const auto padding = std::ranges::find(blocks, padding_type, &flac_block::type);
+    const auto padding = std::ranges::find(blocks, flac_padding_block, &flac_block::type);
     const std::size_t new_size = size_of(blocks);
     if (padding == blocks.end()) {
         if (new_size == old_size) return;
         const bool exact = new_size + header_size <= old_size;
-        blocks.push_back({padding_type, std::string(exact ? old_size - new_size - header_size : room_to_grow, '\0')});
+        blocks.push_back({flac_padding_block, std::string(exact ? old_size - new_size - header_size : room_to_grow, '\0')});
         return;
     }
     const std::size_t without = new_size - padding->body.size();
@@ -66,10 +59,10 @@ void fit(std::vector<flac_block>& blocks, std::size_t old_size) {
 
 void edit_flac_comment(file_stream& stream, const tag_changes& changes) {
     const long start = start_behind_id3v2(stream) + 4;
-    auto blocks = blocks_of(stream, start);
+    auto blocks = blocks_of(stream);
     const std::size_t old_size = size_of(blocks);
-    auto comment = std::ranges::find(blocks, comment_type, &flac_block::type);
-    if (comment == blocks.end()) comment = blocks.insert(blocks.begin() + 1, {comment_type, ""});
+    auto comment = std::ranges::find(blocks, flac_comment_block, &flac_block::type);
+    if (comment == blocks.end()) comment = blocks.insert(blocks.begin() + 1, {flac_comment_block, ""});
     comment->body = edit_xiph(comment->body, changes);
     fit(blocks, old_size);
     replace_bytes(stream, put_together(blocks), start, old_size);

@@ -9,6 +9,7 @@
 
 #include "player/tags/field_names.h"
 #include "player/tags/tag_fields.h"
+#include "player/tags/xiph_reader.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -21,12 +22,6 @@ const TagLib::Tag* source_of_fields(const opened_file& opened) {
         if (fields.meta_count() > 0) return tag;
     }
     return nullptr;
-}
-
-/// ID3v1 and WAV INFO hold a few fields, cut off at a fixed size: they are read, never written.
-bool is_limited(const TagLib::Tag* tag) {
-    return dynamic_cast<const TagLib::ID3v1::Tag*>(tag) != nullptr ||
-           dynamic_cast<const TagLib::RIFF::Info::Tag*>(tag) != nullptr;
 }
 
 bool is_ape(const TagLib::Tag* tag) { return dynamic_cast<const TagLib::APE::Tag*>(tag) != nullptr; }
@@ -71,7 +66,7 @@ void edit_tags(opened_file& opened, const file_info& before, const file_info& af
     require_values(before, after);
     const auto* source = source_of_fields(opened);
     // A new tag would hide the limited one from readers, so it takes over all fields.
-    const bool seeded = source == nullptr || is_limited(source);
+    const bool seeded = !holds_fields(opened.xiph_comment) && (source == nullptr || is_limited(source));
     file_info nothing;
     const auto changes = difference(seeded ? nothing : before, after, style_of(opened.kind));
     auto& stream = *opened.stream;

@@ -4,37 +4,12 @@
 
 #include "player/tags/edit_tags.h"
 #include "player/tags/field_names.h"
+#include "player/tags/xiph_comment.h"
 
 namespace ostrevan::tags {
 namespace {
 
-constexpr std::string_view vendor_of_new_comments = "ostrevan";
-
-/// A Vorbis comment taken apart: entries are "NAME=value", those without a "=" kept as they are.
-struct comment_parts {
-    std::string vendor{vendor_of_new_comments};
-    std::vector<std::string> entries;
-    /// What follows the entries: a framing bit, or bytes that Opus keeps there.
-    std::string rest;
-};
-
-comment_parts take_apart(const std::string& comment) {
-    std::size_t at = 0;
-    const auto next = [&](std::size_t size) {
-        if (size > comment.size() - at) throw edit_error("its comment header is damaged");
-        at += size;
-        return comment.substr(at - size, size);
-    };
-    comment_parts parts;
-    if (comment.empty()) return parts;
-    parts.vendor = next(little_endian(next(4), 0, 4));
-    for (auto count = little_endian(next(4), 0, 4); count > 0; --count)
-        parts.entries.push_back(next(little_endian(next(4), 0, 4)));
-    parts.rest = comment.substr(at);
-    return parts;
-}
-
-std::string put_together(const comment_parts& parts) {
+std::string put_together(const xiph_comment& parts) {
     std::string bytes = as_little_endian(parts.vendor.size(), 4) + parts.vendor + as_little_endian(parts.entries.size(), 4);
     for (const auto& entry : parts.entries) bytes += as_little_endian(entry.size(), 4) + entry;
     return bytes + parts.rest;
@@ -47,8 +22,24 @@ std::string name_of_entry(const std::string& entry) {
 
 }  // namespace
 
+xiph_comment take_apart_xiph(const std::string& comment) {
+    std::size_t at = 0;
+    const auto next = [&](std::size_t size) {
+        if (size > comment.size() - at) throw edit_error("its comment header is damaged");
+        at += size;
+        return comment.substr(at - size, size);
+    };
+    xiph_comment parts;
+    if (comment.empty()) return parts;
+    parts.vendor = next(little_endian(next(4), 0, 4));
+    for (auto count = little_endian(next(4), 0, 4); count > 0; --count)
+        parts.entries.push_back(next(little_endian(next(4), 0, 4)));
+    parts.rest = comment.substr(at);
+    return parts;
+}
+
 std::string edit_xiph(const std::string& comment, const tag_changes& changes) {
-    auto parts = take_apart(comment);
+    auto parts = take_apart_xiph(comment);
     for (const auto& change : changes) {
         std::vector<std::string> old_names;
         std::size_t place = parts.entries.size();

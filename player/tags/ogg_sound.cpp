@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 
 #include "player/tags/bytes.h"
 #include "player/tags/sound.h"
@@ -16,8 +17,13 @@ std::int64_t last_position(file_stream& stream, std::string_view serial) {
     // Pages are small as a rule, so a look at the end of the file finds one; the largest is tried before giving up.
     for (long size = std::min(window, end);; size = std::min(size * 4, std::min(2 * largest_page, end))) {
         const std::string tail = read_bytes(stream, end - size, static_cast<std::uint64_t>(size));
-        for (auto at = tail.rfind("OggS"); at != tail.npos; at = at == 0 ? tail.npos : tail.rfind("OggS", at - 1)) {
-            if (at + page_header_size > tail.size() || tail.compare(at + 14, 4, serial) != 0) continue;
+        const char* const begin = tail.data();
+        for (const void* found = begin + tail.size();
+             (found = memrchr(begin, 'O', static_cast<std::size_t>(static_cast<const char*>(found) - begin)));) {
+            const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
+            if (at + page_header_size > tail.size() || tail.compare(at, 4, "OggS") != 0 ||
+                tail.compare(at + 14, 4, serial) != 0)
+                continue;
             // A page on which no packet ends has no position.
             if (const auto position = static_cast<std::int64_t>(little_endian(tail, at + 6, 8)); position != -1)
                 return position;

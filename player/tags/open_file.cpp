@@ -22,6 +22,7 @@
 
 #include "player/tags/bytes.h"
 #include "player/tags/errors.h"
+#include "player/tags/xiph_reader.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -90,13 +91,23 @@ opened_file open_audio(const std::string& path, file_stream::access mode) {
     if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
     if (!kind) throw tag_error(path, "is not an audio file of a supported format");
     result.kind = *kind;
-    result.stream->seek(0, TagLib::IOStream::Beginning);
-    result.file = openers[static_cast<std::size_t>(*kind)](*result.stream);
+    const bool own_reader = *kind == container::flac || is_ogg(*kind);
+    if (own_reader) {
+        result.sound = *kind == container::flac ? sound_of_flac(*result.stream) : sound_of_ogg(*kind, *result.stream);
+        result.xiph_comment = read_xiph_comment(*kind, *result.stream);
+    }
+    // FLAC may have other tags, which count where the comment holds nothing or a second one statistics.
+    const bool other_tags =
+        *kind == container::flac && (start_behind_id3v2(*result.stream) > 0 || !holds_fields(result.xiph_comment));
+    if (!own_reader || other_tags || mode == file_stream::access::write) {
+        result.stream->seek(0, TagLib::IOStream::Beginning);
+        result.file = openers[static_cast<std::size_t>(*kind)](*result.stream);
+    }
     if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
-    if (result.file->isValid() && is_ogg(*kind)) result.sound = sound_of_ogg(*kind, *result.stream);
-    else if (const auto* properties = result.file->audioProperties(); result.file->isValid() && properties != nullptr)
-        result.sound = sound_of(*kind, *properties);
-    if (result.sound.sample_rate == 0)
+    if (!own_reader && result.file->isValid() && result.file->audioProperties() != nullptr)
+        result.sound = sound_of(*kind, *result.file->audioProperties());
+    const bool lacks_comment = is_ogg(*kind) && !result.xiph_comment;
+    if (result.sound.sample_rate == 0 || lacks_comment || (result.file && !result.file->isValid()))
         throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
                                   " sound was found in it");
     if (*kind == container::true_audio)

@@ -4,6 +4,7 @@
 #include <tfile.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "player/tags/file_stream.h"
@@ -16,8 +17,11 @@ namespace ostrevan::tags {
 struct opened_file {
     std::unique_ptr<file_stream> stream;
     container kind{};
+    /// Null where reading needs no library: Ogg, and FLAC with nothing but a Vorbis comment.
     std::unique_ptr<TagLib::File> file;
     ostrevan::tags::sound sound;
+    /// The Vorbis comment of FLAC and Ogg, as it stands in the file.
+    std::optional<std::string> xiph_comment;
     /// The APE tag at the end of a True Audio file, which the library does not look for there.
     std::unique_ptr<TagLib::Tag> ape_tag;
 };

@@ -14,9 +14,11 @@
 
 #include "player/tags/asf_fields.h"
 #include "player/tags/changes.h"
+#include "player/tags/edit_bytes.h"
 #include "player/tags/field_names.h"
 #include "player/tags/tag_entries.h"
 #include "player/tags/tag_fields.h"
+#include "player/tags/xiph_reader.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -29,10 +31,22 @@ std::vector<TagLib::Tag*> filled(std::initializer_list<TagLib::Tag*> tags) {
     return result;
 }
 
+void add_xiph_fields(const std::string& comment, file_info& info) try {
+    for (auto& [key, values] : entries_of_comment(comment)) add_entry(key, std::move(values), info);
+} catch (const edit_error&) {
+    // A file without readable fields still has its sound.
+}
+
 }  // namespace
+
+bool is_limited(const TagLib::Tag* tag) {
+    return dynamic_cast<const TagLib::ID3v1::Tag*>(tag) != nullptr ||
+           dynamic_cast<const TagLib::RIFF::Info::Tag*>(tag) != nullptr;
+}
 
 std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
     auto* file = opened.file.get();
+    if (file == nullptr) return {};
     switch (opened.kind) {
         case container::mpeg: {
             auto& mpeg = dynamic_cast<TagLib::MPEG::File&>(*file);
@@ -69,7 +83,9 @@ void add_tag_fields(const TagLib::Tag& tag, file_info& info) {
 
 void add_fields(const opened_file& opened, file_info& info) {
     if (opened.kind == container::asf) return add_asf_fields(*opened.stream, info);
+    if (opened.xiph_comment) add_xiph_fields(*opened.xiph_comment, info);
     for (const auto* tag : tags_by_precedence(opened)) {
+        if (info.meta_count() > 0 && is_limited(tag)) continue;
         if (info.meta_count() == 0) {
             add_tag_fields(*tag, info);
             continue;

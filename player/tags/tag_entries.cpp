@@ -79,12 +79,6 @@ constexpr std::string_view renamed_user_texts[] = {"MUSICBRAINZ ", "ACOUSTID", "
 /// Frames that never are fields, and the largest.
 constexpr std::string_view no_fields[] = {"APIC", "PRIV", "POPM", "GEOB", "MCDI", "CHAP", "CTOC", "RVA2"};
 
-std::vector<std::string>& values_for(tag_entries& entries, std::string_view key) {
-    const auto found = std::ranges::find(entries, key, [](const auto& entry) { return std::string_view(entry.first); });
-    if (found != entries.end()) return found->second;
-    return entries.emplace_back(std::string(key), std::vector<std::string>()).second;
-}
-
 template <class List>
 void append(tag_entries& entries, std::string_view key, const List& texts) {
     auto& values = values_for(entries, key);
@@ -148,6 +142,12 @@ void append_items(tag_entries& entries, const TagLib::APE::Tag& tag) {
 }
 
 }  // namespace
+
+std::vector<std::string>& values_for(tag_entries& entries, std::string_view key) {
+    const auto found = std::ranges::find(entries, key, [](const auto& entry) { return std::string_view(entry.first); });
+    if (found != entries.end()) return found->second;
+    return entries.emplace_back(std::string(key), std::vector<std::string>()).second;
+}
 
 std::string to_utf8(const TagLib::String& text) {
     std::string result;

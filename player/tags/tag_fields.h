@@ -8,6 +8,9 @@ namespace ostrevan::tags {
 /// The tags of the file that hold anything, the one that wins first. docs/tag-storage.md has the table.
 std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened);
 
+/// ID3v1 and WAV INFO hold a few fields, cut off at a fixed size: they are read, never written.
+bool is_limited(const TagLib::Tag* tag);
+
 /// The fields of one tag under the player's names, added to what is in `info` already.
 void add_tag_fields(const TagLib::Tag& tag, file_info& info);
 

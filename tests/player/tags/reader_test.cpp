@@ -26,7 +26,7 @@ TEST_F(reader, finds_the_same_fields_and_the_sound_in_every_format) {
         {"flac.flac", "FLAC", 44100, 2, 2},
         {"vorbis.ogg", "Vorbis", 44100, 2, 2},
         {"opus.opus", "Opus", 48000, 2, 2},
-        {"speex.spx", "Speex", 32000, 1, 1.989},
+        {"speex.spx", "Speex", 32000, 1, 63651 / 32000.0},
         {"oggflac.oga", "FLAC", 44100, 2, 2},
         {"aac.m4a", "AAC", 44100, 2, 2.023},
         {"alac.m4a", "ALAC", 44100, 2, 2},
