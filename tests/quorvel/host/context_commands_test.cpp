@@ -139,6 +139,8 @@ TEST_F(context_commands, paste_is_gray_unless_statistics_have_been_copied) {
 TEST_F(context_commands, refuse_an_index_out_of_range) {
     auto* group = find("Reset statistics").first;
     std::string text;
+    EXPECT_TRUE(group->get_item_description(0, text));
+    EXPECT_EQ(text, "Resets playback statistics for one or more the selected items.") << "people know it by this wording";
     EXPECT_FALSE(group->get_item_description(3, text));
     EXPECT_DEATH((void)group->get_item_name(3), "Bug check");
     EXPECT_DEATH((void)group->get_item_guid(3), "Bug check");

@@ -121,6 +121,12 @@ TEST(file_tags, read_times_as_text_only_when_allowed) {
         quorvel::PCDB_read_tags(record, info, false);
         EXPECT_EQ(record.added, expected == 55 ? 55U : 0U);
     }
+    const auto all = make_info(
+        {{"last_played", "2024-03-05 07:08:11"}, {"first_played", "2024-03-05 07:08:10"}, {"added", text.c_str()}});
+    t_playback_stats record;
+    EXPECT_EQ(quorvel::PCDB_read_tags(record, all, true), 14U);
+    EXPECT_EQ(record,
+              (t_playback_stats{.first_played = time + 10'000'000, .last_played = time + 20'000'000, .added = time}));
 }
 
 }  // namespace
