@@ -108,21 +108,21 @@ void one_record_read(benchmark::State& state) {
     const array_floor floor;
     bench::ratio ratio(state, 8);
     for (auto _ : state) {
-        const double floor_time = bench::seconds_of([&] { floor.read(order); });
-        ratio.add(floor_time, bench::seconds_of([&] { read_store(store, keys); }));
+        const double floor_time = bench::processor_seconds_of([&] { floor.read(order); });
+        ratio.add(floor_time, bench::processor_seconds_of([&] { read_store(store, keys); }));
     }
     ratio.report();
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(million));
 }
 
-/// Mean time of a thread when both do the same at the same time.
+/// Mean processor time of a thread when both do the same at the same time.
 template <typename Work>
 double seconds_beside_each_other(Work work) {
     std::array<double, 2> times{};
     std::latch start(2);
     const auto run = [&](unsigned number) {
         start.arrive_and_wait();
-        times[number] = bench::seconds_of([&] { work(number); });
+        times[number] = bench::processor_seconds_of([&] { work(number); });
     };
     std::jthread other([&] { run(1); });
     run(0);
@@ -140,9 +140,9 @@ void one_record_read_from_two_threads(benchmark::State& state) {
     bench::ratio ratio(state, 1.3);
     double array_alone = 0, array_together = 0;
     for (auto _ : state) {
-        const double alone = bench::seconds_of([&] { read_store(store, keys[0]); });
+        const double alone = bench::processor_seconds_of([&] { read_store(store, keys[0]); });
         ratio.add(alone, seconds_beside_each_other([&](unsigned number) { read_store(store, keys[number]); }));
-        array_alone += bench::seconds_of([&] { floor.read(orders[0]); });
+        array_alone += bench::processor_seconds_of([&] { floor.read(orders[0]); });
         array_together += seconds_beside_each_other([&](unsigned number) { floor.read(orders[number]); });
     }
     ratio.report();

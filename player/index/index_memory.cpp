@@ -36,7 +36,7 @@ void index_memory::apply(std::int64_t index_id, const change_list& list) {
 void index_memory::add_loaded(std::int64_t index_id, const change_list& list) {
     record_table& records = index_of(index_id).records;
     in_pieces(list, [&](const change_list::change& change) -> std::size_t {
-        return records.find(change.key) ? 0 : records.put(change.key, *list.data(change));
+        return records.find(change.key).data() != nullptr ? 0 : records.put(change.key, *list.data(change));
     });
 }
 

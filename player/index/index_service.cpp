@@ -73,18 +73,22 @@ std::optional<std::uint64_t> index_service::key_of(const registration& index, co
     return index.client->key_of(info->info(), track.location());
 }
 
-std::size_t index_service::drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now) {
-    std::size_t dropped = 0;
+void index_service::mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now) {
     for (const auto& registered : registrations_) {
-        std::vector<std::uint64_t> present;
-        present.reserve(library.get_count());
-        for (const auto& track : library)
-            if (const auto key = key_of(registered, *track)) present.push_back(*key);
-        std::ranges::sort(present);
-        present.erase(std::ranges::unique(present).begin(), present.end());
-        store_.touch(registered.index, present, now);
-        dropped += store_.purge(registered.index, now);
+        std::vector<std::uint64_t> keys;
+        keys.reserve(tracks.get_count());
+        for (const auto& track : tracks)
+            if (const auto key = key_of(registered, *track)) keys.push_back(*key);
+        std::ranges::sort(keys);
+        keys.erase(std::ranges::unique(keys).begin(), keys.end());
+        store_.touch(registered.index, keys, now);
     }
+}
+
+std::size_t index_service::drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now) {
+    mark_seen(library, now);
+    std::size_t dropped = 0;
+    for (const auto& registered : registrations_) dropped += store_.purge(registered.index, now);
     return dropped;
 }
 

@@ -47,6 +47,9 @@ public:
     /// Key of a track in one index; none while nothing is known of the track.
     [[nodiscard]] static std::optional<std::uint64_t> key_of(const registration& index, const metadb_handle& track);
 
+    /// The time for which the records of these tracks are kept begins anew. [main-thread]
+    void mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now);
+
     /// Marks what the library holds as present, then drops the records whose tracks have been gone for longer than their
     /// index keeps them. Answers how many. [main-thread]
     std::size_t drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now);

@@ -95,7 +95,7 @@ index_store::~index_store() = default;
 
 std::size_t index_store::read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const {
     const auto known = state_->memory.read(index, key, buffer, capacity);
-    return known.certain ? known.size : state_->reader.read(known.index_id, key, buffer, capacity);
+    return known.ask_index == 0 ? known.size : state_->reader.read(known.ask_index, key, buffer, capacity);
 }
 
 std::vector<std::uint64_t> index_store::keys(const nuv::guid& index) const {

@@ -1,26 +1,27 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <unordered_map>
 #include <vector>
 
 namespace ostrevan::indexing {
 
-/// Records of one index in memory. Blobs of the usual size lie inside the table, so that finding one costs one cache miss;
-/// others, and the one under key 0 (which marks a free slot), are kept apart. 256 shards grow on their own, so that no
+/// Records of one index in memory. Blobs of the usual size lie inside the table, those of other sizes are kept apart. A byte
+/// per slot, dense enough to stay in the processor's cache, tells where to look, so that finding a record costs one cache
+/// miss, and the processor can begin the next search before it is over. 256 shards grow on their own, so that no
 /// single insertion moves more than a 256th of the records. Not synchronised.
 class record_table {
 public:
     static constexpr std::size_t inline_size = 40;
     using bytes = std::span<const std::byte>;
 
-    /// Valid until the next change.
-    [[nodiscard]] std::optional<bytes> find(std::uint64_t key) const noexcept;
+    /// Without data() when there is none; valid until the next change.
+    [[nodiscard]] bytes find(std::uint64_t key) const noexcept;
 
     /// Inserts or replaces. Answers how many other records had to be moved, which is what it costs beyond a few cache
     /// misses.
@@ -36,9 +37,11 @@ private:
         std::uint64_t key;
         std::array<std::byte, inline_size> data;
     };
+    /// With a byte in front, so that an empty record has an address.
     using odd_records = std::unordered_map<std::uint64_t, std::vector<std::byte>>;
     struct shard {
         std::unique_ptr<slot[]> slots;
+        std::unique_ptr<std::uint8_t[]> tags;  // bits of the key's hash, 0 for a free slot
         std::uint32_t capacity = 0;
         std::uint32_t used = 0;
         std::unique_ptr<odd_records> odd;
@@ -51,7 +54,12 @@ private:
             return position + 1 == capacity ? 0 : position + 1;
         }
         /// The slot of the key, or the free slot where it belongs. Needs a free slot.
-        [[nodiscard]] slot& locate(std::uint64_t key) const noexcept;
+        [[nodiscard]] std::uint32_t locate(std::uint64_t key, std::uint64_t hash) const noexcept {
+            const std::uint8_t tag = tag_of(hash);
+            std::uint32_t position = home(hash);
+            while (tags[position] != 0 && (tags[position] != tag || slots[position].key != key)) position = after(position);
+            return position;
+        }
         void grow();
         void erase_inline(std::uint64_t key) noexcept;
     };
@@ -59,25 +67,22 @@ private:
     /// Spreads keys that are no hashes, such as numbers counted up.
     static std::uint64_t hash_of(std::uint64_t key) noexcept { return (key ^ key >> 32) * 0x9E3779B97F4A7C15ULL; }
     static std::size_t shard_of(std::uint64_t hash) noexcept { return hash >> 56; }
+    static std::uint8_t tag_of(std::uint64_t hash) noexcept {
+        return std::max(static_cast<std::uint8_t>(hash >> 16), std::uint8_t{1});
+    }
 
     std::array<shard, 256> shards_;
 };
 
-inline record_table::slot& record_table::shard::locate(std::uint64_t key) const noexcept {
-    std::uint32_t position = home(hash_of(key));
-    while (slots[position].key != key && slots[position].key != 0) position = after(position);
-    return slots[position];
-}
-
-inline std::optional<record_table::bytes> record_table::find(std::uint64_t key) const noexcept {
-    const shard& in = shards_[shard_of(hash_of(key))];
-    if (in.capacity != 0 && key != 0) {
-        const slot& found = in.locate(key);
-        if (found.key == key) return bytes(found.data);
-    }
+inline record_table::bytes record_table::find(std::uint64_t key) const noexcept {
+    const std::uint64_t hash = hash_of(key);
+    const shard& in = shards_[shard_of(hash)];
+    if (in.capacity != 0)
+        if (const std::uint32_t position = in.locate(key, hash); in.tags[position] != 0) return in.slots[position].data;
     if (in.odd != nullptr)
-        if (const auto found = in.odd->find(key); found != in.odd->end()) return bytes(found->second);
-    return std::nullopt;
+        if (const auto found = in.odd->find(key); found != in.odd->end())
+            return {found->second.data() + 1, found->second.size() - 1};
+    return {};
 }
 
 }  // namespace ostrevan::indexing

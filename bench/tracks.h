@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "ostrevan/track.h"
+
+namespace bench {
+
+constexpr std::size_t million = 1'000'000;
+
+/// Handles of the player with the tags of a usual library: albums of twelve, some with characters beyond ASCII. Other tracks
+/// for every `series`.
+std::vector<ostrevan::metadb_handle_ptr> make_tracks(std::size_t count, unsigned series);
+
+/// 0 to `count` - 1, shuffled.
+std::vector<std::size_t> random_order(std::size_t count, unsigned seed);
+
+/// A time of some second in the twenty years before 2025, 100 ns since 1601.
+std::uint64_t random_time(std::uint64_t random) noexcept;
+
+/// The profile of a player whose index holds a million records, those of a library of a tenth of that among them.
+struct million_records {
+    std::filesystem::path profile;
+    std::vector<ostrevan::metadb_handle_ptr> tracks;
+    std::vector<std::uint64_t> keys;  ///< of all records, those of the tracks first
+};
+/// Made once. No player may live meanwhile.
+const million_records& records_of_a_million();
+
+/// The same in memory and nothing else: what a read cannot be faster than.
+class record_array {
+public:
+    record_array() : slots_(million) {}
+    void read(std::size_t number, void* out) const noexcept;
+
+private:
+    struct slot {
+        std::uint64_t words[6];
+    };
+    std::vector<slot> slots_;
+};
+
+}  // namespace bench
