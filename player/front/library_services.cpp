@@ -1,6 +1,7 @@
 #include "player/front/library_services.h"
 
 #include <algorithm>
+#include <ctime>
 #include <span>
 
 #include "ostrevan/tag_edit.h"
@@ -35,6 +36,7 @@ void library_events::on_library_changed(const library::library_changes& changes)
     const auto added = handles_of(changes.added);
     const auto removed = handles_of(changes.removed);
     const auto modified = handles_of(changes.modified);
+    index_.mark_seen(removed, std::time(nullptr));
     services_.for_each<library_callback>([&](library_callback& callback) {
         if (!added.empty()) callback.on_items_added(added);
         if (!removed.empty()) callback.on_items_removed(removed);

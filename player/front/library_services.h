@@ -10,6 +10,7 @@
 #include "player/core/main_loop.h"
 #include "player/core/service_registry.h"
 #include "player/front/front_end.h"
+#include "player/index/index_service.h"
 #include "player/library/media_library.h"
 
 namespace ostrevan::front {
@@ -25,14 +26,16 @@ private:
     const library::media_library& library_;
 };
 
-/// Passes changes of the library on to the components, and what other programs did to tags as an edit.
+/// Passes changes of the library on to the components, and what other programs did to tags as an edit. Records of tracks
+/// that leave are kept for their whole time from then on, however long ago the library was last gone through.
 class library_events final : public library::library_observer {
 public:
-    explicit library_events(const service_registry& services) : services_(services) {}
+    library_events(const service_registry& services, index_service& index) : services_(services), index_(index) {}
     void on_library_changed(const library::library_changes& changes) override;
 
 private:
     const service_registry& services_;
+    index_service& index_;
 };
 
 /// The file-info reload service: files are read in portions between which the main loop serves others.

@@ -69,7 +69,7 @@ struct session::parts {
                         [this](const std::string& message) { loop.post([this, message] { report(message); }); }};
     service_uncounted_t<index_service> index{records, index_service::redraw{}};
 
-    library_events events{services};
+    library_events events{services, index};
     library::track_table tracks;
     library::media_library library{file("library.sqlite"), tracks, tags::read_file, events};
     service_uncounted_t<library_manager_impl> library_service{library};

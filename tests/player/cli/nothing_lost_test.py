@@ -48,6 +48,23 @@ class NothingLost(PlayerTest):
         self.run_player("library", "rescan")
         self.assertEqual(self.tracks(), before)
 
+    def test_records_of_a_track_that_left_are_kept_for_their_time_from_then_on(self):
+        self.play(self.first)
+        key = self.track(self.first)["key"]
+
+        def rescan_long_after():
+            database = sqlite3.connect(self.profile / "index.sqlite")
+            with database:
+                database.execute("UPDATE records SET last_seen = 0")
+            database.close()
+            self.run_player("library", "rescan")
+            return key in self.run_player("index", "dump").stdout
+
+        self.assertTrue(rescan_long_after())
+        self.first.unlink()
+        self.assertTrue(rescan_long_after(), "the rescan that finds it gone")
+        self.assertFalse(rescan_long_after())
+
     def test_players_at_the_same_time_take_turns_or_say_who_holds_the_profile(self):
         players = [self.start("play", "--audio", "null", "--fast", self.first) for _ in range(6)]
         done = 0
