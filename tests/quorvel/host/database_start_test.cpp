@@ -3,6 +3,7 @@
 #include "ostrevan/library.h"
 #include "ostrevan/tag_edit.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/key_change.h"
 #include "quorvel/store/pcdb.h"
 #include "tests/support/memory_player.h"
 
@@ -139,4 +140,12 @@ TEST(tag_edit, takes_the_statistics_along) {
     retagged.meta_set("comment", "new");
     edit(after, retagged, &after);
     EXPECT_EQ(player.threads.started, started) << "the key has stayed";
+
+    const nuv::list_t<ostrevan::tag_edit> known_as_in_file{{track, &before, &after, &before}};
+    EXPECT_EQ(key_changes(known_as_in_file), (std::vector<key_change>{{at(before), at(after)}})) << "merged once";
+    const auto last = support::make_info({{"artist", "a"}, {"title", "last"}});
+    player.shutting_down = true;
+    edit(before, last, nullptr);
+    EXPECT_EQ(PCDB::GetByKey(at(last)).play_count, 3U);
+    EXPECT_TRUE(player.index.refreshes.empty()) << "nothing is shown any more";
 }

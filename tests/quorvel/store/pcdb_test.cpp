@@ -246,6 +246,10 @@ TEST_F(pcdb_death, refuses_other_threads_than_the_main_thread) {
         [&] { PCDB::Reset(track_list{track}); },
         [&] { PCDB::OnAdded(track_list{track}); },
         [&] { PCDB::MergeBatch({}, MergeType::MergeSum); },
+        [&] { PCDB::Update(key, [](t_playback_stats&) {}); },
+        [&] { PCDB::SetRating(track_list{track}, 63); },
+        [&] { PCDB::AdjustRating(track_list{track}, 1); },
+        [&] { PCDB::ImportFromTags(track_list{track}); },
     };
     for (const auto& operation : operations) EXPECT_DEATH(std::thread(operation).join(), "^core_api::ensure_main_thread");
 }

@@ -1,0 +1,36 @@
+#include "quorvel/common/settings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tests/support/memory_player.h"
+
+TEST(settings, are_kept_under_the_identifiers_that_players_have_stored) {
+    support::memory_player player;
+    std::vector<std::string> ids;
+    for (std::size_t i = 0; i < player.component().config_variable_count(); ++i)
+        ids.push_back(nuv::guid_text(player.component().config_variable_at(i).id()));
+    for (const char* id : {"9035A43F-E915-4EEC-8DF9-7920D4D2FF19", "BE5DDEBA-0A25-4AAB-B60F-B597991C582C"})
+        EXPECT_EQ(std::ranges::count(ids, id), 1) << id;
+}
+
+TEST(settings, are_read_once_and_written_through) {
+    support::memory_player player;
+    static ostrevan::cfg_bool stored_off{nuv::guid_of("{6F3B1B1E-8F0B-4C8B-9C2D-0C7C3B8E5A01}"), true};
+    static ostrevan::cfg_bool never_stored{nuv::guid_of("{6F3B1B1E-8F0B-4C8B-9C2D-0C7C3B8E5A02}"), true};
+    auto& store = player.configuration.values;
+    store[stored_off.id()] = false;
+    EXPECT_FALSE(stored_off.get());
+    EXPECT_TRUE(never_stored.get());
+    store[stored_off.id()] = true;
+    stored_off.load();
+    EXPECT_FALSE(stored_off.get()) << "the first read counts";
+    stored_off.save();
+    EXPECT_FALSE(store.at(stored_off.id()));
+    never_stored.set(false);
+    EXPECT_FALSE(never_stored.get());
+    EXPECT_FALSE(store.at(never_stored.id()));
+}
