@@ -124,7 +124,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     copy.take_content(original.stream->file(), about);
     done(rewrite_step::copied);
     if (!copy.take_attributes(original.stream->file(), about))
-        result.notes.push_back("its owner could not be kept; the file belongs to you now");
+        result.notes.push_back("its owner or group could not be kept; the file belongs to you now");
     done(rewrite_step::attributes_set);
     edit_copy(copy.path(), before, after, options);
     done(rewrite_step::edited);
@@ -152,7 +152,8 @@ rewrite_result rewrite_file(const std::string& path, const field_edit& edit, con
     return rewrite_resolved(resolved(path), edit, options);
 } catch (const tag_error& error) {
     // The user knows the file by the name given, not by that of the copy or of what a link leads to.
-    throw tag_error(path, error.reason() + " (the file is unchanged)");
+    const bool exists = access(path.c_str(), F_OK) == 0;
+    throw tag_error(path, error.reason() + (exists ? " (the file is unchanged)" : ""));
 }
 
 }  // namespace ostrevan::tags
