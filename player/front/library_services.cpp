@@ -14,6 +14,28 @@ metadb_handle_list handles_of(const std::vector<library::track_ptr>& tracks) {
     return metadb_handle_list(std::vector<metadb_handle_ptr>(tracks.begin(), tracks.end()));
 }
 
+void tell_of_edits(const service_registry& services, const std::vector<library::track_edit>& seen) {
+    if (seen.empty()) return;
+    std::vector<tag_edit> edits;
+    for (const auto& [track, before, after] : seen)
+        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr});
+    services.for_each<tag_edit_callback>(
+        [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
+}
+
+/// What other programs did to the tags shows here first: the next scan finds the tracks as they are now.
+std::vector<library::track_edit> edits_between(std::span<const library::track_ptr> tracks,
+                                               const std::vector<metadb_info_ptr>& before) {
+    std::vector<library::track_edit> edits;
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+        auto after = tracks[i]->info();
+        if (before[i] && after && !(before[i]->info() == after->info()) &&
+            library::is_same_sound(before[i]->info(), after->info()))
+            edits.push_back({tracks[i], before[i], std::move(after)});
+    }
+    return edits;
+}
+
 }  // namespace
 
 std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles) {
@@ -26,13 +48,7 @@ std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_
 void library_manager_impl::get_all_items(metadb_handle_list& out) const { out = handles_of(library_.items()); }
 
 void library_events::on_library_changed(const library::library_changes& changes) {
-    if (!changes.edited.empty()) {
-        std::vector<tag_edit> edits;
-        for (const auto& [track, before, after] : changes.edited)
-            edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr});
-        services_.for_each<tag_edit_callback>(
-            [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
-    }
+    tell_of_edits(services_, changes.edited);
     const auto added = handles_of(changes.added);
     const auto removed = handles_of(changes.removed);
     const auto modified = handles_of(changes.modified);
@@ -68,7 +84,10 @@ void info_reloads::step(const std::shared_ptr<job>& work) {
 
     const auto rest = std::span(work->tracks).subspan(work->done);
     const auto now = rest.first(std::min(portion, rest.size()));
+    std::vector<metadb_info_ptr> before;
+    for (const auto& track : now) before.push_back(track->info());
     auto problems = library_.refresh_tracks(now, work->mode);
+    tell_of_edits(services_, edits_between(now, before));
     work->problems.insert(work->problems.end(), problems.begin(), problems.end());
     work->done += now.size();
     ui_.show_progress("files read", work->done, work->tracks.size());
@@ -78,11 +97,17 @@ void info_reloads::step(const std::shared_ptr<job>& work) {
 void info_reloads::finish(const job& done) {
     ui_.end_progress();
     for (const auto& [path, reason] : done.problems) ui_.print_line(path + ": " + reason);
-    if (!done.problems.empty()) ui_.note_failure();
+    if (!done.problems.empty()) {
+        ui_.note_failure();
+        ui_.print_line(std::to_string(done.problems.size()) + " of " + std::to_string(done.tracks.size()) +
+                       " tracks could not be read, so the command ended there; leave those out and run it again.");
+    }
+    const bool aborted = done.done < done.tracks.size();
+    if (aborted) ui_.print_line("Interrupted: the tags of some tracks were not read, and the command ended there.");
     if (!done.notify) return;
-    done.notify->on_completion(done.done < done.tracks.size() ? completion_notify::status_aborted
-                               : done.problems.empty()        ? completion_notify::status_success
-                                                              : completion_notify::status_failed);
+    done.notify->on_completion(aborted                 ? completion_notify::status_aborted
+                               : done.problems.empty() ? completion_notify::status_success
+                                                       : completion_notify::status_failed);
 }
 
 }  // namespace ostrevan::front

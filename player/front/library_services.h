@@ -38,11 +38,13 @@ private:
     index_service& index_;
 };
 
-/// The file-info reload service: files are read in portions between which the main loop serves others.
+/// The file-info reload service: files are read in portions between which the main loop serves others. Components are told
+/// of tags that another program has edited.
 class info_reloads : public info_reload_service {
 public:
-    info_reloads(main_loop& loop, front_end& ui, library::media_library& library, library::track_table& tracks)
-        : loop_(loop), ui_(ui), library_(library), tracks_(tracks) {}
+    info_reloads(main_loop& loop, front_end& ui, const service_registry& services, library::media_library& library,
+                 library::track_table& tracks)
+        : loop_(loop), ui_(ui), services_(services), library_(library), tracks_(tracks) {}
 
     void reload_async(metadb_handle_list_cref tracks, unsigned mode, void* parent_window, unsigned options,
                       completion_notify_ptr notify) override;
@@ -54,6 +56,7 @@ private:
 
     main_loop& loop_;
     front_end& ui_;
+    const service_registry& services_;
     library::media_library& library_;
     library::track_table& tracks_;
 };

@@ -84,7 +84,7 @@ struct session::parts {
     service_uncounted_t<beep_service_impl> beep{ui};
     service_uncounted_t<clipboard_file> clipboard;
     service_uncounted_t<tag_updates> tag_update{loop, ui, [this](const auto& files) { publish_rewritten(files); }};
-    service_uncounted_t<info_reloads> reload{loop, ui, library, tracks};
+    service_uncounted_t<info_reloads> reload{loop, ui, services, library, tracks};
 
     std::vector<loaded_component> components;
 };

@@ -63,7 +63,7 @@ void tag_updates::rewrite(batch& work, const metadb_handle_ptr& track) const {
             before = info;
             return work.filter->apply_filter(track, info);
         });
-        work.notes.insert(work.notes.end(), result.notes.begin(), result.notes.end());
+        for (const auto& note : result.notes) work.notes.push_back(path + ": " + note);
         if (result.outcome == tags::rewrite_outcome::rewritten)
             work.rewritten.push_back({track, std::move(before), std::move(result.info)});
     } catch (const std::exception& error) {

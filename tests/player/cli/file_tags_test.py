@@ -127,8 +127,31 @@ class FileTags(PlayerTest):
         os.chmod(path, 0o644)
         hard_link = self.folder / "link.flac"
         os.link(path, hard_link)
-        self.assertIn("link", self.context(WRITE, path).stderr)
+        self.assertIn(f"{path}: it had other names (hard links)", self.context(WRITE, path).stderr)
         self.assertEqual(hard_link.read_bytes(), content)
+
+    def test_an_import_that_cannot_read_a_file_takes_over_nothing_and_says_so(self):
+        path, gone = [p for p in self.paths() if samples_of(p)][:2]
+        self.play(path)
+        self.context(WRITE, path)
+        self.context(RESET, path)
+        os.remove(gone)
+        failed = self.context(IMPORT, path, gone, status=1).stderr
+        self.assertIn(gone, failed)
+        self.assertIn("1 of 2 tracks could not be read", failed)
+        self.assertIsNone(self.track(path)["play_count"])
+
+    def test_an_import_notices_a_retag_and_the_statistics_follow(self):
+        path = next(p for p in self.paths() if p.endswith(".flac"))
+        self.play(path)
+        key = self.track(path)["key"]
+        retagged = self.folder / "retagged.flac"
+        subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", path, "-c", "copy", "-metadata", "title=Elsewhere",
+                        str(retagged)], check=True)
+        shutil.move(retagged, path)
+        self.context(IMPORT, path)
+        self.assertNotEqual(self.track(path)["key"], key)
+        self.assertEqual(self.play_count(path), 1)
 
     def test_a_symbolic_link_stays_one(self):
         path = next(p for p in self.paths() if p.endswith(".flac"))
