@@ -21,6 +21,15 @@ void print_menu(const std::vector<front::menu_entry>& level, std::size_t depth) 
     }
 }
 
+/// A path that leads nowhere is the user's mistake; what a command throws is not.
+const front::menu_entry& command_in(const std::vector<front::menu_entry>& menu, const std::string& path) {
+    try {
+        return front::find_command(menu, path);
+    } catch (const std::invalid_argument& error) {
+        throw usage_error(error.what());
+    }
+}
+
 }  // namespace
 
 void run(run_context& context, const context_menu& arguments) {
@@ -36,13 +45,9 @@ void run(run_context& context, const context_menu& arguments) {
         return;
     }
     const auto menu = front::context_menu_for(services, tracks);
-    try {
-        const auto& entry = front::find_command(menu, *arguments.command);
-        if (!entry.enabled()) throw std::runtime_error("\"" + entry.text + "\" is greyed for these tracks.");
-        entry.run();
-    } catch (const std::invalid_argument& error) {
-        throw usage_error(error.what());
-    }
+    const auto& entry = command_in(menu, *arguments.command);
+    if (!entry.enabled()) throw std::runtime_error("\"" + entry.text + "\" is greyed for these tracks.");
+    entry.run();
 }
 
 }  // namespace ostrevan::cli

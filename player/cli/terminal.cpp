@@ -1,11 +1,14 @@
 #include "player/cli/terminal.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <iostream>
+
+#include "player/front/interrupt.h"
 
 namespace ostrevan::cli {
 namespace {
@@ -38,6 +41,15 @@ const buttons& buttons_of(unsigned style) {
     for (const auto& entry : button_table)
         if (entry.style == (style & button_mask)) return entry;
     return button_table[0];
+}
+
+/// False when the user interrupts first. A signal that comes while a line is being read would go unnoticed.
+bool wait_for_input() {
+    constexpr int look_again_ms = 100;
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    while (!front::interrupted())
+        if (::poll(&input, 1, look_again_ms) > 0) return true;
+    return false;
 }
 
 }  // namespace
@@ -79,6 +91,10 @@ std::optional<bool> terminal::ask_on_terminal(const std::string& prompt) {
         std::fputs(prompt.c_str(), stderr);
         std::fflush(stderr);
         std::string line;
+        if (!wait_for_input()) {
+            std::fputc('\n', stderr);
+            return false;
+        }
         if (!std::getline(std::cin, line)) return std::nullopt;
         if (line.empty()) continue;
         switch (line.front()) {
