@@ -15,7 +15,7 @@ void key_of_a_track(benchmark::State& state) {
     const auto tracks = bench::make_tracks(1000, 1);
     const auto ready = bench::key_bytes_of(tracks);
     bench::bare_digest digest;
-    bench::ratio ratio(state, 1.5);
+    bench::ratio ratio(state, 1.5, bench::typical::least);
     for (auto _ : state) {
         const double floor_time = bench::seconds_of([&] {
             for (const auto& bytes : ready) benchmark::DoNotOptimize(digest.of(bytes));

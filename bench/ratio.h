@@ -29,11 +29,18 @@ double processor_seconds_of(Work&& work) {
     return now() - start;
 }
 
+/// Which of the times of all rounds stands for them.
+enum class typical {
+    median,  ///< where the disk takes part, whose times vary by themselves
+    least,   ///< where only the processor works: what other programs take of it is left out, if rounds are short
+};
+
 /// Times a floor and what is compared with it, one after the other, so that both meet the same machine; the counter `ratio`
-/// is the quotient of their medians, `goal` what it should not exceed. To be finished with `report`.
+/// is the quotient of their typical times, `goal` what it should not exceed. To be finished with `report`.
 class ratio {
 public:
-    ratio(benchmark::State& state, double goal) : state_(state), goal_(goal) {}
+    ratio(benchmark::State& state, double goal, typical which = typical::median)
+        : state_(state), goal_(goal), which_(which) {}
 
     void add(double floor_seconds, double seconds) {
         floor_.push_back(floor_seconds);
@@ -46,10 +53,11 @@ public:
         state_.counters["goal"] = goal_;
     }
 
-    [[nodiscard]] double value() { return median(measured_) / median(floor_); }
+    [[nodiscard]] double value() { return typical_of(measured_) / typical_of(floor_); }
 
 private:
-    static double median(std::vector<double>& values) {
+    double typical_of(std::vector<double>& values) const {
+        if (which_ == typical::least) return *std::ranges::min_element(values);
         const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
         std::ranges::nth_element(values, middle);
         return *middle;
@@ -57,6 +65,7 @@ private:
 
     benchmark::State& state_;
     double goal_;
+    typical which_;
     std::vector<double> floor_;
     std::vector<double> measured_;
 };

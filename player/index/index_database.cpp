@@ -72,7 +72,11 @@ std::vector<row> final_rows(std::span<const index_job> jobs) {
 }  // namespace
 
 index_database::index_database(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout)
-    : database_(path.string(), index_format) {
+    : database_(path.string(), index_format),
+      put_(database_.prepare(
+          "INSERT INTO records (index_id, key, last_seen, data) VALUES (?, ?, ?, ?) "
+          "ON CONFLICT (index_id, key) DO UPDATE SET last_seen = excluded.last_seen, data = excluded.data")),
+      erase_(database_.prepare("DELETE FROM records WHERE index_id = ? AND key = ?")) {
     prepare_connection(database_, busy_timeout);
     // SQLite opens a write-protected file for reading only, without a word.
     if (sqlite3_db_readonly(database_.handle(), "main") == 1) database_.fail(SQLITE_READONLY);
@@ -133,14 +137,10 @@ void index_database::save_entry(const catalog_entry& entry) {
 }
 
 void index_database::save_records(std::span<const index_job> jobs) {
-    auto put = database_.prepare(
-        "INSERT INTO records (index_id, key, last_seen, data) VALUES (?, ?, ?, ?) "
-        "ON CONFLICT (index_id, key) DO UPDATE SET last_seen = excluded.last_seen, data = excluded.data");
-    auto erase = database_.prepare("DELETE FROM records WHERE index_id = ? AND key = ?");
     for (const row& each : final_rows(jobs)) {
         if (const auto data = each.changes->list.data(*each.change))
-            put.bind(1, each.index_id).bind(2, each.key).bind(3, each.changes->seen).bind(4, *data).run();
-        else erase.bind(1, each.index_id).bind(2, each.key).run();
+            put_.bind(1, each.index_id).bind(2, each.key).bind(3, each.changes->seen).bind(4, *data).run();
+        else erase_.bind(1, each.index_id).bind(2, each.key).run();
     }
 }
 

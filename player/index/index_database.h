@@ -36,6 +36,8 @@ private:
     void mark_seen(const seen_keys& seen);
 
     sqlite::database database_;
+    sqlite::statement put_;
+    sqlite::statement erase_;
 };
 
 /// The same file for everyone else. Throws sqlite::error. [any-thread]
