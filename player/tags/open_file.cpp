@@ -71,6 +71,37 @@ long find_ape_footer(TagLib::IOStream& stream) {
     return end - ape_footer_size;
 }
 
+namespace {
+
+void require_no_error(const file_stream& stream) {
+    if (stream.error() != 0) throw tag_error(stream.path(), "cannot be read: " + reason_of_errno(stream.error()));
+}
+
+bool is_read_here(container kind) { return kind == container::flac || is_ogg(kind); }
+
+void read_here(opened_file& opened) {
+    opened.xiph_comment = read_xiph_comment(opened.kind, *opened.stream);
+    if (opened.kind == container::flac) opened.sound = sound_of_flac(*opened.stream);
+    else if (opened.xiph_comment) opened.sound = sound_of_ogg(opened.kind, *opened.stream);
+}
+
+/// FLAC may have tags beside its comment, which count where that holds nothing, or for the statistics in them.
+bool has_other_tags(const opened_file& opened) {
+    return opened.kind == container::flac && (start_behind_id3v2(*opened.stream) > 0 || !holds_fields(opened.xiph_comment));
+}
+
+void open_with_library(opened_file& opened) {
+    opened.stream->seek(0, TagLib::IOStream::Beginning);
+    opened.file = openers[static_cast<std::size_t>(opened.kind)](*opened.stream);
+    const auto* properties = opened.file->isValid() ? opened.file->audioProperties() : nullptr;
+    if (!is_read_here(opened.kind) && properties != nullptr) opened.sound = sound_of(opened.kind, *properties);
+    if (opened.kind != container::true_audio) return;
+    if (const long footer = find_ape_footer(*opened.stream); footer >= 0)
+        opened.ape_tag = std::make_unique<TagLib::APE::Tag>(opened.file.get(), footer);
+}
+
+}  // namespace
+
 descriptor open_regular(const std::string& path, file_stream::access mode) {
     struct stat about {};
     if (stat(path.c_str(), &about) != 0) throw tag_error(path, "cannot be opened: " + reason_of_errno(errno));
@@ -88,31 +119,15 @@ opened_file open_audio(const std::string& path, file_stream::access mode) {
     opened_file result;
     result.stream = std::make_unique<file_stream>(path, open_regular(path, mode), mode);
     const auto kind = detect(*result.stream, path);
-    if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
+    require_no_error(*result.stream);
     if (!kind) throw tag_error(path, "is not an audio file of a supported format");
     result.kind = *kind;
-    const bool own_reader = *kind == container::flac || is_ogg(*kind);
-    if (own_reader) {
-        result.sound = *kind == container::flac ? sound_of_flac(*result.stream) : sound_of_ogg(*kind, *result.stream);
-        result.xiph_comment = read_xiph_comment(*kind, *result.stream);
-    }
-    // FLAC may have other tags, which count where the comment holds nothing or a second one statistics.
-    const bool other_tags =
-        *kind == container::flac && (start_behind_id3v2(*result.stream) > 0 || !holds_fields(result.xiph_comment));
-    if (!own_reader || other_tags || mode == file_stream::access::write) {
-        result.stream->seek(0, TagLib::IOStream::Beginning);
-        result.file = openers[static_cast<std::size_t>(*kind)](*result.stream);
-    }
-    if (result.stream->error() != 0) throw tag_error(path, "cannot be read: " + reason_of_errno(result.stream->error()));
-    if (!own_reader && result.file->isValid() && result.file->audioProperties() != nullptr)
-        result.sound = sound_of(*kind, *result.file->audioProperties());
-    const bool lacks_comment = is_ogg(*kind) && !result.xiph_comment;
-    if (result.sound.sample_rate == 0 || lacks_comment || (result.file && !result.file->isValid()))
+    if (is_read_here(*kind)) read_here(result);
+    if (!is_read_here(*kind) || mode == file_stream::access::write || has_other_tags(result)) open_with_library(result);
+    require_no_error(*result.stream);
+    if (result.sound.sample_rate == 0 || (result.file && !result.file->isValid()))
         throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
                                   " sound was found in it");
-    if (*kind == container::true_audio)
-        if (const long footer = find_ape_footer(*result.stream); footer >= 0)
-            result.ape_tag = std::make_unique<TagLib::APE::Tag>(result.file.get(), footer);
     return result;
 }
 
