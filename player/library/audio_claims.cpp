@@ -8,17 +8,17 @@
 namespace ostrevan::library {
 
 void audio_claims::settle(std::vector<scanned_file>& sheets) {
-    std::ranges::sort(sheets, {}, &scanned_file::path);
+    std::ranges::sort(sheets, {}, [](const scanned_file& each) -> const std::string& { return each.file.path; });
     for (auto& sheet : sheets) {
-        if (std::ranges::any_of(sheet.sources, [this](const source_file& source) { return contains(source.path); })) {
-            sheet.sources.clear();
+        if (std::ranges::any_of(sheet.file.sources, [this](const source_file& source) { return contains(source.path); })) {
+            sheet.file.sources.clear();
             sheet.tracks.clear();
         }
-        add(sheet.sources);
+        add(sheet.file.sources);
     }
 }
 
-bool is_unchanged_sheet(const library_file& known, const file_stamp& now) {
+bool is_unchanged(const library_file& known, const file_stamp& now) {
     // A sheet without tracks lost its audio to another one, which may be gone by now.
     if (known.tracks.empty() || !(known.stamp == now)) return false;
     return std::ranges::all_of(known.sources, [](const source_file& source) {

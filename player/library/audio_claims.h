@@ -28,7 +28,7 @@ private:
     std::unordered_set<std::string> paths_;
 };
 
-/// Whether neither the sheet nor its audio has changed.
-bool is_unchanged_sheet(const library_file& known, const file_stamp& now);
+/// Whether neither the file nor, for a sheet, its audio has changed.
+bool is_unchanged(const library_file& known, const file_stamp& now);
 
 }  // namespace ostrevan::library

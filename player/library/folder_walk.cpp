@@ -118,7 +118,8 @@ private:
         ~busy_mark() {
             lock_.lock();
             --owner_.busy_;
-            owner_.changed_.notify_all();
+            // This worker takes the next directory itself; the others are woken for more, or to end.
+            if (owner_.queue_.size() > 1 || owner_.busy_ == 0) owner_.changed_.notify_all();
         }
         busy_mark(const busy_mark&) = delete;
         busy_mark& operator=(const busy_mark&) = delete;

@@ -65,8 +65,8 @@ private:
 }  // namespace
 
 std::string encode_info(const file_info& info) {
-    std::string out;
-    out.reserve(512);
+    thread_local std::string out;  // so that the result is allocated once, in its size
+    out.clear();
     out += format_version;
     const auto length = std::bit_cast<std::uint64_t>(info.length());
     for (unsigned shift = 0; shift < 64; shift += 8) out += static_cast<char>(length >> shift);

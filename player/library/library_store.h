@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "player/library/file_stamp.h"
+#include "player/library/stored_file.h"
 #include "player/sqlite/database.h"
 
 namespace ostrevan::library {
@@ -16,20 +16,6 @@ namespace ostrevan::library {
 struct library_folder {
     std::int64_t id = 0;
     std::string path;
-};
-
-/// A file with what was seen of it when its tracks were read.
-struct stored_file {
-    std::int64_t id = 0;  // 0 while it is not in the database
-    std::int64_t folder = 0;
-    std::string path;
-    file_stamp stamp;
-    std::vector<source_file> sources;  // for a CUE sheet: the audio it refers to
-};
-
-struct stored_track {
-    std::uint32_t subsong = 0;
-    std::string encoded;  // by encode_info
 };
 
 /// The database of the library, `library.sqlite`. Paths are kept as bytes, because file names need not be UTF-8. Used by one

@@ -5,21 +5,16 @@
 #include <tuple>
 #include <utility>
 
+#include "player/library/audio_claims.h"
 #include "player/library/directory.h"
+#include "player/library/info_codec.h"
 #include "player/library/read_files.h"
 #include "player/library/scanner.h"
 
 namespace ostrevan::library {
 namespace {
 
-std::vector<stored_track> to_stored(std::vector<scanned_track>& tracks) {
-    std::vector<stored_track> result;
-    result.reserve(tracks.size());
-    for (auto& track : tracks) result.push_back({track.subsong, std::move(track.encoded)});
-    return result;
-}
-
-bool is_same_track(const track_ptr& handle, const scanned_track& scanned) noexcept {
+bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcept {
     return handle->location().subsong == scanned.subsong;
 }
 
@@ -131,48 +126,51 @@ scan_summary media_library::scan(std::span<const library_folder> folders, const 
 }
 
 std::size_t media_library::save(std::vector<scanned_file>&& files, library_changes& changes) {
-    std::vector<std::int64_t> ids;
-    ids.reserve(files.size());
     sqlite::transaction saving(store_.database());
-    for (auto& file : files) {
+    for (auto& [file, tracks, seen] : files) {
         const auto known = files_.find(file.path);
-        const std::int64_t id = known != files_.end() ? known->second.id : 0;
-        ids.push_back(store_.put_file({id, file.folder, file.path, file.stamp, file.sources}, to_stored(file.tracks)));
+        if (known != files_.end()) file.id = known->second.id;
+        file.id = store_.put_file(file, tracks);
     }
     saving.commit();
     std::size_t unchanged = 0;
-    for (std::size_t i = 0; i < files.size(); ++i) unchanged += apply(std::move(files[i]), ids[i], changes);
+    for (auto& file : files) unchanged += apply(std::move(file), changes);
     return unchanged;
 }
 
-std::size_t media_library::apply(scanned_file&& scanned, std::int64_t id, library_changes& changes) {
+std::size_t media_library::apply(scanned_file&& scanned, library_changes& changes) {
     items_valid_ = false;
-    auto& file = files_[scanned.path];
+    auto& known = files_[scanned.file.path];
     std::vector<track_ptr> tracks;
+    tracks.reserve(scanned.tracks.size());
     std::size_t unchanged = 0;
     for (auto& fresh : scanned.tracks) {
         const auto old =
-            std::ranges::find_if(file.tracks, [&](const track_ptr& each) { return is_same_track(each, fresh); });
-        if (old == file.tracks.end()) {
-            tracks.push_back(tracks_.obtain(scanned.path, fresh.subsong));
-            changes.added.push_back(tracks.back());
-        } else {
+            std::ranges::find_if(known.tracks, [&](const track_ptr& each) { return is_same_track(each, fresh); });
+        if (old != known.tracks.end()) {
             tracks.push_back(*old);
-            const auto before = (*old)->info();
-            if (before && before->info() == fresh.info->info()) {
-                ++unchanged;
-                continue;
-            }
-            changes.modified.push_back(*old);
-            if (before && is_same_sound(before->info(), fresh.info->info()))
-                changes.edited.push_back({*old, before, fresh.info});
+            unchanged += update(*old, fresh.encoded, changes) ? 0 : 1;
+        } else {
+            tracks.push_back(tracks_.obtain(scanned.file.path, fresh.subsong));
+            tracks.back()->publish_encoded(std::move(fresh.encoded));
+            changes.added.push_back(tracks.back());
         }
-        tracks.back()->publish(std::move(fresh.info));
     }
-    for (const auto& old : file.tracks)
+    for (const auto& old : known.tracks)
         if (std::ranges::find(tracks, old) == tracks.end()) changes.removed.push_back(old);
-    file = {id, scanned.folder, scanned.stamp, std::move(tracks), std::move(scanned.sources), scanned.seen};
+    auto& [file, unused, seen] = scanned;
+    known = {file.id, file.folder, file.stamp, std::move(tracks), std::move(file.sources), seen};
     return unchanged;
+}
+
+bool media_library::update(const track_ptr& track, std::string_view encoded, library_changes& changes) {
+    const auto before = track->info();
+    const auto after = make_snapshot(decode_info(encoded));
+    if (before && before->info() == after->info()) return false;
+    track->publish(after);
+    changes.modified.push_back(track);
+    if (before && is_same_sound(before->info(), after->info())) changes.edited.push_back({track, before, after});
+    return true;
 }
 
 void media_library::drop(std::span<const std::string> paths, library_changes& changes) {
@@ -204,16 +202,13 @@ std::vector<file_problem> media_library::refresh_tracks(std::span<const track_pt
         try {
             const auto stamp = status_of(path).stamp;
             const auto known = files_.find(path);
-            if (mode == refresh_mode::if_changed && known != files_.end() && known->second.stamp == stamp) continue;
-            auto read = read_tracks({path, stamp, known != files_.end() ? known->second.folder : 0}, reader_);
-            if (known != files_.end()) {
-                of_library.push_back(std::move(read));
-                continue;
-            }
-            for (auto& each : read.tracks) {
-                const auto handle = tracks_.obtain(path, each.subsong);
-                handle->publish(std::move(each.info));
-                changes.modified.push_back(handle);
+            if (known == files_.end()) {
+                for (const auto& [subsong, info] : read_tracks({path, stamp, 0}, reader_).tracks) {
+                    changes.modified.push_back(tracks_.obtain(path, subsong));
+                    changes.modified.back()->publish(info);
+                }
+            } else if (mode != refresh_mode::if_changed || !is_unchanged(known->second, stamp)) {
+                of_library.push_back(scan_file({path, stamp, known->second.folder}, reader_));
             }
         } catch (const std::exception& failure) {
             problems.push_back({path, reason_of(failure, path)});

@@ -3,6 +3,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "player/library/cue_files.h"
@@ -68,7 +69,9 @@ private:
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
     // Both answer the number of tracks whose information is what it was.
     std::size_t save(std::vector<scanned_file>&& files, library_changes& changes);
-    std::size_t apply(scanned_file&& file, std::int64_t id, library_changes& changes);
+    std::size_t apply(scanned_file&& file, library_changes& changes);
+    /// False when the track says what it said before.
+    static bool update(const track_ptr& track, std::string_view encoded, library_changes& changes);
     void drop(std::span<const std::string> paths, library_changes& changes);
     void notify(const library_changes& changes);
 

@@ -17,6 +17,12 @@ using steady = std::chrono::steady_clock;
 constexpr std::size_t files_a_portion = 1000;
 constexpr auto longest_portion = std::chrono::seconds(1);
 
+/// An audio file is like a sheet without sources.
+cue_contents contents_of(const std::string& path, const info_reader& reader) {
+    if (is_cue_path(path)) return read_cue(path, reader);
+    return {{}, split_embedded(reader(path))};
+}
+
 class reading {
 public:
     reading(std::span<const read_job> jobs, const info_reader& reader, worker_group& workers, std::atomic<std::size_t>& done,
@@ -41,7 +47,7 @@ private:
 
     void read(const read_job& job) {
         try {
-            auto file = read_tracks(job, reader_);
+            auto file = scan_file(job, reader_);
             const std::lock_guard guard(mutex_);
             last_ = &job;
             read_.push_back(std::move(file));
@@ -90,21 +96,18 @@ private:
 
 }  // namespace
 
-scanned_file read_tracks(const read_job& job, const info_reader& reader) {
-    scanned_file file{job.path, job.folder, job.stamp, {}, {}, 0};
-    std::vector<read_track> tracks;
-    if (is_cue_path(job.path)) {
-        auto contents = read_cue(job.path, reader);
-        file.sources = std::move(contents.sources);
-        tracks = std::move(contents.tracks);
-    } else {
-        tracks = split_embedded(reader(job.path));
-    }
-    for (auto& [subsong, info] : tracks) {
-        std::string encoded = encode_info(info);
-        file.tracks.push_back({subsong, make_snapshot(std::move(info)), std::move(encoded)});
-    }
-    return file;
+scanned_file scan_file(const read_job& job, const info_reader& reader) {
+    auto [sources, tracks] = contents_of(job.path, reader);
+    scanned_file result{{0, job.folder, job.path, job.stamp, std::move(sources)}, {}, 0};
+    for (const auto& [subsong, info] : tracks) result.tracks.push_back({subsong, encode_info(info)});
+    return result;
+}
+
+file_snapshots read_tracks(const read_job& job, const info_reader& reader) {
+    file_snapshots result;
+    auto contents = contents_of(job.path, reader);
+    for (auto& [subsong, info] : contents.tracks) result.tracks.push_back({subsong, make_snapshot(std::move(info))});
+    return result;
 }
 
 void read_files(std::span<const read_job> jobs, const info_reader& reader, worker_group& workers,

@@ -2,11 +2,14 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
+#include <exception>
 #include <functional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "ostrevan/track.h"
 #include "player/library/cue_files.h"
 #include "player/library/scan_types.h"
 #include "player/library/worker_group.h"
@@ -20,8 +23,19 @@ struct read_job {
     std::int64_t folder = 0;
 };
 
-/// Reads the tracks of one file; throws with the reason. [any-thread]
-scanned_file read_tracks(const read_job& job, const info_reader& reader);
+/// Reads the tracks of one file of the library; throws with the reason. [any-thread]
+scanned_file scan_file(const read_job& job, const info_reader& reader);
+
+struct snapshot_track {
+    std::uint32_t subsong = 0;
+    metadb_info_ptr info;
+};
+struct file_snapshots {
+    std::vector<snapshot_track> tracks;
+};
+
+/// The same for a file that is not stored: what is to be published at once. Only the path of the job matters.
+file_snapshots read_tracks(const read_job& job, const info_reader& reader);
 
 /// Told on the calling thread.
 struct read_events {

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "ostrevan/track.h"
-#include "player/library/file_stamp.h"
+#include "player/library/stored_file.h"
 
 namespace ostrevan::library {
 
@@ -26,20 +25,11 @@ struct scan_options {
     std::function<void(const scan_progress&)> on_progress;
 };
 
-/// A track as it is stored and as it is published.
-struct scanned_track {
-    std::uint32_t subsong = 0;
-    metadb_info_ptr info;
-    std::string encoded;
-};
-
-/// A file that was read because it is new or has changed.
+/// A file that was read because it is new or has changed. Its tracks stay in their stored form: a scan that kept ten
+/// thousand field lists in memory would spend more time on allocating them than on the database.
 struct scanned_file {
-    std::string path;
-    std::int64_t folder = 0;
-    file_stamp stamp;
-    std::vector<source_file> sources;
-    std::vector<scanned_track> tracks;
+    stored_file file;  // the id is not known here
+    std::vector<stored_track> tracks;
     std::uint64_t seen = 0;  // number of the scan
 };
 

@@ -2,15 +2,16 @@
 
 #include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 
 #include "player/library/audio_claims.h"
 #include "player/library/folder_walk.h"
+#include "player/library/name_filter.h"
 #include "player/library/read_files.h"
 #include "player/library/worker_group.h"
-#include "player/tags/formats.h"
 
 namespace ostrevan::library {
 namespace {
@@ -42,6 +43,7 @@ public:
             if (!workers_.is_stopped()) walk(folder);
         // Only a walk that has seen everything can tell what is gone.
         if (!workers_.is_stopped()) {
+            unseen_ = files_.size() - seen_;
             read_sheets();
             read_audio();
             find_gone();
@@ -56,7 +58,7 @@ public:
 private:
     void walk(const library_folder& folder) {
         const walk_rules rules{
-            [](std::string_view name) { return is_cue_path(name) || tags::has_supported_extension(name); },
+            [this](std::string_view name) { return names_.is_wanted(name); },
             [this](const std::string& path, const file_stamp& stamp) { return is_of_interest(path, stamp); },
             [this](const std::string& directory) { tell(directory); }};
         tell(folder.path);
@@ -83,6 +85,7 @@ private:
         if (found == files_.end()) return true;
         auto& file = found->second;
         file.seen = number_;
+        seen_.fetch_add(1, std::memory_order_relaxed);
         if (!(file.stamp == stamp) || is_cue_path(path)) return true;
         note_unchanged(file);
         return false;
@@ -94,26 +97,21 @@ private:
     }
 
     void read_sheets() {
-        std::unordered_set<std::string> to_read;
+        if (sheets_.empty() && unseen_ == 0) return;
         std::erase_if(sheets_, [&](const read_job& sheet) {
             const auto known = files_.find(sheet.path);
-            const bool is_unchanged = known != files_.end() && is_unchanged_sheet(known->second, sheet.stamp);
-            if (is_unchanged) note_unchanged(known->second);
-            else to_read.insert(sheet.path);
-            return is_unchanged;
+            const bool is_same = known != files_.end() && is_unchanged(known->second, sheet.stamp);
+            if (is_same) note_unchanged(known->second);
+            return is_same;
         });
 
         std::vector<scanned_file> read;
         read_files(sheets_, reader_, workers_, done_, events([&](std::vector<scanned_file>&& files) {
-                       for (auto& file : files) {
-                           to_read.erase(file.path);
-                           read.push_back(std::move(file));
-                       }
+                       read.insert(read.end(), std::move_iterator(files.begin()), std::move_iterator(files.end()));
                    }));
-        // `to_read` now holds the sheets that failed or were not reached. They keep their tracks and their audio, as do all
-        // that are known and not gone.
+        // Those that have not changed, failed or were not reached keep their tracks and their audio, if they are not gone.
         std::unordered_set<std::string_view> replaced;
-        for (const auto& file : read) replaced.insert(file.path);
+        for (const auto& sheet : read) replaced.insert(sheet.file.path);
         for (const auto& [path, file] : files_)
             if (!file.sources.empty() && !replaced.contains(path) && !is_gone(path, file)) claims_.add(file.sources);
         claims_.settle(read);
@@ -140,7 +138,10 @@ private:
 
     /// Makes a file that was found one that is gone.
     bool drop(const std::string& path) {
-        if (const auto known = files_.find(path); known != files_.end()) known->second.seen = 0;
+        if (const auto known = files_.find(path); known != files_.end()) {
+            known->second.seen = 0;
+            ++unseen_;
+        }
         return true;
     }
 
@@ -151,6 +152,7 @@ private:
 
     /// What lies below an absent place is kept, and counted there.
     void find_gone() {
+        if (unseen_ == 0 && report_.absent.empty()) return;
         for (const auto& [path, file] : files_) {
             if (file.seen == number_) continue;
             const auto place =
@@ -178,10 +180,13 @@ private:
     const scan_options& options_;
     const scan_sink& sink_;
     worker_group workers_;
+    const name_filter names_;
     const std::uint64_t number_ = next_scan_number();
 
     std::atomic<std::size_t> done_ = 0;
     std::atomic<std::size_t> known_ = 0;
+    std::atomic<std::size_t> seen_ = 0;  // of the files known before
+    std::size_t unseen_ = 0;
     std::atomic<std::size_t> tracks_unchanged_ = 0;
     std::vector<read_job> sheets_;
     std::vector<read_job> audio_;
