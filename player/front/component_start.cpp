@@ -45,7 +45,9 @@ void check_installations(const std::vector<loaded_component>& components, const 
     for_each_entry(components, [&](const loaded_component& component, const component_api::service_entry& entry) {
         if (entry.service_class != component_version::class_guid) return;
         auto& version = static_cast<component_version&>(*entry.service);
-        if (version.test_installation()) return;
+        bool is_whole = false;
+        guarded("its installation check", on_failure, [&] { is_whole = version.test_installation(); });
+        if (is_whole) return;
         on_failure("Component " + component.path + " (" + version.name() + ") must be named " + version.file_name() +
                    ". Rename the file, or install the component again.");
     });

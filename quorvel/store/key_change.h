@@ -19,8 +19,8 @@ struct key_change {
 /// come from, too. [any-thread]
 [[nodiscard]] std::vector<key_change> key_changes(const nuv::list_base_const_t<ostrevan::tag_edit>& edits);
 
-/// Merges the record of each key into that of the other with `MergeMax`. The old record stays, so that an edit back finds it,
-/// and counts never add up twice. [worker]
+/// Merges the record of each key into that of the other with `MergeMax`. The old record stays, so that an edit back finds
+/// it, and counts never add up twice. [worker]
 void follow_key_changes(std::span<const key_change> changes);
 
 }  // namespace quorvel
