@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <filesystem>
 #include <vector>
@@ -43,8 +44,8 @@ public:
     ostrevan::main_loop loop;
     ostrevan::service_registry services;
 
-    std::size_t refreshes = 0;
-    std::size_t refreshed_keys = 0;
+    std::atomic<std::size_t> refreshes = 0;
+    std::atomic<std::size_t> refreshed_keys = 0;
 
 private:
     ostrevan::service_uncounted_t<ostrevan::crash_log_impl> crash_log_;

@@ -77,7 +77,7 @@ void rating_of_many_tracks(benchmark::State& state) {
             transaction.commit();
         });
         player.records.flush();
-        player.refreshes = player.refreshed_keys = 0;
+        player.refreshes = 0;
         stars = stars % 5 + 1;
         ratio.add(floor_time,
                   bench::seconds_of([&] { quorvel::PCDB::SetRating(selection, quorvel::rating_of_stars(stars)); }));

@@ -17,7 +17,7 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-STATISTICS_INDEX = "{C653739F-14B3-4EF2-819B-A3E2883230AE}"
+STATISTICS_INDEX = "C653739F-14B3-4EF2-819B-A3E2883230AE"
 GOAL = 1.5
 
 
@@ -32,7 +32,7 @@ def make_profile(binaries, profile, music, records):
     subprocess.run(ostrevan(binaries, profile, "play", "--fast", "--audio", "null", "--where", "ALL"), check=True,
                    stdout=subprocess.DEVNULL)
     database = sqlite3.connect(profile / "index.sqlite")
-    [(index,)] = database.execute("SELECT id FROM indexes WHERE guid = ? COLLATE NOCASE", (STATISTICS_INDEX,))
+    [(index,)] = database.execute("SELECT id FROM indexes WHERE trim(guid, '{}') = ? COLLATE NOCASE", (STATISTICS_INDEX,))
     numbers = random.Random(records)
     keys = sorted({numbers.randrange(-2**63, 2**63) for _ in range(records)})
     now = int(time.time())
