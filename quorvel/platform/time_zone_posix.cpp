@@ -1,6 +1,5 @@
 #include "quorvel/platform/time_zone.h"
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -18,8 +17,7 @@ constexpr int first_year = 1601;
 constexpr int last_year = 30827;
 constexpr std::int64_t seconds_per_day = 86400;
 
-/// A zone whose changes are known. Most times that a thread asks for, one after another, lie between the same two changes of
-/// the clock: each thread remembers the last such span.
+/// A zone whose changes are known.
 class database_zone final : public time_zone {
 public:
     explicit database_zone(zone_changes changes) : changes_(std::move(changes)) {}
@@ -29,7 +27,7 @@ public:
         if (time >> 63 != 0) return std::nullopt;
         const std::int64_t utc = static_cast<std::int64_t>(time / filetime_per_second) + unix_of_1601;
         if (utc >= end_of_years) return std::nullopt;
-        const std::int64_t local = utc + span_of(utc).offset;
+        const std::int64_t local = utc + changes_.offset_at(utc);
         if (local >= end_of_years) return std::nullopt;
 
         const auto day = floor<days>(sys_seconds(seconds(local)));
@@ -61,21 +59,7 @@ private:
     static constexpr std::int64_t end_of_years =
         std::chrono::sys_days(std::chrono::year(last_year + 1) / 1 / 1).time_since_epoch().count() * seconds_per_day;
 
-    zone_changes::span span_of(std::int64_t utc) const noexcept {
-        struct remembered {
-            std::uint64_t zone = 0;
-            zone_changes::span span{};
-        };
-        static thread_local remembered last;
-        if (last.zone != id_ || !last.span.contains(utc)) last = {id_, changes_.at(utc)};
-        return last.span;
-    }
-
-    static inline std::atomic<std::uint64_t> zones_made{0};
-
     const zone_changes changes_;
-    /// Tells zones apart in what threads remember, also when one takes the address of another.
-    const std::uint64_t id_ = ++zones_made;
 };
 
 std::optional<std::string> contents_of(const std::string& path) {

@@ -48,7 +48,10 @@ struct block_header {
 
 }  // namespace
 
-zone_changes::zone_changes(const zone_rule& rule) : zone_changes(rule.standard_offset()) { add_years(rule, beginning); }
+zone_changes::zone_changes(const zone_rule& rule) : zone_changes(rule.standard_offset()) {
+    add_years(rule, beginning);
+    make_hints();
+}
 
 std::optional<zone_changes> zone_changes::from_file(std::string_view bytes) {
     // The first block has moments of 32 bits for readers of long ago; the second is the one to read.
@@ -83,6 +86,7 @@ std::optional<zone_changes> zone_changes::from_file(std::string_view bytes) {
     if (rule_text.starts_with('\n')) rule_text.remove_prefix(1);
     rule_text = rule_text.substr(0, rule_text.find('\n'));
     if (const auto rule = zone_rule::parse(rule_text)) zone.add_years(*rule, known_until);
+    zone.make_hints();
     return zone;
 }
 
@@ -107,25 +111,28 @@ void zone_changes::add_years(const zone_rule& rule, std::int64_t known_until) {
     horizon_ = start_of_year(last_year);
 }
 
+void zone_changes::make_hints() {
+    constexpr std::int64_t until = std::int64_t{1} << 32;  // 2106
+    hints_.clear();
+    for (std::int64_t moment = 0; moment < until; moment += std::int64_t{1} << hint_bits)
+        hints_.push_back(static_cast<std::uint32_t>(std::ranges::upper_bound(moments_, moment) - moments_.begin() - 1));
+}
+
 std::size_t zone_changes::index_of(std::int64_t moment) const noexcept {
+    if (const auto hint = static_cast<std::uint64_t>(moment) >> hint_bits; hint < hints_.size()) {
+        std::size_t index = hints_[hint];
+        while (index + 1 < moments_.size() && moments_[index + 1] <= moment) ++index;
+        return index;
+    }
     return static_cast<std::size_t>(std::ranges::upper_bound(moments_, moment) - moments_.begin()) - 1;
 }
 
-zone_changes::span zone_changes::span_at(std::size_t index) const noexcept {
-    return {moments_[index], index + 1 < moments_.size() ? moments_[index + 1] : horizon_, offsets_[index]};
+std::int64_t zone_changes::end_of(std::size_t index) const noexcept {
+    return index + 1 < moments_.size() ? moments_[index + 1] : horizon_;
 }
 
 std::int64_t zone_changes::periods_beyond(std::int64_t moment) const noexcept {
     return moment < horizon_ ? 0 : ((moment - horizon_) / period_seconds + 1) * period_seconds;
-}
-
-zone_changes::span zone_changes::at(std::int64_t moment) const noexcept {
-    const std::int64_t shift = periods_beyond(moment);
-    auto found = span_at(index_of(moment - shift));
-    // Beyond the horizon the edges of a span may fall on another period.
-    if (shift != 0) return {moment, moment + 1, found.offset};
-    found.until = std::min(found.until, horizon_);
-    return found;
 }
 
 std::int64_t zone_changes::utc_of(std::int64_t wall_clock) const noexcept {
@@ -134,8 +141,7 @@ std::int64_t zone_changes::utc_of(std::int64_t wall_clock) const noexcept {
     std::size_t i = index_of(wall - widest_offset);
     for (; i < moments_.size() && moments_[i] <= wall + widest_offset; ++i) {
         // A moment before its span begins is one that the clock jumped over.
-        const auto candidate = span_at(i);
-        if (const std::int64_t moment = wall - candidate.offset; moment < candidate.until) return moment + shift;
+        if (const std::int64_t moment = wall - offsets_[i]; moment < end_of(i)) return moment + shift;
     }
     return wall - offsets_[i - 1] + shift;
 }

@@ -19,14 +19,10 @@ public:
     /// From a rule alone.
     explicit zone_changes(const zone_rule& rule);
 
-    /// The offset in force at a moment, and since and until when it is.
-    struct span {
-        std::int64_t since;
-        std::int64_t until;
-        std::int32_t offset;
-        [[nodiscard]] bool contains(std::int64_t moment) const noexcept { return since <= moment && moment < until; }
-    };
-    [[nodiscard]] span at(std::int64_t moment) const noexcept;
+    /// The offset in force at a moment.
+    [[nodiscard]] std::int32_t offset_at(std::int64_t moment) const noexcept {
+        return offsets_[index_of(moment - periods_beyond(moment))];
+    }
     /// A wall-clock time that was skipped has the offset after the change; one that occurs twice is the first.
     [[nodiscard]] std::int64_t utc_of(std::int64_t wall_clock) const noexcept;
 
@@ -38,7 +34,8 @@ private:
 
     /// Index of the span that a moment before `horizon_` lies in.
     [[nodiscard]] std::size_t index_of(std::int64_t moment) const noexcept;
-    [[nodiscard]] span span_at(std::size_t index) const noexcept;
+    /// Where that span ends.
+    [[nodiscard]] std::int64_t end_of(std::size_t index) const noexcept;
     /// How far a moment at or beyond `horizon_` has to be moved back.
     [[nodiscard]] std::int64_t periods_beyond(std::int64_t moment) const noexcept;
 
@@ -48,6 +45,11 @@ private:
     /// The offset at an index holds from the moment at that index to the next one.
     std::vector<std::int64_t> moments_;
     std::vector<std::int32_t> offsets_;
+    /// For each span of 2^22 seconds, about 48 days, since 1970 the index in force at its beginning: the search goes on from
+    /// there, and hardly ever further than one step.
+    void make_hints();
+    static constexpr int hint_bits = 22;
+    std::vector<std::uint32_t> hints_;
     /// From here on everything repeats what was one calendar period of 400 years earlier.
     std::int64_t horizon_ = end;
 };
