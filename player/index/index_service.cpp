@@ -55,7 +55,12 @@ void index_service::write(const nuv::guid& index, std::uint64_t key, const void*
     store_.write(index, key, bytes_of(bytes, size));
 }
 
-std::vector<std::uint64_t> index_service::keys(const nuv::guid& index) const { return store_.keys(index); }
+/// That an index has never been written to is known before the records are loaded: a component that looks for its older
+/// indexes at start must not wait for a million others.
+std::vector<std::uint64_t> index_service::keys(const nuv::guid& index) const {
+    const auto known = store_.indexes();
+    return std::ranges::find(known, index) == known.end() ? std::vector<std::uint64_t>{} : store_.keys(index);
+}
 
 void index_service::save_now(const nuv::guid& /*index*/) { store_.flush(); }
 

@@ -83,6 +83,7 @@ catalog_entry index_store::state::find_or_add(const nuv::guid& index) {
 void index_store::state::set_retention(const nuv::guid& index, std::optional<std::uint64_t> retention) {
     catalog_entry entry = find_or_add(index);
     const std::scoped_lock lock(catalog_mutex);
+    if (entry.retention == retention) return;  // nothing to save, so nothing that the end of the program waits for
     memory.set_retention(entry.id, retention);
     entry.retention = retention;
     writer.enqueue({entry});
