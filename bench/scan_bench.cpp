@@ -107,16 +107,11 @@ class fresh_library {
 public:
     fresh_library() : database_(the_music().folder() / "library.sqlite") {
         remove_database();
-        open();
+        library_ = std::make_unique<media_library>(database_.string(), tracks_, ostrevan::tags::read_file, observer_);
     }
     ~fresh_library() {
         library_.reset();
         remove_database();
-    }
-    void open() {
-        library_.reset();
-        tracks_ = std::make_unique<track_table>();
-        library_ = std::make_unique<media_library>(database_.string(), *tracks_, ostrevan::tags::read_file, observer_);
     }
     void scan() {
         const auto summary =
@@ -135,7 +130,7 @@ private:
 
     fs::path database_;
     nobody observer_;
-    std::unique_ptr<track_table> tracks_;
+    track_table tracks_;
     std::unique_ptr<media_library> library_;
 };
 
@@ -163,21 +158,7 @@ void rescan_with_nothing_changed(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(the_music().files().size()));
 }
 
-/// Taking up a stored library at the start of the player; the floor is `stat` on each file, which a start does not need.
-void start_with_a_stored_library(benchmark::State& state) {
-    fresh_library library;
-    library.scan();
-    bench::ratio ratio(state, 2);
-    for (auto _ : state) {
-        const double floor_time = bench::seconds_of([] { with_each_file(look_at); });
-        ratio.add(floor_time, bench::seconds_of([&] { library.open(); }));
-    }
-    ratio.report();
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(the_music().files().size()));
-}
-
 BENCHMARK(scan_of_new_files)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(7);
 BENCHMARK(rescan_with_nothing_changed)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(31);
-BENCHMARK(start_with_a_stored_library)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
 
 }  // namespace
