@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "player/tags/bytes.h"
@@ -87,7 +88,7 @@ sound sound_of_ogg(container kind, file_stream& stream) {
     const double bits = is_rate(nominal)    ? static_cast<double>(nominal)
                         : result.length > 0 ? static_cast<double>(stream.length()) * 8 / result.length
                                             : 0;
-    result.bitrate = static_cast<std::uint32_t>(bits / 1000 + 0.5);
+    result.bitrate = static_cast<std::uint32_t>(std::lround(bits / 1000));
     return result;
 }
 

@@ -124,7 +124,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     copy.take_content(original.stream->file(), about);
     done(rewrite_step::copied);
     if (!copy.take_attributes(original.stream->file(), about))
-        result.notes.push_back("its owner or group could not be kept; the file belongs to you now");
+        result.notes.emplace_back("its owner or group could not be kept; the file belongs to you now");
     done(rewrite_step::attributes_set);
     edit_copy(copy.path(), before, after, options);
     done(rewrite_step::edited);
@@ -139,10 +139,10 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     result.outcome = rewrite_outcome::rewritten;
     done(rewrite_step::renamed);
     if (!sync_folder(folder_of(path)))
-        result.notes.push_back(
+        result.notes.emplace_back(
             "its folder could not be brought to the disk; a power failure now may bring back the old file");
     done(rewrite_step::folder_synced);
-    if (about.st_nlink > 1) result.notes.push_back("it had other names (hard links); they still lead to the old content");
+    if (about.st_nlink > 1) result.notes.emplace_back("it had other names (hard links); they still lead to the old content");
     return result;
 }
 

@@ -1,6 +1,7 @@
 #include "player/tags/xiph_reader.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "player/tags/bytes.h"
 #include "player/tags/edit_bytes.h"
@@ -128,7 +129,7 @@ sound sound_of_flac(file_stream& stream) {
     if (samples == 0 || result.sample_rate == 0) return result;
     result.length = static_cast<double>(samples) / result.sample_rate;
     const long sound_size = stream.length() - blocks.back().at - flac_block_header_size - blocks.back().size;
-    result.bitrate = static_cast<std::uint32_t>(static_cast<double>(sound_size) * 8 / result.length / 1000 + 0.5);
+    result.bitrate = static_cast<std::uint32_t>(std::lround(static_cast<double>(sound_size) * 8 / result.length / 1000));
     return result;
 }
 
