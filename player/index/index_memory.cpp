@@ -1,7 +1,5 @@
 #include "player/index/index_memory.h"
 
-#include <thread>
-
 namespace ostrevan::indexing {
 
 index_memory::index_memory(std::span<const catalog_entry> catalog) {
@@ -15,11 +13,8 @@ void index_memory::in_pieces(const change_list& list, Step step) {
     constexpr std::size_t piece = 4096;
     const auto& changes = list.changes();
     for (std::size_t i = 0; i < changes.size();) {
-        {
-            const auto writing = lock_.write();
-            for (std::size_t cost = 0; i < changes.size() && cost < piece; ++i) cost += 1 + step(changes[i]);
-        }
-        std::this_thread::yield();
+        const auto writing = lock_.write();
+        for (std::size_t cost = 0; i < changes.size() && cost < piece; ++i) cost += 1 + step(changes[i]);
     }
 }
 

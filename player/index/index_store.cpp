@@ -81,8 +81,9 @@ catalog_entry index_store::state::find_or_add(const nuv::guid& index) {
 }
 
 void index_store::state::set_retention(const nuv::guid& index, std::optional<std::uint64_t> retention) {
-    catalog_entry entry = find_or_add(index);
+    find_or_add(index);
     const std::scoped_lock lock(catalog_mutex);
+    catalog_entry entry = *memory.find(index);
     if (entry.retention == retention) return;  // nothing to save, so nothing that the end of the program waits for
     memory.set_retention(entry.id, retention);
     entry.retention = retention;

@@ -17,8 +17,8 @@ namespace ostrevan {
 
 class store_transaction;
 
-/// Told about failures that nobody waits for; the text is for the user. Called on a thread of the store, which it must not
-/// hold up or call.
+/// Told about failures that nobody waits for; the text is for the user. Called on the store's thread, at the end on the one
+/// that destroys the store. It must not throw, and must not hold up or call the store.
 using index_error_sink = std::function<void(const std::string& text)>;
 
 /// Persistent small records, found by an index (a GUID) and a 64-bit key. Reads are answered from memory, also while the

@@ -3,13 +3,15 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <mutex>
 #include <thread>
 
 namespace ostrevan::indexing {
 
 /// A lock for data that is read all the time and rarely changed. Every reading thread takes a flag of its own on a cache
-/// line of its own, so readers never disturb each other; the writer takes all flags. Both sides spin, so either may hold
-/// the lock for a few hundred microseconds at most. It does not nest.
+/// line of its own, so readers never disturb each other; a writer takes all flags. Readers hold off while a writer wants in,
+/// and the next writer lets those go first that had to: neither side can keep the other out. Waiting means yielding, so
+/// either may hold the lock for a few hundred microseconds at most. It does not nest.
 class reader_lock {
     struct alignas(128) slot {
         std::atomic<bool> taken{false};
@@ -18,7 +20,9 @@ class reader_lock {
 public:
     class read_guard {
     public:
-        explicit read_guard(std::atomic<bool>& flag) noexcept : flag_(flag) { take(flag_); }
+        explicit read_guard(reader_lock& lock) noexcept : flag_(lock.slots_[slot_of_thread()].taken) {
+            if (lock.writer_wants_.load(std::memory_order_relaxed) || !try_take(flag_)) lock.wait_to_read(flag_);
+        }
         ~read_guard() { flag_.store(false, std::memory_order_release); }
         read_guard(const read_guard&) = delete;
         read_guard& operator=(const read_guard&) = delete;
@@ -29,10 +33,14 @@ public:
 
     class write_guard {
     public:
-        explicit write_guard(reader_lock& lock) noexcept : lock_(lock) {
-            for (slot& each : lock_.slots_) take(each.taken);
+        explicit write_guard(reader_lock& lock) : lock_(lock), only_writer_(lock.writers_) {
+            while (lock_.waiting_readers_.load(std::memory_order_relaxed) != 0) std::this_thread::yield();
+            lock_.writer_wants_.store(true, std::memory_order_relaxed);
+            for (slot& each : lock_.slots_)
+                while (!try_take(each.taken)) std::this_thread::yield();
         }
         ~write_guard() {
+            lock_.writer_wants_.store(false, std::memory_order_relaxed);
             for (slot& each : lock_.slots_) each.taken.store(false, std::memory_order_release);
         }
         write_guard(const write_guard&) = delete;
@@ -40,19 +48,21 @@ public:
 
     private:
         reader_lock& lock_;
+        std::scoped_lock<std::mutex> only_writer_;
     };
 
-    [[nodiscard]] read_guard read() noexcept { return read_guard(slots_[slot_of_thread()].taken); }
-    [[nodiscard]] write_guard write() noexcept { return write_guard(*this); }
+    [[nodiscard]] read_guard read() noexcept { return read_guard(*this); }
+    [[nodiscard]] write_guard write() { return write_guard(*this); }
 
 private:
     static constexpr std::size_t slot_count = 16;  // more threads than this share slots, which is slower but right
 
-    static void take(std::atomic<bool>& flag) noexcept {
-        constexpr int spins_before_yield = 100;
-        for (int spins = 0; flag.exchange(true, std::memory_order_acquire);)
-            while (flag.load(std::memory_order_relaxed))
-                if (++spins > spins_before_yield) std::this_thread::yield();
+    static bool try_take(std::atomic<bool>& flag) noexcept { return !flag.exchange(true, std::memory_order_acquire); }
+
+    void wait_to_read(std::atomic<bool>& flag) noexcept {
+        waiting_readers_.fetch_add(1, std::memory_order_relaxed);
+        while (writer_wants_.load(std::memory_order_relaxed) || !try_take(flag)) std::this_thread::yield();
+        waiting_readers_.fetch_sub(1, std::memory_order_relaxed);
     }
 
     static std::size_t slot_of_thread() noexcept {
@@ -62,6 +72,9 @@ private:
     }
 
     std::array<slot, slot_count> slots_;
+    alignas(128) std::atomic<bool> writer_wants_{false};  // on a cache line that only writers change
+    alignas(128) std::atomic<int> waiting_readers_{0};
+    std::mutex writers_;
 };
 
 }  // namespace ostrevan::indexing

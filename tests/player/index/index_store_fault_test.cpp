@@ -7,6 +7,7 @@
 #include <functional>
 #include <latch>
 
+#include "player/sqlite/database.h"
 #include "tests/player/index/faulty_disk.h"
 #include "tests/player/index/records.h"
 
@@ -21,6 +22,16 @@ void expect_named(const std::exception& error, const std::filesystem::path& path
     const std::string text = error.what();
     EXPECT_NE(text.find(path.string()), text.npos) << text;
     EXPECT_NE(text.find(reason), text.npos) << text;
+}
+
+template <typename Work>
+void expect_failure(Work work, const std::filesystem::path& path, const char* reason) {
+    try {
+        work();
+        ADD_FAILURE() << "accepted";
+    } catch (const std::runtime_error& error) {
+        expect_named(error, path, reason);
+    }
 }
 
 /// Runs a statement as another program would.
@@ -40,9 +51,7 @@ TEST_F(index_store_fault, refuses_a_file_it_cannot_use_and_leaves_it_as_it_is) {
     const std::vector<std::pair<const char*, std::function<void()>>> cases = {
         {"not a database", [&] { spoil(0, 16); }},
         {"newer version", [&] { run_beside(path_, "PRAGMA user_version = 2"); }},
-        {"another program", [&] { run_beside(path_, "PRAGMA application_id = 1"); }},
         {"malformed", [&] { std::filesystem::resize_file(path_, 4096); }},
-        {"malformed", [&] { spoil(100, 2000); }},
         {"malformed", [&] { run_beside(path_, "UPDATE indexes SET guid = 'x'"); }},
     };
     for (const auto& [reason, prepare] : cases) {
@@ -51,20 +60,11 @@ TEST_F(index_store_fault, refuses_a_file_it_cannot_use_and_leaves_it_as_it_is) {
         index_store(path_, fail_on_report).write(plays, 1, record_of(1));
         prepare();
         const std::string before = file_bytes();
-        try {
-            const index_store store(path_, fail_on_report);
-            ADD_FAILURE() << "accepted";
-        } catch (const std::runtime_error& error) {
-            expect_named(error, path_, reason);
-        }
+        expect_failure([&] { const index_store store(path_, fail_on_report); }, path_, reason);
         EXPECT_EQ(file_bytes(), before);
     }
-    try {
-        const index_store store(folder_ / "missing" / "index.sqlite", fail_on_report);
-        ADD_FAILURE() << "accepted";
-    } catch (const std::runtime_error& error) {
-        expect_named(error, folder_ / "missing" / "index.sqlite", "folder");
-    }
+    path_ = folder_ / "missing" / "index.sqlite";
+    expect_failure([&] { const index_store store(path_, fail_on_report); }, path_, "folder");
 }
 
 TEST_F(index_store_fault, says_that_a_folder_or_a_file_may_not_be_written) {
@@ -109,11 +109,13 @@ TEST_F(index_store_fault, leaves_a_file_alone_whose_damage_shows_only_when_it_is
     bytes.replace(20 * 4096, 4096, 4096, '\x55');
     std::ofstream(path_, std::ios::binary) << bytes;
     std::latch reported(1);
+    std::string last_report;
     {
         index_store store(
             path_,
             [&](const std::string& text) {
                 expect_named(std::runtime_error(text), path_, "malformed");
+                last_report = text;
                 if (!reported.try_wait()) reported.count_down();
             },
             only_when_asked);
@@ -124,24 +126,19 @@ TEST_F(index_store_fault, leaves_a_file_alone_whose_damage_shows_only_when_it_is
         EXPECT_EQ(stored(store, plays, 1), record_of(1, 1));
         EXPECT_THROW(store.flush(), std::runtime_error);
     }
+    EXPECT_TRUE(last_report.starts_with("The last changes could not be saved and are lost.")) << last_report;
     EXPECT_EQ(file_bytes(), bytes);
 }
 
-TEST_F(index_store_fault, waits_for_another_program_and_then_names_it) {
+TEST_F(index_store_fault, names_another_program_that_holds_the_file) {
     index_store store(
         path_, [](const std::string&) {}, only_when_asked);
-    static_cast<void>(store.keys(plays));
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(path_.c_str(), &other), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-    store.write(plays, 1, record_of(1));
-    try {
-        store.flush();
-        ADD_FAILURE() << "saved";
-    } catch (const std::runtime_error& error) {
-        expect_named(error, path_, "Another program");
+    {
+        sqlite::database other(path_.string(), {0x4F737449, 1, "", "other"});
+        const sqlite::transaction held(other);
+        store.write(plays, 1, record_of(1));
+        expect_failure([&] { store.flush(); }, path_, "Another program");
     }
-    sqlite3_close(other);
     store.flush();
 }
 

@@ -17,6 +17,9 @@ TEST_F(index_store_test, answers_the_same_before_while_and_after_loading) {
         {0, 40}, {1, 1}, {2, 39}, {3, 40}, {4, 41}, {5, index_store::max_record_size}, {highest_key, 40}};
     const auto check = [&](const index_store& store) {
         for (const auto& [key, size] : records) EXPECT_EQ(stored(store, plays, key), record_of(key, 7, size)) << key;
+        record_bytes buffer(50, std::byte{0xEE});
+        EXPECT_EQ(store.read(plays, 4, buffer.data(), 30), 41U) << "the whole size, though less fits";
+        EXPECT_EQ(std::ranges::count(buffer, std::byte{0xEE}), 20);
         EXPECT_EQ(stored(store, plays, 6), std::nullopt);
         EXPECT_EQ(stored(store, moods, 3), std::nullopt);
     };
@@ -24,6 +27,7 @@ TEST_F(index_store_test, answers_the_same_before_while_and_after_loading) {
         index_store store(path_, fail_on_report);
         for (const auto& [key, size] : records) store.write(plays, key, record_of(key, 0, 40));
         for (const auto& [key, size] : records) store.write(plays, key, record_of(key, 7, size));
+        EXPECT_THROW(store.write(plays, 1, record_of(1, 0, index_store::max_record_size + 1)), std::invalid_argument);
         check(store);
     }
     const index_store reopened(path_, fail_on_report);
@@ -31,19 +35,6 @@ TEST_F(index_store_test, answers_the_same_before_while_and_after_loading) {
     EXPECT_EQ(reopened.keys(plays), (std::vector<std::uint64_t>{0, 1, 2, 3, 4, 5, highest_key}));
     EXPECT_EQ(reopened.indexes(), std::vector{plays});
     check(reopened);
-}
-
-TEST_F(index_store_test, copies_no_more_than_fits_and_tells_the_whole_size) {
-    index_store store(path_, fail_on_report);
-    for (const std::size_t size : {40U, 100U}) {
-        store.write(plays, 1, record_of(1, 2, size));
-        record_bytes buffer(50, std::byte{0xEE});
-        EXPECT_EQ(store.read(plays, 1, buffer.data(), 30), size);
-        EXPECT_TRUE(std::equal(buffer.begin(), buffer.begin() + 30, record_of(1, 2).begin()));
-        EXPECT_EQ(std::ranges::count(buffer, std::byte{0xEE}), 20);
-        EXPECT_EQ(store.read(plays, 1, nullptr, 0), size);
-    }
-    EXPECT_THROW(store.write(plays, 1, record_of(1, 0, index_store::max_record_size + 1)), std::invalid_argument);
 }
 
 TEST_F(index_store_test, applies_a_transaction_as_a_whole_or_not_at_all) {
@@ -128,12 +119,10 @@ TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading
 
 TEST_F(index_store_test, drops_only_records_of_registered_indexes_that_were_not_seen_for_long) {
     constexpr std::int64_t day = 86'400;
-    constexpr std::uint64_t week_100ns = 7 * day * 10'000'000ULL;
     std::int64_t today = 100 * day;
-    const index_store::options settings{.retry_interval = std::chrono::hours(1), .clock = [&] { return today; }};
     {
-        index_store store(path_, fail_on_report, settings);
-        store.register_index(plays, week_100ns);
+        index_store store(path_, fail_on_report, {.clock = [&] { return today; }});
+        store.register_index(plays, 7 * day * 10'000'000ULL);
         for (const std::uint64_t key : {1, 2, 3, 4}) store.write(plays, key, record_of(key));
         store.write(moods, 1, record_of(1));
         today += 6 * day;
@@ -141,31 +130,18 @@ TEST_F(index_store_test, drops_only_records_of_registered_indexes_that_were_not_
         store.touch(plays, std::array<std::uint64_t, 2>{3, 77}, today);  // so does a track; 77 has no record
         EXPECT_EQ(store.purge(plays, today + day), 0U) << "exactly as long as the retention is not longer";
     }
-    index_store store(path_, fail_on_report, settings);
-    EXPECT_TRUE(store.registered(plays));
-    EXPECT_EQ(store.purge(plays, today + day + 1), 2U);
-    EXPECT_EQ(store.keys(plays), (std::vector<std::uint64_t>{2, 3}));
-    EXPECT_EQ(stored(store, plays, 1), std::nullopt);
-    EXPECT_EQ(store.purge(moods, today + 1000 * day), 0U);
-    store.remove_index(plays);
-    EXPECT_FALSE(store.registered(plays));
-    EXPECT_EQ(store.purge(plays, today + 1000 * day), 0U);
-    EXPECT_EQ(stored(store, plays, 2), record_of(2, 1));
-    store.register_index(plays, week_100ns);
-    store.write(plays, 4, record_of(4));
-    EXPECT_EQ(store.purge(plays, today + 8 * day), 3U);
-    store.write(plays, 1, record_of(1));
-    EXPECT_EQ(store.keys(plays), std::vector<std::uint64_t>{1});
-}
-
-TEST_F(index_store_test, keeps_a_purge_after_restart) {
     {
         index_store store(path_, fail_on_report);
-        store.register_index(plays, 1);
-        store.write(plays, 1, record_of(1));
-        EXPECT_EQ(store.purge(plays, std::numeric_limits<std::int64_t>::max() / 2), 1U);
+        EXPECT_TRUE(store.registered(plays));
+        EXPECT_EQ(store.purge(plays, today + day + 1), 2U);
+        EXPECT_EQ(stored(store, plays, 1), std::nullopt);
+        store.remove_index(plays);
+        for (const auto& index : {plays, moods}) EXPECT_EQ(store.purge(index, today + 1000 * day), 0U);
     }
-    EXPECT_TRUE(index_store(path_, fail_on_report).keys(plays).empty());
+    index_store store(path_, fail_on_report);
+    EXPECT_FALSE(store.registered(plays));
+    EXPECT_EQ(store.keys(plays), (std::vector<std::uint64_t>{2, 3}));
+    EXPECT_EQ(store.keys(moods), std::vector<std::uint64_t>{1});
 }
 
 }  // namespace

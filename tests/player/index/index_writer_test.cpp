@@ -68,38 +68,5 @@ TEST(index_writer, keeps_what_fails_tries_again_by_itself_and_reports_once) {
     EXPECT_EQ(reports, 1);
 }
 
-TEST(index_writer, writes_nothing_before_all_has_been_read) {
-    std::atomic<bool> is_readable = false;
-    std::atomic<bool> has_saved = false;
-    index_writer writer({.load =
-                             [&](const std::stop_token&) {
-                                 if (!is_readable) throw std::runtime_error("unreadable.");
-                                 return true;
-                             },
-                         .save = [&](std::span<const index_job>) { has_saved = true; },
-                         .report = ignore},
-                        1h);
-    writer.enqueue({seen(1)});
-    EXPECT_THROW(writer.flush(), std::runtime_error);
-    EXPECT_THROW(writer.wait_loaded(), std::runtime_error);
-    EXPECT_FALSE(has_saved);
-    is_readable = true;
-    writer.flush();
-    EXPECT_TRUE(has_saved);
-}
-
-TEST(index_writer, reports_what_is_lost_at_the_end) {
-    std::vector<std::string> reports;
-    {
-        index_writer writer({.load = loaded,
-                             .save = [](std::span<const index_job>) { throw std::runtime_error("disk full."); },
-                             .report = [&](const std::string& text) { reports.push_back(text); }},
-                            1h);
-        writer.enqueue({seen(1)});
-    }
-    ASSERT_FALSE(reports.empty());
-    EXPECT_EQ(reports.back(), "The last changes could not be saved and are lost. disk full.");
-}
-
 }  // namespace
 }  // namespace ostrevan::indexing

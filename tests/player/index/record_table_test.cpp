@@ -45,12 +45,5 @@ TEST(record_table, agrees_with_a_map_after_any_changes) {
     EXPECT_TRUE(std::ranges::equal(listed, expected, {}, {}, [](const auto& each) { return each.first; }));
 }
 
-TEST(record_table, never_moves_many_records_at_once) {
-    record_table table;
-    std::size_t most = 0;
-    for (std::uint64_t key = 1; key <= 200'000; ++key) most = std::max(most, table.put(key, std::vector<std::byte>(40)));
-    EXPECT_LT(most, 200'000U / 256 * 2);
-}
-
 }  // namespace
 }  // namespace ostrevan::indexing
