@@ -9,6 +9,9 @@ class local_filesystem : public filesystem {
 public:
     [[nodiscard]] bool is_our_path(const char* path) const noexcept override;
     [[nodiscard]] bool is_remote(const char* /*path*/) const noexcept override { return false; }
+    [[nodiscard]] file_ptr open(const char* path, open_mode mode) override;
+    [[nodiscard]] bool exists(const char* path) override;
+    void remove(const char* path) override;
 };
 
 /// What is reached through a network protocol, such as a radio station.
@@ -16,6 +19,10 @@ class network_filesystem : public filesystem {
 public:
     [[nodiscard]] bool is_our_path(const char* path) const noexcept override;
     [[nodiscard]] bool is_remote(const char* /*path*/) const noexcept override { return true; }
+    /// These three always throw: nothing here speaks the protocols.
+    [[nodiscard]] file_ptr open(const char* path, open_mode mode) override;
+    [[nodiscard]] bool exists(const char* path) override;
+    void remove(const char* path) override;
 };
 
 }  // namespace ostrevan

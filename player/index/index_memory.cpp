@@ -53,6 +53,28 @@ std::vector<std::uint64_t> index_memory::keys(const nuv::guid& guid) const {
     return result;
 }
 
+std::vector<std::uint64_t> index_memory::keys_from(const nuv::guid& guid, std::uint64_t first, std::size_t at_most) const {
+    std::vector<std::uint64_t> lowest;
+    const std::scoped_lock whole(whole_commits_);
+    for (std::size_t shard = 0; shard < record_table::shard_count(); ++shard) {
+        const std::size_t known = lowest.size();
+        {
+            const auto reading = lock_.read();
+            const index* from = find_index(guid);
+            if (from == nullptr) return {};
+            from->records.append_keys(shard, lowest);
+        }
+        const auto fresh = lowest.begin() + static_cast<std::ptrdiff_t>(known);
+        lowest.erase(std::remove_if(fresh, lowest.end(), [&](std::uint64_t key) { return key < first; }), lowest.end());
+        if (lowest.size() <= at_most * 2) continue;
+        std::ranges::nth_element(lowest, lowest.begin() + static_cast<std::ptrdiff_t>(at_most));
+        lowest.resize(at_most);
+    }
+    std::ranges::sort(lowest);
+    if (lowest.size() > at_most) lowest.resize(at_most);
+    return lowest;
+}
+
 std::vector<catalog_entry> index_memory::catalog() const {
     const auto reading = lock_.read();
     std::vector<catalog_entry> entries;

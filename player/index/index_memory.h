@@ -44,6 +44,10 @@ public:
     /// Sorted; sees each commit as a whole. All rows must have been loaded.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& guid) const;
 
+    /// The lowest keys from `first` on, sorted, at most so many. Costs one pass over all keys.
+    [[nodiscard]] std::vector<std::uint64_t> keys_from(const nuv::guid& guid, std::uint64_t first,
+                                                       std::size_t at_most) const;
+
     [[nodiscard]] std::vector<catalog_entry> catalog() const;
     [[nodiscard]] std::optional<catalog_entry> find(const nuv::guid& guid) const noexcept;
     /// A new index, not registered. One thread at a time, as with `set_retention`.

@@ -57,9 +57,17 @@ void index_service::write(const nuv::guid& index, std::uint64_t key, const void*
 
 /// That an index has never been written to is known before the records are loaded: a component that looks for its older
 /// indexes at start must not wait for a million others.
-std::vector<std::uint64_t> index_service::keys(const nuv::guid& index) const {
+bool index_service::is_known(const nuv::guid& index) const {
     const auto known = store_.indexes();
-    return std::ranges::find(known, index) == known.end() ? std::vector<std::uint64_t>{} : store_.keys(index);
+    return std::ranges::find(known, index) != known.end();
+}
+
+std::vector<std::uint64_t> index_service::keys(const nuv::guid& index) const {
+    return is_known(index) ? store_.keys(index) : std::vector<std::uint64_t>{};
+}
+
+std::vector<std::uint64_t> index_service::keys_from(const nuv::guid& index, std::uint64_t first, std::size_t at_most) const {
+    return is_known(index) ? store_.keys_from(index, first, at_most) : std::vector<std::uint64_t>{};
 }
 
 void index_service::save_now(const nuv::guid& /*index*/) { store_.flush(); }

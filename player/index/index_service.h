@@ -33,6 +33,8 @@ public:
     std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const override;
     void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override;
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const override;
+    [[nodiscard]] std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first,
+                                                       std::size_t at_most) const override;
     void save_now(const nuv::guid& index) override;
     void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
     service_base* service_query(const nuv::guid& interface_guid) noexcept override;
@@ -55,6 +57,8 @@ public:
     std::size_t drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now);
 
 private:
+    [[nodiscard]] bool is_known(const nuv::guid& index) const;
+
     index_store& store_;
     const redraw on_refresh_;
     service_uncounted_t<index_transactions_service> transactions_;

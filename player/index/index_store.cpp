@@ -105,6 +105,11 @@ std::vector<std::uint64_t> index_store::keys(const nuv::guid& index) const {
     return state_->memory.keys(index);
 }
 
+std::vector<std::uint64_t> index_store::keys_from(const nuv::guid& index, std::uint64_t first, std::size_t at_most) const {
+    state_->writer.wait_loaded();
+    return state_->memory.keys_from(index, first, at_most);
+}
+
 std::vector<nuv::guid> index_store::indexes() const {
     std::vector<nuv::guid> guids;
     for (const catalog_entry& entry : state_->memory.catalog()) guids.push_back(entry.guid);

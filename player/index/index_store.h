@@ -47,6 +47,9 @@ public:
     std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const;
     /// Keys that have a record, sorted. Waits for the database to be loaded; throws std::runtime_error when it cannot be.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const;
+    /// The lowest keys from `first` on, sorted, at most so many. Waits and throws as `keys`.
+    [[nodiscard]] std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first,
+                                                       std::size_t at_most) const;
     /// All indexes that were ever registered or written to.
     [[nodiscard]] std::vector<nuv::guid> indexes() const;
 

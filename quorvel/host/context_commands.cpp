@@ -82,7 +82,8 @@ constexpr std::array file_commands{
     context_command_entry{"Import statistics from file tags", nuv::guid_of("{2A53B4AF-858A-4EEE-95D9-06A74A444F8F}"),
                           "Imports playback statistics from file tags on the selected items.", import_tags},
     context_command_entry{"Export statistics to XML...", nuv::guid_of("{B19A8824-41E3-48E6-A054-6A97A3B29899}"),
-                          "Exports playback statistics of the selected tracks to an XML file.", open_export_dialog},
+                          "Exports playback statistics of the selected tracks to an XML file.",
+                          [](metadb_handle_list_cref items) { pcdb_export::open_export_dialog(items); }},
 };
 
 class contextmenu_playcount_1 : public context_command_table {

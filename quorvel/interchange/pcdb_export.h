@@ -1,11 +1,30 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "ostrevan/track.h"
+#include "quorvel/store/record.h"
 
-namespace quorvel {
+/// The XML statistics file: writing it and reading it back. [main-thread]
+namespace quorvel::pcdb_export {
 
-/// Opens the export dialog for a copy of the selection, without waiting for it. Throws when it cannot be opened.
-/// [main-thread]
+/// Writes the statistics file: the records of the tracks, or of every key that has a record when `tracks` is null. `path` is
+/// a path or location of the player; what stood there is replaced. `fields` is a set of `ExportFields`. Throws what the
+/// player's file system throws, and `ostrevan::exception_aborted` when the user stops it; a file left half-written stays.
+void exportToFile(const char* path, std::uint32_t fields, const ostrevan::metadb_handle_list* tracks);
+
+/// Appends the record of one key, with the tracks that have it (null for none). False, and nothing appended, when the record
+/// has none of the fields.
+bool writeEntry(std::string& out, std::uint64_t key, const t_playback_stats& record, std::uint32_t fields,
+                const ostrevan::metadb_handle_list* items);
+
+/// Opens the export dialog for the whole database, or for a copy of a selection, without waiting for it; brings an open one
+/// forward instead. Throws when it cannot be opened.
+void open_export_dialog();
 void open_export_dialog(ostrevan::metadb_handle_list_cref tracks);
 
-}  // namespace quorvel
+/// Asks for a file and opens the import dialog for it.
+void importStatistics();
+
+}  // namespace quorvel::pcdb_export

@@ -94,6 +94,14 @@ std::vector<std::uint64_t> memory_index::keys(const nuv::guid& index) const {
     return result;
 }
 
+std::vector<std::uint64_t> memory_index::keys_from(const nuv::guid& index, std::uint64_t first, std::size_t at_most) const {
+    const std::lock_guard guard(lock_);
+    std::vector<std::uint64_t> result;
+    for (auto it = blobs_.lower_bound({index, first}); it != blobs_.end() && it->first.first == index; ++it)
+        if (result.size() < at_most) result.push_back(it->first.second);
+    return result;
+}
+
 void memory_index::save_now(const nuv::guid& index) {
     if (fail_save) throw std::runtime_error("disk full");
     saves.push_back(index);

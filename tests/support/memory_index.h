@@ -41,6 +41,7 @@ public:
     std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const override;
     void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override;
     std::vector<std::uint64_t> keys(const nuv::guid& index) const override;
+    std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first, std::size_t at_most) const override;
     void save_now(const nuv::guid& index) override;
     void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
     ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override;

@@ -7,6 +7,7 @@
 #include "ostrevan/component.h"
 #include "ostrevan/core_api.h"
 #include "tests/support/memory_desk.h"
+#include "tests/support/memory_files.h"
 #include "tests/support/memory_index.h"
 #include "tests/support/memory_threads.h"
 #include "tests/support/memory_tracks.h"
@@ -33,8 +34,8 @@ public:
     ostrevan::service_uncounted_t<memory_configuration> configuration;
     ostrevan::service_uncounted_t<memory_library> library;
     ostrevan::service_uncounted_t<field_titleformat> titleformat;
-    ostrevan::service_uncounted_t<protocol_filesystem> local_files{"file://", false};
-    ostrevan::service_uncounted_t<protocol_filesystem> remote_files{"http://", true};
+    ostrevan::service_uncounted_t<memory_filesystem> local_files{"file://", false};
+    ostrevan::service_uncounted_t<memory_filesystem> remote_files{"http://", true};
     ostrevan::service_uncounted_t<recorded_tag_updates> tag_updates;
     ostrevan::service_uncounted_t<recorded_reloads> reloads;
 

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "ostrevan/filesystem.h"
 #include "ostrevan/library.h"
 #include "ostrevan/tag_update.h"
 #include "ostrevan/titleformat.h"
@@ -54,18 +53,6 @@ public:
 class field_titleformat : public ostrevan::titleformat_service {
 public:
     std::string format(ostrevan::metadb_handle& track, const char* script) const override;
-};
-
-/// Everything below one protocol.
-class protocol_filesystem : public ostrevan::filesystem {
-public:
-    protocol_filesystem(std::string prefix, bool remote) : prefix_(std::move(prefix)), remote_(remote) {}
-    bool is_our_path(const char* path) const noexcept override { return std::string_view(path).starts_with(prefix_); }
-    bool is_remote(const char*) const noexcept override { return remote_; }
-
-private:
-    std::string prefix_;
-    bool remote_;
 };
 
 /// Requests wait until the test runs them.

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <new>
+#include <string>
+#include <utility>
 
 #include "nuv/exceptions.h"
 
@@ -19,6 +21,12 @@ protected:
 class exception_service_extension_not_found : public exception_service_not_found {
 public:
     exception_service_extension_not_found() noexcept : exception_service_not_found("Service extension not found") {}
+};
+
+/// The user has asked for long work to stop.
+class exception_aborted : public nuv::fixed_exception {
+public:
+    exception_aborted() noexcept : fixed_exception("Interrupted") {}
 };
 
 }  // namespace ostrevan
@@ -44,6 +52,44 @@ public:
 class exception_io_data_truncation : public exception_io_data {
 public:
     [[nodiscard]] const char* what() const noexcept override { return "Unexpected end of file"; }
+};
+
+/// What the file system answered, with the file and the reason in the text.
+class exception_io_system : public exception_io {
+public:
+    explicit exception_io_system(std::string text) : text_(std::move(text)) {}
+    [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+
+private:
+    std::string text_;
+};
+
+/// Nobody handles the protocol of a path.
+class exception_io_no_handler_for_path : public exception_io_system {
+public:
+    using exception_io_system::exception_io_system;
+};
+/// A stream of unknown length where a length is needed.
+class exception_io_no_length : public exception_io_system {
+public:
+    using exception_io_system::exception_io_system;
+};
+class exception_io_not_found : public exception_io_system {
+public:
+    using exception_io_system::exception_io_system;
+};
+class exception_io_denied : public exception_io_system {
+public:
+    using exception_io_system::exception_io_system;
+};
+/// Another program has the file open and lets nobody else.
+class exception_io_sharing_violation : public exception_io_system {
+public:
+    using exception_io_system::exception_io_system;
+};
+class exception_io_already_exists : public exception_io_system {
+public:
+    using exception_io_system::exception_io_system;
 };
 
 }  // namespace ostrevan_io

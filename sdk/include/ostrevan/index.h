@@ -35,6 +35,10 @@ public:
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
     /// Every key that has a blob, in ascending order.
     [[nodiscard]] virtual std::vector<std::uint64_t> keys(const nuv::guid& index) const = 0;
+    /// The lowest keys from `first` on that have a blob, at most so many, in ascending order: for going through an index of
+    /// any size in portions.
+    [[nodiscard]] virtual std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first,
+                                                               std::size_t at_most) const = 0;
     /// Returns when everything committed before the call is on disk; throws when that cannot be had.
     virtual void save_now(const nuv::guid& index) = 0;
     /// Redraws everything that shows one of these keys. [main-thread]

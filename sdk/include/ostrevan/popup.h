@@ -26,6 +26,7 @@ public:
     static constexpr unsigned style_ok = 0x0;
     static constexpr unsigned style_ok_cancel = 0x1;
     static constexpr unsigned style_yes_no = 0x4;
+    static constexpr unsigned style_icon_error = 0x10;
     static constexpr unsigned style_icon_warning = 0x30;
     /// Answers.
     static constexpr unsigned answer_ok = 1;

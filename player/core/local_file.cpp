@@ -1,0 +1,96 @@
+#include "player/core/local_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "ostrevan/exceptions.h"
+
+namespace ostrevan {
+namespace {
+
+using namespace ostrevan_io;
+
+class local_file : public file {
+public:
+    local_file(std::string path, int descriptor) noexcept : path_(std::move(path)), descriptor_(descriptor) {}
+    ~local_file() override { ::close(descriptor_); }
+
+    std::optional<std::uint64_t> size() override {
+        struct stat status {};
+        if (::fstat(descriptor_, &status) != 0) fail("read");
+        if (!S_ISREG(status.st_mode)) return std::nullopt;
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+    void seek(std::uint64_t position) override {
+        if (::lseek(descriptor_, static_cast<off_t>(position), SEEK_SET) < 0) fail("read");
+    }
+    std::size_t read(void* buffer, std::size_t bytes) override {
+        auto* const start = static_cast<char*>(buffer);
+        std::size_t done = 0;
+        while (done < bytes) {
+            const auto got = ::read(descriptor_, start + done, bytes - done);
+            if (got < 0 && errno == EINTR) continue;
+            if (got < 0) fail("read");
+            if (got == 0) break;
+            done += static_cast<std::size_t>(got);
+        }
+        return done;
+    }
+    void write(const void* bytes, std::size_t size) override {
+        const auto* next = static_cast<const char*>(bytes);
+        while (size != 0) {
+            const auto written = ::write(descriptor_, next, size);
+            if (written < 0 && errno == EINTR) continue;
+            if (written <= 0) fail("written");
+            next += written;
+            size -= static_cast<std::size_t>(written);
+        }
+    }
+    void flush() override {
+        // What has no disk behind it, such as a pipe, cannot be flushed and need not be.
+        if (::fsync(descriptor_) != 0 && errno != EINVAL && errno != ENOTSUP && errno != EROFS) fail("written");
+    }
+
+private:
+    [[noreturn]] void fail(const char* done) const { throw_io_error(path_ + " cannot be " + done, errno); }
+
+    const std::string path_;
+    const int descriptor_;
+};
+
+}  // namespace
+
+[[noreturn]] void throw_io_error(const std::string& what, int error) {
+    const auto text = what + ": " + std::system_category().message(error);
+    switch (error) {
+        case ENOENT:
+        case ENOTDIR:
+            throw exception_io_not_found(text);
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            throw exception_io_denied(text);
+        case EBUSY:
+        case ETXTBSY:
+            throw exception_io_sharing_violation(text);
+        case EEXIST:
+            throw exception_io_already_exists(text);
+        default:
+            throw exception_io_system(text);
+    }
+}
+
+file_ptr open_local_file(const std::string& path, filesystem::open_mode mode) {
+    // Opening a pipe for reading would wait for somebody to write into it.
+    const int flags = mode == filesystem::open_mode::read ? O_RDONLY | O_NONBLOCK : O_WRONLY | O_CREAT | O_TRUNC;
+    constexpr mode_t everybody = 0666;  // the user's mask takes away from it
+    const int descriptor = ::open(path.c_str(), flags | O_CLOEXEC, everybody);
+    if (descriptor < 0) throw_io_error(path + " cannot be opened", errno);
+    return service_new<local_file>(path, descriptor);
+}
+
+}  // namespace ostrevan

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "ostrevan/filesystem.h"
+
+namespace ostrevan {
+
+/// A regular file of this machine. Throws as the file system's `open`; other kinds of files (folders, pipes) are refused for
+/// reading, because nothing but a regular file has a length.
+file_ptr open_local_file(const std::string& path, filesystem::open_mode mode);
+
+/// The exception of an error number: what failed, then the system's reason.
+[[noreturn]] void throw_io_error(const std::string& what, int error);
+
+}  // namespace ostrevan

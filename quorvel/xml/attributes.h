@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Vek {
+
+/// The attributes of one element, from name to value, both decoded, in no order that may be relied on. The storage of one
+/// element is used again for the next.
+class xmlAttributes {
+public:
+    using value_type = std::pair<std::string, std::string>;
+    using const_iterator = const value_type*;
+
+    /// The value, or null when there is no such attribute.
+    [[nodiscard]] const std::string* find(std::string_view name) const noexcept;
+    [[nodiscard]] std::size_t size() const noexcept { return used_; }
+    [[nodiscard]] bool empty() const noexcept { return used_ == 0; }
+    [[nodiscard]] const_iterator begin() const noexcept { return items_.data(); }
+    [[nodiscard]] const_iterator end() const noexcept { return items_.data() + used_; }
+
+    void clear() noexcept { used_ = 0; }
+    /// False when there is one of that name already.
+    bool add(std::string_view name, std::string_view value);
+
+private:
+    std::vector<value_type> items_;
+    std::size_t used_ = 0;
+};
+
+}  // namespace Vek

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace Vek {
+
+/// The text with entity and character references replaced; what is no reference stays as it is. Takes time in proportion to
+/// the length. Throws `xmlParser::error` for a zero byte and for bytes that are not UTF-8.
+[[nodiscard]] std::string decodeEntities(const char* text, std::size_t length);
+
+/// The text with `"&'<>` replaced by entities, for attribute values and element text; up to its terminating zero.
+[[nodiscard]] std::string escapeText(const char* text);
+/// The same, appended to `out`.
+void appendEscaped(std::string& out, std::string_view text);
+
+}  // namespace Vek

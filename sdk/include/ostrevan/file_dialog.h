@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "ostrevan/service.h"
+
+namespace ostrevan {
+
+/// Asks the user for a file. [main-thread]
+class file_dialog_service : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{8A4D3B0E-2D5A-47B1-9E36-5B1C0F7E4D22}");
+
+    struct query_t {
+        void* parent = nullptr;
+        /// Names and patterns in turn, separated by "|": "XML files|*.xml".
+        const char* filter = "";
+        /// Appended to a name for saving that has no extension.
+        const char* default_extension = "";
+        const char* title = "";
+        /// For writing: a file that exists is only answered when the user agrees to replace it.
+        bool save = false;
+    };
+    /// Waits for the answer; none when the user cancels.
+    virtual std::optional<std::string> ask(const query_t& query) = 0;
+};
+
+/// Asks through the player. Throws `exception_service_not_found` when the player cannot ask. [main-thread]
+std::optional<std::string> uGetOpenFileName(const file_dialog_service::query_t& query);
+
+}  // namespace ostrevan

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "ostrevan/track.h"
+
+namespace ostrevan {
+
+/// Where track handles come from. [any-thread]
+class metadb : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{2B6B7C67-7C1B-4C7B-8B52-0F5D8E2C4A16}");
+
+    /// The one handle of a location, as the user or a file names it: made when it is new to the player, without reading
+    /// anything.
+    [[nodiscard]] virtual metadb_handle_ptr handle_create(const playable_location& location) = 0;
+};
+
+}  // namespace ostrevan
