@@ -40,6 +40,11 @@ memory_player::memory_player()
                 {remote_files.class_guid, &remote_files},
                 {tag_updates.class_guid, &tag_updates},
                 {reloads.class_guid, &reloads},
+                {open_dialogs.class_guid, &open_dialogs},
+                {dialogs.class_guid, &dialogs},
+                {file_dialog.class_guid, &file_dialog},
+                {searches.class_guid, &searches},
+                {progress.class_guid, &progress},
                 {ostrevan::hash_service::class_guid, &md5_hash()},
                 {ostrevan::text_helper_service::class_guid, &text_helper()}} {
     const ostrevan::player_interface block{ostrevan::player_magic, ostrevan::interface_version, this};

@@ -7,6 +7,7 @@
 #include "ostrevan/component.h"
 #include "ostrevan/core_api.h"
 #include "tests/support/memory_desk.h"
+#include "tests/support/memory_dialogs.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/memory_index.h"
 #include "tests/support/memory_threads.h"
@@ -38,6 +39,11 @@ public:
     ostrevan::service_uncounted_t<memory_filesystem> remote_files{"http://", true};
     ostrevan::service_uncounted_t<recorded_tag_updates> tag_updates;
     ostrevan::service_uncounted_t<recorded_reloads> reloads;
+    ostrevan::service_uncounted_t<memory_dialog_registry> open_dialogs;
+    ostrevan::service_uncounted_t<memory_dialogs> dialogs{open_dialogs};
+    ostrevan::service_uncounted_t<recorded_file_questions> file_dialog;
+    ostrevan::service_uncounted_t<recorded_searches> searches;
+    ostrevan::service_uncounted_t<recorded_progress> progress;
 
     std::atomic<bool> shutting_down = false;
     bool quiet = false;
