@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,12 +24,19 @@ public:
     [[nodiscard]] const_iterator end() const noexcept { return items_.data() + used_; }
 
     void clear() noexcept { used_ = 0; }
-    /// False when there is one of that name already.
+    /// False, and nothing added, when there is one of that name already. The texts are copied. Takes constant time.
     bool add(std::string_view name, std::string_view value);
+    void remove_if(bool (*unwanted)(const value_type&));
 
 private:
-    std::vector<value_type> items_;
+    /// Enters the names into `slots_`, if there are so many that it is worth it.
+    void index();
+    /// Where the name stands in `slots_`, or the free slot where it belongs.
+    [[nodiscard]] std::size_t slot_of(std::string_view name) const noexcept;
+
+    std::vector<value_type> items_;  ///< those behind the first `used_` lend their memory
     std::size_t used_ = 0;
+    std::vector<std::uint32_t> slots_;  ///< a hash table of positions in `items_`, counted from 1
 };
 
 }  // namespace Vek

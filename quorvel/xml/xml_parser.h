@@ -34,8 +34,6 @@ public:
         error() : invalid_input("XML error") {}
     };
 
-    virtual ~xmlParser() = default;
-
     /// Calls the functions below in document order and returns at the end of the buffer. `parent` is empty at the top level;
     /// inside an element it is the context that its `onElem` received. Throws `error` at the first mistake, and whatever the
     /// functions throw; the calls made before it stand.
@@ -52,6 +50,8 @@ public:
     /// Whether the content of elements of this name is opaque and ends at the first literal end tag. `length` is that of the
     /// buffer, `position` where the content starts in it.
     virtual bool isRawContent(const char* /*name*/, std::size_t /*length*/, std::size_t /*position*/) { return false; }
+
+    virtual ~xmlParser() = default;
 };
 
 }  // namespace Vek
