@@ -38,6 +38,7 @@ private:
     }
     void add_library();
     void add_track_commands();
+    void add_menus();
     void add_playlists();
     void add_index();
     void split_context_words();
@@ -58,6 +59,7 @@ private:
     show_properties properties_;
     edit_tags edit_;
     std::vector<std::string> assignments_;
+    main_menu menu_;
     context_menu context_;
     std::vector<std::string> context_words_;
     show_settings settings_;
@@ -135,6 +137,12 @@ void command_line::add_track_commands() {
             throw CLI::ValidationError("edit", "say what to do: --set or --remove");
         result_.chosen = edit_;
     });
+}
+
+void command_line::add_menus() {
+    auto* const menu = add(app_, "menu", "List the main menu, or run one command", menu_examples);
+    menu->add_option("PATH", menu_.command, "A menu path or {GUID}");
+    choose(menu, menu_);
 
     auto* const context = add(app_, "context", "List the context menu of a selection, or run one command", context_examples);
     context->add_option("PATH", context_words_, "A menu path or {GUID}, then the tracks");
@@ -207,6 +215,7 @@ command_line::command_line() {
     app_.require_subcommand(1);
     add_library();
     add_track_commands();
+    add_menus();
     add_playlists();
     add_index();
 }

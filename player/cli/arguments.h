@@ -46,6 +46,9 @@ struct edit_tags {
     std::vector<std::pair<std::string, std::string>> set;
     std::vector<std::string> remove;
 };
+struct main_menu {
+    std::optional<std::string> command;
+};
 struct context_menu {
     std::optional<std::string> command;
     track_arguments tracks;
@@ -73,9 +76,10 @@ struct index_dump {
 };
 struct list_components {};
 
-using command = std::variant<library_add, library_remove, library_rescan, library_folders, list_tracks, play_tracks,
-                             format_tracks, show_properties, edit_tags, context_menu, show_settings, playlist_list,
-                             playlist_show, playlist_create, playlist_remove, show_keys, index_dump, list_components>;
+using command =
+    std::variant<library_add, library_remove, library_rescan, library_folders, list_tracks, play_tracks, format_tracks,
+                 show_properties, edit_tags, main_menu, context_menu, show_settings, playlist_list, playlist_show,
+                 playlist_create, playlist_remove, show_keys, index_dump, list_components>;
 
 struct arguments {
     std::string profile;

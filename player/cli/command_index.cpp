@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <iostream>
 
-#include "ostrevan/component_version.h"
 #include "player/cli/commands.h"
 #include "player/cli/exit_status.h"
 #include "player/cli/key_text.h"
@@ -62,15 +61,9 @@ void run(run_context& context, const index_dump& arguments) {
 void run(run_context& context, const list_components& /*arguments*/) {
     table out({{"Name"}, {"Version"}, {"File"}});
     for (const auto& component : context.player.components()) {
-        std::vector<std::string> row{"", "", component.path};
-        for (std::size_t i = 0; i < component.api->service_count(); ++i) {
-            const auto entry = component.api->service_at(i);
-            if (entry.service_class != component_version::class_guid) continue;
-            const auto& version = static_cast<const component_version&>(*entry.service);
-            row[0] = version.name();
-            row[1] = version.version();
-        }
-        out.add_row(std::move(row));
+        const auto* const version = version_of(component);
+        out.add_row(
+            {version != nullptr ? version->name() : "", version != nullptr ? version->version() : "", component.path});
     }
     std::cout << out.text(0);
 }

@@ -5,8 +5,7 @@
 #include "player/cli/commands.h"
 #include "player/cli/exit_status.h"
 #include "player/cli/key_text.h"
-#include "player/cli/table.h"
-#include "player/front/columns.h"
+#include "player/front/track_listing.h"
 #include "player/front/track_selection.h"
 
 namespace ostrevan::cli {
@@ -23,24 +22,6 @@ std::vector<front::column> columns_of(const run_context& context, const std::vec
         throw usage_error(error.what());
     }
     return chosen;
-}
-
-void print_table(const run_context& context, const metadb_handle_list& tracks, const std::vector<front::column>& columns) {
-    std::vector<table::column> heads;
-    std::vector<titleformat::script> scripts;
-    for (const auto& column : columns) {
-        heads.push_back({column.name, column.align_right});
-        scripts.push_back(titleformat::compile(column.display_script));
-    }
-    table out(std::move(heads));
-    for (const auto& track : tracks) {
-        const titleformat::track_fields fields(context.player.fields(), *track);
-        std::vector<std::string> cells;
-        cells.reserve(scripts.size());
-        for (const auto& script : scripts) cells.push_back(script.run(fields).text);
-        out.add_row(std::move(cells));
-    }
-    std::cout << out.text(terminal_width());
 }
 
 void print_lines(const run_context& context, const metadb_handle_list& tracks, const std::string& format) {
@@ -84,7 +65,7 @@ void run(run_context& context, const list_tracks& arguments) {
     const auto tracks = front::find_tracks(context.player, arguments.query);
     if (arguments.json) print_json(context, tracks);
     else if (arguments.format) print_lines(context, tracks, *arguments.format);
-    else print_table(context, tracks, columns);
+    else context.screen.show_listing(front::listing_of(tracks, columns, context.player.fields()));
     if (tracks.empty() && !context.player.library().is_enabled())
         context.screen.note("The library is empty: add a folder with 'ostrevan library add FOLDER'.");
 }

@@ -49,6 +49,13 @@ inline constexpr const char* edit_examples =
     "  ostrevan edit ~/Music/song.flac --set 'title=New name' --remove comment\n"
     "  ostrevan edit --where '%artist% IS Bjork' --set artist=Björk";
 
+inline constexpr const char* menu_examples =
+    "Examples:\n"
+    "  ostrevan menu\n"
+    "  ostrevan menu 'Library/Playback Statistics/Show recently played'\n"
+    "  ostrevan menu 'Library/Playback Statistics/Monitor playing tracks'\n"
+    "Without a path, prints the menu with marks and greyed entries.";
+
 inline constexpr const char* context_examples =
     "Examples:\n"
     "  ostrevan context song.flac\n"

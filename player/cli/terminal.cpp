@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "player/cli/table.h"
 #include "player/front/interrupt.h"
 
 namespace ostrevan::cli {
@@ -117,6 +118,8 @@ std::optional<bool> terminal::ask_on_terminal(const std::string& prompt) {
 unsigned terminal::ask(const popup_message_v3::query_t& query) {
     const auto& choice = buttons_of(query.style);
     write_line(query.title + ": " + query.text);
+    constexpr unsigned icon_mask = 0xF0;
+    if ((query.style & icon_mask) == popup_message_v3::style_icon_error) failed_ = true;
     if (choice.yes == choice.no) return choice.yes;
 
     auto answer = answer_;
@@ -125,6 +128,15 @@ unsigned terminal::ask(const popup_message_v3::query_t& query) {
     if (answer.value_or(false)) return choice.yes;
     declined_ = true;
     return choice.no;
+}
+
+void terminal::show_listing(const front::track_listing& listing) {
+    std::vector<table::column> heads;
+    for (const auto& column : listing.columns) heads.push_back({column.name, column.align_right});
+    table out(std::move(heads));
+    for (const auto& row : listing.rows) out.add_row(row);
+    end_progress();
+    std::cout << out.text(terminal_width());
 }
 
 void terminal::show_progress(const std::string& what, std::size_t done, std::size_t total) {

@@ -17,6 +17,7 @@ public:
     void print_line(const std::string& line) override;
     void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) override;
     unsigned ask(const popup_message_v3::query_t& query) override;
+    void show_listing(const front::track_listing& listing) override;
     void show_progress(const std::string& what, std::size_t done, std::size_t total) override;
     void end_progress() override;
     void beep() override;

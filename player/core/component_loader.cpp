@@ -75,4 +75,18 @@ std::vector<loaded_component> load_components(const std::string& folder, const p
     return loaded;
 }
 
+const component_version* version_of(const loaded_component& component) {
+    for (std::size_t i = 0; i < component.api->service_count(); ++i) {
+        const auto entry = component.api->service_at(i);
+        if (entry.service_class == component_version::class_guid)
+            return static_cast<const component_version*>(entry.service);
+    }
+    return nullptr;
+}
+
+std::string name_of(const loaded_component& component) {
+    const auto* const version = version_of(component);
+    return version != nullptr ? version->name() : std::filesystem::path(component.path).stem().string();
+}
+
 }  // namespace ostrevan

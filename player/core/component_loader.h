@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ostrevan/component.h"
+#include "ostrevan/component_version.h"
 
 namespace ostrevan {
 
@@ -22,5 +23,10 @@ loaded_component load_component(const std::string& path, const player_interface&
 /// reported and the rest go on. A folder that is not there is an empty one.
 std::vector<loaded_component> load_components(const std::string& folder, const player_interface& player,
                                               const std::function<void(const std::string& message)>& on_failure);
+
+/// What a component says of itself; null when it says nothing. [main-thread]
+const component_version* version_of(const loaded_component& component);
+/// Its title, or else the name of its file. [main-thread]
+std::string name_of(const loaded_component& component);
 
 }  // namespace ostrevan

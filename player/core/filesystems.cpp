@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <string>
-#include <string_view>
 
 #include "nuv/text.h"
 #include "ostrevan/exceptions.h"
@@ -23,11 +21,6 @@ std::string_view protocol_of(std::string_view path) noexcept {
     return end == std::string_view::npos ? std::string_view{} : path.substr(0, end);
 }
 
-std::string local_path(std::string_view path) {
-    const auto protocol = protocol_of(path);
-    return std::string(protocol.empty() ? path : path.substr(protocol.size() + std::string_view("://").size()));
-}
-
 [[noreturn]] void not_spoken(const char* path) {
     throw ostrevan_io::exception_io_no_handler_for_path(std::string(path) +
                                                         ": this player reaches no files over the network");
@@ -35,10 +28,17 @@ std::string local_path(std::string_view path) {
 
 }  // namespace
 
-bool local_filesystem::is_our_path(const char* path) const noexcept {
+bool is_local_path(std::string_view path) noexcept {
     const auto protocol = protocol_of(path);
     return protocol.empty() || nuv::equal_ascii_nocase(protocol, "file");
 }
+
+std::string local_path(std::string_view path) {
+    const auto protocol = protocol_of(path);
+    return std::string(protocol.empty() ? path : path.substr(protocol.size() + std::string_view("://").size()));
+}
+
+bool local_filesystem::is_our_path(const char* path) const noexcept { return is_local_path(path); }
 
 bool network_filesystem::is_our_path(const char* path) const noexcept {
     return std::ranges::any_of(network_protocols,

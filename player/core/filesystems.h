@@ -1,8 +1,16 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "ostrevan/filesystem.h"
 
 namespace ostrevan {
+
+/// Whether a path leads to a file of this machine: one without a protocol, or with `file://`. [any-thread]
+bool is_local_path(std::string_view path) noexcept;
+/// Such a path without the protocol. [any-thread]
+std::string local_path(std::string_view path);
 
 /// Files of this machine: paths without a protocol, and `file://`.
 class local_filesystem : public filesystem {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ostrevan/popup.h"
+#include "player/front/track_listing.h"
 
 namespace ostrevan::front {
 
@@ -19,6 +20,9 @@ public:
     virtual void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) = 0;
     /// Asks, and answers with one of the answers of `popup_message_v3`.
     virtual unsigned ask(const popup_message_v3::query_t& query) = 0;
+
+    /// A list of tracks that the user has asked for.
+    virtual void show_listing(const track_listing& listing) = 0;
 
     /// Progress of long work, in whatever unit `total` counts; 0 when the whole is not known yet. Cheap to call often.
     virtual void show_progress(const std::string& what, std::size_t done, std::size_t total) = 0;

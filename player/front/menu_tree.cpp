@@ -8,7 +8,14 @@
 namespace ostrevan::front {
 namespace {
 
-/// The submenu at a default path, made where it is missing.
+std::string names_of(const std::vector<menu_entry>& level) {
+    std::string names;
+    for (const auto& entry : level) names += (names.empty() ? "" : ", ") + entry.text;
+    return names.empty() ? "nothing" : names;
+}
+
+}  // namespace
+
 std::vector<menu_entry>& submenu_at(std::vector<menu_entry>& menu, std::string_view path) {
     auto* level = &menu;
     while (!path.empty()) {
@@ -20,56 +27,6 @@ std::vector<menu_entry>& submenu_at(std::vector<menu_entry>& menu, std::string_v
         level = &it->children;
     }
     return *level;
-}
-
-/// A component's own submenu. `owner` keeps the root alive as long as any entry that runs one of its nodes.
-bool append_node(std::vector<menu_entry>& level, const std::shared_ptr<context_menu_node>& owner, context_menu_node& node) {
-    context_menu_node::display_t display;
-    if (!node.get_display(display)) return false;
-    menu_entry entry{.text = display.text, .flags = display.flags, .id = node.id(), .description = node.description()};
-    for (std::size_t i = 0; i < node.child_count(); ++i) append_node(entry.children, owner, node.child(i));
-    if (entry.children.empty()) entry.run = [owner, &node] { node.execute(); };
-    level.push_back(std::move(entry));
-    return true;
-}
-
-void append_item(std::vector<menu_entry>& menu, context_menu_item& item, std::size_t index, metadb_handle_list_cref tracks) {
-    auto& level = submenu_at(menu, item.get_item_default_path(index));
-    if (auto root = std::shared_ptr(item.make_node(index, tracks, context_caller::selection))) {
-        if (append_node(level, root, *root)) level.back().id = item.get_item_guid(index);
-        return;
-    }
-    menu_entry entry{.id = item.get_item_guid(index)};
-    context_menu_node::display_t display;
-    if (!item.item_get_display_data(display, index, tracks, context_caller::selection)) return;
-    entry.text = display.text;
-    entry.flags = display.flags;
-    item.get_item_description(index, entry.description);
-    entry.run = [&item, index, &tracks] { item.context_command(index, tracks, context_caller::selection); };
-    level.push_back(std::move(entry));
-}
-
-std::string names_of(const std::vector<menu_entry>& level) {
-    std::string names;
-    for (const auto& entry : level) names += (names.empty() ? "" : ", ") + entry.text;
-    return names.empty() ? "nothing" : names;
-}
-
-bool has_node(context_menu_node& node, const nuv::guid& id) {
-    if (node.id() == id && node.child_count() == 0) return true;
-    for (std::size_t i = 0; i < node.child_count(); ++i)
-        if (has_node(node.child(i), id)) return true;
-    return false;
-}
-
-}  // namespace
-
-std::vector<menu_entry> context_menu_for(const service_registry& services, metadb_handle_list_cref tracks) {
-    std::vector<menu_entry> menu;
-    services.for_each<context_menu_item>([&](context_menu_item& item) {
-        for (std::size_t i = 0; i < item.get_item_count(); ++i) append_item(menu, item, i, tracks);
-    });
-    return menu;
 }
 
 const menu_entry& find_command(const std::vector<menu_entry>& menu, std::string_view path) {
@@ -92,22 +49,12 @@ const menu_entry& find_command(const std::vector<menu_entry>& menu, std::string_
     }
 }
 
-bool run_command(const service_registry& services, const nuv::guid& id, metadb_handle_list_cref tracks) {
-    const metadb_handle_list nothing;
-    for (std::size_t s = 0, n = services.count(context_menu_item::class_guid); s < n; ++s) {
-        auto& item = static_cast<context_menu_item&>(*services.at(context_menu_item::class_guid, s));
-        for (std::size_t i = 0; i < item.get_item_count(); ++i) {
-            if (const auto root = item.make_node(i, nothing, context_caller::command_enumeration)) {
-                if (!has_node(*root, id)) continue;
-                item.context_command_by_node(i, id, tracks, context_caller::selection);
-                return true;
-            }
-            if (item.get_item_guid(i) != id) continue;
-            item.context_command(i, tracks, context_caller::selection);
-            return true;
-        }
+const menu_entry* find_command(const std::vector<menu_entry>& menu, const nuv::guid& id) {
+    for (const auto& entry : menu) {
+        if (entry.run && entry.id == id) return &entry;
+        if (const auto* const found = find_command(entry.children, id)) return found;
     }
-    return false;
+    return nullptr;
 }
 
 }  // namespace ostrevan::front

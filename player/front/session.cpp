@@ -16,9 +16,12 @@
 #include "player/core/thread_services.h"
 #include "player/front/clipboard_file.h"
 #include "player/front/component_start.h"
+#include "player/front/library_search.h"
 #include "player/front/library_services.h"
 #include "player/front/popup_service.h"
+#include "player/front/progress_display.h"
 #include "player/front/tag_updates.h"
+#include "player/front/track_services.h"
 #include "player/tags/reader.h"
 #include "player/titleformat/titleformat_service_impl.h"
 
@@ -85,6 +88,11 @@ struct session::parts {
     service_uncounted_t<clipboard_file> clipboard;
     service_uncounted_t<tag_updates> tag_update{loop, ui, [this](const auto& files) { publish_rewritten(files); }};
     service_uncounted_t<info_reloads> reload{loop, ui, services, library, tracks};
+    service_uncounted_t<metadb_impl> handles{tracks};
+    service_uncounted_t<playlist_manager_impl> playlists{loop, library.playlists(), tracks};
+    service_uncounted_t<input_entry_impl> decoders;
+    service_uncounted_t<library_search_impl> search{loop, ui, services, library, fields};
+    service_uncounted_t<progress_service_impl> progress{loop, ui};
 
     std::vector<loaded_component> components;
 };
@@ -125,6 +133,11 @@ session::session(const session_options& options, front_end& ui) : parts_(std::ma
     services.add<clipboard_service>(p.clipboard);
     services.add<tag_update_service>(p.tag_update);
     services.add<info_reload_service>(p.reload);
+    services.add<metadb>(p.handles);
+    services.add<playlist_manager>(p.playlists);
+    services.add<input_entry>(p.decoders);
+    services.add<library_search>(p.search);
+    services.add<progress_service>(p.progress);
 
     const auto report = [&p](const std::string& message) { p.report(message); };
     p.components = load_components(options.components, p.block, report);

@@ -1,33 +1,16 @@
 #include "player/front/track_selection.h"
 
 #include <algorithm>
-#include <charconv>
-#include <ctime>
 #include <filesystem>
 #include <stdexcept>
 
+#include "player/front/library_search.h"
+#include "player/front/locations.h"
 #include "player/library/read_files.h"
-#include "player/query/sort.h"
 #include "player/tags/reader.h"
 
 namespace ostrevan::front {
 namespace {
-
-query::query_clock clock_now() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    ::localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    return query::query_clock::at(text);
-}
-
-std::string absolute(const std::string& path) {
-    if (path.find("://") != std::string::npos) return path;
-    auto normal = std::filesystem::absolute(path).lexically_normal();
-    if (!normal.has_filename()) normal = normal.parent_path();
-    return normal.string();
-}
 
 /// The items of the library are in order of their paths; these are those of one file.
 auto items_of_file(const std::vector<library::track_ptr>& items, const std::string& path) {
@@ -57,7 +40,7 @@ std::vector<library::track_ptr> read_from_disk(session& player, const std::strin
 
 void append_tracks_at(session& player, const std::string& place, std::vector<metadb_handle_ptr>& out) {
     const auto named = parse_location(place);
-    const auto path = absolute(named.path);
+    const auto path = normal_path(named.path);
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) return append_tracks_below(player, path, out);
 
@@ -71,36 +54,8 @@ void append_tracks_at(session& player, const std::string& place, std::vector<met
 
 }  // namespace
 
-metadb_handle_list find_tracks(session& player, const std::string& text) {
-    const auto wanted = query::parse(text);
-    const auto now = clock_now();
-    std::vector<metadb_handle_ptr> found;
-    for (const auto& track : player.library().items())
-        if (wanted.matches(titleformat::track_fields(player.fields(), *track), now)) found.emplace_back(track);
-
-    if (!wanted.sort()) return metadb_handle_list(std::move(found));
-
-    std::vector<query::sort_entry> entries;
-    entries.reserve(found.size());
-    for (std::size_t i = 0; i < found.size(); ++i)
-        entries.push_back(query::entry_of(*wanted.sort(), i, titleformat::track_fields(player.fields(), *found[i])));
-    query::sort_naturally(entries, wanted.sort()->descending);
-    metadb_handle_list sorted;
-    sorted.items().reserve(found.size());
-    for (const auto& entry : entries) sorted.items().push_back(found[entry.index]);
-    return sorted;
-}
-
-playable_location parse_location(std::string_view text) {
-    std::error_code error;
-    const auto bar = text.rfind('|');
-    if (bar == std::string_view::npos || std::filesystem::exists(std::filesystem::path(text), error))
-        return {std::string(text), 0};
-    std::uint32_t subsong = 0;
-    const auto digits = text.substr(bar + 1);
-    const auto [end, problem] = std::from_chars(digits.data(), digits.data() + digits.size(), subsong);
-    if (problem != std::errc() || end != digits.data() + digits.size() || digits.empty()) return {std::string(text), 0};
-    return {std::string(text.substr(0, bar)), subsong};
+metadb_handle_list find_tracks(session& player, const std::string& query) {
+    return find_tracks(player.library(), player.fields(), query);
 }
 
 metadb_handle_list tracks_at(session& player, const std::vector<std::string>& places) {

@@ -1,0 +1,41 @@
+#include "player/cli/menu_output.h"
+
+#include <iostream>
+#include <stdexcept>
+
+#include "player/cli/exit_status.h"
+
+namespace ostrevan::cli {
+namespace {
+
+const char* mark_of(const front::menu_entry& entry) {
+    if (!entry.is_checked) return "";
+    return entry.is_radio ? " (*)" : " [x]";
+}
+
+void print_level(const std::vector<front::menu_entry>& level, std::size_t depth) {
+    for (const auto& entry : level) {
+        std::cout << std::string(2 * depth, ' ') << entry.text << (entry.run ? "" : "/") << mark_of(entry)
+                  << (entry.is_enabled ? "" : " (greyed)") << '\n';
+        print_level(entry.children, depth + 1);
+    }
+}
+
+}  // namespace
+
+void print_menu(const std::vector<front::menu_entry>& menu) { print_level(menu, 0); }
+
+const front::menu_entry& command_at(const std::vector<front::menu_entry>& menu, const std::string& path) {
+    try {
+        return front::find_command(menu, path);
+    } catch (const std::invalid_argument& error) {
+        throw usage_error(error.what());
+    }
+}
+
+void run_entry(const front::menu_entry& entry, const char* when) {
+    if (!entry.is_enabled) throw std::runtime_error("\"" + entry.text + "\" is greyed " + when + ".");
+    entry.run();
+}
+
+}  // namespace ostrevan::cli

@@ -1,0 +1,52 @@
+#include "player/front/library_search.h"
+
+#include <ctime>
+#include <stdexcept>
+
+#include "player/front/track_listing.h"
+#include "player/query/query.h"
+#include "player/query/sort.h"
+
+namespace ostrevan::front {
+namespace {
+
+query::query_clock clock_now() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
+    return query::query_clock::at(text);
+}
+
+}  // namespace
+
+metadb_handle_list find_tracks(const library::media_library& library, const titleformat::component_fields& fields,
+                               const std::string& text) {
+    const auto wanted = query::parse(text);
+    const auto now = clock_now();
+    std::vector<metadb_handle_ptr> found;
+    for (const auto& track : library.items())
+        if (wanted.matches(titleformat::track_fields(fields, *track), now)) found.emplace_back(track);
+
+    if (!wanted.sort()) return metadb_handle_list(std::move(found));
+
+    std::vector<query::sort_entry> entries;
+    entries.reserve(found.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        entries.push_back(query::entry_of(*wanted.sort(), i, titleformat::track_fields(fields, *found[i])));
+    query::sort_naturally(entries, wanted.sort()->descending);
+    metadb_handle_list sorted;
+    sorted.items().reserve(found.size());
+    for (const auto& entry : entries) sorted.items().push_back(found[entry.index]);
+    return sorted;
+}
+
+void library_search_impl::show(const char* query) {
+    check_main_thread(loop_, "library_search::show");
+    if (!library_.is_enabled())
+        throw std::runtime_error("The library has no folder yet: add one with 'ostrevan library add FOLDER'.");
+    ui_.show_listing(listing_of(find_tracks(library_, fields_, query), default_columns(services_), fields_));
+}
+
+}  // namespace ostrevan::front
