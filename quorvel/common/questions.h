@@ -14,4 +14,8 @@ inline constexpr const char* message_title = "Playback Statistics";
 /// the player ends first. `style` is a message-box style. Throws when the player cannot ask. [main-thread]
 void ask(std::string text, std::string title, unsigned style, std::function<void(unsigned answer)> reply);
 
+/// Tells the user that a command has failed, in a message box of the player titled "Information", and returns at once; where
+/// the player has none, in a plain message or on the console. [main-thread]
+void report_failure(const std::string& text);
+
 }  // namespace quorvel

@@ -16,6 +16,7 @@
 #include "quorvel/common/questions.h"
 #include "quorvel/common/settings.h"
 #include "quorvel/common/shared_tracks.h"
+#include "quorvel/platform/beep.h"
 #include "quorvel/platform/clipboard.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/tag_sync.h"
@@ -155,7 +156,7 @@ bool pasteStatistics(metadb_handle_list_cref tracks) {
     }
     auto pasted = room_for(count);
     if (!pasted) {
-        clipboard::beep();
+        beep();
         return false;
     }
     for (std::uint32_t i = 0; i < count; ++i) pasted->push_back(reader.read_record());

@@ -9,15 +9,18 @@
 /// The XML statistics file: writing it and reading it back. [main-thread]
 namespace quorvel::pcdb_export {
 
+using track_list = nuv::list_base_const_t<ostrevan::metadb_handle_ptr>;
+
 /// Writes the statistics file: the records of the tracks, or of every key that has a record when `tracks` is null. `path` is
-/// a path or location of the player; what stood there is replaced. `fields` is a set of `ExportFields`. Throws what the
-/// player's file system throws, and `ostrevan::exception_aborted` when the user stops it; a file left half-written stays.
-void exportToFile(const char* path, std::uint32_t fields, const ostrevan::metadb_handle_list* tracks);
+/// a path or location of the player; what stood there is replaced, and is on the disk when this returns. `fields` is a set
+/// of `ExportFields`. Throws what the player's file system throws, and `ostrevan::exception_aborted` when the user stops it;
+/// a file left half-written stays.
+void exportToFile(const char* path, std::uint32_t fields, const track_list* tracks);
 
 /// Appends the record of one key, with the tracks that have it (null for none). False, and nothing appended, when the record
 /// has none of the fields.
 bool writeEntry(std::string& out, std::uint64_t key, const t_playback_stats& record, std::uint32_t fields,
-                const ostrevan::metadb_handle_list* items);
+                const track_list* items);
 
 /// Opens the export dialog for the whole database, or for a copy of a selection, without waiting for it; brings an open one
 /// forward instead. Throws when it cannot be opened.

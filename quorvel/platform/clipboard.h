@@ -20,7 +20,4 @@ void set(const char* format, std::span<const std::uint8_t> bytes);
 /// none or it cannot be read.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> get(const char* format);
 
-/// The system's default beep.
-void beep();
-
 }  // namespace quorvel::clipboard

@@ -23,8 +23,4 @@ std::optional<std::vector<std::uint8_t>> get(const char* format) {
     return bytes;
 }
 
-void beep() {
-    if (const auto service = ostrevan::find_service<ostrevan::beep_service>()) service->beep();
-}
-
 }  // namespace quorvel::clipboard

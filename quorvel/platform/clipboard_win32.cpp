@@ -96,6 +96,4 @@ std::optional<std::vector<std::uint8_t>> get(const char* format) {
     return bytes;
 }
 
-void beep() { MessageBeep(MB_OK); }
-
 }  // namespace quorvel::clipboard

@@ -44,6 +44,11 @@ std::vector<std::uint64_t> PCDB::Keys() {
     return index == nullptr ? std::vector<std::uint64_t>{} : index->keys(statistics_index_guid);
 }
 
+std::vector<std::uint64_t> PCDB::KeysFrom(std::uint64_t first, std::size_t at_most) {
+    const auto* const index = opened_index();
+    return index == nullptr ? std::vector<std::uint64_t>{} : index->keys_from(statistics_index_guid, first, at_most);
+}
+
 void PCDB::Update(std::uint64_t key, const Edit& edit) {
     ostrevan::core_api::ensure_main_thread();
     StatsOp op;

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] static t_playback_stats GetByKey(std::uint64_t key) noexcept;
     /// Every key that has a record, in ascending order. [any-thread]
     [[nodiscard]] static std::vector<std::uint64_t> Keys();
+    /// The lowest of them from `first` on, at most so many. [any-thread]
+    [[nodiscard]] static std::vector<std::uint64_t> KeysFrom(std::uint64_t first, std::size_t at_most);
 
     /// `edit` may be called twice, and the second time with another record.
     static void Update(std::uint64_t key, const Edit& edit);

@@ -1,0 +1,125 @@
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "ostrevan/core_api.h"
+#include "ostrevan/file_dialog.h"
+#include "ostrevan/library.h"
+#include "quorvel/common/questions.h"
+#include "quorvel/common/shared_tracks.h"
+#include "quorvel/interchange/field_boxes.h"
+#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/platform/beep.h"
+#include "quorvel/platform/dialog.h"
+
+namespace quorvel::pcdb_export {
+namespace {
+
+using ostrevan::dialog_control;
+using ostrevan::dialog_control_kind;
+using ostrevan::dialog_window;
+
+constexpr const char* export_title = "Export Playback Statistics";
+
+constexpr int type_separator = 1001;
+constexpr int library_only = 1003;
+constexpr int full_backup = 1004;
+
+constexpr auto selection_controls = controls_for_fields("Fields to export");
+constexpr auto database_controls = [] {
+    constexpr std::array type_controls{
+        dialog_control{type_separator, dialog_control_kind::separator, "Export type"},
+        dialog_control{library_only, dialog_control_kind::radio_button, "Statistics of current Media Library content only"},
+        dialog_control{full_backup, dialog_control_kind::radio_button, "Full backup"},
+    };
+    std::array<dialog_control, type_controls.size() + selection_controls.size()> controls{};
+    std::ranges::copy(selection_controls, std::ranges::copy(type_controls, controls.begin()).out);
+    return controls;
+}();
+
+constexpr ostrevan::dialog_layout selection_layout{export_title, dialog_font, dialog_font_points, selection_controls};
+constexpr ostrevan::dialog_layout database_layout{export_title, dialog_font, dialog_font_points, database_controls};
+
+std::optional<std::string> ask_for_destination(const dialog_window& window) {
+    return ostrevan::uGetOpenFileName({.parent = window.native(),
+                                       .filter = "XML files|*.xml",
+                                       .default_extension = "xml",
+                                       .title = export_title,
+                                       .save = true});
+}
+
+void report(const std::string& reason) { report_failure("Playback statistics export failure: " + reason); }
+
+class export_dialog : public ostrevan::dialog_rules {
+public:
+    /// `selection` is empty for the whole database.
+    explicit export_dialog(shared_tracks selection) noexcept : selection_(std::move(selection)) {}
+
+    const ostrevan::dialog_layout& layout() const noexcept override {
+        return selection_ ? selection_layout : database_layout;
+    }
+
+    void on_open(dialog_window& window) override {
+        check_all_fields(window);
+        if (selection_) return;
+        const auto library = ostrevan::find_service<ostrevan::library_manager>();
+        const bool has_library = library && library->is_library_enabled();
+        window.set_checked(has_library ? library_only : full_backup, true);
+        if (!has_library) window.set_enabled(library_only, false);
+    }
+
+    void on_button(dialog_window& window, int id) override {
+        if (id == ostrevan::dialog_cancel) window.close();
+        if (id == ostrevan::dialog_ok) export_as_chosen(window);
+    }
+
+private:
+    void export_as_chosen(dialog_window& window) const {
+        const auto fields = checked_fields(window);
+        if (fields == 0) return beep();
+        std::optional<std::string> path;
+        try {
+            path = ask_for_destination(window);
+            if (!path) return;
+            exportToFile(path->c_str(), fields, chosen_tracks(window).get());
+        } catch (const ostrevan::exception_aborted& e) {
+            report(std::string(e.what()) + ". The file is incomplete: " + *path);
+        } catch (const std::exception& e) {
+            report(e.what());
+        }
+        window.close();
+    }
+
+    /// Empty for everything.
+    [[nodiscard]] shared_tracks chosen_tracks(const dialog_window& window) const {
+        if (selection_) return selection_;
+        if (window.is_checked(full_backup)) return {};
+        ostrevan::metadb_handle_list tracks;
+        ostrevan::get_service<ostrevan::library_manager>()->get_all_items(tracks);
+        return std::make_shared<const ostrevan::metadb_handle_list>(std::move(tracks));
+    }
+
+    shared_tracks selection_;
+};
+
+/// True when another dialog is open; it is brought forward.
+bool another_is_open() {
+    if (ostrevan::ModalDialog_CanCreateNew()) return false;
+    ostrevan::ModalDialog_PokeExisting();
+    return true;
+}
+
+}  // namespace
+
+void open_export_dialog() {
+    if (!another_is_open()) open_dialog(ostrevan::service_new<export_dialog>(nullptr));
+}
+
+void open_export_dialog(ostrevan::metadb_handle_list_cref tracks) {
+    if (!another_is_open()) open_dialog(ostrevan::service_new<export_dialog>(share_tracks(tracks)));
+}
+
+}  // namespace quorvel::pcdb_export
