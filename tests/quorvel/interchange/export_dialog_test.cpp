@@ -1,0 +1,139 @@
+#include "quorvel/interchange/pcdb_export.h"
+#include "tests/support/statistics_test.h"
+
+namespace {
+
+using quorvel::pcdb_export::open_export_dialog;
+
+constexpr int ok = 1, cancel = 2, library_only = 1003, full_backup = 1004, times_played = 1005, rating = 1009;
+
+/// Shows messages and asks nothing.
+class plain_popups : public ostrevan::popup_message {
+public:
+    std::vector<support::shown_message> messages;
+    void show(const char* text, const char* title, icon_t icon) override { messages.push_back({text, title, icon}); }
+};
+
+class export_dialog : public support::statistics_test {
+protected:
+    ostrevan::metadb_handle_list tracks = support::make_tracks(2);
+
+    export_dialog() {
+        player.library.items = {tracks[0]};
+        for (const auto& track : tracks) put(track, {.play_count = 3, .rating = 63});
+        player.file_dialog.answer = "/out.xml";
+    }
+    /// How many records are in the file that OK writes.
+    std::size_t records_after_ok() {
+        player.dialogs.press(ok);
+        EXPECT_FALSE(player.dialogs.is_open());
+        const auto& text = player.local_files.files.at("/out.xml");
+        return static_cast<std::size_t>(std::ranges::count(text, '\n')) / 2;
+    }
+};
+
+TEST_F(export_dialog, looks_as_the_library_and_the_selection_want) {
+    const std::vector<std::string> fields{"1002 -- Fields to export",
+                                          "1005 [x] Times played",
+                                          "1006 [x] First played time",
+                                          "1007 [x] Last played time",
+                                          "1008 [x] Added time",
+                                          "1009 [x] Rating",
+                                          "1 < > OK",
+                                          "2 < > Cancel"};
+    open_export_dialog(tracks);
+    EXPECT_EQ(player.dialogs.picture(), fields);
+    player.dialogs.press(cancel);
+
+    for (const bool enabled : {true, false}) {
+        player.library.enabled = enabled;
+        std::vector<std::string> expected{"1001 -- Export type",
+                                          enabled ? "1003 (*) Statistics of current Media Library content only"
+                                                  : "1003 ( ) Statistics of current Media Library content only !",
+                                          enabled ? "1004 ( ) Full backup" : "1004 (*) Full backup"};
+        expected.insert(expected.end(), fields.begin(), fields.end());
+        open_export_dialog();
+        EXPECT_EQ(player.dialogs.picture(), expected);
+        player.dialogs.press(cancel);
+    }
+    EXPECT_TRUE(player.local_files.files.empty());
+}
+
+TEST_F(export_dialog, brings_an_open_one_forward) {
+    open_export_dialog();
+    const auto picture = player.dialogs.picture();
+    open_export_dialog(tracks);
+    open_export_dialog();
+    EXPECT_EQ(player.open_dialogs.pokes, 2U);
+    EXPECT_EQ(player.dialogs.picture(), picture);
+}
+
+TEST_F(export_dialog, exports_what_is_chosen) {
+    open_export_dialog();
+    EXPECT_EQ(records_after_ok(), 1U) << "of the library";
+    open_export_dialog();
+    player.dialogs.set_checked(full_backup, true);
+    EXPECT_FALSE(player.dialogs.picture()[1].starts_with("1003 (*)"));
+    player.library.items.clear();
+    player.dialogs.press(ok);
+    EXPECT_EQ(std::ranges::count(player.local_files.files.at("/out.xml"), '\n'), 3) << "everything, without tracks";
+
+    open_export_dialog(ostrevan::metadb_handle_list(tracks));
+    for (int id = times_played; id < rating; ++id) player.dialogs.set_checked(id, false);
+    EXPECT_EQ(records_after_ok(), 2U) << "of the selection as it was";
+    const auto& text = player.local_files.files.at("/out.xml");
+    EXPECT_EQ(text.find("Count="), std::string::npos);
+    EXPECT_NE(text.find("Rating=\"63\""), std::string::npos);
+}
+
+TEST_F(export_dialog, stays_open_until_there_is_something_to_write_and_somewhere) {
+    open_export_dialog(tracks);
+    for (int id = times_played; id <= rating; ++id) player.dialogs.set_checked(id, false);
+    player.dialogs.press(ok);
+    EXPECT_EQ(player.beeps.count, 1U);
+    EXPECT_TRUE(player.file_dialog.queries.empty());
+
+    player.dialogs.set_checked(rating, true);
+    player.file_dialog.answer.reset();
+    player.dialogs.press(ok);
+    EXPECT_TRUE(player.dialogs.is_open());
+    EXPECT_TRUE(player.local_files.files.empty());
+    const auto& query = player.file_dialog.queries.at(0);
+    EXPECT_STREQ(query.filter, "XML files|*.xml");
+    EXPECT_STREQ(query.default_extension, "xml");
+    EXPECT_STREQ(query.title, "Export Playback Statistics");
+    EXPECT_TRUE(query.save);
+    EXPECT_EQ(query.parent, player.dialogs.native_window());
+}
+
+TEST_F(export_dialog, tells_of_a_failure) {
+    player.local_files.room = 10;
+    open_export_dialog();
+    player.dialogs.press(ok);
+    const auto question = player.popups.questions().at(0);
+    EXPECT_EQ(question.text, "Playback statistics export failure: disk full");
+    EXPECT_EQ(question.title, "Information");
+    EXPECT_EQ(question.style, 0x10U);
+    EXPECT_FALSE(player.dialogs.is_open());
+    EXPECT_EQ(player.local_files.files.at("/out.xml").size(), 10U) << "what has been written stays";
+
+    ostrevan::service_uncounted_t<plain_popups> plain;
+    player.offer(plain.class_guid, plain);
+    player.local_files.room = static_cast<std::size_t>(-1);
+    player.progress.abort = true;
+    open_export_dialog(support::make_tracks(1000));
+    player.dialogs.press(ok);
+    EXPECT_EQ(plain.messages,
+              (std::vector<support::shown_message>{
+                  {"Playback statistics export failure: Interrupted. The file is incomplete: /out.xml", "Information", 1}}));
+    player.withdraw(plain.class_guid);
+}
+
+TEST_F(export_dialog, says_when_it_cannot_be_drawn) {
+    player.dialogs.fail = true;
+    EXPECT_ANY_THROW(open_export_dialog());
+    player.withdraw(player.dialogs.class_guid);
+    EXPECT_THROW(open_export_dialog(tracks), ostrevan::exception_service_not_found);
+}
+
+}  // namespace
