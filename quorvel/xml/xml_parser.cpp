@@ -29,7 +29,14 @@ void xmlParser::parse(const xmlContext& parent, const char* buffer, std::size_t 
         if (empty) {
             onElem(context, uri, local, tag.attributes, nullptr, 0);
         } else {
-            const std::size_t end = end_tags.find(tag.name, at);
+            std::size_t end = at;
+            try {
+                end = end_tags.find(tag.name, at);
+            } catch (const error&) {
+                if (takesUnfinished(tag.name.c_str()))
+                    onElem(context, uri, local, tag.attributes, buffer + at, text.size() - at);
+                throw;
+            }
             onElem(context, uri, local, tag.attributes, buffer + at, end - at);
             // The first one, in quotes or not.
             at = required(text.find('>', end)) + 1;

@@ -50,6 +50,9 @@ public:
     /// Whether the content of elements of this name is opaque and ends at the first literal end tag. `length` is that of the
     /// buffer, `position` where the content starts in it.
     virtual bool isRawContent(const char* /*name*/, std::size_t /*length*/, std::size_t /*position*/) { return false; }
+    /// Whether an element whose end cannot be found is handed over all the same, with everything that follows its start tag,
+    /// before `error` is thrown.
+    virtual bool takesUnfinished(const char* /*name*/) { return false; }
 
     virtual ~xmlParser() = default;
 };
