@@ -25,8 +25,8 @@ public:
     [[nodiscard]] virtual progress_display_ptr start(const char* what) = 0;
 };
 
-/// Progress of work that may run where nobody shows any. Throws `exception_aborted` from `step` when the user wants the work
-/// to stop. [main-thread]
+/// Progress of work that may run where nobody shows any. Throws `exception_aborted` when the user wants the work to stop.
+/// [main-thread]
 class progress_scope {
 public:
     explicit progress_scope(const char* what);
@@ -34,10 +34,11 @@ public:
     void step(std::size_t done, std::size_t total) {
         if (++calls_ % calls_between_looks == 0) look(done, total);
     }
+    /// Looks at the player now, for work that itself comes here seldom.
+    void look(std::size_t done, std::size_t total);
 
 private:
     static constexpr unsigned calls_between_looks = 256;
-    void look(std::size_t done, std::size_t total);
 
     progress_display_ptr display_;
     unsigned calls_ = 0;
