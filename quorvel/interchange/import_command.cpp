@@ -1,9 +1,80 @@
-#include <stdexcept>
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
 
+#include "ostrevan/core_api.h"
+#include "ostrevan/dialog.h"
+#include "ostrevan/exceptions.h"
+#include "ostrevan/file_dialog.h"
+#include "ostrevan/filesystem.h"
+#include "quorvel/interchange/field_boxes.h"
+#include "quorvel/interchange/import_run.h"
 #include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/platform/clipboard.h"
+#include "quorvel/platform/dialog.h"
 
-namespace quorvel::pcdb_export {
+namespace quorvel {
+namespace {
 
-void importStatistics() { throw std::runtime_error("The import of statistics is not part of this build"); }
+constexpr const char* import_title = "Import Playback Statistics";
+constexpr field_controls import_controls = controls_for_fields("Fields to import");
+constexpr ostrevan::dialog_layout import_layout{import_title, dialog_font, dialog_font_points, import_controls};
 
-}  // namespace quorvel::pcdb_export
+/// A file as it was read; nothing is copied again.
+struct file_content {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size;
+    [[nodiscard]] std::string_view text() const noexcept { return {bytes.get(), size}; }
+};
+
+file_content read_file(const std::string& path) {
+    const auto file = ostrevan::filesystem::g_open(path.c_str(), ostrevan::filesystem::open_mode::read);
+    const auto size = file->size();
+    if (!size) throw ostrevan_io::exception_io_no_length(path + ": its length is not known");
+    const auto bytes = static_cast<std::size_t>(*size);
+    file_content content{std::make_unique_for_overwrite<char[]>(bytes), bytes};
+    file->seek(0);
+    file->read_exactly(content.bytes.get(), bytes);
+    return content;
+}
+
+/// Asks which fields are to be imported. It holds the content of the file and goes with it when the dialog closes.
+class import_dialog : public ostrevan::dialog_rules {
+public:
+    explicit import_dialog(file_content content) noexcept : content_(std::move(content)) {}
+
+    const ostrevan::dialog_layout& layout() const noexcept override { return import_layout; }
+    void on_open(ostrevan::dialog_window& window) override { check_all_fields(window); }
+    void on_button(ostrevan::dialog_window& window, int id) override {
+        if (id == ostrevan::dialog_ok) {
+            const auto fields = checked_fields(window);
+            if (fields == 0) return clipboard::beep();
+            import_file(content_.text(), fields);
+        }
+        window.close();
+    }
+
+private:
+    file_content content_;
+};
+
+}  // namespace
+
+void pcdb_export::importStatistics() {
+    ostrevan::core_api::ensure_main_thread();
+    if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
+    try {
+        const auto path = ostrevan::uGetOpenFileName({.parent = ostrevan::core_api::main_window(),
+                                                      .filter = "XML files|*.xml",
+                                                      .default_extension = "xml",
+                                                      .title = import_title});
+        if (path) open_dialog(ostrevan::service_new<import_dialog>(read_file(*path)));
+    } catch (const std::exception& e) {
+        report_import_failure(e.what());
+    }
+}
+
+}  // namespace quorvel

@@ -10,6 +10,7 @@
 #include "tests/support/memory_dialogs.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/memory_index.h"
+#include "tests/support/memory_lookup.h"
 #include "tests/support/memory_threads.h"
 #include "tests/support/memory_tracks.h"
 
@@ -34,6 +35,9 @@ public:
     ostrevan::service_uncounted_t<counted_beeps> beeps;
     ostrevan::service_uncounted_t<memory_configuration> configuration;
     ostrevan::service_uncounted_t<memory_library> library;
+    ostrevan::service_uncounted_t<memory_metadb> metadb;
+    ostrevan::service_uncounted_t<memory_playlists> playlists;
+    ostrevan::service_uncounted_t<memory_decoders> decoders;
     ostrevan::service_uncounted_t<field_titleformat> titleformat;
     ostrevan::service_uncounted_t<memory_filesystem> local_files{"file://", false};
     ostrevan::service_uncounted_t<memory_filesystem> remote_files{"http://", true};

@@ -1,0 +1,71 @@
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <semaphore>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include "ostrevan/input.h"
+#include "quorvel/interchange/import_apply.h"
+#include "quorvel/store/key.h"
+
+namespace quorvel {
+namespace {
+
+/// How often the main thread looks whether the user wants to stop.
+constexpr std::chrono::milliseconds between_looks{50};
+
+std::optional<std::uint64_t> key_in_file(const ostrevan::playable_location& location) {
+    const auto reader = ostrevan::input_entry::g_open_for_info_read(location.path.c_str());
+    return KeyOf(reader->get_info(location.subsong), location);
+}
+
+/// The tracks whose files have to be read, in their order. What is wanted of a file is its key only, so the information of
+/// many files is never in memory at once.
+class unknown_tracks {
+public:
+    explicit unknown_tracks(std::vector<GatheredTrack>& gathered) {
+        for (auto& each : gathered)
+            if (!each.track->info()) tracks_.push_back(&each);
+    }
+    [[nodiscard]] std::size_t size() const noexcept { return tracks_.size(); }
+    [[nodiscard]] std::size_t done() const noexcept { return done_; }
+
+    /// [worker]
+    void read(const std::stop_token& stop) noexcept {
+        for (auto* const each : tracks_) {
+            if (stop.stop_requested()) return;
+            try {
+                const auto [known, is_new] = keys_.try_emplace(each->track.get());
+                if (is_new) known->second = key_in_file(each->track->location());
+                each->key = known->second;
+            } catch (...) {  // a file that cannot be read has no key
+            }
+            ++done_;
+        }
+    }
+
+private:
+    std::vector<GatheredTrack*> tracks_;
+    std::unordered_map<const ostrevan::metadb_handle*, std::optional<std::uint64_t>> keys_;  // a file is read once
+    std::atomic<std::size_t> done_ = 0;
+};
+
+}  // namespace
+
+/// The thread is an own one and not the player's: it never outlives this call, whatever happens here, which a task that has
+/// been handed over could not promise.
+void pcdb_export::resolveNoInfo(ParseGlobals& globals) {
+    unknown_tracks tracks(globals.gathered);
+    if (tracks.size() == 0) return;
+    std::binary_semaphore finished(0);
+    const std::jthread worker([&](const std::stop_token& stop) {
+        tracks.read(stop);
+        finished.release();
+    });
+    while (!finished.try_acquire_for(between_looks)) globals.progress.look(tracks.done(), tracks.size());
+}
+
+}  // namespace quorvel

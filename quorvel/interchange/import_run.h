@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace quorvel {
+
+/// Shows why an import failed.
+void report_import_failure(const char* reason);
+
+/// Applies a statistics file that has been read: the fields of `fields`, a set of `ExportFields`, in one operation. A
+/// failure is reported, and what was read before it is applied; when the user stops it, nothing is. [main-thread]
+void import_file(std::string_view text, std::uint32_t fields);
+
+}  // namespace quorvel

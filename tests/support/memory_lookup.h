@@ -1,0 +1,41 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "ostrevan/input.h"
+#include "ostrevan/metadb.h"
+#include "ostrevan/playlist.h"
+#include "tests/support/memory_tracks.h"
+
+/// Where tracks are found: by location, in playlists, and in their files.
+namespace support {
+
+/// Locations that the test has not put here get a handle without information.
+class memory_metadb : public ostrevan::metadb {
+public:
+    std::map<ostrevan::playable_location, ostrevan::metadb_handle_ptr> tracks;
+
+    ostrevan::metadb_handle_ptr handle_create(const ostrevan::playable_location& location) override;
+};
+
+class memory_playlists : public ostrevan::playlist_manager {
+public:
+    std::vector<ostrevan::metadb_handle_ptr> items;
+
+    void get_all_items(ostrevan::metadb_handle_list& out) const override { out.items() = items; }
+};
+
+/// Files that a decoder understands. Opening any other path fails, and so does a subsong that is not there. Reading on the
+/// main thread ends the test.
+class memory_decoders : public ostrevan::input_entry {
+public:
+    std::map<ostrevan::playable_location, ostrevan::file_info> files;
+    std::vector<std::string> opened;
+
+    bool is_our_path(const char*) const noexcept override { return true; }
+    ostrevan::service_ptr_t<ostrevan::input_info_reader> open_for_info_read(const char* path) override;
+};
+
+}  // namespace support
