@@ -9,6 +9,8 @@
 #include <tuple>
 #include <utility>
 
+#include "player/sqlite/backup.h"
+
 namespace ostrevan::indexing {
 namespace {
 
@@ -171,6 +173,11 @@ std::size_t index_reader::read(std::int64_t index_id, std::uint64_t key, void* b
     const std::size_t size = data.size();
     read_.reset();
     return size;
+}
+
+std::filesystem::path index_reader::back_up(std::string_view reason, const std::filesystem::path& beside) {
+    const std::scoped_lock lock(mutex_);
+    return sqlite::back_up(database_, reason, beside);
 }
 
 std::vector<std::uint64_t> index_reader::seen_before(std::int64_t index_id, std::int64_t time) {

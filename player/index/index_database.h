@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "player/index/index_changes.h"
@@ -47,6 +48,8 @@ public:
 
     /// The size of the record, 0 when there is none. Copies what fits into the buffer.
     std::size_t read(std::int64_t index_id, std::uint64_t key, void* buffer, std::size_t capacity);
+    /// As `sqlite::back_up`, of what has been saved.
+    std::filesystem::path back_up(std::string_view reason, const std::filesystem::path& beside);
     /// Keys last seen before that time (seconds since 1970).
     std::vector<std::uint64_t> seen_before(std::int64_t index_id, std::int64_t time);
 

@@ -77,7 +77,8 @@ void index_service::refresh(const nuv::guid& index, const nuv::list_base_const_t
 }
 
 service_base* index_service::service_query(const nuv::guid& interface_guid) noexcept {
-    return interface_guid == index_manager_transactions::class_guid ? &transactions_ : nullptr;
+    if (interface_guid == index_manager_transactions::class_guid) return &transactions_;
+    return interface_guid == index_manager_backup::class_guid ? &backups_ : nullptr;
 }
 
 std::optional<std::uint64_t> index_service::key_of(const registration& index, const metadb_handle& track) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -19,6 +20,17 @@ private:
     index_store& store_;
 };
 
+class index_backup_service : public index_manager_backup {
+public:
+    explicit index_backup_service(index_store& store) : store_(store) {}
+    void back_up(const char* reason, const char* beside) override {
+        store_.back_up(reason, beside == nullptr ? std::filesystem::path() : std::filesystem::path(beside));
+    }
+
+private:
+    index_store& store_;
+};
+
 /// The index manager for components, over the store.
 class index_service : public index_manager {
 public:
@@ -26,7 +38,7 @@ public:
     using redraw = std::function<void(const nuv::guid& index, const std::vector<std::uint64_t>& keys)>;
 
     index_service(index_store& store, redraw on_refresh)
-        : store_(store), on_refresh_(std::move(on_refresh)), transactions_(store) {}
+        : store_(store), on_refresh_(std::move(on_refresh)), transactions_(store), backups_(store) {}
 
     void register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) override;
     void remove_index(const nuv::guid& index) override;
@@ -62,6 +74,7 @@ private:
     index_store& store_;
     const redraw on_refresh_;
     service_uncounted_t<index_transactions_service> transactions_;
+    service_uncounted_t<index_backup_service> backups_;
     std::vector<registration> registrations_;
 };
 

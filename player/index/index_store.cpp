@@ -126,6 +126,11 @@ void index_store::write(const nuv::guid& index, std::uint64_t key, std::span<con
 
 void index_store::flush() { state_->writer.flush(); }
 
+std::filesystem::path index_store::back_up(std::string_view reason, const std::filesystem::path& beside) {
+    flush();
+    return state_->reader.back_up(reason, beside);
+}
+
 bool index_store::pending() const { return state_->writer.pending(); }
 
 void index_store::register_index(const nuv::guid& index, std::uint64_t retention_100ns) {

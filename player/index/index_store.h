@@ -8,6 +8,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -61,6 +62,9 @@ public:
     /// Waits until all that was changed before the call is on disk. Throws std::runtime_error when it cannot be saved; it is
     /// kept then, and saved when that is possible again.
     void flush();
+    /// Saves everything and puts a dated copy of the database aside, with a copy of another file beside it (none when
+    /// empty). Throws std::runtime_error when either cannot be done.
+    std::filesystem::path back_up(std::string_view reason, const std::filesystem::path& beside = {});
     /// True while some change is not on disk.
     [[nodiscard]] bool pending() const;
 

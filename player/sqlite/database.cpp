@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "player/sqlite/backup.h"
+
 namespace ostrevan::sqlite {
 namespace {
 
@@ -133,7 +135,10 @@ void database::open(const format& expected) {
     if (code != SQLITE_OK) fail(code);
     sqlite3_busy_timeout(raw, lock_wait_ms);
 
+    // A file that is refused is not even tidied up on closing.
+    sqlite3_db_config(raw, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     check_header(expected);
+    sqlite3_db_config(raw, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
     // Only now, since this writes into the header of a database that is not in WAL mode yet.
     execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
 }
@@ -153,10 +158,25 @@ void database::check_header(const format& expected) {
     }
     if (query_integer("PRAGMA application_id") != expected.application_id)
         throw error(SQLITE_NOTADB, describe(contents_, path_, "belongs to another program. ") + way_out_of(SQLITE_NOTADB));
-    if (const auto version = query_integer("PRAGMA user_version"); version > expected.version)
+    const auto version = query_integer("PRAGMA user_version");
+    if (version > expected.version)
         throw error(SQLITE_NOTADB, describe(contents_, path_, "was written by a newer version of this program (format ") +
                                        std::to_string(version) + ", this one knows " + std::to_string(expected.version) +
                                        "). Use the newer version, or move the file away to start with an empty one.");
+    if (version < expected.version) upgrade(version, expected);
+}
+
+void database::upgrade(std::int64_t version, const format& expected) {
+    const auto known = static_cast<std::int64_t>(expected.upgrades.size());
+    if (version < 1 || expected.version - 1 > known)
+        throw error(SQLITE_NOTADB, describe(contents_, path_, "has a format that this program does not know. ") +
+                                       way_out_of(SQLITE_NOTADB));
+    back_up(*this, "format-" + std::to_string(version));
+    transaction change(*this);
+    for (auto step = version; step < expected.version; ++step)
+        execute(expected.upgrades[static_cast<std::size_t>(step - 1)]);
+    execute(("PRAGMA user_version=" + std::to_string(expected.version)).c_str());
+    change.commit();
 }
 
 void database::execute(const char* sql) {

@@ -29,6 +29,8 @@ struct format {
     std::int32_t version;         ///< `user_version`; a file with a higher one is refused
     const char* schema;           ///< statements that make the tables of an empty database
     const char* contents;         ///< what the user calls the contents, such as "library"
+    /// Statements that lead from each older version to the one after it, the first from version 1 to 2.
+    std::span<const char* const> upgrades{};
 };
 
 /// A prepared statement. Parameters count from 1 and columns from 0. Bound bytes and texts are not copied: they must live
@@ -71,8 +73,8 @@ private:
 class database {
 public:
     /// Opens the file, or makes it when there is none. A file that is damaged, newer than this program, another program's or
-    /// no database at all is left as it is: `error` says which, and what the user can do. The database is in WAL mode and
-    /// commits are durable.
+    /// no database at all is left as it is: `error` says which, and what the user can do. An older one is put aside as a
+    /// backup and brought up to date. The database is in WAL mode and commits are durable.
     database(std::string path, const format& expected);
     ~database();
     database(const database&) = delete;
@@ -101,6 +103,7 @@ private:
     };
     void open(const format& expected);
     void check_header(const format& expected);
+    void upgrade(std::int64_t version, const format& expected);
 
     std::string path_;
     std::string contents_;

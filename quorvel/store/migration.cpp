@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "quorvel/common/console_line.h"
+#include "quorvel/store/backup.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/stats_op.h"
 
@@ -61,6 +62,8 @@ void migrate_older_mappings(ostrevan::metadb_handle_list_cref tracks) {
         older_records older(*index);
         for (const auto& mapping : mapping_guids())
             if (mapping != active_mapping_guid) older.gather(mapping, tracks);
+        if (older.found().empty()) return;
+        back_up_index("migration", nullptr);
         StatsOp op;
         for (const auto& [key, record] : older.found().entries()) op.SetByKey(key, record);
         op.commit();

@@ -1,6 +1,7 @@
 #include "ostrevan/filesystem.h"
 
 #include <string>
+#include <thread>
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/exceptions.h"
@@ -19,10 +20,30 @@ service_ptr_t<Service> handler_of(const char* path) {
     return found;
 }
 
+/// Whether a failure can be over in a moment.
+bool may_pass(const ostrevan_io::exception_io& e) noexcept {
+    return dynamic_cast<const ostrevan_io::exception_io_sharing_violation*>(&e) != nullptr ||
+           dynamic_cast<const ostrevan_io::exception_io_denied*>(&e) != nullptr ||
+           dynamic_cast<const ostrevan_io::exception_io_already_exists*>(&e) != nullptr;
+}
+
 }  // namespace
 
 void file::read_exactly(void* buffer, std::size_t bytes) {
     if (read(buffer, bytes) != bytes) throw ostrevan_io::exception_io_data_truncation();
+}
+
+void filesystem::remove_retrying(const char* path) {
+    constexpr auto pause = std::chrono::milliseconds(5);
+    const auto end = std::chrono::steady_clock::now() + retry_period();
+    for (;;) {
+        try {
+            return remove(path);
+        } catch (const ostrevan_io::exception_io& e) {
+            if (!may_pass(e) || std::chrono::steady_clock::now() >= end) throw;
+        }
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 service_ptr_t<filesystem> filesystem::g_get(const char* path) {

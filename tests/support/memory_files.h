@@ -34,6 +34,9 @@ public:
     ostrevan::file_ptr open(const char* path, open_mode mode) override;
     bool exists(const char* path) override { return files.contains(name_of(path)); }
     void remove(const char* path) override;
+    std::chrono::milliseconds retry_period() const noexcept override {
+        return refuses_removal ? std::chrono::milliseconds(0) : std::chrono::hours(1);
+    }
 
 private:
     class memory_file;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -46,6 +47,12 @@ public:
     /// Removes a file. Throws `exception_io_sharing_violation`, `exception_io_denied` or `exception_io_already_exists` when
     /// it may succeed a little later.
     virtual void remove(const char* path) = 0;
+    /// For how long `remove_retrying` tries.
+    [[nodiscard]] virtual std::chrono::milliseconds retry_period() const noexcept { return std::chrono::seconds(1); }
+
+    /// Removes a file, trying again for a while as long as another program stands in the way. Throws what the last attempt
+    /// threw.
+    void remove_retrying(const char* path);
 
     /// The one that handles a path. Throws `ostrevan_io::exception_io_no_handler_for_path`.
     static service_ptr_t<filesystem> g_get(const char* path);

@@ -65,4 +65,15 @@ public:
     virtual index_transaction_ptr begin() = 0;
 };
 
+/// Extension of the index manager, found by `service_query`: copies of everything that is stored.
+class index_manager_backup : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{F7C1B7E2-5E1B-4E7C-9C43-7B7F0A4D2E68}");
+
+    /// Puts a dated copy of all indexes aside, before a change that nobody could take back, and beside it a copy of a file
+    /// (null for none). `reason` becomes part of the names: "legacy-import". Throws when the copies cannot be made; there
+    /// are none then. [main-thread]
+    virtual void back_up(const char* reason, const char* beside) = 0;
+};
+
 }  // namespace ostrevan

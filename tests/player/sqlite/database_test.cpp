@@ -8,6 +8,8 @@
 #include <functional>
 #include <iterator>
 
+#include "player/sqlite/backup.h"
+
 namespace {
 
 using namespace ostrevan::sqlite;
@@ -29,7 +31,10 @@ protected:
         std::ifstream file(path_, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    void write(const std::string& contents) const { std::ofstream(path_, std::ios::binary) << contents; }
+    void write(const std::string& contents) const { write_file(path_, contents); }
+    static void write_file(const fs::path& path, const std::string& contents) {
+        std::ofstream(path, std::ios::binary) << contents;
+    }
 
     fs::path folder_;
     std::string path_;
@@ -107,6 +112,53 @@ TEST_F(database_file, keeps_any_bytes_and_drops_a_transaction_that_was_not_commi
     const auto blob = query.blob(0);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(blob.data()), blob.size()), odd);
     EXPECT_FALSE(query.step());
+}
+
+TEST_F(database_file, of_an_older_format_is_put_aside_and_brought_up_to_date) {
+    constexpr const char* one_step[] = {"ALTER TABLE books ADD COLUMN author TEXT; UPDATE books SET author = 'Austen'"};
+    constexpr const char* broken_step[] = {"UPDATE books SET title = ''; UPDATE books SET nothing = 1"};
+    const format old{shelf.application_id, 1, shelf.schema, "shelf"};
+    { database(path_, old).execute("INSERT INTO books VALUES('Persuasion')"); }
+    const auto before = bytes();
+    EXPECT_THROW(database(path_, {shelf.application_id, 2, shelf.schema, "shelf"}), error) << "nobody knows the way";
+    EXPECT_THROW(database(path_, {shelf.application_id, 2, shelf.schema, "shelf", broken_step}), error);
+    EXPECT_EQ(database(path_, old).query_integer("SELECT count(*) FROM books WHERE title <> ''"), 2);
+    EXPECT_EQ(bytes(), before);
+
+    fs::remove_all(folder_ / "backup");
+    const database upgraded(path_, {shelf.application_id, 2, shelf.schema, "shelf", one_step});
+    EXPECT_EQ(upgraded.query_integer("SELECT count(*) FROM books WHERE author = 'Austen'"), 2);
+    const auto copies = fs::directory_iterator(folder_ / "backup");
+    const auto copy = copies->path();
+    EXPECT_TRUE(copy.filename().string().ends_with("-format-1.sqlite")) << copy;
+    EXPECT_EQ(database(copy, old).query_integer("SELECT count(*) FROM books"), 2);
+}
+
+TEST_F(database_file, is_copied_whole_or_not_at_all_and_old_copies_go) {
+    const database source(path_, shelf);
+    const auto folder = folder_ / "backup";
+    write_file(folder_ / "notes.txt", "beside");
+    fs::create_directory(folder);
+    for (int year = 2001; year < 2008; ++year)
+        for (const char* end : {"0102-030405-test.sqlite", "0102-030405-test.notes.txt"})
+            write_file(folder / ("shelf-" + std::to_string(year) + end), "old");
+    write_file(folder / "shelf-mine.sqlite", "the user's own");
+
+    EXPECT_THROW(back_up(source, "test", folder_ / "missing.txt"), std::runtime_error);
+    const auto copy = back_up(source, "test", folder_ / "notes.txt");
+    EXPECT_EQ(database(copy, shelf).query_integer("SELECT count(*) FROM books"), 1);
+    std::size_t databases = 0;
+    std::size_t notes = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        const auto name = entry.path().filename().string();
+        databases += name.ends_with("-test.sqlite") ? 1 : 0;
+        notes += name.ends_with("-test.notes.txt") ? 1 : 0;
+        EXPECT_FALSE(name.ends_with(".part")) << name;
+        EXPECT_FALSE(name.starts_with("shelf-2001")) << name;
+    }
+    EXPECT_EQ(databases, 5U);
+    EXPECT_EQ(notes, 5U);
+    EXPECT_TRUE(fs::exists(folder / "shelf-mine.sqlite"));
 }
 
 }  // namespace

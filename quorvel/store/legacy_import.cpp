@@ -1,0 +1,68 @@
+#include "quorvel/store/legacy_import.h"
+
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include "ostrevan/core_api.h"
+#include "ostrevan/filesystem.h"
+#include "ostrevan/metadb.h"
+#include "ostrevan/popup.h"
+#include "quorvel/store/backup.h"
+#include "quorvel/store/index_writer.h"
+#include "quorvel/store/legacy_file.h"
+#include "quorvel/store/pcdb.h"
+
+namespace quorvel {
+namespace {
+
+using ostrevan::filesystem;
+
+constexpr const char* legacy_file_name = "PlaybackStatistics.dat";
+
+std::string legacy_file_path() {
+    constexpr auto separator = static_cast<char>(std::filesystem::path::preferred_separator);
+    std::string path = ostrevan::core_api::profile_path();
+    if (!path.ends_with(separator)) path += separator;
+    return path + legacy_file_name;
+}
+
+std::vector<PCDB::TrackRecord> tracks_of(const std::vector<legacy_record>& records) {
+    const auto tracks = ostrevan::get_service<ostrevan::metadb>();
+    std::vector<PCDB::TrackRecord> pairs;
+    pairs.reserve(records.size());
+    for (const auto& record : records) pairs.emplace_back(tracks->handle_create(record.location), record.stats);
+    return pairs;
+}
+
+void import_file(filesystem& files, const std::string& path) {
+    const auto records = read_legacy_file(*files.open(path.c_str(), filesystem::open_mode::read));
+    // Without an index nothing would be written, and the file must not go then.
+    if (opened_index() == nullptr) throw std::runtime_error("No active index");
+    const auto pairs = tracks_of(records);
+    if (!pairs.empty()) back_up_index("legacy-import", path.c_str());
+    PCDB::MergeBatch(pairs, MergeType::MergeSum);
+    PCDB::SaveNow();
+    files.remove_retrying(path.c_str());
+}
+
+void report(const std::exception& e) {
+    const auto text = std::string("Could not import legacy playback statistics: ") + e.what();
+    if (const auto popup = ostrevan::find_service<ostrevan::popup_message>())
+        popup->show(text.c_str(), "Information", ostrevan::popup_message::icon_error);
+}
+
+}  // namespace
+
+void PCDB_import_legacy() {
+    try {
+        const auto files = filesystem::g_get("file://dummy");
+        const auto path = legacy_file_path();
+        if (files->exists(path.c_str())) import_file(*files, path);
+    } catch (const std::exception& e) {
+        report(e);
+    }
+}
+
+}  // namespace quorvel
