@@ -13,7 +13,7 @@
 #include "quorvel/interchange/field_boxes.h"
 #include "quorvel/interchange/import_run.h"
 #include "quorvel/interchange/pcdb_export.h"
-#include "quorvel/platform/clipboard.h"
+#include "quorvel/platform/beep.h"
 #include "quorvel/platform/dialog.h"
 
 namespace quorvel {
@@ -51,7 +51,7 @@ public:
     void on_button(ostrevan::dialog_window& window, int id) override {
         if (id == ostrevan::dialog_ok) {
             const auto fields = checked_fields(window);
-            if (fields == 0) return clipboard::beep();
+            if (fields == 0) return beep();
             import_file(content_.text(), fields);
         }
         window.close();
