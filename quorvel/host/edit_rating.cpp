@@ -21,7 +21,7 @@ shared_tracks distinct(ostrevan::metadb_handle_list_cref items) {
     ostrevan::metadb_handle_list tracks(items);
     auto& list = tracks.items();
     std::ranges::sort(list);
-    list.erase(std::ranges::unique(list).begin(), list.end());
+    list.erase(std::unique(list.begin(), list.end()), list.end());
     return std::make_shared<const ostrevan::metadb_handle_list>(std::move(tracks));
 }
 

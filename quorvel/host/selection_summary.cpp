@@ -15,7 +15,7 @@ std::vector<std::uint64_t> distinct_keys(ostrevan::metadb_handle_list_cref track
     for (const auto& track : tracks)
         if (const auto key = KeyOfOnce(*track)) keys.push_back(*key);
     std::ranges::sort(keys);
-    keys.erase(std::ranges::unique(keys).begin(), keys.end());
+    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     return keys;
 }
 

@@ -16,7 +16,7 @@ std::vector<std::uint64_t> keys_without_date(const ostrevan::metadb_handle_list&
     for (const auto& track : tracks.items())
         if (const auto key = KeyOfOnce(*track); key && *key != 0 && read_record(*key).added == 0) keys.push_back(*key);
     std::ranges::sort(keys);
-    keys.erase(std::ranges::unique(keys).begin(), keys.end());
+    keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     return keys;
 }
 

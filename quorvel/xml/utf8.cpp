@@ -34,7 +34,7 @@ void append_utf8(std::string& out, std::uint32_t code_point) {
     }
     std::size_t length = 2;
     while (code_point >= first_of_length[length + 1]) ++length;
-    out.push_back(static_cast<char>((0xF00U >> length & 0xFFU) | code_point >> (6 * (length - 1))));
+    out.push_back(static_cast<char>((0xFF00U >> length & 0xFFU) | code_point >> (6 * (length - 1))));
     for (std::size_t left = length - 1; left-- > 0;)
         out.push_back(static_cast<char>(0x80U | (code_point >> (6 * left) & 0x3FU)));
 }
