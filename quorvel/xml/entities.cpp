@@ -45,41 +45,44 @@ std::optional<std::uint32_t> reference(std::string_view body) {
     return std::nullopt;
 }
 
-/// Neither a reference nor anything to be checked.
-bool is_plain(std::string_view text) noexcept {
-    for (const char byte : text)
-        if (static_cast<signed char>(byte) <= 0 || byte == '&') return false;
-    return true;
+/// Neither part of a reference nor anything to be checked.
+constexpr bool is_plain(char byte) noexcept { return static_cast<signed char>(byte) > 0 && byte != '&'; }
+
+std::size_t plain_length(std::string_view text) noexcept {
+    std::size_t length = 0;
+    while (length < text.size() && is_plain(text[length])) ++length;
+    return length;
 }
 
 }  // namespace
 
 std::string decodeEntities(const char* text, std::size_t length) {
-    const std::string_view rest(text, length);
+    const std::string_view all(text, length);
     std::string out;
     out.reserve(length);
     std::size_t semicolon = 0;
-    for (std::size_t at = 0; at < rest.size();) {
-        if (rest[at] == '&') {
-            if (semicolon <= at) semicolon = std::min(rest.find(';', at), rest.size());
-            if (semicolon < rest.size()) {
-                if (const auto code_point = reference(rest.substr(at + 1, semicolon - at - 1))) {
+    for (std::size_t at = 0; at < all.size();) {
+        if (all[at] == '&') {
+            if (semicolon <= at) semicolon = std::min(all.find(';', at), all.size());
+            if (semicolon < all.size()) {
+                if (const auto code_point = reference(all.substr(at + 1, semicolon - at - 1))) {
                     append_utf8(out, *code_point);
                     at = semicolon + 1;
                     continue;
                 }
             }
         }
-        const std::size_t count = utf8_length(rest.substr(at));
+        const std::string_view rest = all.substr(at);
+        const std::size_t count = std::max(plain_length(rest), utf8_length(rest));
         if (count == 0) throw xmlParser::error();
-        out.append(rest, at, count);
+        out.append(rest, 0, count);
         at += count;
     }
     return out;
 }
 
 std::string_view decoded(std::string_view text, std::string& storage) {
-    if (is_plain(text)) return text;
+    if (plain_length(text) == text.size()) return text;
     storage = decodeEntities(text.data(), text.size());
     return storage;
 }

@@ -3,64 +3,97 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
+
+#include "tests/quorvel/xml/event_list.h"
 
 namespace {
 
-/// Writes down what it is told, and reads the content of each element with itself.
-class recorder : public Vek::xmlParser {
-public:
-    std::string seen;
-    std::set<std::string> empty{};
-    std::set<std::string> raw{};
-
-    void onElem(const Vek::xmlContext& context, const char* ns, const char* name, const Vek::xmlAttributes& attributes,
-                const char* content, std::size_t length) override {
-        seen += std::string("<") + (*ns != 0 ? "{" + std::string(ns) + "}" : "") + name;
-        std::vector<std::pair<std::string, std::string>> sorted(attributes.begin(), attributes.end());
-        std::ranges::sort(sorted);
-        for (const auto& [key, value] : sorted) seen += " " + key + "=[" + value + "]";
-        if (content == nullptr) {
-            seen += "/>";
-            return;
-        }
-        seen += ">";
-        if (raw.contains(name)) seen.append(content, length);
-        else parse(context, content, length);
-        seen += "</>";
-    }
-    void onText(const char* text, std::size_t length) override { seen.append("'").append(text, length).append("'"); }
-    bool isEmptyElement(const char* name) override { return empty.contains(name); }
-    bool isRawContent(const char* name, std::size_t, std::size_t) override { return raw.contains(name); }
-};
-
-std::string events_of(std::string_view text) {
-    recorder parser;
-    try {
-        parser.parse({}, text.data(), text.size());
-    } catch (const Vek::xmlParser::error& failure) {
-        parser.seen += std::string("!") + failure.what();
-    }
-    return parser.seen;
+std::string repeated(std::string_view text, std::size_t times) {
+    std::string all;
+    all.reserve(text.size() * times);
+    while (times-- > 0) all += text;
+    return all;
 }
+
+/// Hands each element to a function and does nothing else.
+template <typename Function>
+class for_each_element : public Vek::xmlParser {
+public:
+    for_each_element(std::string_view text, Function function) : function_(function) { parse({}, text.data(), text.size()); }
+    void onElem(const Vek::xmlContext& context, const char*, const char*, const Vek::xmlAttributes& attributes,
+                const char* content, std::size_t length) override {
+        function_(context, attributes, std::string_view(content, length));
+    }
+
+private:
+    Function function_;
+};
 
 }  // namespace
 
-TEST(xml_parser, hands_over_the_elements_and_texts_of_a_level) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"", ""},
-        {"text", "'text'"},
-        {"<a x=\"1>2\"/>", "<a x=[1>2]/>"},
-        {"<a x='1'/>", "!XML error"},
-        {"<a b=\"&AMP;&#65;&#x42;&67;&bogus;\"/>", "<a b=[&ABC&bogus;]/>"},
-        {"<a>&lt;</a>", "<a>'&lt;'</>"},
-        {"<Entry></ENTRY>", "<Entry></>"},
-        {"<a></b>", "!XML error"},
-        {"<!-- x --><!DOCTYPE y><![CDATA[z]]>", ""},
-        {"<?xml version=\"1.0\"?>", "!XML error"},
-        {"<s:e xmlns:s=\"urn:x\" b=\"1\"><t:e/><s:f/></s:e>", "<{urn:x}e b=[1]><t:e/><{urn:x}f/></>"},
-        {"<r><a> <b><c/></b><!-- > --></a></r>", "<r><a>' '<b><c/></></></>"},
-        {"<a/>x</a>", "<a/>'x'!XML error"},
-    };
-    for (const auto& [text, expected] : cases) EXPECT_EQ(events_of(text), expected) << text;
+TEST(xml_parser, nests_as_deep_as_the_buffer_is_long) {
+    const std::string inside = repeated("<a b=\">\">", 100000) + repeated("</a>", 100000);
+    std::size_t seen = 0;
+    for_each_element("<r>" + inside + "</r>", [&](auto&, auto&, std::string_view content) { seen += content == inside; });
+    EXPECT_EQ(seen, 1U);
+    EXPECT_EQ(support::event_list::of(repeated("<a>", 100000)).message, "XML error");
+
+    const auto events = support::event_list::of(repeated("<a>", 300) + repeated("</a>", 300));
+    EXPECT_EQ(events.message, "");
+    EXPECT_EQ(events.lines.size(), 300U);
+}
+
+TEST(xml_parser, takes_a_million_attributes_of_one_element) {
+    std::string tag = "<a";
+    for (int i = 0; i < 1000000; ++i) tag.append(" n").append(std::to_string(i)).append("=\"v\"");
+    for_each_element(tag + "/>", [&](auto&, const Vek::xmlAttributes& attributes, auto) {
+        EXPECT_EQ(attributes.size(), 1000000U);
+        for (const char* name : {"n0", "n17", "n999999"}) EXPECT_NE(attributes.find(name), nullptr) << name;
+        EXPECT_EQ(attributes.find("n1000000"), nullptr);
+    });
+    EXPECT_EQ(support::event_list::of(tag + " n500000=\"\"/>").message, "XML error");
+}
+
+// The storage of a large element is used again for small ones and for others that are just large enough to be indexed.
+TEST(xml_parser, forgets_the_attributes_of_the_element_before) {
+    std::string many;
+    for (int i = 0; i < 40; ++i) many += " n" + std::to_string(i) + "=\"\"";
+    std::vector<std::size_t> sizes;
+    for_each_element("<a" + many + "/><b n39=\"1\"/><c" + many.substr(0, many.find(" n17")) + " xmlns=\"u\"/><d/>",
+                     [&](auto&, const Vek::xmlAttributes& attributes, auto) {
+                         sizes.push_back(attributes.size());
+                         EXPECT_EQ(attributes.find("n39") != nullptr, sizes.size() <= 2);
+                         EXPECT_EQ(attributes.find("xmlns"), nullptr);
+                     });
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{40, 1, 17, 0}));
+}
+
+TEST(xml_parser, declarations_hold_for_their_element_alone) {
+    std::string many = "<a xmlns:p=\"outer\"";
+    for (int i = 0; i < 100000; ++i) many += " xmlns:n" + std::to_string(i) + "=\"u\"";
+    many += "/>" + repeated("<b xmlns:p=\"1\" xmlns:q=\"2\"/><c/>", 100000);
+    std::vector<std::size_t> sizes;
+    for_each_element(many, [&](const Vek::xmlContext& context, const Vek::xmlAttributes& attributes, auto) {
+        sizes.push_back(context.size());
+        EXPECT_TRUE(attributes.empty());
+    });
+    ASSERT_EQ(sizes.size(), 200001U);
+    EXPECT_EQ(sizes[0], 100001U);
+    for (std::size_t i = 1; i < sizes.size(); ++i) ASSERT_EQ(sizes[i], i % 2 == 1 ? 2U : 0U);
+}
+
+TEST(xml_parser, tells_where_raw_content_begins) {
+    class asked : public Vek::xmlParser {
+    public:
+        void onElem(const Vek::xmlContext&, const char*, const char*, const Vek::xmlAttributes&, const char*,
+                    std::size_t) override {}
+        bool isRawContent(const char* name, std::size_t length, std::size_t position) override {
+            questions += name + (" " + std::to_string(length)) + " " + std::to_string(position) + "\n";
+            return false;
+        }
+        std::string questions;
+    } parser;
+    const std::string_view text = "<a><p:b c=\"\"></p:b><d/></a>";
+    parser.parse({}, text.data(), text.size());
+    EXPECT_EQ(parser.questions, "a 27 3\np:b 27 13\n");
 }

@@ -1,0 +1,23 @@
+#include "quorvel/xml/entities.h"
+
+#include <gtest/gtest.h>
+
+// Each takes minutes if every `&` is looked at up to its `;`, or up to the end for lack of one.
+TEST(entities, a_megabyte_of_what_is_no_reference_stays_as_it_is) {
+    for (const char* piece : {"&", "&#x00000000000000000000000000000001"})
+        for (const char* end : {"", "a;"}) {
+            std::string text;
+            while (text.size() < 1000000) text += piece;
+            text += end;
+            // The last piece alone may be one.
+            const std::string begin = text.substr(0, text.rfind('&'));
+            EXPECT_TRUE(Vek::decodeEntities(text.data(), text.size()).starts_with(begin)) << piece << end;
+        }
+    const std::string zeros = "&#" + std::string(1000000, '0') + "65;";
+    EXPECT_EQ(Vek::decodeEntities(zeros.data(), zeros.size()), "A");
+}
+
+TEST(entities, escapes_five_characters_and_nothing_else) {
+    EXPECT_EQ(Vek::escapeText("a\"b&c'd<e>\t\n\x01é;"), "a&quot;b&amp;c&apos;d&lt;e&gt;\t\n\x01é;");
+    EXPECT_EQ(Vek::escapeText(""), "");
+}
