@@ -42,6 +42,7 @@ private:
     void add_playlists();
     void add_index();
     void split_context_words();
+    void check_answers() const;
 
     CLI::App app_{main_description, "ostrevan"};
     arguments result_;
@@ -212,6 +213,14 @@ command_line::command_line() {
     app_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
     auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes");
     app_.add_flag("--no", no_, "Answer every question with no")->excludes(yes);
+    auto& answers = result_.answers;
+    app_.add_option("--file", answers.file, "The file, when a command asks for one")->type_name("PATH");
+    app_.add_option("--check", answers.check, "A control to check in a dialog, may be repeated")
+        ->type_name("LABEL")
+        ->allow_extra_args(false);
+    app_.add_option("--uncheck", answers.uncheck, "A control to uncheck, may be repeated")
+        ->type_name("LABEL")
+        ->allow_extra_args(false);
     app_.require_subcommand(1);
     add_library();
     add_track_commands();
@@ -220,13 +229,25 @@ command_line::command_line() {
     add_index();
 }
 
+/// Commands that open no dialog ask for nothing that these could answer.
+void command_line::check_answers() const {
+    const auto& answers = result_.answers;
+    const auto* const menu = std::get_if<main_menu>(&result_.chosen);
+    const auto* const context = std::get_if<context_menu>(&result_.chosen);
+    const bool runs_command = (menu != nullptr && menu->command) || (context != nullptr && context->command);
+    if (answers.fill_dialogs() && !runs_command)
+        throw CLI::ValidationError("--file, --check, --uncheck", "for a command of 'menu' or 'context' that asks");
+    if (answers.file && answers.file->empty()) throw CLI::ValidationError("--file", "name a file");
+}
+
 std::variant<arguments, int> command_line::parse(int count, const char* const* values) {
     try {
         app_.parse(count, values);
+        check_answers();
     } catch (const CLI::ParseError& error) {
         return app_.exit(error) == 0 ? exit_done : exit_usage;
     }
-    if (yes_ || no_) result_.answer = yes_;
+    if (yes_ || no_) result_.answers.yes = yes_;
     return result_;
 }
 

@@ -6,6 +6,8 @@
 #include <variant>
 #include <vector>
 
+#include "player/cli/prepared_answers.h"
+
 namespace ostrevan::cli {
 
 /// The tracks a command is for: locations (`path`, `path|subsong`, a folder) or everything a query matches.
@@ -85,8 +87,7 @@ struct arguments {
     std::string profile;
     std::string components;
     bool quiet = false;
-    /// The answer to every question when there is no terminal, or whenever it is given.
-    std::optional<bool> answer;
+    prepared_answers answers;
     command chosen;
 };
 

@@ -22,8 +22,9 @@ int run_all(const arguments& wanted, terminal& screen) {
     player.run_until_idle();
     screen.end_progress();
     player.save();
-    if (screen.failed() || front::interrupted()) return exit_failed;
-    return screen.declined() ? exit_declined : exit_done;
+    const int status = screen.exit_status();
+    if (status == exit_done) screen.note_unused_answers();
+    return status != exit_usage && front::interrupted() ? exit_failed : status;
 }
 
 int run_reporting(const arguments& wanted, terminal& screen) {
@@ -53,7 +54,7 @@ int main(int count, char** values) {
     if (const auto* status = std::get_if<int>(&parsed)) return *status;
     const auto& wanted = std::get<arguments>(parsed);
     ostrevan::front::handle_interrupts();
-    terminal screen(wanted.quiet, wanted.answer);
+    terminal screen(wanted.quiet, wanted.answers);
     const int status = run_reporting(wanted, screen);
     std::cout.flush();
     return status;

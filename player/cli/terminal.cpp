@@ -1,6 +1,5 @@
 #include "player/cli/terminal.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,8 +7,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include "player/cli/exit_status.h"
 #include "player/cli/table.h"
-#include "player/front/interrupt.h"
 
 namespace ostrevan::cli {
 namespace {
@@ -25,38 +24,10 @@ std::string bar(std::size_t done, std::size_t total) {
     return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "]";
 }
 
-struct buttons {
-    unsigned style;
-    const char* prompt;
-    unsigned yes;
-    unsigned no;
-};
-constexpr buttons button_table[] = {
-    {popup_message_v3::style_ok, "", popup_message_v3::answer_ok, popup_message_v3::answer_ok},
-    {popup_message_v3::style_ok_cancel, " [o]k / [c]ancel: ", popup_message_v3::answer_ok, popup_message_v3::answer_cancel},
-    {popup_message_v3::style_yes_no, " [y]es / [n]o: ", popup_message_v3::answer_yes, popup_message_v3::answer_no},
-};
-
-const buttons& buttons_of(unsigned style) {
-    constexpr unsigned button_mask = 0xF;
-    for (const auto& entry : button_table)
-        if (entry.style == (style & button_mask)) return entry;
-    return button_table[0];
-}
-
-/// False when the user interrupts first. A signal that comes while a line is being read would go unnoticed.
-bool wait_for_input() {
-    constexpr int look_again_ms = 100;
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    while (!front::interrupted())
-        if (::poll(&input, 1, look_again_ms) > 0) return true;
-    return false;
-}
-
 }  // namespace
 
-terminal::terminal(bool quiet, std::optional<bool> answer)
-    : quiet_(quiet), answer_(answer), draws_progress_(!quiet && ::isatty(STDERR_FILENO) != 0) {}
+terminal::terminal(bool quiet, prepared_answers answers)
+    : quiet_(quiet), answers_(std::move(answers)), draws_progress_(!quiet && ::isatty(STDERR_FILENO) != 0) {}
 
 void terminal::clear_progress() {
     if (!progress_shown_) return;
@@ -78,56 +49,13 @@ void terminal::note(const std::string& line) {
 }
 
 void terminal::error(const std::string& line) {
-    failed_ = true;
+    ++failures_;
     write_line("ostrevan: " + line);
 }
 
 void terminal::show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) {
-    if (icon == popup_message::icon_error) failed_ = true;
+    if (icon == popup_message::icon_error) ++failures_;
     write_line(title + ": " + text);
-}
-
-std::optional<bool> terminal::ask_on_terminal(const std::string& prompt) {
-    for (;;) {
-        std::fputs(prompt.c_str(), stderr);
-        std::fflush(stderr);
-        std::string line;
-        if (!wait_for_input()) {
-            std::fputc('\n', stderr);
-            return false;
-        }
-        if (!std::getline(std::cin, line)) return std::nullopt;
-        if (line.empty()) continue;
-        switch (line.front()) {
-            case 'y':
-            case 'Y':
-            case 'o':
-            case 'O':
-                return true;
-            case 'n':
-            case 'N':
-            case 'c':
-            case 'C':
-                return false;
-            default:
-                break;
-        }
-    }
-}
-
-unsigned terminal::ask(const popup_message_v3::query_t& query) {
-    const auto& choice = buttons_of(query.style);
-    write_line(query.title + ": " + query.text);
-    constexpr unsigned icon_mask = 0xF0;
-    if ((query.style & icon_mask) == popup_message_v3::style_icon_error) failed_ = true;
-    if (choice.yes == choice.no) return choice.yes;
-
-    auto answer = answer_;
-    if (!answer && ::isatty(STDIN_FILENO) != 0) answer = ask_on_terminal(choice.prompt);
-    if (!answer) write_line("Nobody is there to answer; use --yes or --no. Taken as declined.");
-    if (answer.value_or(false)) return choice.yes;
-    declined_ = true;
-    return choice.no;
 }
 
 void terminal::show_listing(const front::track_listing& listing) {
@@ -160,6 +88,12 @@ void terminal::end_progress() {
 void terminal::beep() {
     const std::lock_guard lock(mutex_);
     if (::isatty(STDERR_FILENO) != 0) std::fputc('\a', stderr);
+}
+
+int terminal::exit_status() const noexcept {
+    if (is_misused_) return exit_usage;
+    if (failures_ != 0) return exit_failed;
+    return declined_ != 0 ? exit_declined : exit_done;
 }
 
 }  // namespace ostrevan::cli

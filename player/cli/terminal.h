@@ -2,47 +2,68 @@
 
 #include <mutex>
 #include <optional>
+#include <string>
 
+#include "player/cli/prepared_answers.h"
 #include "player/front/front_end.h"
 
 namespace ostrevan::cli {
 
-/// The front end on a terminal: results go to standard output by the commands themselves, everything else to standard error.
-/// Questions are asked on the terminal; without one, the answer given on the command line holds, and a question that nobody
-/// answers counts as declined.
+/// The front end on a terminal: lists go to standard output, as the results of the commands do, everything else to standard
+/// error. Questions are asked on the terminal; without one, the answers given on the command line hold, and a question that
+/// nobody answers counts as declined.
 class terminal final : public front::front_end {
 public:
-    terminal(bool quiet, std::optional<bool> answer);
+    terminal(bool quiet, prepared_answers answers);
 
     void print_line(const std::string& line) override;
     void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) override;
     unsigned ask(const popup_message_v3::query_t& query) override;
+    void show_dialog(front::open_dialog& dialog, unsigned turn) override;
+    std::optional<std::string> ask_file(const file_dialog_service::query_t& query) override;
     void show_listing(const front::track_listing& listing) override;
     void show_progress(const std::string& what, std::size_t done, std::size_t total) override;
     void end_progress() override;
     void beep() override;
-    void note_failure() override { failed_ = true; }
+    void note_failure() override { ++failures_; }
 
     /// A line that is not a result: left out when quiet.
     void note(const std::string& line);
     void error(const std::string& line);
+    /// Tells of answers on the command line that nothing has asked for.
+    void note_unused_answers();
 
-    [[nodiscard]] bool failed() const noexcept { return failed_; }
-    [[nodiscard]] bool declined() const noexcept { return declined_; }
+    /// What the process answers, as far as the user has been told.
+    [[nodiscard]] int exit_status() const noexcept;
 
 private:
     void write_line(const std::string& line);
     void clear_progress();
-    std::optional<bool> ask_on_terminal(const std::string& prompt);
+
+    /// Whether somebody can be asked. False as well when all answers are given.
+    [[nodiscard]] bool can_ask() const;
+    /// A line that the user types after a prompt; none when he interrupts or ends the input.
+    std::optional<std::string> read_line(const std::string& prompt);
+    void decline(const char* way_out);
+    void apply_labels(front::open_dialog& dialog);
+    void ask_in_dialog(front::open_dialog& dialog);
+    void answer_dialog(front::open_dialog& dialog, unsigned turn);
 
     const bool quiet_;
-    const std::optional<bool> answer_;
+    const prepared_answers answers_;
     const bool draws_progress_;
     std::mutex mutex_;
     bool progress_shown_ = false;
     long long last_drawn_ms_ = 0;
-    bool failed_ = false;
-    bool declined_ = false;
+
+    bool is_misused_ = false;
+    unsigned failures_ = 0;
+    unsigned declined_ = 0;
+    bool labels_used_ = false;
+    bool file_used_ = false;
+    // While a dialog is open: what had failed and been declined before its OK was pressed, and declined before it opened.
+    unsigned known_troubles_ = 0;
+    unsigned declined_before_ = 0;
 };
 
 }  // namespace ostrevan::cli

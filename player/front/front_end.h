@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
+#include "ostrevan/file_dialog.h"
 #include "ostrevan/popup.h"
+#include "player/front/open_dialog.h"
 #include "player/front/track_listing.h"
 
 namespace ostrevan::front {
@@ -20,6 +23,12 @@ public:
     virtual void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) = 0;
     /// Asks, and answers with one of the answers of `popup_message_v3`.
     virtual unsigned ask(const popup_message_v3::query_t& query) = 0;
+
+    /// Shows a dialog and takes one step of the user's in it. Called again, with the next number of `turn` from 0 on, for as
+    /// long as the dialog stays open; what was posted meanwhile has run.
+    virtual void show_dialog(open_dialog& dialog, unsigned turn) = 0;
+    /// The path as the user gives it; none when he cancels.
+    virtual std::optional<std::string> ask_file(const file_dialog_service::query_t& query) = 0;
 
     /// A list of tracks that the user has asked for.
     virtual void show_listing(const track_listing& listing) = 0;

@@ -16,6 +16,7 @@
 #include "player/core/thread_services.h"
 #include "player/front/clipboard_file.h"
 #include "player/front/component_start.h"
+#include "player/front/dialog_services.h"
 #include "player/front/library_search.h"
 #include "player/front/library_services.h"
 #include "player/front/popup_service.h"
@@ -93,6 +94,9 @@ struct session::parts {
     service_uncounted_t<input_entry_impl> decoders;
     service_uncounted_t<library_search_impl> search{loop, ui, services, library, fields};
     service_uncounted_t<progress_service_impl> progress{loop, ui};
+    service_uncounted_t<dialog_registry_impl> open_dialogs;
+    service_uncounted_t<dialog_service_impl> dialogs{loop, ui, open_dialogs, player};
+    service_uncounted_t<file_dialog_service_impl> file_dialogs{loop, ui};
 
     std::vector<loaded_component> components;
 };
@@ -138,6 +142,9 @@ session::session(const session_options& options, front_end& ui) : parts_(std::ma
     services.add<input_entry>(p.decoders);
     services.add<library_search>(p.search);
     services.add<progress_service>(p.progress);
+    services.add<dialog_registry>(p.open_dialogs);
+    services.add<dialog_service>(p.dialogs);
+    services.add<file_dialog_service>(p.file_dialogs);
 
     const auto report = [&p](const std::string& message) { p.report(message); };
     p.components = load_components(options.components, p.block, report);

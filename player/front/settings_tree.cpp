@@ -4,15 +4,10 @@
 #include <functional>
 #include <stdexcept>
 
-#include "nuv/text.h"
+#include "player/front/labels.h"
 
 namespace ostrevan::front {
 namespace {
-
-bool contains_nocase(std::string_view text, std::string_view part) {
-    const auto same = [](char a, char b) { return nuv::ascii_lower(a) == nuv::ascii_lower(b); };
-    return std::ranges::search(text, part, same).begin() != text.end();
-}
 
 [[noreturn]] void throw_no_such(const std::vector<setting_entry>& tree, std::string_view name, const char* problem) {
     std::string message = std::string(problem) + " \"" + std::string(name) + "\". Settings are:";
@@ -53,15 +48,17 @@ std::vector<setting_entry> settings_tree(const service_registry& services) {
 
 advanced_checkbox& find_checkbox(const std::vector<setting_entry>& tree, std::string_view name) {
     const auto id = nuv::parse_guid(name);
-    std::vector<advanced_checkbox*> partial;
+    std::vector<advanced_checkbox*> checkboxes;
+    std::vector<std::string> labels;
     for (const auto& entry : tree) {
         if (entry.checkbox == nullptr) continue;
-        if ((id && entry.setting->id() == *id) || nuv::equal_ascii_nocase(entry.setting->label(), name))
-            return *entry.checkbox;
-        if (contains_nocase(entry.setting->label(), name)) partial.push_back(entry.checkbox);
+        if (id && entry.setting->id() == *id) return *entry.checkbox;
+        checkboxes.push_back(entry.checkbox);
+        labels.push_back(entry.setting->label());
     }
-    if (partial.size() == 1) return *partial.front();
-    throw_no_such(tree, name, partial.empty() ? "There is no setting" : "More than one setting fits");
+    const auto match = find_label({labels.begin(), labels.end()}, name);
+    if (match.index) return *checkboxes[*match.index];
+    throw_no_such(tree, name, match.is_ambiguous ? "More than one setting fits" : "There is no setting");
 }
 
 }  // namespace ostrevan::front

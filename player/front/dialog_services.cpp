@@ -1,0 +1,50 @@
+#include "player/front/dialog_services.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "player/core/filesystems.h"
+
+namespace ostrevan::front {
+namespace {
+
+/// What is there under the name as it is, such as a device, and protocols other than files are left alone.
+std::string with_extension(const std::string& name, const std::string& extension) {
+    const std::filesystem::path path = local_path(name);
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    const bool is_special = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+    if (extension.empty() || !is_local_path(name) || is_special || !path.has_filename() || path.has_extension()) return name;
+    return name + "." + extension;
+}
+
+}  // namespace
+
+void dialog_service_impl::open(dialog_rules_ptr rules) {
+    check_main_thread(loop_, "dialog_service::open");
+    const auto dialog = std::make_shared<open_dialog>(rules, registry_, player_);
+    rules->on_open(*dialog);
+    if (dialog->is_open()) loop_.post([this, dialog] { take_turn(dialog, 0); });
+}
+
+void dialog_service_impl::take_turn(const std::shared_ptr<open_dialog>& dialog, unsigned turn) {
+    ui_.show_dialog(*dialog, turn);
+    if (dialog->is_open()) loop_.post([this, dialog, turn] { take_turn(dialog, turn + 1); });
+}
+
+std::optional<std::string> file_dialog_service_impl::ask(const query_t& query) {
+    check_main_thread(loop_, "file_dialog_service::ask");
+    auto path = ui_.ask_file(query);
+    if (!path || !query.save) return path;
+
+    path = with_extension(*path, query.default_extension);
+    std::error_code error;
+    if (!is_local_path(*path) || !std::filesystem::is_regular_file(local_path(*path), error)) return path;
+    const auto answer = ui_.ask({.text = *path + " is there already. Replace it?",
+                                 .title = query.title,
+                                 .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
+                                 .reply = {}});
+    return answer == popup_message_v3::answer_yes ? path : std::nullopt;
+}
+
+}  // namespace ostrevan::front

@@ -1,0 +1,38 @@
+#include "player/front/open_dialog.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ostrevan::front {
+
+void dialog_registry_impl::poke_existing() {
+    if (!open_.empty()) open_.back()->bring_forward();
+}
+
+open_dialog::open_dialog(dialog_rules_ptr rules, dialog_registry& registry, player_api& player)
+    : rules_(std::move(rules)), registry_(registry), player_(player), states_(layout().controls.size()) {
+    registry_.add(*this);
+}
+
+open_dialog::~open_dialog() { registry_.forget(*this); }
+
+std::size_t open_dialog::index_of(int id) const {
+    const auto controls = layout().controls;
+    const auto found = std::ranges::find(controls, id, &dialog_control::id);
+    if (found == controls.end()) player_.bug_check("dialog_window: the layout has no control with this id");
+    return static_cast<std::size_t>(found - controls.begin());
+}
+
+void open_dialog::set_checked(int id, bool checked) {
+    const auto controls = layout().controls;
+    const auto is_radio = [&](std::size_t at) { return controls[at].kind == dialog_control_kind::radio_button; };
+    const auto index = index_of(id);
+    if (checked && is_radio(index)) {
+        auto first = index;
+        while (first > 0 && is_radio(first - 1)) --first;
+        for (auto at = first; at < controls.size() && is_radio(at); ++at) states_[at].is_checked = false;
+    }
+    states_[index].is_checked = checked;
+}
+
+}  // namespace ostrevan::front
