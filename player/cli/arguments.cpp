@@ -236,7 +236,7 @@ void command_line::check_answers() const {
     const auto* const context = std::get_if<context_menu>(&result_.chosen);
     const bool runs_command = (menu != nullptr && menu->command) || (context != nullptr && context->command);
     if (answers.fill_dialogs() && !runs_command)
-        throw CLI::ValidationError("--file, --check, --uncheck", "for a command of 'menu' or 'context' that asks");
+        throw CLI::ValidationError("--file, --check, --uncheck", "only commands of 'menu' and 'context' ask for these");
     if (answers.file && answers.file->empty()) throw CLI::ValidationError("--file", "name a file");
 }
 

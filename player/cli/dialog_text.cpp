@@ -78,14 +78,15 @@ std::vector<const dialog_control*> controls_named(const front::open_dialog& dial
 }  // namespace
 
 std::string dialog_text(const front::open_dialog& dialog) {
-    std::string text = std::string(dialog.layout().title) + "\n";
+    std::string text = dialog.layout().title;
     std::size_t number = 0;
     for (const auto& control : dialog.layout().controls) {
-        if (control.kind == kind::separator) text += std::string("  ") + control.text + "\n";
+        if (control.kind == kind::separator) text += std::string("\n  ") + control.text;
         if (!has_number(control)) continue;
         const auto digits = std::to_string(++number);
-        text += std::string(digits.size() < 2 ? 5 : 4, ' ') + digits + " " + mark_of(dialog, control) + " " + control.text;
-        text += dialog.is_enabled(control.id) ? "\n" : " (greyed)\n";
+        text += "\n" + std::string(digits.size() < 2 ? 5 : 4, ' ') + digits + " " + mark_of(dialog, control) + " " +
+                control.text;
+        if (!dialog.is_enabled(control.id)) text += " (greyed)";
     }
     return text;
 }

@@ -85,12 +85,16 @@ private:
 }
 
 file_ptr open_local_file(const std::string& path, filesystem::open_mode mode) {
-    // Opening a pipe for reading would wait for somebody to write into it.
-    const int flags = mode == filesystem::open_mode::read ? O_RDONLY | O_NONBLOCK : O_WRONLY | O_CREAT | O_TRUNC;
+    const int flags = mode == filesystem::open_mode::read ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
     constexpr mode_t everybody = 0666;  // the user's mask takes away from it
-    const int descriptor = ::open(path.c_str(), flags | O_CLOEXEC, everybody);
+    // Opening a pipe would wait for somebody at its other end, and not notice that the user wants to stop.
+    const int descriptor = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, everybody);
+    if (descriptor < 0 && errno == ENXIO) throw exception_io_system(path + " cannot be opened: nobody reads from this pipe");
     if (descriptor < 0) throw_io_error(path + " cannot be opened", errno);
-    return service_new<local_file>(path, descriptor);
+    auto opened = service_new<local_file>(path, descriptor);
+    if (mode == filesystem::open_mode::write_new && ::fcntl(descriptor, F_SETFL, O_WRONLY) != 0)
+        throw_io_error(path + " cannot be opened", errno);
+    return opened;
 }
 
 }  // namespace ostrevan

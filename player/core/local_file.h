@@ -6,8 +6,8 @@
 
 namespace ostrevan {
 
-/// A regular file of this machine. Throws as the file system's `open`; other kinds of files (folders, pipes) are refused for
-/// reading, because nothing but a regular file has a length.
+/// A file of this machine. Throws as the file system's `open`. Only a regular file has a size; nothing waits for the other
+/// end of a pipe.
 file_ptr open_local_file(const std::string& path, filesystem::open_mode mode);
 
 /// The exception of an error number: what failed, then the system's reason.
