@@ -1,6 +1,6 @@
 #include "player/front/library_search.h"
 
-#include <ctime>
+#include <chrono>
 #include <stdexcept>
 
 #include "player/front/track_listing.h"
@@ -8,26 +8,14 @@
 #include "player/query/sort.h"
 
 namespace ostrevan::front {
-namespace {
-
-query::query_clock clock_now() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    ::localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-    return query::query_clock::at(text);
-}
-
-}  // namespace
-
 metadb_handle_list find_tracks(const library::media_library& library, const titleformat::component_fields& fields,
                                const std::string& text) {
     const auto wanted = query::parse(text);
-    const auto now = clock_now();
+    const auto clock =
+        query::query_clock::local_at(std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()));
     std::vector<metadb_handle_ptr> found;
     for (const auto& track : library.items())
-        if (wanted.matches(titleformat::track_fields(fields, *track), now)) found.emplace_back(track);
+        if (wanted.matches(titleformat::track_fields(fields, *track), clock)) found.emplace_back(track);
 
     if (!wanted.sort()) return metadb_handle_list(std::move(found));
 

@@ -13,7 +13,7 @@ namespace ostrevan::query {
 /// One track under examination.
 struct examined {
     const titleformat::field_source& fields;
-    local_time now;
+    const query_clock& clock;
     /// Working space, so that a search through a library does not allocate for each track. Its content lasts until the next
     /// condition.
     std::string& text;

@@ -47,10 +47,14 @@ public:
         : left_(std::move(left)), unit_(unit), count_(count) {}
     [[nodiscard]] bool matches(const examined& track) const override {
         const auto value = read_period(track, left_);
-        return value && inside(*value, moment_before(track.now, unit_, count_), track.now + std::chrono::seconds{1});
+        return value && inside(*value, first(track.clock), track.clock.latest() + std::chrono::seconds{1});
     }
 
 private:
+    [[nodiscard]] local_time first(const query_clock& clock) const {
+        return unit_.months == 0 ? clock.ago(unit_.seconds * count_) : months_before(clock.now(), unit_.months * count_);
+    }
+
     script left_;
     time_unit unit_;
     std::int64_t count_;

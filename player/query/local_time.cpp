@@ -69,13 +69,10 @@ std::optional<period> parse_period(std::string_view text) noexcept {
     return period{first, end_of(first, date, given)};
 }
 
-local_time moment_before(local_time moment, time_unit unit, std::int64_t count) noexcept {
-    if (unit.months == 0) return std::max<local_time>(moment - seconds{unit.seconds * count}, earliest);
-
+local_time months_before(local_time moment, std::int64_t count) noexcept {
     const local_days today = floor<days>(moment);
     const year_month_day date{today};
-    const std::int64_t month_number =
-        static_cast<int>(date.year()) * 12LL + static_cast<unsigned>(date.month()) - 1 - unit.months * count;
+    const std::int64_t month_number = static_cast<int>(date.year()) * 12LL + static_cast<unsigned>(date.month()) - 1 - count;
     if (month_number < 0) return earliest;
     const year_month then = year{static_cast<int>(month_number / 12)} / static_cast<int>(month_number % 12 + 1);
     const day last = (then / std::chrono::last).day();

@@ -27,10 +27,10 @@ struct time_unit {
     std::int64_t months = 0;
 };
 
-/// By the calendar for months, where a day that the month lacks becomes its last day. Never before the year 0.
-/// `count` is at most `max_units`.
-[[nodiscard]] local_time moment_before(local_time moment, time_unit unit, std::int64_t count) noexcept;
+/// By the calendar, where a day that the month lacks becomes its last day. Never before the year 0.
+[[nodiscard]] local_time months_before(local_time moment, std::int64_t count) noexcept;
 
+/// The largest number of units that a query may count back.
 inline constexpr std::int64_t max_units = 1'000'000;
 
 }  // namespace ostrevan::query

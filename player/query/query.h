@@ -7,20 +7,12 @@
 #include <string>
 #include <string_view>
 
-#include "player/query/local_time.h"
+#include "player/query/clock.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::query {
 
 class condition;
-
-/// The moment that `DURING LAST` counts back from. One clock serves a whole search, so that all tracks are judged alike.
-struct query_clock {
-    local_time now;
-
-    /// From `YYYY-MM-DD HH:MM:SS`; throws `std::invalid_argument` for another form.
-    [[nodiscard]] static query_clock at(std::string_view text);
-};
 
 struct sort_order {
     titleformat::script by;
