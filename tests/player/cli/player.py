@@ -7,10 +7,14 @@ import json
 import os
 import pathlib
 import shutil
+import struct
 import subprocess
 import tempfile
 import unittest
 
+MENU = "Library/Playback Statistics/"
+MAPPING = "C653739F-14B3-4EF2-819B-A3E2883230AE"
+FIELDS = ("Count", "FirstPlayed", "LastPlayed", "Added", "Rating")
 PROGRAM = os.environ["OSTREVAN"]
 MUSIC = pathlib.Path(os.environ["MUSIC"])
 AUDIO = pathlib.Path(os.environ["AUDIO"])
@@ -60,8 +64,26 @@ class PlayerTest(unittest.TestCase):
     def play(self, *paths, **options):
         return self.run_player("play", "--audio", "null", "--fast", *paths, **options)
 
+    def records(self, profile=None):
+        """Every record of the statistics as it is stored: count, first, last, added and rating by key."""
+        dump = self.run_player("index", "dump", "{" + MAPPING + "}", profile=profile).stdout
+        return {key: struct.unpack("<QQQQI4x", bytes.fromhex(data)) for _, key, data in map(str.split, dump.splitlines())}
+
+    def import_records(self, records, **options):
+        """Imports a file made of these: attributes by key."""
+        path = self.folder / "import.xml"
+        entries = "".join(f'<Entry ID="{key}" ' + " ".join(f'{name}="{value}"' for name, value in values.items()) + "/>"
+                          for key, values in records.items())
+        path.write_text(f'<PlaybackStatistics Version="3.0" Mapping="{MAPPING}">{entries}</PlaybackStatistics>')
+        return self.run_player("--yes", "--file", path, "menu", MENU + "Import statistics...", **options)
+
     def files(self, suffix=""):
         return sorted(p for p in self.music.rglob("*" + suffix) if p.is_file())
+
+
+def moment(seconds):
+    """A time of the system's clock in the unit of the records."""
+    return int(seconds * 10_000_000) + 116_444_736_000_000_000
 
 
 def tags_of(*paths):

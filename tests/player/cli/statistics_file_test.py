@@ -1,0 +1,157 @@
+"""Statistics leave as an XML file and come back, seen by an independent reader; whatever goes wrong, nothing is lost."""
+import os
+import select
+import signal
+import sqlite3
+import struct
+import unittest
+import xml.etree.ElementTree
+
+from player import FIELDS, MAPPING, MENU, PlayerTest
+
+EXPORT = MENU + "Export statistics..."
+IMPORT = MENU + "Import statistics..."
+NOT_RATED = 0xFFFFFFFF
+SELECTION = "Playback Statistics/Export statistics to XML..."
+
+
+def records_in(path):
+    """The records of a file: the numbers of their fields by key, absent ones as they are stored."""
+    root = xml.etree.ElementTree.parse(path).getroot()
+    assert (root.tag, root.attrib) == ("PlaybackStatistics", {"Version": "3.0", "Mapping": MAPPING})
+    return {entry.get("ID"): tuple(int(entry.get(name, NOT_RATED if name == "Rating" else 0)) for name in FIELDS)
+            for entry in root}
+
+
+def items_in(path):
+    return {entry.get("ID"): [item.get("Path") + "|" + item.get("Subsong", "0") for item in entry]
+            for entry in xml.etree.ElementTree.parse(path).getroot()}
+
+
+class StatisticsFile(PlayerTest):
+    def setUp(self):
+        super().setUp()
+        self.copy_music()
+        self.first, self.second = self.files()[:2]
+        self.play(self.first, self.first, self.second)
+        self.run_player("context", "Playback Statistics/Rating/4", self.second)
+        self.file = self.folder / "stats.xml"
+        self.other = self.folder / "other"
+
+    def export(self, *words, path=None, **options):
+        return self.run_player("--yes", "--file", path or self.file, *words, "menu", EXPORT, **options)
+
+    def load(self, *words, path=None, **options):
+        return self.run_player("--yes", "--file", path or self.file, *words, "menu", IMPORT, **options)
+
+    def test_a_backup_holds_every_record_and_restores_it_in_another_profile(self):
+        self.run_player("edit", self.first, "--set", 'title=Fish & "Chips" <été>')
+        (self.music / "gone.flac").write_bytes(self.second.read_bytes())
+        self.run_player("library", "rescan")
+        self.second.unlink()
+        self.run_player("library", "rescan")
+        self.export("--check", "Full backup")
+        stored = self.records()
+        self.assertEqual(records_in(self.file), stored)
+        items = {}
+        for track in self.tracks():
+            items.setdefault(track["key"], []).append(f"{track['path']}|{track['subsong']}")
+        self.assertEqual({key: paths for key, paths in items_in(self.file).items() if paths}, items)
+
+        self.run_player("library", "add", self.music, profile=self.other)
+        for _ in range(2):
+            self.load(profile=self.other)
+            self.assertEqual(self.records(profile=self.other), stored)
+            again = self.folder / "again.xml"
+            self.export("--check", "Full backup", path=again, profile=self.other)
+            self.assertEqual(again.read_bytes(), self.file.read_bytes())
+
+    def test_fields_that_are_unchecked_are_neither_written_nor_taken(self):
+        unchecked = [word for name in ("First", "Last", "Added", "Rating") for word in ("--uncheck", name)]
+        self.export(*unchecked)
+        self.assertEqual({record[1:] for record in records_in(self.file).values()}, {(0, 0, 0, NOT_RATED)})
+        self.export("--check", "Full backup")
+        before = self.records()
+        self.play(self.first)
+        self.run_player("context", "Playback Statistics/Rating/1", self.second)
+        self.load("--uncheck", "Times played", "--uncheck", "First", "--uncheck", "Last", "--uncheck", "Added")
+        self.assertEqual(self.play_count(self.first), 3)
+        self.assertEqual(self.track(self.second)["rating"], "4")
+        self.load()
+        self.assertEqual(self.records(), before)
+
+    def test_a_selection_is_exported_from_the_context_menu(self):
+        self.run_player("--yes", "--file", self.file, "context", SELECTION, self.second, self.first)
+        keys = [self.track(path)["key"] for path in (self.second, self.first)]
+        self.assertEqual(list(records_in(self.file)), keys)
+
+    def test_a_file_cut_short_gives_what_it_still_holds(self):
+        self.export()
+        whole = self.file.read_bytes()
+        records = records_in(self.file)
+        self.file.write_bytes(whole[:len(whole) // 2])
+        self.assertIn("Playback statistics import failure: XML error", self.load(status=1, profile=self.other).stderr)
+        taken = self.records(profile=self.other)
+        self.assertEqual(taken, {key: records[key] for key in taken})
+        self.assertIn(len(taken), range(1, len(records)))
+
+    def test_what_is_no_statistics_file_changes_nothing(self):
+        before = self.records()
+        cases = [
+            (b"", 0, "no records"),
+            (b"<svg><g/></svg>", 0, "no records"),
+            (b"\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\1<\0", 1, "XML error"),
+            (b"<PlaybackStatistics/>", 1, "Unsupported format or corrupted file"),
+            (b'<PlaybackStatistics Version="2.0"/>', 1, "Unsupported format or corrupted file"),
+            (b'<PlaybackStatistics Version="3.0" Mapping="00000000-0000-0000-0000-000000000000"/>', 1, "Unsupported format"),
+        ]
+        for content, status, reason in cases:
+            with self.subTest(content=content[:50]):
+                self.file.write_bytes(content)
+                self.assertIn(reason, self.load(status=status).stderr)
+                self.assertEqual(self.records(), before)
+        os.mkfifo(self.folder / "pipe")
+        for path, reason in ((self.folder / "nosuch.xml", "No such file"), (self.music, "length is not known"),
+                             (self.folder / "pipe", "length is not known"), ("http://host/stats.xml", "over the network")):
+            with self.subTest(path=path):
+                refused = self.load(path=path, status=1).stderr
+                self.assertIn(f"import failure: {path}", refused)
+                self.assertIn(reason, refused)
+        self.assertEqual(self.records(), before)
+
+    def test_places_that_cannot_be_written_are_named(self):
+        os.mkfifo(self.folder / "pipe")
+        for path, reason in (("/dev/full", "No space left"), (self.music, "Is a directory"), ("/sys/stats.xml", ""),
+                             (self.folder / "nosuch" / "stats.xml", "No such file"), (self.folder / "pipe", "nobody reads"),
+                             ("http://host/stats.xml", "over the network")):
+            with self.subTest(path=path):
+                refused = self.export(path=path, status=1).stderr
+                self.assertIn(f"Playback statistics export failure: {path}", refused)
+                self.assertIn(reason, refused)
+
+    def test_an_interrupted_export_stops_and_harms_nothing(self):
+        before = self.records()
+        database = sqlite3.connect(self.profile / "index.sqlite")
+        with database:
+            row = database.execute("SELECT index_id, last_seen FROM records").fetchone()
+            blob = struct.pack("<QQQQI4x", 1, 2, 3, 4, 5)
+            database.executemany("INSERT INTO records VALUES (?, ?, ?, ?)", ((row[0], key, row[1], blob) for key in range(50000)))
+        database.close()
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
+        with open(os.open(pipe, os.O_RDONLY | os.O_NONBLOCK), "rb", buffering=0) as reader:
+            player = self.start("--yes", "--file", pipe, "--check", "Full backup", "menu", EXPORT)
+            select.select([reader], [], [])
+            # It has begun, and cannot end before the pipe is read, which holds far less than the export.
+            player.send_signal(signal.SIGINT)
+            os.set_blocking(reader.fileno(), True)
+            received = reader.read()
+        _, said = player.communicate(timeout=100)
+        self.assertEqual(player.returncode, 1, said)
+        self.assertIn("Interrupted", said)
+        self.assertFalse(received.endswith(b"</PlaybackStatistics>"))
+        self.assertLessEqual(before.items(), self.records().items())
+
+
+if __name__ == "__main__":
+    unittest.main()
