@@ -4,10 +4,9 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "player/front/disk_tracks.h"
 #include "player/front/library_search.h"
 #include "player/front/locations.h"
-#include "player/library/read_files.h"
-#include "player/tags/reader.h"
 
 namespace ostrevan::front {
 namespace {
@@ -28,16 +27,6 @@ void append_tracks_below(session& player, const std::string& folder, std::vector
                                  ". Add the folder with 'ostrevan library add'.");
 }
 
-/// A file that the library does not hold: read from the disk, and known to the player until it ends.
-std::vector<library::track_ptr> read_from_disk(session& player, const std::string& path) {
-    std::vector<library::track_ptr> tracks;
-    for (const auto& read : library::read_tracks({path, {}, 0}, tags::read_file).tracks) {
-        tracks.push_back(player.tracks().obtain(path, read.subsong));
-        tracks.back()->publish(read.info);
-    }
-    return tracks;
-}
-
 void append_tracks_at(session& player, const std::string& place, std::vector<metadb_handle_ptr>& out) {
     const auto named = parse_location(place);
     const auto path = normal_path(named.path);
@@ -46,7 +35,7 @@ void append_tracks_at(session& player, const std::string& place, std::vector<met
 
     const auto held = items_of_file(player.library().items(), path);
     const auto tracks =
-        held.empty() ? read_from_disk(player, path) : std::vector<library::track_ptr>(held.begin(), held.end());
+        held.empty() ? tracks_on_disk(player.tracks(), path) : std::vector<library::track_ptr>(held.begin(), held.end());
     const bool whole_file = named.path.size() == place.size();
     for (const auto& track : tracks)
         if (whole_file || track->location().subsong == named.subsong) out.emplace_back(track);

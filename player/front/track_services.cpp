@@ -1,11 +1,13 @@
 #include "player/front/track_services.h"
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "player/core/filesystems.h"
+#include "player/front/disk_tracks.h"
 #include "player/front/locations.h"
 #include "player/library/read_files.h"
 #include "player/tags/formats.h"
@@ -30,6 +32,15 @@ private:
     const library::file_snapshots file_;
 };
 
+/// A file that is gone or damaged leaves its tracks without information.
+void read_if_possible(library::track_table& tracks, const std::string& path) {
+    try {
+        tracks_on_disk(tracks, path);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
 }  // namespace
 
 metadb_handle_ptr metadb_impl::handle_create(const playable_location& location) {
@@ -39,9 +50,15 @@ metadb_handle_ptr metadb_impl::handle_create(const playable_location& location) 
 void playlist_manager_impl::get_all_items(metadb_handle_list& out) const {
     check_main_thread(loop_, "playlist_manager::get_all_items");
     std::vector<metadb_handle_ptr> items;
-    for (const auto& name : playlists_.names())
-        for (const auto& [path, subsong] : playlists_.entries(name).value())
-            items.emplace_back(tracks_.obtain(path, subsong));
+    std::set<std::string> tried;
+    for (const auto& name : playlists_.names()) {
+        const auto entries = playlists_.entries(name);
+        for (const auto& [path, subsong] : entries.value()) {
+            const auto track = tracks_.obtain(path, subsong);
+            if (!track->has_info() && is_local_path(path) && tried.insert(path).second) read_if_possible(tracks_, path);
+            items.emplace_back(track);
+        }
+    }
     out = metadb_handle_list(std::move(items));
 }
 

@@ -19,7 +19,8 @@ private:
     library::track_table& tracks_;
 };
 
-/// The playlists for components, in alphabetical order of their names.
+/// The playlists for components, in alphabetical order of their names. Tracks that the library does not hold are read from
+/// the disk, so that they have information wherever it can be had.
 class playlist_manager_impl : public playlist_manager {
 public:
     playlist_manager_impl(const main_loop& loop, const library::playlists& playlists, library::track_table& tracks)

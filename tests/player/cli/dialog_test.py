@@ -1,6 +1,7 @@
 """Dialogs and names of files: asked on a terminal, answered on the command line, or declined by nobody."""
 import os
 import pty
+import signal
 import subprocess
 import unittest
 
@@ -46,6 +47,17 @@ class Dialogs(PlayerTest):
         said = self.type_into("menu", EXPORT, typed=f"o\n{self.file}\nn\no\n{self.file}\ny\n", status=0)
         self.assertIn(f"{self.file} is there already. Replace it?", said)
         self.assertIn("</PlaybackStatistics>", self.file.read_text())
+
+    def test_an_interrupt_cancels(self):
+        terminal, end = pty.openpty()
+        player = subprocess.Popen(self.command("menu", EXPORT), env=self.env, stdin=end, stderr=subprocess.PIPE, text=True)
+        while "Rating" not in player.stderr.readline():
+            pass
+        player.send_signal(signal.SIGINT)
+        player.communicate(timeout=100)
+        self.assertEqual(player.returncode, 1)
+        os.close(terminal)
+        os.close(end)
 
     def test_labels_on_the_command_line_fill_the_dialog(self):
         fields = ["--uncheck", "times", "--uncheck", "first", "--uncheck", "last played time", "--uncheck", "added", "--uncheck",

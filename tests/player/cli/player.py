@@ -69,12 +69,12 @@ class PlayerTest(unittest.TestCase):
         dump = self.run_player("index", "dump", "{" + MAPPING + "}", profile=profile).stdout
         return {key: struct.unpack("<QQQQI4x", bytes.fromhex(data)) for _, key, data in map(str.split, dump.splitlines())}
 
-    def import_records(self, records, **options):
+    def import_records(self, records, mapping=MAPPING, **options):
         """Imports a file made of these: attributes by key."""
         path = self.folder / "import.xml"
         entries = "".join(f'<Entry ID="{key}" ' + " ".join(f'{name}="{value}"' for name, value in values.items()) + "/>"
                           for key, values in records.items())
-        path.write_text(f'<PlaybackStatistics Version="3.0" Mapping="{MAPPING}">{entries}</PlaybackStatistics>')
+        path.write_text(f'<PlaybackStatistics Version="3.0" Mapping="{mapping}">{entries}</PlaybackStatistics>')
         return self.run_player("--yes", "--file", path, "menu", MENU + "Import statistics...", **options)
 
     def files(self, suffix=""):

@@ -95,6 +95,29 @@ class StatisticsFile(PlayerTest):
         self.assertEqual(taken, {key: records[key] for key in taken})
         self.assertIn(len(taken), range(1, len(records)))
 
+    def test_a_file_of_paths_reaches_tracks_in_and_outside_the_library(self):
+        away = self.folder / "away"
+        away.mkdir()
+        file = self.files(".flac")[0].rename(away / "song.flac")
+        sheet = away / "sheet.cue"
+        sheet.write_text('FILE "song.flac" WAVE\n TRACK 01 AUDIO\n TITLE "One"\n INDEX 01 00:00:00\n'
+                         ' TRACK 02 AUDIO\n TITLE "Two"\n INDEX 01 00:01:00\n')
+        places = [(f'file://{self.first}', 7), (f"{self.music}/../away/song.flac", 8), (f'{sheet}" Subsong="2', 9),
+                  (f'{sheet}" Subsong="3', 1), (away / "nosuch.flac", 1), ("http://host/song.mp3", 1), (away, 1)]
+        items = "".join(f'<Item Path="{path}" Count="{count}"/>' for path, count in places)
+        self.file.write_text(f'<PlaybackStatistics Version="4.0">{items}</PlaybackStatistics>')
+        self.load()
+        line = self.run_player("format", "%title% %play_count%", self.first, file, f"{sheet}|1", f"{sheet}|2").stdout
+        self.assertEqual([text.rsplit(" ")[-1] for text in line.splitlines()], ["7", "8", "0", "9"])
+
+    def test_a_file_of_an_older_mapping_reaches_tracks_of_playlists(self):
+        # Without a track number the older rule makes the same key.
+        self.run_player("edit", self.second, "--remove", "tracknumber")
+        key = self.track(self.second)["key"]
+        self.run_player("playlist", "create", "List", self.second, profile=self.other)
+        self.import_records({key: {"Count": 5}}, mapping="163FC58C-E2D5-4D3D-BFA4-45AF2C28AC1C", profile=self.other)
+        self.assertEqual(self.records(profile=self.other)[key][0], 5)
+
     def test_what_is_no_statistics_file_changes_nothing(self):
         before = self.records()
         cases = [
