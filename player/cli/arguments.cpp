@@ -75,6 +75,7 @@ private:
 
 CLI::App* command_line::add(CLI::App& parent, const char* name, const char* what, const char* examples) {
     auto* const app = parent.add_subcommand(name, what);
+    app->fallthrough();  // --profile, --yes and the like may stand behind the command as well
     app->footer(examples);
     return app;
 }
@@ -211,8 +212,8 @@ command_line::command_line() {
     app_.add_option("--profile", result_.profile, "Folder that keeps everything")->type_name("DIR")->capture_default_str();
     app_.add_option("--components", result_.components, "Folder with the components")->type_name("DIR");
     app_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
-    auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes");
-    app_.add_flag("--no", no_, "Answer every question with no")->excludes(yes);
+    auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes, every dialog with OK");
+    app_.add_flag("--no", no_, "Answer every question with no, every dialog with Cancel")->excludes(yes);
     auto& answers = result_.answers;
     app_.add_option("--file", answers.file, "The file, when a command asks for one")->type_name("PATH");
     app_.add_option("--check", answers.check, "A control to check in a dialog, may be repeated")

@@ -54,13 +54,18 @@ inline constexpr const char* menu_examples =
     "  ostrevan menu\n"
     "  ostrevan menu 'Library/Playback Statistics/Show recently played'\n"
     "  ostrevan menu 'Library/Playback Statistics/Monitor playing tracks'\n"
-    "Without a path, prints the menu with marks and greyed entries.";
+    "  ostrevan menu 'Library/Playback Statistics/Export statistics...'\n"
+    "  ostrevan --yes --file backup.xml --check 'Full backup' menu 'Library/Playback Statistics/Export statistics...'\n"
+    "  ostrevan --yes --file backup.xml --uncheck Rating menu 'Library/Playback Statistics/Import statistics...'\n"
+    "Without a path, prints the menu with marks and greyed entries. Dialogs are asked on the terminal; without one,\n"
+    "--yes presses OK and --no Cancel, after --check and --uncheck have changed the marks with these labels.";
 
 inline constexpr const char* context_examples =
     "Examples:\n"
     "  ostrevan context song.flac\n"
     "  ostrevan context 'Playback Statistics/Rating/4' song.flac\n"
     "  ostrevan --yes context 'Playback Statistics/Write statistics to file tags' --where ALL\n"
+    "  ostrevan --yes --file blue.xml context 'Playback Statistics/Export statistics to XML...' --where '%album% IS Blue'\n"
     "Without a path, prints the menu with marks and greyed entries. A first word that is a file on disk is a track.";
 
 inline constexpr const char* playlist_examples =

@@ -18,10 +18,12 @@ long long now_ms() {
         .count();
 }
 
+/// Nothing while the whole is not known.
 std::string bar(std::size_t done, std::size_t total) {
     constexpr std::size_t width = 24;
-    const auto filled = total == 0 ? 0 : std::min(width, width * done / total);
-    return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "]";
+    if (total == 0) return {};
+    const auto filled = std::min(width, width * done / total);
+    return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] ";
 }
 
 }  // namespace
@@ -75,7 +77,7 @@ void terminal::show_progress(const std::string& what, std::size_t done, std::siz
     if (progress_shown_ && now - last_drawn_ms_ < redraw_ms && done != total) return;
     last_drawn_ms_ = now;
     const auto count = std::to_string(done) + (total == 0 ? "" : " of " + std::to_string(total));
-    std::fprintf(stderr, "\r\033[K%s %s %s", bar(done, total).c_str(), count.c_str(), what.c_str());
+    std::fprintf(stderr, "\r\033[K%s%s %s", bar(done, total).c_str(), count.c_str(), what.c_str());
     std::fflush(stderr);
     progress_shown_ = true;
 }
