@@ -48,7 +48,8 @@ private:
     std::size_t position_;
 };
 
-/// Throws `query_error`. An empty text matches every track.
+/// Throws `query_error`, and `titleformat::script_error` for a mistake in a script that is part of it. An empty text matches
+/// every track.
 [[nodiscard]] query parse(std::string_view source);
 
 }  // namespace ostrevan::query

@@ -1,7 +1,6 @@
 #include "tests/support/memory_index.h"
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 
 #include "tests/support/main_thread_check.h"
@@ -68,7 +67,7 @@ std::size_t memory_index::read(const nuv::guid& index, std::uint64_t key, void* 
     const std::lock_guard guard(lock_);
     const auto found = blobs_.find({index, key});
     if (found == blobs_.end()) return 0;
-    std::memcpy(buffer, found->second.data(), std::min(capacity, found->second.size()));
+    std::copy_n(found->second.begin(), std::min(capacity, found->second.size()), static_cast<std::uint8_t*>(buffer));
     return found->second.size();
 }
 

@@ -1,0 +1,43 @@
+// Links: fuzz_whole_component
+// Seeds: fuzz/seeds/clipboard
+#include <cstdint>
+
+#include "fuzz/check.h"
+#include "ostrevan/exceptions.h"
+#include "ostrevan/popup.h"
+#include "quorvel/interchange/clipboard_transfer.h"
+#include "quorvel/store/pcdb.h"
+#include "tests/support/memory_player.h"
+
+namespace {
+
+support::memory_player& started_player() {
+    static support::memory_player player;
+    static const bool started = (player.start(), true);
+    static_cast<void>(started);
+    return player;
+}
+
+}  // namespace
+
+/// Pastes onto three tracks, and agrees to whatever the player asks.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    auto& player = started_player();
+    static const auto tracks = support::make_tracks(3);
+    player.popups.messages.clear();
+    player.clipboard.format = quorvel::clipboard_format;
+    player.clipboard.bytes.assign(data, data + size);
+    try {
+        const bool asked = quorvel::pasteStatistics(tracks);
+        fuzz::check(asked == !player.popups.questions().empty(), "the answer tells whether the user is asked");
+        if (!asked) return 0;
+        fuzz::check(size >= 4 + 3 * 36, "only whole records are pasted");
+        player.popups.answer(ostrevan::popup_message_v3::answer_ok);
+        player.clipboard.bytes.clear();
+        quorvel::copyStatistics(tracks);
+        fuzz::check(std::equal(player.clipboard.bytes.begin(), player.clipboard.bytes.end(), data),
+                    "what was pasted is what is copied");
+    } catch (const ostrevan_io::exception_io_data_truncation&) {
+    }
+    return 0;
+}
