@@ -22,14 +22,26 @@ const std::string* xmlAttributes::find(std::string_view name) const noexcept {
 }
 
 bool xmlAttributes::add(std::string_view name, std::string_view value) {
-    if (find(name) != nullptr) return false;
-    if (used_ == items_.size()) items_.emplace_back();
-    items_[used_].first = name;
-    items_[used_].second = value;
-    ++used_;
-    if (used_ == few + 1 || 2 * used_ > slots_.size()) index();
-    else if (used_ > few) slots_[slot_of(name)] = static_cast<std::uint32_t>(used_);
+    alike_ = alike_ && used_ < distinct_ && items_[used_].first == name;
+    if (!alike_) {
+        if (find(name) != nullptr) return false;
+        if (used_ == items_.size()) items_.emplace_back();
+        items_[used_].first = name;
+    }
+    items_[used_++].second = value;
+    if (used_ > few) enter_last();
     return true;
+}
+
+void xmlAttributes::clear() noexcept {
+    if (!alike_) distinct_ = used_;
+    alike_ = true;
+    used_ = 0;
+}
+
+void xmlAttributes::enter_last() {
+    if (used_ == few + 1 || 2 * used_ > slots_.size()) index();
+    else slots_[slot_of(items_[used_ - 1].first)] = static_cast<std::uint32_t>(used_);
 }
 
 void xmlAttributes::remove_if(bool (*unwanted)(const value_type&)) {
@@ -37,6 +49,7 @@ void xmlAttributes::remove_if(bool (*unwanted)(const value_type&)) {
     for (std::size_t i = 0; i < used_; ++i)
         if (!unwanted(items_[i])) std::swap(items_[kept++], items_[i]);
     used_ = kept;
+    alike_ = false;
     index();
 }
 

@@ -23,12 +23,13 @@ public:
     [[nodiscard]] const_iterator begin() const noexcept { return items_.data(); }
     [[nodiscard]] const_iterator end() const noexcept { return items_.data() + used_; }
 
-    void clear() noexcept { used_ = 0; }
+    void clear() noexcept;
     /// False, and nothing added, when there is one of that name already. The texts are copied. Takes constant time.
     bool add(std::string_view name, std::string_view value);
     void remove_if(bool (*unwanted)(const value_type&));
 
 private:
+    void enter_last();
     /// Enters the names into `slots_`, if there are so many that it is worth it.
     void index();
     /// Where the name stands in `slots_`, or the free slot where it belongs.
@@ -36,6 +37,10 @@ private:
 
     std::vector<value_type> items_;  ///< those behind the first `used_` lend their memory
     std::size_t used_ = 0;
+    // Elements of one kind follow each other. As long as the names are those of the element before, in its order, they need
+    // neither be copied nor compared with each other.
+    bool alike_ = true;                 ///< the names so far are those that stood there before
+    std::size_t distinct_ = 0;          ///< so many of the names that stood there before differ from each other
     std::vector<std::uint32_t> slots_;  ///< a hash table of positions in `items_`, counted from 1
 };
 

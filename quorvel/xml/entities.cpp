@@ -46,7 +46,7 @@ std::optional<std::uint32_t> reference(std::string_view body) {
 }
 
 /// Neither part of a reference nor anything to be checked.
-constexpr bool is_plain(char byte) noexcept { return static_cast<signed char>(byte) > 0 && byte != '&'; }
+constexpr bool is_plain(char byte) noexcept { return (static_cast<signed char>(byte) > 0) & (byte != '&'); }
 
 std::size_t plain_length(std::string_view text) noexcept {
     std::size_t length = 0;
@@ -81,8 +81,15 @@ std::string decodeEntities(const char* text, std::size_t length) {
     return out;
 }
 
+bool is_plain(std::string_view text) noexcept {
+    // Without a way out of the loop the compiler looks at many bytes at a time.
+    unsigned char others = 0;
+    for (const char byte : text) others |= static_cast<unsigned char>(!is_plain(byte));
+    return others == 0;
+}
+
 std::string_view decoded(std::string_view text, std::string& storage) {
-    if (plain_length(text) == text.size()) return text;
+    if (is_plain(text)) return text;
     storage = decodeEntities(text.data(), text.size());
     return storage;
 }

@@ -10,7 +10,9 @@ namespace Vek {
 /// the length. Throws `xmlParser::error` for a zero byte and for bytes that are not UTF-8.
 [[nodiscard]] std::string decodeEntities(const char* text, std::size_t length);
 
-/// The same without a copy where nothing is to be replaced: the text itself, or `storage` filled with the result.
+/// Whether the text is ASCII without references, and so decodes to itself.
+[[nodiscard]] bool is_plain(std::string_view text) noexcept;
+/// The text decoded, without a copy where it is plain: the text itself, or `storage` filled with the result.
 [[nodiscard]] std::string_view decoded(std::string_view text, std::string& storage);
 
 /// The text with `"&'<>` replaced by entities, for attribute values and element text; up to its terminating zero.

@@ -27,11 +27,15 @@ std::size_t after_markup(std::string_view text, std::size_t at) {
 }
 
 std::size_t end_of_tag(std::string_view text, std::size_t from) {
-    for (std::size_t at = from; at < text.size(); ++at) {
-        if (text[at] == '>') return at;
-        if (text[at] == '"') at = required(text.find('"', at + 1));
+    // Looking for the `>` and counting the quotes before it are each done many bytes at a time, which a loop over both is
+    // not.
+    unsigned char quoted = 0;
+    for (;;) {
+        const std::size_t close = required(text.find('>', from));
+        for (std::size_t at = from; at < close; ++at) quoted ^= static_cast<unsigned char>(text[at] == '"');
+        if (quoted == 0) return close;
+        from = close + 1;
     }
-    throw xmlParser::error();
 }
 
 }  // namespace Vek

@@ -17,11 +17,11 @@ std::size_t start_tag::read(std::string_view text, std::size_t at) {
         if (tag[length] == '/' || tag[length] == '<') throw xmlParser::error();
     if (length == 0) throw xmlParser::error();
     name = decoded(tag.substr(0, length), decoded_name_);
-    read_attributes(tag.substr(length));
+    read_attributes(tag.substr(length), is_plain(tag));
     return end + 1;
 }
 
-void start_tag::read_attributes(std::string_view list) {
+void start_tag::read_attributes(std::string_view list, bool plain) {
     attributes.clear();
     while (!(list = without_leading_blanks(list)).empty()) {
         const std::size_t equals = required(list.find('='));
@@ -30,7 +30,9 @@ void start_tag::read_attributes(std::string_view list) {
         if (attribute.empty() || list.empty() || list[0] != '"') throw xmlParser::error();
         const std::size_t close = required(list.find('"', 1));
         const std::string_view value = list.substr(1, close - 1);
-        if (!attributes.add(decoded(attribute, decoded_name_), decoded(value, decoded_value_))) throw xmlParser::error();
+        const bool added = plain ? attributes.add(attribute, value)
+                                 : attributes.add(decoded(attribute, decoded_name_), decoded(value, decoded_value_));
+        if (!added) throw xmlParser::error();
         list.remove_prefix(close + 1);
     }
 }

@@ -19,7 +19,8 @@ public:
     bool self_closing = false;
 
 private:
-    void read_attributes(std::string_view list);
+    /// `plain` when nothing in the list is to be decoded.
+    void read_attributes(std::string_view list, bool plain);
 
     std::string decoded_name_;
     std::string decoded_value_;
