@@ -1,0 +1,102 @@
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "bench/bench_player.h"
+#include "bench/ratio.h"
+#include "bench/tracks.h"
+#include "ostrevan/library.h"
+#include "quorvel/interchange/export_fields.h"
+#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/tracks_by_key.h"
+
+namespace {
+
+class library_of_a_tenth : public ostrevan::library_manager {
+public:
+    bool is_library_enabled() const override { return true; }
+    void get_all_items(ostrevan::metadb_handle_list& out) const override {
+        out.items() = bench::records_of_a_million().tracks;
+    }
+};
+
+std::string contents_of(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Everything is ready; it goes through the player's file layer in pieces of the size that an export writes.
+void write_ready_bytes(const std::string& path, std::string_view bytes) {
+    constexpr std::size_t piece = 16'384 + 150;
+    const auto file = ostrevan::filesystem::g_open(path.c_str(), ostrevan::filesystem::open_mode::write_new);
+    for (std::size_t at = 0; at < bytes.size(); at += piece)
+        file->write(bytes.data() + at, std::min(piece, bytes.size() - at));
+    file->flush();
+}
+
+void full_backup(const std::string& path) {
+    quorvel::pcdb_export::exportToFile(path.c_str(), quorvel::export_all_fields, nullptr);
+}
+
+/// A line of /proc/self/status, in kB.
+double kilobytes_of(std::string_view name) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with(name)) return std::stod(line.substr(name.size() + 1));
+    std::abort();
+}
+
+void full_backup_of_a_million_records(benchmark::State& state) {
+    ostrevan::service_uncounted_t<library_of_a_tenth> library;
+    bench::bench_player player(bench::records_of_a_million().profile);
+    player.services.add<ostrevan::library_manager>(library);
+    const std::string path = bench::folder() / "export.xml";
+    full_backup(path);
+    const auto ready = contents_of(path);
+    if (static_cast<std::size_t>(std::ranges::count(ready, '\n')) < bench::million)
+        return state.SkipWithError("records are missing");
+
+    bench::ratio ratio(state, 1.8), processor_ratio(state, 1.8);
+    for (auto _ : state) {
+        double floor_processor = 0, processor = 0;
+        const double floor_time = bench::seconds_of(
+            [&] { floor_processor = bench::processor_seconds_of([&] { write_ready_bytes(path + ".ready", ready); }); });
+        ratio.add(floor_time,
+                  bench::seconds_of([&] { processor = bench::processor_seconds_of([&] { full_backup(path); }); }));
+        processor_ratio.add(floor_processor, processor);
+    }
+    if (contents_of(path) != ready) return state.SkipWithError("two exports of the same records differ");
+    ratio.report();
+    state.counters["processor_ratio"] = processor_ratio.value();
+    state.counters["megabytes"] = static_cast<double>(ready.size()) * 1e-6;
+    state.counters["keys_ms"] =
+        1e3 *
+        bench::seconds_of([] { quorvel::tracks_by_key(nuv::list_view_t(std::span(bench::records_of_a_million().tracks))); });
+}
+
+/// The most memory that an export has beyond what was there before; the floor is a megabyte. There is no library, so that no
+/// tracks have to be kept by their keys.
+void memory_of_a_full_backup(benchmark::State& state) {
+    const bench::bench_player player(bench::records_of_a_million().profile);
+    const std::string path = bench::folder() / "export.xml";
+    full_backup(path);
+    bench::ratio ratio(state, 1);
+    for (auto _ : state) {
+        malloc_trim(0);
+        std::ofstream("/proc/self/clear_refs") << "5";  // forgets the peak
+        const double before = kilobytes_of("VmRSS:");
+        full_backup(path);
+        ratio.add(1024, kilobytes_of("VmHWM:") - before + 1);
+    }
+    ratio.report();
+}
+
+BENCHMARK(full_backup_of_a_million_records)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(memory_of_a_full_backup)->UseManualTime()->Iterations(3);
+
+}  // namespace
