@@ -1,5 +1,7 @@
 #include "player/index/index_memory.h"
 
+#include <limits>
+
 namespace ostrevan::indexing {
 
 index_memory::index_memory(std::span<const catalog_entry> catalog) {
@@ -41,38 +43,26 @@ void index_memory::finish_loading() noexcept {
 }
 
 std::vector<std::uint64_t> index_memory::keys(const nuv::guid& guid) const {
-    std::vector<std::uint64_t> result;
-    const std::scoped_lock whole(whole_commits_);
-    for (std::size_t shard = 0; shard < record_table::shard_count(); ++shard) {
-        const auto reading = lock_.read();
-        const index* from = find_index(guid);
-        if (from == nullptr) return {};
-        from->records.append_keys(shard, result);
-    }
-    std::ranges::sort(result);
-    return result;
+    return keys_from(guid, 0, std::numeric_limits<std::size_t>::max());
 }
 
 std::vector<std::uint64_t> index_memory::keys_from(const nuv::guid& guid, std::uint64_t first, std::size_t at_most) const {
-    std::vector<std::uint64_t> lowest;
+    std::vector<std::uint64_t> result;
     const std::scoped_lock whole(whole_commits_);
-    for (std::size_t shard = 0; shard < record_table::shard_count(); ++shard) {
-        const std::size_t known = lowest.size();
+    for (std::size_t shard = record_table::shard_of(first); shard < record_table::shard_count() && result.size() < at_most;
+         ++shard) {
+        const auto known = static_cast<std::ptrdiff_t>(result.size());
         {
             const auto reading = lock_.read();
             const index* from = find_index(guid);
             if (from == nullptr) return {};
-            from->records.append_keys(shard, lowest);
+            from->records.append_keys(shard, result);
         }
-        const auto fresh = lowest.begin() + static_cast<std::ptrdiff_t>(known);
-        lowest.erase(std::remove_if(fresh, lowest.end(), [&](std::uint64_t key) { return key < first; }), lowest.end());
-        if (lowest.size() <= at_most * 2) continue;
-        std::ranges::nth_element(lowest, lowest.begin() + static_cast<std::ptrdiff_t>(at_most));
-        lowest.resize(at_most);
+        std::ranges::sort(result.begin() + known, result.end());
+        result.erase(result.begin(), std::ranges::lower_bound(result, first));
     }
-    std::ranges::sort(lowest);
-    if (lowest.size() > at_most) lowest.resize(at_most);
-    return lowest;
+    if (result.size() > at_most) result.resize(at_most);
+    return result;
 }
 
 std::vector<catalog_entry> index_memory::catalog() const {

@@ -44,7 +44,7 @@ public:
     /// Sorted; sees each commit as a whole. All rows must have been loaded.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& guid) const;
 
-    /// The lowest keys from `first` on, sorted, at most so many. Costs one pass over all keys.
+    /// The lowest keys from `first` on, sorted, at most so many. Costs little more than these.
     [[nodiscard]] std::vector<std::uint64_t> keys_from(const nuv::guid& guid, std::uint64_t first,
                                                        std::size_t at_most) const;
 

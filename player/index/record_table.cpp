@@ -7,7 +7,7 @@ namespace ostrevan::indexing {
 
 std::size_t record_table::put(std::uint64_t key, bytes data) {
     const std::uint64_t hash = hash_of(key);
-    shard& in = shards_[shard_of(hash)];
+    shard& in = shards_[shard_of(key)];
     if (data.size() != inline_size) {
         if (in.odd == nullptr) in.odd = std::make_unique<odd_records>();
         auto& odd = (*in.odd)[key];
@@ -33,7 +33,7 @@ std::size_t record_table::put(std::uint64_t key, bytes data) {
 }
 
 void record_table::erase(std::uint64_t key) noexcept {
-    shard& in = shards_[shard_of(hash_of(key))];
+    shard& in = shards_[shard_of(key)];
     if (in.odd != nullptr) in.odd->erase(key);
     in.erase_inline(key);
 }

@@ -13,8 +13,9 @@ namespace ostrevan::indexing {
 
 /// Records of one index in memory. Blobs of the usual size lie inside the table, those of other sizes are kept apart. A byte
 /// per slot, dense enough to stay in the processor's cache, tells where to look, so that finding a record costs one cache
-/// miss, and the processor can begin the next search before it is over. 256 shards grow on their own, so that no
-/// single insertion moves more than a 256th of the records. Not synchronised.
+/// miss, and the processor can begin the next search before it is over. 256 shards, one for each first byte of the keys,
+/// grow on their own: where keys are spread like digests, no single insertion moves more than a 256th of the records. Going
+/// through the keys in order stays within one shard at a time. Not synchronised.
 class record_table {
 public:
     static constexpr std::size_t inline_size = 40;
@@ -29,6 +30,8 @@ public:
     void erase(std::uint64_t key) noexcept;
 
     [[nodiscard]] static constexpr std::size_t shard_count() noexcept { return 256; }
+    /// The only shard that may hold the key. A higher key is in the same shard or in a later one.
+    [[nodiscard]] static constexpr std::size_t shard_of(std::uint64_t key) noexcept { return key >> 56; }
     /// Appends the keys of one shard, in no order.
     void append_keys(std::size_t shard_index, std::vector<std::uint64_t>& keys) const;
 
@@ -64,9 +67,8 @@ private:
         void erase_inline(std::uint64_t key) noexcept;
     };
 
-    /// Spreads keys that are no hashes, such as numbers counted up.
+    /// Spreads keys inside a shard that are no hashes, such as numbers counted up.
     static std::uint64_t hash_of(std::uint64_t key) noexcept { return (key ^ key >> 32) * 0x9E3779B97F4A7C15ULL; }
-    static std::size_t shard_of(std::uint64_t hash) noexcept { return hash >> 56; }
     static std::uint8_t tag_of(std::uint64_t hash) noexcept {
         return std::max(static_cast<std::uint8_t>(hash >> 16), std::uint8_t{1});
     }
@@ -76,7 +78,7 @@ private:
 
 inline record_table::bytes record_table::find(std::uint64_t key) const noexcept {
     const std::uint64_t hash = hash_of(key);
-    const shard& in = shards_[shard_of(hash)];
+    const shard& in = shards_[shard_of(key)];
     if (in.capacity != 0)
         if (const std::uint32_t position = in.locate(key, hash); in.tags[position] != 0) return in.slots[position].data;
     if (in.odd != nullptr)

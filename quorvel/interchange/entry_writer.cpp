@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "nuv/text.h"
+#include "quorvel/common/digits.h"
 #include "quorvel/interchange/export_fields.h"
 #include "quorvel/interchange/pcdb_export.h"
 #include "quorvel/store/timestamp.h"
@@ -17,11 +18,29 @@ namespace {
 /// The start tag of an entry, put together in place. It has room for every field at its longest.
 class start_tag {
 public:
-    void put(std::string_view text) noexcept {
-        std::memcpy(end_, text.data(), text.size());
-        end_ += text.size();
+    /// A literal: its length is known to the compiler, which then copies without a call.
+    template <std::size_t Size>
+    void put(const char (&text)[Size]) noexcept {
+        std::memcpy(end_, text, Size - 1);
+        end_ += Size - 1;
     }
     void put_number(std::integral auto number) noexcept { end_ = std::to_chars(end_, characters_.end(), number).ptr; }
+    /// Times have eighteen digits: they are taken apart in halves instead of digit by digit.
+    void put_large_number(std::uint64_t number) noexcept {
+        constexpr std::uint64_t eight_digits = 100'000'000;
+        if (number < eight_digits) return put_number(number);
+        put_large_number(number / eight_digits);
+        end_ = put_eight_digits(end_, static_cast<std::uint32_t>(number % eight_digits));
+    }
+    /// An attribute, or nothing for a time that cannot be shown.
+    template <std::size_t Size>
+    void put_local_time(const char (&name)[Size], std::uint64_t time) noexcept {
+        char* const before = end_;
+        put(name);
+        end_ = PutTimestamp(end_, time, time_zone::local());
+        if (end_ == nullptr) end_ = before;
+        else put("\" ");
+    }
     void put_hexadecimal(std::uint64_t number) noexcept {
         for (int shift = 60; shift >= 0; shift -= 4) *end_++ = "0123456789abcdef"[number >> shift & 15U];
     }
@@ -33,28 +52,13 @@ private:
     char* end_ = characters_.data();
 };
 
-struct time_field {
-    ExportFields field;
-    std::uint64_t t_playback_stats::*value;
-    std::string_view attribute;
-    std::string_view friendly_attribute;
-};
-constexpr std::array time_fields{
-    time_field{export_first_played, &t_playback_stats::first_played, "FirstPlayed=\"", "FirstPlayedFriendly=\""},
-    time_field{export_last_played, &t_playback_stats::last_played, "LastPlayed=\"", "LastPlayedFriendly=\""},
-    time_field{export_added, &t_playback_stats::added, "Added=\"", "AddedFriendly=\""},
-};
-constexpr std::string_view end_of_attribute = "\" ";
-
-void put_time(start_tag& tag, const time_field& field, std::uint64_t time) {
-    tag.put(field.attribute);
-    tag.put_number(time);
-    tag.put(end_of_attribute);
-    const auto friendly = FormatTimestamp(time);
-    if (friendly.view().find("invalid") != std::string_view::npos) return;
-    tag.put(field.friendly_attribute);
-    tag.put(friendly);
-    tag.put(end_of_attribute);
+/// The names end with the quote before the value.
+template <std::size_t NameSize, std::size_t FriendlySize>
+void put_time(start_tag& tag, const char (&name)[NameSize], const char (&friendly_name)[FriendlySize], std::uint64_t time) {
+    tag.put(name);
+    tag.put_large_number(time);
+    tag.put("\" ");
+    tag.put_local_time(friendly_name, time);
 }
 
 /// Stars to a tenth. Readers of the format know these texts: whole and tenth are each written with a sign of their own, so
@@ -74,16 +78,19 @@ bool put_fields(start_tag& tag, const t_playback_stats& record, std::uint32_t fi
     if ((fields & export_play_count) != 0) {
         tag.put("Count=\"");
         tag.put_number(record.play_count);
-        tag.put(end_of_attribute);
+        tag.put("\" ");
     }
-    for (const auto& time : time_fields)
-        if ((fields & time.field) != 0 && record.*time.value != 0) put_time(tag, time, record.*time.value);
+    if ((fields & export_first_played) != 0 && record.first_played != 0)
+        put_time(tag, "FirstPlayed=\"", "FirstPlayedFriendly=\"", record.first_played);
+    if ((fields & export_last_played) != 0 && record.last_played != 0)
+        put_time(tag, "LastPlayed=\"", "LastPlayedFriendly=\"", record.last_played);
+    if ((fields & export_added) != 0 && record.added != 0) put_time(tag, "Added=\"", "AddedFriendly=\"", record.added);
     if ((fields & export_rating) != 0 && record.rating != rating_not_set) {
         tag.put("Rating=\"");
         tag.put_number(record.rating);
         tag.put("\" RatingFriendly=\"");
         put_stars(tag, record.rating);
-        tag.put(end_of_attribute);
+        tag.put("\" ");
     }
     return tag.view().size() != size_before;
 }
@@ -111,11 +118,12 @@ bool writeEntry(std::string& out, std::uint64_t key, const t_playback_stats& rec
     start_tag tag;
     tag.put("  <Entry ID=\"");
     tag.put_hexadecimal(key);
-    tag.put(end_of_attribute);
+    tag.put("\" ");
     if (!put_fields(tag, record, fields)) return false;
 
     const bool has_items = items != nullptr && !items->empty();
-    tag.put(has_items ? ">\n" : "/>\n");
+    if (!has_items) tag.put("/");
+    tag.put(">\n");
     out += tag.view();
     if (!has_items) return true;
     for (const auto& track : *items) append_item(out, track->location());

@@ -1,22 +1,13 @@
 #include "quorvel/store/timestamp.h"
 
+#include <algorithm>
+
+#include "quorvel/common/digits.h"
+
 namespace quorvel {
 namespace {
 
-/// "00" to "99", one after another.
-constexpr auto two_digits = [] {
-    std::array<char, 200> table{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        table[2 * i] = static_cast<char>('0' + i / 10);
-        table[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return table;
-}();
-
-char* put_two(char* out, std::int32_t number) noexcept {
-    std::memcpy(out, &two_digits[2 * static_cast<std::size_t>(number)], 2);
-    return out + 2;
-}
+char* put_two(char* out, std::int32_t number) noexcept { return put_two_digits(out, static_cast<std::uint32_t>(number)); }
 
 /// Reads a text from its start, field by field.
 class time_reader {
@@ -63,14 +54,21 @@ bool in_range(const civil_time& t) noexcept {
 
 }  // namespace
 
-timestamp_text FormatTimestamp(std::uint64_t time) { return FormatTimestamp(time, time_zone::local()); }
+timestamp_text::timestamp_text(std::uint64_t time, const time_zone& zone) noexcept {
+    if (const char* const end = PutTimestamp(characters_.data(), time, zone)) {
+        length_ = static_cast<std::size_t>(end - characters_.data());
+    } else {
+        constexpr std::string_view invalid = "<invalid timestamp>";
+        length_ = invalid.copy(characters_.data(), capacity);
+    }
+}
 
-timestamp_text FormatTimestamp(std::uint64_t time, const time_zone& zone) {
+timestamp_text FormatTimestamp(std::uint64_t time) { return {time, time_zone::local()}; }
+timestamp_text FormatTimestamp(std::uint64_t time, const time_zone& zone) { return {time, zone}; }
+
+char* PutTimestamp(char* out, std::uint64_t time, const time_zone& zone) noexcept {
     const auto local = zone.to_local(time);
-    if (!local) return timestamp_text("<invalid timestamp>");
-
-    std::array<char, 20> text;
-    char* out = text.data();
+    if (!local) return nullptr;
     if (local->year >= 10000) *out++ = static_cast<char>('0' + local->year / 10000);
     out = put_two(out, local->year / 100 % 100);
     out = put_two(out, local->year % 100);
@@ -83,8 +81,7 @@ timestamp_text FormatTimestamp(std::uint64_t time, const time_zone& zone) {
     *out++ = ':';
     out = put_two(out, local->minute);
     *out++ = ':';
-    out = put_two(out, local->second);
-    return timestamp_text({text.data(), out});
+    return put_two(out, local->second);
 }
 
 std::uint64_t ParseTimestamp(std::string_view text) { return ParseTimestamp(text, time_zone::local()); }

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 #include "nuv/exceptions.h"
@@ -22,9 +20,10 @@ public:
 /// The text of a time, kept in place: "2024-03-05 07:08:09" or "<invalid timestamp>".
 class timestamp_text {
 public:
-    explicit timestamp_text(std::string_view text) noexcept : length_(std::min(text.size(), capacity)) {
-        std::memcpy(characters_.data(), text.data(), length_);
-    }
+    /// Years above 9999 have five digits.
+    static constexpr std::size_t capacity = 20;
+
+    timestamp_text(std::uint64_t time, const time_zone& zone) noexcept;
 
     [[nodiscard]] std::string_view view() const noexcept { return {characters_.data(), length_}; }
     operator std::string_view() const noexcept { return view(); }  // NOLINT(google-explicit-constructor): it is text
@@ -32,8 +31,6 @@ public:
     [[nodiscard]] const char* c_str() const noexcept { return characters_.data(); }
 
 private:
-    /// Years above 9999 have five digits.
-    static constexpr std::size_t capacity = 20;
     std::array<char, capacity + 1> characters_{};
     std::size_t length_;
 };
@@ -41,6 +38,10 @@ private:
 /// Local time, to the second. 0 is a time like any other; whoever shows times tests for it first. [any-thread]
 [[nodiscard]] timestamp_text FormatTimestamp(std::uint64_t time);
 [[nodiscard]] timestamp_text FormatTimestamp(std::uint64_t time, const time_zone& zone);
+
+/// Writes the same text at `out`, where there is room for `timestamp_text::capacity` characters, and answers its end; null
+/// for a time that cannot be shown. [any-thread]
+[[nodiscard]] char* PutTimestamp(char* out, std::uint64_t time, const time_zone& zone) noexcept;
 
 /// Reads local time: four digits of year, two each of month, day, hour, minute and second, single "-" and ":" between them
 /// optional, then an optional fraction. What follows is ignored. Throws `exception_time_error`. [any-thread]

@@ -12,6 +12,7 @@ namespace ostrevan {
 /// The key function of an index. The player calls it for every track that it indexes. [any-thread]
 class index_client : public service_base {
 public:
+    /// Best a digest: keys that are spread over all 64 bits are kept fastest.
     [[nodiscard]] virtual std::uint64_t key_of(const file_info& info, const playable_location& location) = 0;
 };
 using index_client_ptr = service_ptr_t<index_client>;
