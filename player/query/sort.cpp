@@ -65,6 +65,12 @@ void sort_naturally(std::vector<sort_entry>& entries, bool descending) {
 sort_entry entry_of(const sort_order& order, std::size_t index, const titleformat::field_source& fields) {
     sort_entry entry;
     entry.index = index;
+    const auto name = order.by.only_field();
+    if (const auto value = name ? fields.sort_value(*name) : std::nullopt) {
+        entry.text = std::to_string(*value);
+        entry.absent = *value == 0;
+        return entry;
+    }
     const bool found = order.by.run(fields, entry.text);
     entry.absent = !found && !titleformat::leading_integer(entry.text);
     return entry;

@@ -72,6 +72,12 @@ bool script::reads_fields() const noexcept {
     return false;
 }
 
+std::optional<std::string_view> script::only_field() const noexcept {
+    const auto& nodes = program_->nodes;
+    if (nodes.size() != 2 || nodes[1].kind != node_kind::field) return std::nullopt;
+    return program_->text_of(nodes[1]);
+}
+
 std::size_t call::size() const noexcept { return self_.count; }
 
 bool call::append(std::size_t index) {

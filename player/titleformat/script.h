@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -17,6 +19,10 @@ public:
     /// write "N/A" and yet not be found. `name` stands without percent signs, its ASCII letters in lower case; it is valid
     /// during the call only.
     virtual bool field(std::string_view name, std::string& out) const = 0;
+
+    /// The number to sort by in place of the field's text, 0 when the track has none; nothing when the text serves. `name`
+    /// as above.
+    [[nodiscard]] virtual std::optional<std::uint64_t> sort_value(std::string_view /*name*/) const { return std::nullopt; }
 
 protected:
     field_source() = default;
@@ -46,6 +52,9 @@ public:
 
     /// False for a script that gives the same text for every track.
     [[nodiscard]] bool reads_fields() const noexcept;
+
+    /// The name of the field that is the whole script, if that is so. Lives as long as the script.
+    [[nodiscard]] std::optional<std::string_view> only_field() const noexcept;
 
 private:
     friend script compile(std::string_view);

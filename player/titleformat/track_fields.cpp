@@ -114,6 +114,13 @@ const component_fields::entry* component_fields::find(std::string_view name) con
     return found == entries_.end() ? nullptr : &found->second;
 }
 
+std::optional<std::uint64_t> track_fields::sort_value(std::string_view name) const {
+    const auto* const published = published_.find(name);
+    if (published == nullptr) return std::nullopt;
+    const auto values = query_service<field_sort_values>(*published->provider);
+    return values ? values->sort_value(published->index, track_) : std::nullopt;
+}
+
 bool track_fields::field(std::string_view name, std::string& out) const {
     if (const auto* published = published_.find(name)) {
         string_out sink(out);

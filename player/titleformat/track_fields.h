@@ -34,6 +34,7 @@ public:
         : published_(published), track_(track), info_(track.info()) {}
 
     bool field(std::string_view name, std::string& out) const override;
+    [[nodiscard]] std::optional<std::uint64_t> sort_value(std::string_view name) const override;
 
 private:
     const component_fields& published_;

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <optional>
 #include <string_view>
 
 #include "ostrevan/core_api.h"
@@ -85,15 +86,17 @@ bool write_five_stars(std::uint32_t stars, text_out& out) { return write(out, fi
 struct field {
     const char* name;
     bool (*write)(const t_playback_stats& record, text_out& out);
+    /// The time that the field shows; null for fields that are sorted by their texts.
+    std::uint64_t t_playback_stats::*time = nullptr;
 };
 
 /// The player evaluates a field by its position here.
 constexpr std::array fields{
-    field{"first_played", write_first_played},
-    field{"last_played", write_last_played},
+    field{"first_played", write_first_played, &t_playback_stats::first_played},
+    field{"last_played", write_last_played, &t_playback_stats::last_played},
     field{"play_count", write_play_count},
     field{"played_per_day", write_played_per_day},
-    field{"added", write_added},
+    field{"added", write_added, &t_playback_stats::added},
     field{"rating", write_rating<write_star_count>},
     field{"rating_stars", write_rating<write_filled_stars>},
     field{"rating_stars_fixed", write_rating<write_five_stars>},
@@ -104,17 +107,34 @@ const field& field_at(std::size_t index) {
     return fields[index];
 }
 
+t_playback_stats record_of(ostrevan::metadb_handle* track) {
+    const ostrevan::metadb_handle_ptr held(track);
+    return held ? PCDB::Get(*held) : t_playback_stats{};
+}
+
+class time_sort_values : public ostrevan::field_sort_values {
+public:
+    std::optional<std::uint64_t> sort_value(std::size_t index, ostrevan::metadb_handle& track) override {
+        const auto time = field_at(index).time;
+        return time == nullptr ? std::nullopt : std::optional(record_of(&track).*time);
+    }
+};
+
 class statistics_field_provider : public ostrevan::field_provider {
 public:
     std::size_t get_field_count() const noexcept override { return fields.size(); }
     const char* get_field_name(std::size_t index) const override { return field_at(index).name; }
 
     bool process_field(std::size_t index, ostrevan::metadb_handle* track, text_out& out) override {
-        const auto& field = field_at(index);
-        t_playback_stats record;
-        if (const ostrevan::metadb_handle_ptr held(track); held) record = PCDB::Get(*held);
-        return field.write(record, out);
+        return field_at(index).write(record_of(track), out);
     }
+
+    ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override {
+        return interface_guid == ostrevan::field_sort_values::class_guid ? &sort_values_ : nullptr;
+    }
+
+private:
+    ostrevan::service_uncounted_t<time_sort_values> sort_values_;
 };
 
 ostrevan::service_factory_single_t<statistics_field_provider> g_field_provider;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "ostrevan/track.h"
@@ -39,6 +40,16 @@ public:
     /// Writes the field's text and answers whether it was found: a section in square brackets is dropped when none of its
     /// fields was. `track` may be null. An index out of range is a bug check.
     virtual bool process_field(std::size_t index, metadb_handle* track, titleformat_text_out& out) = 0;
+};
+
+/// Extension of a field provider, found by `service_query`: numbers to sort by where the texts would mislead, as local times
+/// do in the hour that comes twice when the clocks go back. [any-thread]
+class field_sort_values : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{6E4B9D0C-1F5E-4B43-A4C7-52B0E6C1D7F8}");
+
+    /// 0 when the track has no value; none for a field that is sorted by its text.
+    [[nodiscard]] virtual std::optional<std::uint64_t> sort_value(std::size_t index, metadb_handle& track) = 0;
 };
 
 }  // namespace ostrevan

@@ -89,6 +89,14 @@ TEST_F(field_provider, takes_a_missing_track_for_one_without_statistics) {
     EXPECT_EQ(field("first_played", track.get()), "N/A?");
 }
 
+TEST_F(field_provider, gives_times_to_sort_by) {
+    put(track, {.play_count = 7, .last_played = moment + 1});
+    const auto values = ostrevan::query_service<ostrevan::field_sort_values>(provider);
+    std::vector<std::optional<std::uint64_t>> got;
+    for (std::size_t i = 0; i < 4; ++i) got.push_back(values->sort_value(i, *track));
+    EXPECT_EQ(got, (std::vector<std::optional<std::uint64_t>>{0, moment + 1, std::nullopt, std::nullopt}));
+}
+
 TEST_F(field_provider, keeps_the_positions_that_the_player_knows) {
     const std::vector<std::string> names = {"first_played", "last_played", "play_count",   "played_per_day",
                                             "added",        "rating",      "rating_stars", "rating_stars_fixed"};
