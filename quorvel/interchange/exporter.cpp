@@ -1,4 +1,4 @@
-#include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "ostrevan/core_api.h"
@@ -7,6 +7,7 @@
 #include "ostrevan/progress.h"
 #include "quorvel/interchange/pcdb_export.h"
 #include "quorvel/interchange/tracks_by_key.h"
+#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
 
@@ -85,6 +86,8 @@ void add_records_of(statistics_file& file, const tracks_by_key& tracks) {
 }  // namespace
 
 void exportToFile(const char* path, std::uint32_t fields, const track_list* tracks) {
+    // Nothing but defaults could be read: they would replace an older backup, and later be imported as what was counted.
+    if (opened_index() == nullptr) throw std::runtime_error("No active index");
     statistics_file file(path, fields);
     const auto library = tracks == nullptr ? library_tracks() : ostrevan::metadb_handle_list();
     const tracks_by_key by_key(tracks == nullptr ? library : *tracks);

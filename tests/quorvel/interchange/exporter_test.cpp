@@ -98,6 +98,13 @@ TEST_F(exporter, leaves_what_has_been_written_when_it_fails_or_is_stopped) {
     EXPECT_EQ(player.local_files.flushes, 0U);
 }
 
+TEST_F(exporter, touches_nothing_without_an_index) {
+    player.local_files.files["/out.xml"] = "older";
+    player.shut_down();
+    EXPECT_THROW(exportToFile("/out.xml", export_all_fields, nullptr), std::runtime_error);
+    EXPECT_EQ(player.local_files.files.at("/out.xml"), "older");
+}
+
 /// Says how long it is and has nothing in it.
 struct endless_list final : quorvel::pcdb_export::track_list {
     std::size_t get_count() const noexcept override { return ~std::size_t{0}; }
