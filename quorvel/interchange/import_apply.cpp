@@ -45,6 +45,8 @@ void apply_old_edits(ParseGlobals& globals) {
     }
 }
 
+void pcdb_export::resolveNoInfo(ParseGlobals& globals) { ReadKeysInFiles(globals.gathered, globals.progress); }
+
 void apply_pending_items(ParseGlobals& globals) {
     if (globals.pending.empty()) return;
     const auto metadb = ostrevan::get_service<ostrevan::metadb>();

@@ -14,9 +14,7 @@ void apply_pending_items(ParseGlobals& globals);
 
 namespace pcdb_export {
 
-/// Finds the keys of the gathered tracks whose information the player does not hold by reading it from their files, on
-/// another thread, and returns when that is done. A file that cannot be read is passed over. Throws
-/// `ostrevan::exception_aborted` when the user stops it, once the file in hand is done. [main-thread]
+/// Finds the keys of the gathered tracks whose information the player does not hold: see `ReadKeysInFiles`. [main-thread]
 void resolveNoInfo(ParseGlobals& globals);
 
 }  // namespace pcdb_export

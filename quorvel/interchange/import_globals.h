@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -11,6 +10,7 @@
 #include "ostrevan/progress.h"
 #include "ostrevan/track.h"
 #include "quorvel/interchange/import_stats.h"
+#include "quorvel/store/file_keys.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
@@ -22,12 +22,6 @@ using OldKeyEdits = std::unordered_map<std::uint64_t, ImportedStats>;
 struct PathItem {
     ostrevan::playable_location location;
     ImportedStats stats;
-};
-
-/// A track that such an element names.
-struct GatheredTrack {
-    ostrevan::metadb_handle_ptr track;
-    std::optional<std::uint64_t> key;
 };
 
 /// The state of one import, shared by the handlers of its elements and the steps after them. [main-thread]

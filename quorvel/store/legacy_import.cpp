@@ -2,17 +2,24 @@
 
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/filesystem.h"
 #include "ostrevan/metadb.h"
 #include "ostrevan/popup.h"
+#include "ostrevan/progress.h"
+#include "quorvel/common/console_line.h"
 #include "quorvel/store/backup.h"
+#include "quorvel/store/file_keys.h"
 #include "quorvel/store/index_writer.h"
+#include "quorvel/store/key.h"
 #include "quorvel/store/legacy_file.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/stats_op.h"
 
 namespace quorvel {
 namespace {
@@ -28,21 +35,39 @@ std::string legacy_file_path() {
     return path + legacy_file_name;
 }
 
-std::vector<PCDB::TrackRecord> tracks_of(const std::vector<legacy_record>& records) {
+std::vector<GatheredTrack> tracks_of(const std::vector<legacy_record>& records) {
     const auto tracks = ostrevan::get_service<ostrevan::metadb>();
-    std::vector<PCDB::TrackRecord> pairs;
-    pairs.reserve(records.size());
-    for (const auto& record : records) pairs.emplace_back(tracks->handle_create(record.location), record.stats);
-    return pairs;
+    std::vector<GatheredTrack> found;
+    found.reserve(records.size());
+    for (const auto& record : records) found.push_back({tracks->handle_create(record.location), std::nullopt});
+    ostrevan::progress_scope progress("files of early statistics read");
+    ReadKeysInFiles(found, progress);
+    for (auto& each : found)
+        if (!each.key) each.key = KeyOfOnce(*each.track);
+    return found;
+}
+
+void merge(const std::vector<legacy_record>& records) {
+    const auto tracks = tracks_of(records);
+    StatsOp op;
+    std::size_t left_out = 0;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (tracks[i].key) op.MergeStats(*tracks[i].key, records[i].stats, MergeType::MergeSum);
+        else ++left_out;
+    }
+    op.commit();
+    op.publish();
+    if (left_out != 0)
+        print_to_console(std::to_string(left_out) + " of " + std::to_string(records.size()) + " records in " +
+                         legacy_file_name + " are of files that cannot be read; they were left out");
 }
 
 void import_file(filesystem& files, const std::string& path) {
     const auto records = read_legacy_file(*files.open(path.c_str(), filesystem::open_mode::read));
     // Without an index nothing would be written, and the file must not go then.
     if (opened_index() == nullptr) throw std::runtime_error("No active index");
-    const auto pairs = tracks_of(records);
-    if (!pairs.empty()) back_up_index("legacy-import", path.c_str());
-    PCDB::MergeBatch(pairs, MergeType::MergeSum);
+    if (!records.empty()) back_up_index("legacy-import", path.c_str());
+    merge(records);
     PCDB::SaveNow();
     files.remove_retrying(path.c_str());
 }

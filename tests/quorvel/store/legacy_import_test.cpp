@@ -3,7 +3,6 @@
 #include <concepts>
 #include <map>
 
-#include "ostrevan/metadb.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_import.h"
 #include "quorvel/store/pcdb.h"
@@ -40,38 +39,37 @@ struct legacy_bytes {
     legacy_bytes& added_and_rating(std::uint64_t added, std::uint32_t rating) { return add(added).add(rating); }
 };
 
-class one_by_path : public ostrevan::metadb {
-public:
-    std::map<std::string, ostrevan::metadb_handle_ptr> tracks;
-    ostrevan::metadb_handle_ptr handle_create(const ostrevan::playable_location& location) override {
-        return tracks.at(location.path);
-    }
-};
-
 class legacy_import : public testing::Test {
 protected:
     support::memory_player player;
-    ostrevan::service_uncounted_t<one_by_path> lookup;
     std::map<std::string, std::string>& files = player.local_files.files;
 
     legacy_import() {
-        player.offer(ostrevan::metadb::class_guid, lookup);
         for (const char* name : {"/a", "/b"})
-            lookup.tracks[name] = support::make_track(name, {{"artist", "x"}, {"title", name}});
-        lookup.tracks["/unread"] = support::make_track("/unread", {});
-        static_cast<support::memory_track&>(*lookup.tracks["/unread"]).forget_info();
+            player.metadb.tracks[{name, 0}] = support::make_track(name, {{"artist", "x"}, {"title", name}});
+        player.decoders.files[{"/only in its file", 0}] = support::make_info({{"artist", "x"}, {"title", "in its file"}});
     }
-    t_playback_stats stored(const char* name) { return PCDB::Get(*lookup.tracks[name]); }
+    t_playback_stats stored(const char* name) { return PCDB::Get(*player.metadb.tracks[{name, 0}]); }
     std::string message() const { return player.popups.messages.empty() ? "" : player.popups.messages.front().text; }
 };
 
 }  // namespace
 
 TEST_F(legacy_import, adds_both_versions_to_what_is_stored_and_removes_the_file) {
-    files[path] = legacy_bytes(version_1, 3).record("/a", 3, 50, 90).record("/unread", 9, 1, 1).record("/a", 1, 0, 95).text;
+    files[path] = legacy_bytes(version_1, 4)
+                      .record("/a", 3, 50, 90)
+                      .record("/gone", 9, 1, 1)
+                      .record("/only in its file", 2, 60, 70)
+                      .record("/a", 1, 0, 95)
+                      .text;
     player.start();
     EXPECT_EQ(stored("/a"), (t_playback_stats{.play_count = 4, .first_played = 50, .last_played = 95, .added = 50}));
-    EXPECT_EQ(PCDB::Keys().size(), 1U);
+    const auto key_in_file = KeyOf(player.decoders.files.begin()->second, {"/only in its file", 0}).value();
+    EXPECT_EQ(PCDB::GetByKey(key_in_file).play_count, 2U);
+    EXPECT_EQ(PCDB::Keys().size(), 2U);
+    EXPECT_EQ(player.console.lines,
+              std::vector<std::string>{"1 of 4 records in PlaybackStatistics.dat are of files that cannot "
+                                       "be read; they were left out"});
     EXPECT_EQ(player.index.saves, std::vector{statistics_index_guid});
     EXPECT_FALSE(files.contains(path));
     EXPECT_EQ(player.index.refreshes.size(), 1U);

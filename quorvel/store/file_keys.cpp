@@ -1,3 +1,5 @@
+#include "quorvel/store/file_keys.h"
+
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -8,7 +10,6 @@
 #include <vector>
 
 #include "ostrevan/input.h"
-#include "quorvel/interchange/import_apply.h"
 #include "quorvel/store/key.h"
 
 namespace quorvel {
@@ -57,15 +58,15 @@ private:
 
 /// The thread is an own one and not the player's: it never outlives this call, whatever happens here, which a task that has
 /// been handed over could not promise.
-void pcdb_export::resolveNoInfo(ParseGlobals& globals) {
-    unknown_tracks tracks(globals.gathered);
+void ReadKeysInFiles(std::vector<GatheredTrack>& gathered, ostrevan::progress_scope& progress) {
+    unknown_tracks tracks(gathered);
     if (tracks.size() == 0) return;
     std::binary_semaphore finished(0);
     const std::jthread worker([&](const std::stop_token& stop) {
         tracks.read(stop);
         finished.release();
     });
-    while (!finished.try_acquire_for(between_looks)) globals.progress.look(tracks.done(), tracks.size());
+    while (!finished.try_acquire_for(between_looks)) progress.look(tracks.done(), tracks.size());
 }
 
 }  // namespace quorvel

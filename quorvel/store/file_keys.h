@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "ostrevan/progress.h"
+#include "ostrevan/track.h"
+
+namespace quorvel {
+
+/// A track that a file names by its location.
+struct GatheredTrack {
+    ostrevan::metadb_handle_ptr track;
+    std::optional<std::uint64_t> key;
+};
+
+/// Finds the keys of the tracks whose information the player does not hold by reading it from their files, each once, on
+/// another thread, and returns when that is done. A file that cannot be read is passed over. Throws
+/// `ostrevan::exception_aborted` when the user stops it, once the file in hand is done. [main-thread]
+void ReadKeysInFiles(std::vector<GatheredTrack>& tracks, ostrevan::progress_scope& progress);
+
+}  // namespace quorvel
