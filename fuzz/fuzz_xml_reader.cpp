@@ -56,6 +56,7 @@ public:
 
     bool isEmptyElement(const char* name) override { return std::string_view(name) == "br"; }
     bool isRawContent(const char* name, std::size_t, std::size_t) override { return std::string_view(name) == "raw"; }
+    bool takesUnfinished(const char* name) override { return std::string_view(name) == "open"; }
 
 private:
     void pass(std::string_view part, const char* promise) {

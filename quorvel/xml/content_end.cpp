@@ -15,7 +15,6 @@ std::size_t content_end::find(std::string_view name, std::size_t from) {
     open_.assign(1, name);
     for (std::size_t at = from;;) {
         at = required(text_.find('<', at));
-        if (at + 1 == text_.size()) throw xmlParser::error();
         if (const std::size_t after = after_markup(text_, at); after != at) {
             at = after;
             continue;

@@ -21,8 +21,7 @@ std::size_t after_markup(std::string_view text, std::size_t at) {
     const std::string_view rest = text.substr(at);
     if (rest.size() < 2 || rest[1] != '!') return at;
     for (const auto& [begin, end] : skipped)
-        if (rest.size() > begin.size() && rest.starts_with(begin))
-            return at + required(rest.find(end, begin.size())) + end.size();
+        if (rest.starts_with(begin)) return at + required(rest.find(end, begin.size())) + end.size();
     return at;
 }
 

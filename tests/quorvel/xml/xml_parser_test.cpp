@@ -51,7 +51,6 @@ TEST(xml_parser, takes_a_million_attributes_of_one_element) {
         for (const char* name : {"n0", "n17", "n999999"}) EXPECT_NE(attributes.find(name), nullptr) << name;
         EXPECT_EQ(attributes.find("n1000000"), nullptr);
     });
-    EXPECT_EQ(support::event_list::of(tag + " n500000=\"\"/>").message, "XML error");
 }
 
 // The storage of a large element is used again for small ones and for others that are just large enough to be indexed.
@@ -66,6 +65,7 @@ TEST(xml_parser, forgets_the_attributes_of_the_element_before) {
                          EXPECT_EQ(attributes.find("xmlns"), nullptr);
                      });
     EXPECT_EQ(sizes, (std::vector<std::size_t>{40, 1, 17, 0}));
+    EXPECT_EQ(support::event_list::of("<a" + many + " n20=\"\"/>").message, "XML error");
 }
 
 TEST(xml_parser, declarations_hold_for_their_element_alone) {
