@@ -14,15 +14,6 @@ metadb_handle_list handles_of(const std::vector<library::track_ptr>& tracks) {
     return metadb_handle_list(std::vector<metadb_handle_ptr>(tracks.begin(), tracks.end()));
 }
 
-void tell_of_edits(const service_registry& services, const std::vector<library::track_edit>& seen) {
-    if (seen.empty()) return;
-    std::vector<tag_edit> edits;
-    for (const auto& [track, before, after] : seen)
-        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr});
-    services.for_each<tag_edit_callback>(
-        [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
-}
-
 /// What other programs did to the tags shows here first: the next scan finds the tracks as they are now.
 std::vector<library::track_edit> edits_between(std::span<const library::track_ptr> tracks,
                                                const std::vector<metadb_info_ptr>& before) {
@@ -37,6 +28,15 @@ std::vector<library::track_edit> edits_between(std::span<const library::track_pt
 }
 
 }  // namespace
+
+void tell_of_edits(const service_registry& services, const std::vector<library::track_edit>& seen) {
+    if (seen.empty()) return;
+    std::vector<tag_edit> edits;
+    for (const auto& [track, before, after] : seen)
+        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr});
+    services.for_each<tag_edit_callback>(
+        [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
+}
 
 std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles) {
     std::vector<library::track_ptr> own;

@@ -64,4 +64,7 @@ private:
 /// The player's own handles of these tracks.
 std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles);
 
+/// Tells the components of edits that the library has seen. [main-thread]
+void tell_of_edits(const service_registry& services, const std::vector<library::track_edit>& seen);
+
 }  // namespace ostrevan::front

@@ -151,6 +151,8 @@ session::session(const session_options& options, front_end& ui) : parts_(std::ma
     register_components(p.components, services, p.fields);
     check_installations(p.components, report);
     start_components(p.components, services, report);
+    // What the process before was killed at. That they are told of some a second time changes nothing.
+    tell_of_edits(services, p.library.unfinished_edits());
 }
 
 session::~session() {
@@ -160,6 +162,7 @@ session::~session() {
         p.player.begin_shutdown();
         end_components(p.components, p.services, [&p](const std::string& message) { p.report(message); });
         p.records.flush();
+        p.library.forget_edits();
     } catch (const std::exception& error) {
         p.report(error.what());
     }

@@ -3,10 +3,14 @@
 namespace ostrevan::library {
 namespace {
 
+constexpr const char* upgrades[] = {
+    "CREATE TABLE edits(path BLOB NOT NULL, subsong INTEGER NOT NULL, info BLOB NOT NULL)",
+};
+
 // Files and tracks are only ever appended during a scan: no index on the path has to be kept, since the library knows all
 // of them in memory.
 constexpr sqlite::format library_format{0x4F4C4942,  // "OLIB"
-                                        1,
+                                        2,
                                         R"(
 CREATE TABLE folders(
     id INTEGER PRIMARY KEY,
@@ -38,8 +42,12 @@ CREATE TABLE playlist_entries(
     path BLOB NOT NULL,
     subsong INTEGER NOT NULL,
     PRIMARY KEY(playlist, position)) WITHOUT ROWID;
+CREATE TABLE edits(
+    path BLOB NOT NULL,
+    subsong INTEGER NOT NULL,
+    info BLOB NOT NULL);
 )",
-                                        "library"};
+                                        "library", upgrades};
 
 std::int64_t as_integer(std::size_t number) noexcept { return static_cast<std::int64_t>(number); }
 
@@ -52,6 +60,9 @@ library_store::library_store(std::string path)
       delete_file_(database_.prepare("DELETE FROM files WHERE id=?1")),
       insert_track_(database_.prepare("INSERT OR REPLACE INTO tracks(file, subsong, info) VALUES(?1, ?2, ?3)")),
       delete_tracks_(database_.prepare("DELETE FROM tracks WHERE file=?1")),
+      insert_edit_(database_.prepare(
+          "INSERT INTO edits(path, subsong, info) SELECT path, subsong, info FROM tracks JOIN files ON id=file "
+          "WHERE file=?1 AND subsong=?2 AND info<>?3")),
       insert_source_(database_.prepare("INSERT INTO sources(file, position, path, size, mtime) VALUES(?1, ?2, ?3, ?4, ?5)")),
       delete_sources_(database_.prepare("DELETE FROM sources WHERE file=?1")) {}
 
@@ -94,6 +105,8 @@ std::int64_t library_store::put_file(const stored_file& file, std::span<const st
     auto& put = file.id == 0 ? insert_file_ : update_file_;
     put.bind(1, file.folder).bind(2, to_blob(file.path)).bind(3, file.stamp.size).bind(4, file.stamp.mtime);
     if (file.id != 0) {
+        for (const auto& track : tracks)
+            insert_edit_.bind(1, file.id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.encoded)).run();
         put.bind(5, file.id);
         clear_file(file.id);
     }
@@ -120,5 +133,18 @@ void library_store::clear_file(std::int64_t id) {
 }
 
 void library_store::remove_file(std::int64_t id) { delete_file_.bind(1, id).run(); }
+
+std::vector<stored_edit> library_store::edits() const {
+    std::vector<stored_edit> result;
+    auto query = database_.prepare("SELECT path, subsong, info FROM edits ORDER BY rowid");
+    while (query.step())
+        result.push_back(
+            {from_blob(query.blob(0)), {static_cast<std::uint32_t>(query.integer(1)), from_blob(query.blob(2))}});
+    return result;
+}
+
+void library_store::forget_edits() {
+    if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM edits)") != 0) database_.execute("DELETE FROM edits");
+}
 
 }  // namespace ostrevan::library

@@ -37,6 +37,10 @@ public:
     std::int64_t put_file(const stored_file& file, std::span<const stored_track> tracks);
     void remove_file(std::int64_t id);
 
+    /// What `put_file` has put something else in place of, oldest first, until it is forgotten.
+    [[nodiscard]] std::vector<stored_edit> edits() const;
+    void forget_edits();
+
     [[nodiscard]] sqlite::database& database() noexcept { return database_; }
 
 private:
@@ -45,6 +49,7 @@ private:
     sqlite::database database_;
     sqlite::statement insert_file_, update_file_, delete_file_;
     sqlite::statement insert_track_, delete_tracks_;
+    sqlite::statement insert_edit_;
     sqlite::statement insert_source_, delete_sources_;
 };
 

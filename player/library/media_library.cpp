@@ -220,4 +220,20 @@ std::vector<file_problem> media_library::refresh_tracks(std::span<const track_pt
     return problems;
 }
 
+std::vector<track_edit> media_library::unfinished_edits() const {
+    std::vector<track_edit> edits;
+    for (const auto& [path, before] : store_.edits()) {
+        const auto known = files_.find(path);
+        if (known == files_.end()) continue;
+        const auto& tracks = known->second.tracks;
+        const auto track = std::ranges::find_if(tracks, [&](const track_ptr& each) { return is_same_track(each, before); });
+        if (track == tracks.end()) continue;
+        auto old = make_snapshot(decode_info(before.encoded));
+        auto now = (*track)->info();
+        if (now && !(old->info() == now->info()) && is_same_sound(old->info(), now->info()))
+            edits.push_back({*track, std::move(old), std::move(now)});
+    }
+    return edits;
+}
+
 }  // namespace ostrevan::library

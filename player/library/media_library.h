@@ -62,6 +62,11 @@ public:
     /// Answers the files that could not be read, whose tracks stay as they are.
     std::vector<file_problem> refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode);
 
+    /// Edits that were stored since `forget_edits` was last called, in this process or an earlier one, each leading to what
+    /// the track says now: for those who follow edits, and may have been cut off before they had done so.
+    [[nodiscard]] std::vector<track_edit> unfinished_edits() const;
+    void forget_edits() { store_.forget_edits(); }
+
     [[nodiscard]] library::playlists& playlists() noexcept { return playlists_; }
 
 private:

@@ -22,4 +22,10 @@ struct stored_track {
     std::string encoded;  // by encode_info
 };
 
+/// What a track of the library said before it was changed.
+struct stored_edit {
+    std::string path;
+    stored_track before;
+};
+
 }  // namespace ostrevan::library

@@ -57,6 +57,25 @@ TEST_F(media_library_test, tells_a_retag_from_another_recording) {
     EXPECT_EQ(changes_.edited[0].after->info().meta_value(0, 0), "Uno");
 }
 
+TEST_F(media_library_test, keeps_edits_for_those_who_were_killed_before_they_had_followed_them) {
+    put("1.mp3", "title=One\n");
+    put("2.mp3", "title=Two\n");
+    add_music();
+    put("1.mp3", "title=Uno\n");
+    put("2.mp3", "title=Two\n");
+    rescan();
+    put("1.mp3", "title=Eins\n");
+    library_->refresh_tracks(library_->items(), refresh_mode::always);
+    const auto edits = reopen().unfinished_edits();
+    ASSERT_EQ(edits.size(), 2U);
+    for (const auto& [edit, before] : {std::pair(edits[0], "One"), std::pair(edits[1], "Uno")}) {
+        EXPECT_EQ(edit.before->info().meta_value(0, 0), before);
+        EXPECT_EQ(edit.after->info().meta_value(0, 0), "Eins");
+    }
+    library_->forget_edits();
+    EXPECT_TRUE(reopen().unfinished_edits().empty());
+}
+
 TEST_F(media_library_test, follows_links_without_loops_and_passes_over_what_is_no_music) {
     put("real/1.mp3", "title=One\n");
     put(".hidden/2.mp3", "title=No\n");
