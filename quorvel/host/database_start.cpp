@@ -48,6 +48,12 @@ public:
     }
 };
 
+/// Records under older keys come first: what is stamped has a record, and would not be given the older one any more. When
+/// they cannot be taken over, the dates wait for the next start.
+void take_in(ostrevan::metadb_handle_list tracks) {
+    if (migrate_older_mappings(tracks)) PCDB::OnAdded(std::move(tracks));
+}
+
 /// Goes through the tracks that are in the library already.
 class library_scan : public ostrevan::initialisation_stage {
 public:
@@ -55,8 +61,7 @@ public:
     void on_stage() override {
         ostrevan::metadb_handle_list tracks;
         if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_all_items(tracks);
-        migrate_older_mappings(tracks);
-        PCDB::OnAdded(std::move(tracks));
+        take_in(std::move(tracks));
         started = true;
     }
 };
@@ -64,7 +69,7 @@ public:
 class library_watch : public ostrevan::library_callback {
 public:
     void on_items_added(ostrevan::metadb_handle_list_cref items) override {
-        if (started && !ostrevan::core_api::is_shutting_down()) PCDB::OnAdded(items);
+        if (started && !ostrevan::core_api::is_shutting_down()) take_in(ostrevan::metadb_handle_list(items));
     }
 };
 

@@ -55,21 +55,23 @@ private:
 
 }  // namespace
 
-void migrate_older_mappings(ostrevan::metadb_handle_list_cref tracks) {
+bool migrate_older_mappings(ostrevan::metadb_handle_list_cref tracks) {
     auto* const index = opened_index();
-    if (index == nullptr) return;
+    if (index == nullptr) return true;
     try {
         older_records older(*index);
         for (const auto& mapping : mapping_guids())
             if (mapping != active_mapping_guid) older.gather(mapping, tracks);
-        if (older.found().empty()) return;
+        if (older.found().empty()) return true;
         back_up_index("migration", nullptr);
         StatsOp op;
         for (const auto& [key, record] : older.found().entries()) op.SetByKey(key, record);
         op.commit();
         op.publish();
+        return true;
     } catch (const std::exception& e) {
         print_to_console(std::string("Track information database save failure: ") + e.what());
+        return false;
     }
 }
 

@@ -109,6 +109,14 @@ TEST(migration, reports_a_failure_to_save_on_the_console) {
     EXPECT_EQ(player.console.lines,
               std::vector<std::string>{"Track information database save failure: index cannot be written"});
     EXPECT_TRUE(player.popups.messages.empty());
+
+    // A date stamped meanwhile would be the track's record, and keep the older one out for good.
+    player.settle();
+    player.shut_down();
+    player.shutting_down = false;
+    player.index.writes_until_failure = 100;
+    player.start();
+    EXPECT_EQ(PCDB::Get(*track), (t_playback_stats{.play_count = 2, .added = 4}));
 }
 
 TEST(tag_edit, takes_the_statistics_along) {
