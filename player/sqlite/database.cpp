@@ -200,6 +200,9 @@ std::int64_t database::last_insert_id() const noexcept { return sqlite3_last_ins
 std::int64_t database::changes() const noexcept { return sqlite3_changes64(handle_.get()); }
 
 void database::fail(int code) const {
+    // Nor is a file that turns out to be damaged later: closing would copy the log into it.
+    if ((code & 0xFF) == SQLITE_CORRUPT || (code & 0xFF) == SQLITE_NOTADB)
+        sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     const bool is_current = handle_ && (sqlite3_extended_errcode(handle_.get()) & 0xFF) == (code & 0xFF);
     const std::string reason = is_current ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code);
     throw error(code, describe(contents_, path_, "cannot be used: " + reason + ". " + way_out_of(code)));

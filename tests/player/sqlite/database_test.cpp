@@ -1,6 +1,7 @@
 #include "player/sqlite/database.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -73,6 +74,18 @@ TEST_F(database_file, that_cannot_be_used_is_named_and_left_as_it_is) {
          [&] {
              { database(path_, shelf); }
              write(bytes().substr(0, 4096));
+         }},
+        {"malformed",  // and with the log of a killed process
+         [&] {
+             const fs::path kept = folder_ / "kept";
+             {
+                 database killed(path_, shelf);
+                 killed.execute("INSERT INTO books VALUES('Persuasion')");
+                 fs::copy(path_ + "-wal", kept);
+                 write(bytes().replace(200, 3896, 3896, '\x7F'));
+                 sqlite3_db_config(killed.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+             }
+             fs::rename(kept, path_ + "-wal");
          }},
     };
     for (const auto& each : cases) {
