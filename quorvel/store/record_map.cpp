@@ -1,5 +1,8 @@
 #include "quorvel/store/record_map.h"
 
+#include <algorithm>
+#include <bit>
+
 namespace quorvel {
 
 /// The slot that holds the key, or the free one where it belongs. Keys are halves of digests: any of their bits will do.
@@ -10,25 +13,33 @@ std::size_t record_map::slot_of(std::uint64_t key) const noexcept {
     return slot;
 }
 
+std::size_t record_map::position_of(std::uint64_t key) const noexcept {
+    if (!slots_.empty()) return std::size_t{slots_[slot_of(key)]} - 1;
+    if (entries_.empty() || entries_.back().first < key) return none;
+    const auto found = std::ranges::lower_bound(entries_, key, {}, &entry::first);
+    return found->first == key ? static_cast<std::size_t>(found - entries_.begin()) : none;
+}
+
 const t_playback_stats* record_map::find(std::uint64_t key) const noexcept {
-    if (entries_.empty()) return nullptr;
-    const std::uint32_t position = slots_[slot_of(key)];
-    return position == 0 ? nullptr : &entries_[position - 1].second;
+    const std::size_t position = position_of(key);
+    return position == none ? nullptr : &entries_[position].second;
 }
 
 void record_map::set(std::uint64_t key, const t_playback_stats& record) {
-    if ((entries_.size() + 1) * 2 > slots_.size()) grow();
-    const std::size_t slot = slot_of(key);
-    if (slots_[slot] != 0) {
-        entries_[slots_[slot] - 1].second = record;
+    if (const std::size_t position = position_of(key); position != none) {
+        entries_[position].second = record;
         return;
     }
+    const bool ascending = slots_.empty() && (entries_.empty() || entries_.back().first < key);
     entries_.emplace_back(key, record);
-    slots_[slot] = static_cast<std::uint32_t>(entries_.size());
+    if (ascending) return;
+    if (entries_.size() * 2 > slots_.size()) grow();
+    else slots_[slot_of(key)] = static_cast<std::uint32_t>(entries_.size());
 }
 
+/// Also makes the first slots, when the order of the keys ends.
 void record_map::grow() {
-    slots_.assign(slots_.empty() ? 8 : slots_.size() * 2, 0);
+    slots_.assign(std::bit_ceil(entries_.size() * 2), 0);
     for (std::size_t i = 0; i < entries_.size(); ++i) slots_[slot_of(entries_[i].first)] = static_cast<std::uint32_t>(i + 1);
 }
 

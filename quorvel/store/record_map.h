@@ -10,7 +10,8 @@
 namespace quorvel {
 
 /// Records by key, in the order in which the keys came first. Made for a million entries: one array of records, and one of
-/// positions in it, probed in sequence.
+/// positions in it, probed in sequence. As long as new keys come in ascending order, as from a file that lists them, the
+/// array itself is searched and there is no other.
 class record_map {
 public:
     /// Null when the key is not there. Valid until the next `set`.
@@ -24,11 +25,15 @@ public:
     [[nodiscard]] const std::vector<entry>& entries() const noexcept { return entries_; }
 
 private:
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    [[nodiscard]] std::size_t position_of(std::uint64_t key) const noexcept;
     [[nodiscard]] std::size_t slot_of(std::uint64_t key) const noexcept;
     void grow();
 
     std::vector<entry> entries_;
-    /// One more than the position in `entries_`; 0 for a free slot. The size is a power of two.
+    /// One more than the position in `entries_`; 0 for a free slot. The size is a power of two, or 0 while the entries are
+    /// in ascending order.
     std::vector<std::uint32_t> slots_;
 };
 
