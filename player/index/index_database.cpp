@@ -58,6 +58,14 @@ struct row {
     const change_list::change* change;
 };
 
+/// A batch often comes in the order of its unsigned keys, which is two ascending runs of signed ones.
+void sort_runs(std::vector<row>& rows, auto projection) {
+    const auto second = std::ranges::is_sorted_until(rows, {}, projection);
+    const auto third = std::ranges::is_sorted_until(second, rows.end(), {}, projection);
+    if (third == rows.end()) std::ranges::inplace_merge(rows, second, {}, projection);
+    else std::ranges::sort(rows, {}, projection);
+}
+
 /// The last change of every record, in the order of the table, which is twice as fast to write as any other.
 std::vector<row> final_rows(std::span<const index_job> jobs) {
     std::vector<row> rows;
@@ -65,7 +73,7 @@ std::vector<row> final_rows(std::span<const index_job> jobs) {
         if (const auto* changes = std::get_if<record_changes>(&job))
             for (const auto& change : changes->list.changes())
                 rows.push_back({changes->index_id, column_of(change.key), rows.size(), changes, &change});
-    std::ranges::sort(rows, {}, [](const row& each) { return std::tuple(each.index_id, each.key, ~each.order); });
+    sort_runs(rows, [](const row& each) { return std::tuple(each.index_id, each.key, ~each.order); });
     const auto repeated = std::ranges::unique(rows, {}, [](const row& each) { return std::pair(each.index_id, each.key); });
     rows.erase(repeated.begin(), repeated.end());
     return rows;
