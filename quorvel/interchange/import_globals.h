@@ -35,7 +35,7 @@ struct ParseGlobals {
     StatsOp& op;
     const std::uint32_t fields;  ///< set of `ExportFields`
     ostrevan::progress_scope progress{"records imported"};
-    std::size_t records = 0;                     ///< elements read so far
+    std::size_t records = 0;                     ///< taken from the file so far
     std::map<nuv::guid, OldKeyEdits> old_edits;  ///< by mapping
     std::vector<PathItem> pending;
     std::vector<GatheredTrack> gathered;  ///< one for each pending item, in the same order

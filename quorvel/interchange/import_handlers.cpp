@@ -43,7 +43,7 @@ void XMLParser_Root::onElem(const Vek::xmlContext& context, const char* /*ns*/, 
 
 void XMLParser_Entries::onElem(const Vek::xmlContext& /*context*/, const char* /*ns*/, const char* name,
                                const Vek::xmlAttributes& attributes, const char* /*content*/, std::size_t /*length*/) {
-    globals_.progress.step(++globals_.records, 0);
+    globals_.progress.step(globals_.records, 0);
     if (name != std::string_view("Entry")) return;
     const auto* const id = attributes.find("ID");
     if (id == nullptr) return;
@@ -52,17 +52,20 @@ void XMLParser_Entries::onElem(const Vek::xmlContext& /*context*/, const char* /
     if (stats.present == 0) return;
     if (old_edits_ != nullptr) old_edits_->insert_or_assign(key, stats);
     else globals_.apply(key, stats);
+    ++globals_.records;
 }
 
 void XMLParser_Tracks::onElem(const Vek::xmlContext& /*context*/, const char* /*ns*/, const char* /*name*/,
                               const Vek::xmlAttributes& attributes, const char* /*content*/, std::size_t /*length*/) {
-    globals_.progress.step(++globals_.records, 0);
+    globals_.progress.step(globals_.records, 0);
     const auto* const path = attributes.find("Path");
     if (path == nullptr || path->empty()) return;
     const auto* const subsong = attributes.find("Subsong");
     PathItem item{.location = {*path, subsong == nullptr ? 0 : parse_number<std::uint32_t>(*subsong)},
                   .stats = read_stats(attributes, globals_.fields, rating_scale::stars)};
-    if (item.stats.present != 0) globals_.pending.push_back(std::move(item));  // no file need be read for an empty one
+    if (item.stats.present == 0) return;  // no file need be read for it
+    globals_.pending.push_back(std::move(item));
+    ++globals_.records;
 }
 
 }  // namespace quorvel

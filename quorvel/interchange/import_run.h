@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace quorvel {
 
-/// Shows why an import failed.
-void report_import_failure(const char* reason);
+/// Shows why an import failed. [main-thread]
+void report_import_failure(const std::string& reason);
 
 /// Applies a statistics file that has been read: the fields of `fields`, a set of `ExportFields`, in one operation. A
 /// failure is reported, and what was read before it is applied; when the user stops it, nothing is. [main-thread]

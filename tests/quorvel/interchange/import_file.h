@@ -36,7 +36,7 @@ protected:
     messages take_messages() {
         const std::string_view always = "Playback statistics import failure: ";
         messages texts;
-        for (const auto& message : std::exchange(player.popups.messages, {})) {
+        for (const auto& message : std::exchange(player.popups.questions(), {})) {
             EXPECT_TRUE(message.text.starts_with(always) && message.title == "Information") << message.text;
             texts.push_back(message.text.substr(always.size()));
         }

@@ -76,6 +76,7 @@ TEST_F(import_handlers, keeps_what_came_before_an_error) {
     for (const auto& [file, message] : cases) {
         put(tracks[0], before);
         EXPECT_EQ(import(file), messages{message}) << file;
+        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records taken from the file: 1");
         EXPECT_EQ(stored(tracks[0]).play_count, 4U) << file;
         EXPECT_EQ(stored(tracks[1]), t_playback_stats{}) << file;
     }
@@ -84,7 +85,7 @@ TEST_F(import_handlers, keeps_what_came_before_an_error) {
 TEST_F(import_handlers, says_nothing_of_other_documents) {
     for (const char* text : {"", "a picture", R"(<Library Version="9"><Entry ID="1" Count="1"/></Library>)"}) {
         EXPECT_EQ(import(text), messages{});
-        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: the file holds no records");
+        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records taken from the file: 0");
     }
     EXPECT_TRUE(player.index.keys(quorvel::statistics_index_guid).empty());
 }
@@ -99,7 +100,7 @@ TEST_F(import_handlers, changes_nothing_when_interrupted_and_saves_what_it_can) 
     std::string entries;
     for (std::uint64_t key = 1; key <= 300; ++key) entries += entry(key, R"(Count="1")");
     player.progress.abort = true;
-    EXPECT_EQ(import(under_active(entries)), messages{"Interrupted; no statistics have been changed"});
+    EXPECT_EQ(import(under_active(entries)), messages{"Interrupted. No statistics have been changed"});
     player.progress.abort = false;
     player.index.writes_until_failure = 299;
     EXPECT_EQ(import(under_active(entries)), messages{"index cannot be written"});
