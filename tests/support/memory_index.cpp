@@ -106,6 +106,11 @@ void memory_index::save_now(const nuv::guid& index) {
     saves.push_back(index);
 }
 
+void memory_index::clear() {
+    const std::lock_guard guard(lock_);
+    blobs_.clear();
+}
+
 void memory_index::refresh(const nuv::guid&, const nuv::list_base_const_t<std::uint64_t>& keys) {
     require_main_thread("refresh");
     refreshes.push_back(nuv::list_t<std::uint64_t>(keys).items());

@@ -43,6 +43,8 @@ public:
     std::vector<std::uint64_t> keys(const nuv::guid& index) const override;
     std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first, std::size_t at_most) const override;
     void save_now(const nuv::guid& index) override;
+    /// Forgets every blob.
+    void clear();
     void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
     ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override;
 
