@@ -8,12 +8,12 @@
 #include <semaphore>
 #include <thread>
 
+#include "bench/bare_rows.h"
 #include "bench/bench_player.h"
 #include "bench/ratio.h"
 #include "bench/tracks.h"
 #include "ostrevan/library.h"
 #include "ostrevan/statistics_collector.h"
-#include "player/sqlite/database.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
 
@@ -28,25 +28,16 @@ const ostrevan::metadb_handle_list& new_tracks() {
     return made;
 }
 
-/// Makes every key, and writes the rows in ascending order with SQLite alone in one durable transaction.
+/// Makes every key, and writes the rows with SQLite alone.
 void bare_stamping(const fs::path& path, const quorvel::record_blob& data) {
     const auto key_function = quorvel::FindMapping(quorvel::active_mapping_guid);
-    std::vector<std::int64_t> keys;
-    keys.reserve(million);
+    std::vector<bench::keyed_record> records;
+    records.reserve(million);
     for (const auto& track : new_tracks().items()) {
         const auto snapshot = track->info();
-        keys.push_back(static_cast<std::int64_t>(key_function->key_of(snapshot->info(), track->location())));
+        records.emplace_back(key_function->key_of(snapshot->info(), track->location()), data);
     }
-    std::ranges::sort(keys);
-    const ostrevan::sqlite::format format{.application_id = 1,
-                                          .version = 1,
-                                          .schema = "CREATE TABLE records (key INTEGER PRIMARY KEY, data BLOB)",
-                                          .contents = "bare"};
-    ostrevan::sqlite::database database(path.string(), format);
-    ostrevan::sqlite::transaction transaction(database);
-    auto row = database.prepare("INSERT INTO records VALUES (?, ?)");
-    for (const std::int64_t key : keys) row.bind(1, key).bind(2, data).run();
-    transaction.commit();
+    bench::write_sorted_rows(path, records);
 }
 
 void add_to_library(bench::bench_player& player) {

@@ -49,16 +49,6 @@ ostrevan::file_info info_of(std::size_t number, unsigned series) {
     return info;
 }
 
-quorvel::t_playback_stats random_record(std::mt19937_64& random) {
-    const std::uint64_t added = random_time(random());
-    constexpr std::uint64_t hour = 36'000'000'000;
-    return {.play_count = random() % 100 + 1,
-            .first_played = added + random() % 100 * hour,
-            .last_played = added + random() % 10'000 * hour,
-            .added = added,
-            .rating = quorvel::rating_of_stars(static_cast<std::uint32_t>(random() % 6))};
-}
-
 million_records make_records() {
     million_records made;
     made.profile = new_folder();
@@ -101,6 +91,16 @@ std::uint64_t random_time(std::uint64_t random) noexcept {
     constexpr std::uint64_t from_2005 = 12'749'011'200;  // seconds since 1601
     constexpr std::uint64_t twenty_years = 631'152'000;
     return (from_2005 + random % twenty_years) * 10'000'000;
+}
+
+quorvel::t_playback_stats random_record(std::mt19937_64& random) {
+    const std::uint64_t added = random_time(random());
+    constexpr std::uint64_t hour = 36'000'000'000;
+    return {.play_count = random() % 100 + 1,
+            .first_played = added + random() % 100 * hour,
+            .last_played = added + random() % 10'000 * hour,
+            .added = added,
+            .rating = quorvel::rating_of_stars(static_cast<std::uint32_t>(random() % 6))};
 }
 
 const million_records& records_of_a_million() {

@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <random>
 #include <vector>
 
 #include "ostrevan/track.h"
+#include "quorvel/store/record.h"
 
 namespace bench {
 
@@ -20,6 +22,9 @@ std::vector<std::size_t> random_order(std::size_t count, unsigned seed);
 
 /// A time of some second in the twenty years before 2025, 100 ns since 1601.
 std::uint64_t random_time(std::uint64_t random) noexcept;
+
+/// A track that has been played, with every field set.
+quorvel::t_playback_stats random_record(std::mt19937_64& random);
 
 /// The profile of a player whose index holds a million records, those of a library of a tenth of that among them.
 struct million_records {
