@@ -48,20 +48,24 @@ std::vector<std::uint64_t> index_memory::keys(const nuv::guid& guid) const {
 
 std::vector<std::uint64_t> index_memory::keys_from(const nuv::guid& guid, std::uint64_t first, std::size_t at_most) const {
     std::vector<std::uint64_t> result;
+    const auto at = [&](std::size_t position) { return result.begin() + static_cast<std::ptrdiff_t>(position); };
     const std::scoped_lock whole(whole_commits_);
     for (std::size_t shard = record_table::shard_of(first); shard < record_table::shard_count() && result.size() < at_most;
          ++shard) {
-        const auto known = static_cast<std::ptrdiff_t>(result.size());
+        const std::size_t known = result.size();
         {
             const auto reading = lock_.read();
             const index* from = find_index(guid);
             if (from == nullptr) return {};
             from->records.append_keys(shard, result);
         }
-        std::ranges::sort(result.begin() + known, result.end());
-        result.erase(result.begin(), std::ranges::lower_bound(result, first));
+        result.erase(std::remove_if(at(known), result.end(), [&](std::uint64_t key) { return key < first; }), result.end());
+        if (result.size() > at_most) {
+            std::nth_element(at(known), at(at_most), result.end());
+            result.resize(at_most);
+        }
+        std::sort(at(known), result.end());
     }
-    if (result.size() > at_most) result.resize(at_most);
     return result;
 }
 

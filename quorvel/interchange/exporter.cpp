@@ -17,7 +17,7 @@ namespace {
 using ostrevan::filesystem;
 
 constexpr std::size_t full_buffer = 16384;
-constexpr std::size_t keys_at_once = 16384;
+constexpr std::size_t keys_at_once = 4096;
 
 /// The file, with what is still to be written in front of it.
 class statistics_file {

@@ -72,7 +72,7 @@ TEST_F(exporter, writes_a_selection_in_its_order_each_record_once) {
 }
 
 TEST_F(exporter, goes_through_an_index_of_any_size_in_portions) {
-    constexpr std::uint64_t count = 2 * 16'384 - 2;  // with two that are there already; the last portion is full
+    constexpr std::uint64_t count = 2 * 4'096 - 2;  // with two that are there already; the last portion is full
     const auto blob = quorvel::encode_record({.play_count = 3});
     for (std::uint64_t i = 0; i < count; ++i)
         player.index.write(quorvel::statistics_index_guid, ~i, blob.data(), blob.size());
