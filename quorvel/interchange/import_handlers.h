@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "quorvel/interchange/import_globals.h"
 #include "quorvel/xml/xml_parser.h"
 
@@ -17,8 +19,13 @@ public:
     /// The first records of a file that breaks off are worth having.
     bool takesUnfinished(const char* /*name*/) override { return true; }
 
+    /// Reads a whole file. Throws `ostrevan_io::exception_io_data` too when it has no root that is ours: a picture or
+    /// another program's document must not pass for an import that found nothing.
+    void read(std::string_view text);
+
 private:
     ParseGlobals& globals_;
+    bool found_ = false;
 };
 
 /// Records by key. Under the active mapping they are edited at once, under an older one the edits are kept until the tracks

@@ -37,7 +37,7 @@ void import_file(std::string_view text, std::uint32_t fields) {
     try {
         StatsOp op;
         ParseGlobals globals(op, fields);
-        const bool whole = attempt([&] { XMLParser_Root(globals).parse({}, text.data(), text.size()); });
+        const bool whole = attempt([&] { XMLParser_Root(globals).read(text); });
         attempt([&] { apply_old_edits(globals); });
         attempt([&] { apply_pending_items(globals); });
         op.commit();

@@ -121,8 +121,8 @@ class StatisticsFile(PlayerTest):
     def test_what_is_no_statistics_file_changes_nothing(self):
         before = self.records()
         cases = [
-            (b"", 0, "no records"),
-            (b"<svg><g/></svg>", 0, "no records"),
+            (b"", 1, "Unsupported format or corrupted file"),
+            (b"<svg><g/></svg>", 1, "Unsupported format or corrupted file"),
             (b"\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\1<\0", 1, "XML error"),
             (b"<PlaybackStatistics/>", 1, "Unsupported format or corrupted file"),
             (b'<PlaybackStatistics Version="2.0"/>', 1, "Unsupported format or corrupted file"),

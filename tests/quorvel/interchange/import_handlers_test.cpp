@@ -82,9 +82,9 @@ TEST_F(import_handlers, keeps_what_came_before_an_error) {
     }
 }
 
-TEST_F(import_handlers, says_nothing_of_other_documents) {
+TEST_F(import_handlers, refuses_other_documents) {
     for (const char* text : {"", "a picture", R"(<Library Version="9"><Entry ID="1" Count="1"/></Library>)"}) {
-        EXPECT_EQ(import(text), messages{});
+        EXPECT_EQ(import(text), messages{"Unsupported format or corrupted file"});
         EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records taken from the file: 0");
     }
     EXPECT_TRUE(player.index.keys(quorvel::statistics_index_guid).empty());
