@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+"""Runs the real player, breaks it, and looks whether anything is lost."""
+import argparse
+import collections
+import itertools
+import pathlib
+import random
+import shutil
+import sys
+import tempfile
+import threading
+import time
+import traceback
+
+import faults
+from job import Job
+from sandbox import Violation
+
+EXAMPLES = """examples:
+  harness.py                                    everything once: hours
+  harness.py --seconds 3600 --jobs 2            as much as fits into an hour, a bit of everything
+  harness.py --kills 1000 --only kill/          a thousand kills at random moments
+  harness.py --only calls/plays --share 0.1     every tenth failing call while playing
+  harness.py --only calls/plays --case 17       that one case again; its folder stays if it fails
+
+Environment: OSTREVAN (the program), MUSIC (made by scripts/make-music.sh), FAILING_CALLS (the library to preload). `ctest -L
+fault` sets them; with -V -N it shows how.
+"""
+
+
+def arguments():
+    parser = argparse.ArgumentParser(description=__doc__, epilog=EXAMPLES,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--seconds", type=float, default=float("inf"), help="begin nothing new after this time")
+    parser.add_argument("--kills", type=int, default=240, help="kills at random moments, spread over the works (240)")
+    parser.add_argument("--share", type=float, default=1, help="how much of the other cases to try, chosen at random (1)")
+    parser.add_argument("--only", action="append", metavar="NAME", help="faults whose names begin so; may be repeated")
+    parser.add_argument("--case", type=int, help="only the case with this number")
+    parser.add_argument("--seed", type=int, default=1, help="of all that is random (1)")
+    parser.add_argument("--jobs", type=int, default=1, help="players at a time (1)")
+    parser.add_argument("--folder", type=pathlib.Path, help="a new folder to work in; what failed stays there (in /tmp)")
+    return parser.parse_args()
+
+
+class Harness:
+    def __init__(self, wishes):
+        self.wishes = wishes
+        self.root = wishes.folder or pathlib.Path(tempfile.mkdtemp(prefix="ostrevan-fault-"))
+        self.faults = [f for f in faults.ALL if not wishes.only or f.name.startswith(tuple(wishes.only))]
+        if not self.faults:
+            sys.exit("harness: no fault is named so. There are: " + ", ".join(f.name for f in faults.ALL))
+        self.kills_each = -(-wishes.kills // max(1, sum(f.is_by_chance for f in self.faults)))
+        self.deadline = time.monotonic() + wishes.seconds
+        self.tried = collections.Counter()
+        self.violations = collections.Counter()
+        self.jobs = [Job(self.root / f"job{i}") for i in range(wishes.jobs)]
+
+    def chosen(self, fault):
+        """The numbers of the cases to try."""
+        if self.wishes.case is not None:
+            return [self.wishes.case]
+        if fault.is_by_chance:
+            return range(self.kills_each)
+        try:
+            total = fault.cases(self.jobs[0])
+        except Violation as failure:
+            self.report(self.jobs[0], fault, 0, failure)
+            return []
+        if self.wishes.share >= 1:
+            return range(total)
+        return random.Random(f"{self.wishes.seed}/{fault.name}").sample(range(total), max(1, round(total * self.wishes.share)))
+
+    def run(self):
+        # The faults take turns, so that a run that ends early has tried a bit of everything.
+        turns = itertools.zip_longest(*([(fault, index) for index in self.chosen(fault)] for fault in self.faults))
+        self.waiting = collections.deque(case for turn in turns for case in turn if case is not None)
+        threads = [threading.Thread(target=self.work, args=(job,)) for job in self.jobs]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+
+    def work(self, job):
+        while self.waiting and time.monotonic() < self.deadline:
+            fault, index = self.waiting.popleft()
+            job.begin(fault)
+            try:
+                fault.run(job, index, random.Random(f"{self.wishes.seed}/{fault.name}/{index}"))
+            except Exception as failure:  # also a mistake of the harness must not end it, or pass for success
+                self.report(job, fault, index, failure)
+            self.tried[fault.name] += 1
+
+    def report(self, job, fault, index, failure):
+        self.violations[fault.name] += 1
+        kept = self.root / "failed" / f"{fault.name.replace('/', '-')}-{index}"
+        shutil.copytree(job.box.place, kept, symlinks=True, dirs_exist_ok=True)
+        reason = str(failure) if isinstance(failure, Violation) else traceback.format_exc()
+        print(f"\nVIOLATION {fault.name} {index} ({job.fault}): {reason}\n  kept: {kept}\n  again: {sys.argv[0]} "
+              f"--only '{fault.name}' --case {index} --seed {self.wishes.seed}", flush=True)
+
+    def print_table(self):
+        rows = [("fault", "tried", "violations", "what came of it", "checked")]
+        for fault in self.faults:
+            outcomes = sum((job.outcomes[fault.name] for job in self.jobs), collections.Counter())
+            rows.append((fault.name, str(self.tried[fault.name]), str(self.violations[fault.name]),
+                         ", ".join(f"{number} {what}" for what, number in sorted(outcomes.items())), fault.checks))
+        rows.append(("all", str(self.tried.total()), str(self.violations.total()), "", ""))
+        widths = [max(len(row[column]) for row in rows) for column in range(5)]
+        print()
+        for row in rows:
+            print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
+        print("\nmessages of the player, as often as they came:")
+        for text, number in sum((job.messages for job in self.jobs), collections.Counter()).most_common():
+            print(f"{number:6}  {text}")
+
+
+def main():
+    harness = Harness(arguments())
+    harness.run()
+    harness.print_table()
+    if harness.violations:
+        sys.exit(1)
+    if not harness.tried:
+        sys.exit("harness: nothing was tried")
+    shutil.rmtree(harness.root, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,39 @@
+"""One sandbox, the works prepared in it so far, and what was seen there. Used by one thread at a time."""
+import collections
+import re
+
+from sandbox import Sandbox
+
+
+class Job:
+    def __init__(self, root):
+        self.box = Sandbox(root)
+        self.works = {}
+        self.outcomes = collections.defaultdict(collections.Counter)
+        self.messages = collections.Counter()
+
+    def begin(self, fault):
+        self.name = fault.name
+        self.fault = ""  # what exactly is done to the player, for a report
+
+    def known(self, work):
+        if work not in self.works:
+            self.works[work] = work(self.box)
+        return self.works[work]
+
+    def ready(self, work):
+        """The work, with its place as it was prepared."""
+        known = self.known(work)
+        self.box.restore(work.name)
+        return known
+
+    def count(self, outcome):
+        self.outcomes[self.name][outcome] += 1
+
+    def say(self, text):
+        """Remembers the player's messages without what differs from case to case."""
+        for line in text.splitlines():
+            if not line.startswith("Playing "):
+                line = line.replace(str(self.box.place), "<place>")
+                line = re.sub(r"/music/.*?\.(\w{3,4})\b", r"/music/TRACK.\1", line)
+                self.messages[re.sub(r"\d+", "N", line)] += 1

@@ -1,0 +1,162 @@
+"""A place of its own in which the player runs and is broken: a profile, music, and what looks at them from outside."""
+import collections
+import json
+import mmap
+import os
+import pathlib
+import shutil
+import sqlite3
+import struct
+import subprocess
+import time
+
+PROGRAM = os.environ["OSTREVAN"]
+MUSIC = pathlib.Path(os.environ["MUSIC"])
+FAILING_CALLS = os.environ["FAILING_CALLS"]
+
+STATISTICS = "C653739F-14B3-4EF2-819B-A3E2883230AE"
+RECORD = struct.Struct("<QQQQII")  # play count, first played, last played, added, rating, nothing
+NO_RATING = 0xFFFFFFFF
+TIME_LIMIT = 60  # seconds after which a run hangs
+
+Result = collections.namedtuple("Result", "status out err")  # status: as subprocess gives it, or HUNG
+HUNG = "hung"
+
+
+class Control:
+    """What the preloaded library shares with this process."""
+    FORMAT = struct.Struct("<6q512s")
+    FIELDS = {name: at for at, name in enumerate(("clock_offset", "calls", "chosen", "error", "mode", "failed"))}
+
+    def __init__(self, path):
+        path.write_bytes(bytes(self.FORMAT.size))
+        with open(path, "r+b") as file:
+            self.map = mmap.mmap(file.fileno(), 0)
+        self.path = path
+
+    def set(self, **values):
+        """Starts anew with these values."""
+        self.map[:] = self.FORMAT.pack(*(values.get(name, 0) for name in self.FIELDS), b"")
+
+    def put(self, field, value):
+        struct.pack_into("<q", self.map, 8 * self.FIELDS[field], value)
+
+    def get(self, field):
+        return self.FORMAT.unpack(self.map[:])[self.FIELDS[field]]
+
+    def first_failed(self):
+        return self.FORMAT.unpack(self.map[:])[-1].rstrip(b"\0").decode(errors="replace")
+
+
+class Sandbox:
+    def __init__(self, root):
+        self.root = pathlib.Path(root).resolve()
+        self.root.mkdir(parents=True)
+        self.place = self.root / "place"  # all that a fault may hit, and all that is put back between two of them
+        self.profile = self.place / "profile"
+        self.music = self.place / "music"
+        self.control = Control(self.root / "control")
+        (self.root / "run").mkdir(mode=0o700)
+        self.env = dict(os.environ, XDG_RUNTIME_DIR=str(self.root / "run"), TZ="UTC", LC_ALL="C.UTF-8")
+        self.clear()
+
+    # The state of the place.
+
+    def clear(self):
+        shutil.rmtree(self.place, ignore_errors=True)
+        self.place.mkdir()
+
+    def copy_music(self):
+        shutil.copytree(MUSIC, self.music)
+
+    def save(self, name):
+        shutil.copytree(self.place, self.root / "saved" / name)
+
+    def restore(self, name):
+        shutil.rmtree(self.place)
+        shutil.copytree(self.root / "saved" / name, self.place)  # times of files stay, so a rescan finds them unchanged
+
+    def files(self, folder="music"):
+        """Path below the place, and content."""
+        return {str(p.relative_to(self.place)): p.read_bytes() for p in (self.place / folder).rglob("*") if p.is_file()}
+
+    # The player.
+
+    def start(self, *words, preload=False, zone=None, prefix=()):
+        env = dict(self.env)
+        if preload:
+            env.update(LD_PRELOAD=FAILING_CALLS, FAULT_FOLDER=str(self.place), FAULT_CONTROL=str(self.control.path))
+        if zone is not None:
+            env["TZ"] = zone
+        return subprocess.Popen([*prefix, PROGRAM, "--profile", str(self.profile), *map(str, words)], env=env, text=True,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, errors="replace")
+
+    @staticmethod
+    def finish(player, kill_after=None):
+        """Waits for the end, or kills after so many seconds."""
+        try:
+            out, err = player.communicate(timeout=TIME_LIMIT if kill_after is None else kill_after)
+            return Result(player.returncode, out, err)
+        except subprocess.TimeoutExpired:
+            player.kill()
+            out, err = player.communicate()
+            return Result(HUNG if kill_after is None else player.returncode, out, err)
+
+    def run(self, *words, kill_after=None, **options):
+        return self.finish(self.start(*words, **options), kill_after)
+
+    def must(self, *words, **options):
+        """Runs what cannot fail without a fault; gives what it printed."""
+        done = self.run(*words, **options)
+        if done.status != 0:
+            raise Violation(f"without a fault, {' '.join(map(str, words))!r} ended with {done.status}: {done.err.strip()}")
+        return done.out
+
+    def tracks(self, **options):
+        return json.loads(self.must("list", "--json", **options))
+
+    def counts(self):
+        """Play count by title."""
+        return {t["title"]: int(t["play_count"] or 0) for t in self.tracks()}
+
+    # The database, seen without the player.
+
+    def edit_index(self, sql, rows):
+        database = sqlite3.connect(self.profile / "index.sqlite")
+        with database:
+            database.executemany(sql, rows)
+        database.close()
+
+    def put_records(self, guid, records):
+        """Stores records by key, as a component would have under an index of its own."""
+        self.edit_index("INSERT OR IGNORE INTO indexes (guid) VALUES (?)", [(guid,)])
+        self.edit_index("INSERT OR REPLACE INTO records SELECT id, ?, ?, ? FROM indexes WHERE guid = ?",
+                        [(key - (key >> 63 << 64), int(time.time()), data, guid) for key, data in records.items()])
+
+    def records(self, guid=STATISTICS):
+        """Every stored record by key. Looks at a copy: the place stays as the player left it."""
+        copy = self.root / "copy"
+        shutil.rmtree(copy, ignore_errors=True)
+        copy.mkdir()
+        for part in ("index.sqlite", "index.sqlite-wal"):
+            if (self.profile / part).exists():
+                shutil.copy(self.profile / part, copy / part)
+        database = sqlite3.connect(copy / "index.sqlite")
+        try:
+            if not database.execute("SELECT 1 FROM sqlite_schema").fetchall():
+                return {}
+            if database.execute("PRAGMA integrity_check").fetchall() != [("ok",)]:
+                raise Violation("index.sqlite is damaged")
+            return {key & (1 << 64) - 1: data for key, data in database.execute(
+                "SELECT key, data FROM records JOIN indexes ON id = index_id WHERE guid = ?", (guid,))}
+        finally:
+            database.close()
+
+
+class Violation(Exception):
+    """Something was lost, wrong, or not said."""
+
+
+def require(holds, text):
+    if not holds:
+        raise Violation(text)

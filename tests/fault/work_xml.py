@@ -1,0 +1,50 @@
+"""Statistics that go into an XML file and come back."""
+from sandbox import STATISTICS, require
+from work import Work, record
+
+
+class Transfer(Work):
+    """Through an XML file and the main menu."""
+    file_name = "statistics.xml"
+
+    def words(self, command=None):
+        command = f"Library/Playback Statistics/{command or self.command}..."
+        return ["--yes", "--file", self.box.place / self.file_name, "menu", command]
+
+
+class Export(Transfer):
+    name = "XML export"
+    command = "Export statistics"
+    checks = "statistics untouched; the file broken off at most, whole the next time"
+
+    def __init__(self, box):
+        super().__init__(box)
+        self.whole = (box.place / self.file_name).read_bytes()
+        require(self.whole.count(b"<Entry") == 8, "not everything is exported")
+
+    def after_fault(self, result):
+        super().after_fault(result)
+        path = self.box.place / self.file_name
+        if path.exists():
+            require(self.whole.startswith(path.read_bytes()), "the file holds what was not to be written")
+        if result.status == 0:
+            require(path.read_bytes() == self.whole, "ended well without a whole file")
+
+    def finish(self):
+        super().finish()
+        require((self.box.place / self.file_name).read_bytes() == self.whole, "the file is not whole")
+
+
+class Import(Transfer):
+    name = "XML import"
+    command = "Import statistics"
+    checks = "all records or none"
+
+    def prepare(self):
+        super().prepare()
+        self.box.must(*self.words(Export.command))
+        self.box.put_records(STATISTICS, {key: record(1) for key in self.box.records()})
+
+    def after_fault(self, result):
+        super().after_fault(result)
+        require(self.state()["records"] in (self.start["records"], self.goal["records"]), "a part was imported")
