@@ -31,8 +31,7 @@
 namespace {
 
 constexpr std::int64_t from_then_on = 1;  // in `mode`; otherwise the one call
-constexpr std::int64_t kill_before = -1;  // in `error`, instead of an errno
-constexpr std::int64_t kill_after = -2;
+constexpr std::int64_t kill_after = -1;   // in `error`, instead of an errno
 
 struct control {
     std::atomic<std::int64_t> clock_offset;  // ns
@@ -76,9 +75,7 @@ int next_call(const char* name, const char* path) {
     if (chosen == 0 || (shared->mode.load() == from_then_on ? number < chosen : number != chosen)) return 0;
     if (shared->failed.fetch_add(1) == 0)
         std::snprintf(shared->first_failed, sizeof shared->first_failed, "%s %s", name, path);
-    const auto error = shared->error.load();
-    if (error == kill_before) syscall(SYS_kill, getpid(), SIGKILL);
-    return static_cast<int>(error);
+    return static_cast<int>(shared->error.load());
 }
 
 /// Does what was asked unless it is to fail.

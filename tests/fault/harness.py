@@ -6,6 +6,7 @@ import itertools
 import pathlib
 import random
 import shutil
+import signal
 import sys
 import tempfile
 import threading
@@ -31,7 +32,8 @@ fault` sets them; with -V -N it shows how.
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__, epilog=EXAMPLES,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--seconds", type=float, default=float("inf"), help="begin nothing new after this time")
+    parser.add_argument("--seconds", type=float, default=float("inf"),
+                        help="begin nothing new after this time, as after Ctrl-C")
     parser.add_argument("--kills", type=int, default=240, help="kills at random moments, spread over the works (240)")
     parser.add_argument("--share", type=float, default=1, help="how much of the other cases to try, chosen at random (1)")
     parser.add_argument("--only", action="append", metavar="NAME", help="faults whose names begin so; may be repeated")
@@ -77,8 +79,15 @@ class Harness:
         threads = [threading.Thread(target=self.work, args=(job,)) for job in self.jobs]
         for thread in threads:
             thread.start()
-        for thread in threads:
-            thread.join()
+        signal.signal(signal.SIGTERM, signal.default_int_handler)
+        try:
+            for thread in threads:
+                thread.join()
+        except KeyboardInterrupt:
+            print("\nharness: finishing the cases that are under way", flush=True)
+            self.deadline = 0
+            for thread in threads:
+                thread.join()
 
     def work(self, job):
         while self.waiting and time.monotonic() < self.deadline:
@@ -89,6 +98,8 @@ class Harness:
             except Exception as failure:  # also a mistake of the harness must not end it, or pass for success
                 self.report(job, fault, index, failure)
             self.tried[fault.name] += 1
+            if self.tried.total() % 100 == 0:
+                print(f"{self.tried.total()} tried, {len(self.waiting)} wait", file=sys.stderr, flush=True)
 
     def report(self, job, fault, index, failure):
         self.violations[fault.name] += 1

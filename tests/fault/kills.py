@@ -1,7 +1,8 @@
-"""SIGKILL: at a random moment of a work, or exactly before or after the n-th call that changes a file."""
+"""SIGKILL: at a random moment of a work, or exactly after the n-th call that changes a file."""
 from sandbox import HUNG, require
 
 KILLED = -9
+KILL = -1  # in place of an errno
 
 
 def check_restart(job, work, result):
@@ -28,7 +29,7 @@ class RandomKills:
 
 
 class KillsAtCalls:
-    """Cut off at each call in turn, before it and after it. Always at the same place, which a random moment is not."""
+    """Cut off after each call in turn. Always at the same place, which a random moment is not."""
     is_by_chance = False
 
     def __init__(self, work):
@@ -37,11 +38,11 @@ class KillsAtCalls:
         self.checks = work.checks
 
     def cases(self, job):
-        return job.known(self.work).calls * 2
+        return job.known(self.work).calls
 
     def run(self, job, index, random):
         work = job.ready(self.work)
-        job.box.control.set(chosen=index // 2 + 1, error=-1 - index % 2)
+        job.box.control.set(chosen=index + 1, error=KILL)
         result = job.box.run(*work.words(), preload=True)
         job.count("killed" if result.status == KILLED else "ended before the kill")
         job.fault = job.box.control.first_failed()
