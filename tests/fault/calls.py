@@ -34,4 +34,5 @@ class FailingCalls:
             job.say(result.err)
         if result.status:
             require(str(job.box.root) in result.err, f"the message does not say where: {result.err}")
-        check_restart(job, work, result)
+        outcome = check_restart(job, work, result)
+        require(outcome is None or "unlink" in job.fault and "PlaybackStatistics.dat" in job.fault, outcome)

@@ -6,9 +6,13 @@ KILL = -1  # in place of an errno
 
 
 def check_restart(job, work, result):
+    """Gives what is worth counting apart, if anything is."""
     require(result.status != HUNG, "it hung")
     work.after_fault(result)
-    work.finish()
+    outcome = work.finish()
+    if outcome:
+        job.count(outcome)
+    return outcome
 
 
 class RandomKills:
