@@ -19,6 +19,7 @@
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_file.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/record_map.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
@@ -47,19 +48,33 @@ std::vector<GatheredTrack> tracks_of(const std::vector<legacy_record>& records) 
     return found;
 }
 
-void merge(const std::vector<legacy_record>& records) {
+/// Answers what was stored under the keys before.
+record_map merge(const std::vector<legacy_record>& records) {
     const auto tracks = tracks_of(records);
+    record_map before;
     StatsOp op;
     std::size_t left_out = 0;
     for (std::size_t i = 0; i < records.size(); ++i) {
-        if (tracks[i].key) op.MergeStats(*tracks[i].key, records[i].stats, MergeType::MergeSum);
-        else ++left_out;
+        if (const auto key = tracks[i].key) {
+            if (before.find(*key) == nullptr) before.set(*key, op.GetByKey(*key));
+            op.MergeStats(*key, records[i].stats, MergeType::MergeSum);
+        } else ++left_out;
     }
     op.commit();
     op.publish();
     if (left_out != 0)
         print_to_console(std::to_string(left_out) + " of " + std::to_string(records.size()) + " records in " +
                          legacy_file_name + " are of files that cannot be read; they were left out");
+    return before;
+}
+
+/// The player goes on trying to save what it could not, and the file stays: without this it would be added twice.
+void save_or_take_back(const record_map& before) try { PCDB::SaveNow(); } catch (...) {
+    StatsOp op;
+    for (const auto& [key, record] : before.entries()) op.SetByKey(key, record);
+    op.commit();
+    op.publish();
+    throw;
 }
 
 void import_file(filesystem& files, const std::string& path) {
@@ -67,8 +82,7 @@ void import_file(filesystem& files, const std::string& path) {
     // Without an index nothing would be written, and the file must not go then.
     if (opened_index() == nullptr) throw std::runtime_error("No active index");
     if (!records.empty()) back_up_index("legacy-import", path.c_str());
-    merge(records);
-    PCDB::SaveNow();
+    save_or_take_back(merge(records));
     files.remove_retrying(path.c_str());
 }
 

@@ -137,6 +137,9 @@ TEST_F(legacy_import, keeps_the_file_until_its_records_are_safe) {
     start_with([&] { player.index.fail_save = true; });
     player.index.fail_save = false;
     start_with([&] { player.local_files.refuses_removal = true; });
+    player.local_files.refuses_removal = false;
+    player.start();
+    EXPECT_EQ(stored("/a").play_count, 6U) << "once when the file could not be removed, once now, and never unsaved";
 }
 
 TEST_F(legacy_import, is_silent_without_a_file_or_in_quiet_mode) {
