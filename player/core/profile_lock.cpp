@@ -25,8 +25,9 @@ profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds
     const auto path = profile + "/lock";
     file_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (file_ < 0)
-        throw std::runtime_error("Cannot open " + path + ": " + std::system_category().message(errno) +
-                                 ". The profile folder must be writable; choose another with --profile.");
+        throw std::runtime_error(
+            "Cannot open " + path + ": " + std::system_category().message(errno) +
+            ". Make room on the disk or the profile folder writable, or choose another with --profile.");
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (::flock(file_, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) {

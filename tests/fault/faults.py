@@ -6,7 +6,8 @@ from damage import Damage
 from full_disk import FullDisk
 from kills import KillsAtCalls, RandomKills
 from permissions import ReadOnly
+from small_disk import SmallDisk
 from works import WORKS
 
 ALL = [kind(work) for kind in (RandomKills, KillsAtCalls, FailingCalls) for work in WORKS]
-ALL += [FullDisk(), ReadOnly(), Crowd(), Clock(), Damage()]
+ALL += [FullDisk(), SmallDisk(), ReadOnly(), Crowd(), Clock(), Damage()]

@@ -3,6 +3,8 @@
 import argparse
 import collections
 import itertools
+import math
+import os
 import pathlib
 import random
 import shutil
@@ -70,7 +72,8 @@ class Harness:
             return []
         if self.wishes.share >= 1:
             return range(total)
-        return random.Random(f"{self.wishes.seed}/{fault.name}").sample(range(total), max(1, round(total * self.wishes.share)))
+        chance = random.Random(f"{self.wishes.seed}/{fault.name}")
+        return chance.sample(range(total), math.ceil(total * self.wishes.share))
 
     def run(self):
         # The faults take turns, so that a run that ends early has tried a bit of everything.
@@ -126,7 +129,10 @@ class Harness:
 
 
 def main():
-    harness = Harness(arguments())
+    wishes = arguments()
+    if missing := [name for name in ("OSTREVAN", "MUSIC", "FAILING_CALLS") if name not in os.environ]:
+        sys.exit(f"harness: {', '.join(missing)} must be set in the environment; --help says to what")
+    harness = Harness(wishes)
     harness.run()
     harness.print_table()
     if harness.violations:

@@ -26,7 +26,8 @@ class RandomKills:
 
     def run(self, job, index, random):
         work = job.ready(self.work)
-        result = job.box.run(*work.words(), kill_after=random.uniform(0.02, work.seconds * 1.05))
+        result = job.box.run(*work.words(), kill_after=random.uniform(0.02, work.seconds))
+        work.seconds *= 1.05 if result.status == KILLED else 0.8  # the machine is now faster, now slower
         job.count("killed" if result.status == KILLED else "ended before the kill")
         require(result.status in (KILLED, 0), f"it ended with {result.status}: {result.err}")
         check_restart(job, work, result)

@@ -10,9 +10,9 @@ import struct
 import subprocess
 import time
 
-PROGRAM = os.environ["OSTREVAN"]
-MUSIC = pathlib.Path(os.environ["MUSIC"])
-FAILING_CALLS = os.environ["FAILING_CALLS"]
+PROGRAM = os.environ.get("OSTREVAN", "")
+MUSIC = pathlib.Path(os.environ.get("MUSIC", ""))
+FAILING_CALLS = os.environ.get("FAILING_CALLS", "")
 
 STATISTICS = "C653739F-14B3-4EF2-819B-A3E2883230AE"
 RECORD = struct.Struct("<QQQQII")  # play count, first played, last played, added, rating, nothing

@@ -1,0 +1,74 @@
+"""A real file system that fills up while the player works: short writes, and mapped pages without room, which failing calls do
+not bring about. Mounting one takes an administrator; others try nothing here."""
+import os
+import shutil
+import subprocess
+
+from kills import check_restart
+from sandbox import require
+from works import WORKS
+
+PAGE = 4096
+
+
+def mount(path, size):
+    options = f"mode=755,size={size}"
+    return subprocess.run(["mount", "-t", "tmpfs", "-o", options, "tmpfs", path], capture_output=True).returncode == 0
+
+
+def used(folder):
+    """At most; every file and folder takes a page for itself."""
+    return sum(PAGE + -(-path.stat().st_size // PAGE) * PAGE for path in [folder, *folder.rglob("*")])
+
+
+class SmallDisk:
+    name = "small disk"
+    checks = "as for each work; a message"
+    is_by_chance = False
+
+    def cases(self, job):
+        folder = job.box.root / "disk"
+        folder.mkdir(exist_ok=True)
+        if os.getuid() != 0 or not mount(folder, PAGE):
+            return 0
+        subprocess.run(["umount", folder], check=True)
+        return 40 * len(WORKS)
+
+    def run(self, job, index, random):
+        work = job.ready(WORKS[index % len(WORKS)])
+        box = job.box
+        folder = random.choice([box.profile, box.music])
+        room = random.choice([random.randrange(4), random.randrange(64)]) * PAGE
+        job.fault = f"{work.name}, {room} bytes free in {folder.name}"
+        words = work.words()
+        with Filling(folder, box.root / "aside", room):
+            result = box.run(*words)
+        require(result.status in (0, 1), f"it ended with {result.status}: {result.err}")
+        job.count("failed" if result.status else "worked")
+        job.say(result.err)
+        if result.status:
+            require(str(box.place) in result.err, f"the message does not say where: {result.err}")
+        check_restart(job, work, result)
+
+
+class Filling:
+    """Puts the folder onto a disk of its own with so much room, and back in the end."""
+
+    def __init__(self, folder, aside, room):
+        self.folder, self.aside, self.room = folder, aside, room
+
+    def move(self):
+        shutil.rmtree(self.aside, ignore_errors=True)
+        shutil.copytree(self.folder, self.aside)
+
+    def __enter__(self):
+        self.folder.mkdir(exist_ok=True)
+        self.move()
+        require(mount(self.folder, used(self.folder) + self.room), "cannot mount")
+        shutil.copytree(self.aside, self.folder, dirs_exist_ok=True)
+
+    def __exit__(self, *failure):
+        self.move()
+        subprocess.run(["umount", self.folder], check=True)
+        shutil.rmtree(self.folder)
+        shutil.copytree(self.aside, self.folder)
