@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 #include <expat.h>
+#include <malloc.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -26,7 +27,7 @@ struct found {
     friend bool operator==(const found&, const found&) = default;
 };
 
-/// A file as the export writes it: ten attributes and one track for each entry, 290 bytes of them.
+/// A file as the export writes it: ten attributes and one track for each entry, 330 bytes of them.
 std::string statistics_file(std::size_t entries) {
     std::mt19937_64 random(1);
     std::string out = "<PlaybackStatistics Version=\"3.0\" Mapping=\"C653739F-14B3-4EF2-819B-A3E2883230AE\">\n";
@@ -117,30 +118,37 @@ found read_by_expat(std::string_view text) {
     return all.result;
 }
 
+/// Time of a reader that is the first in its process to read a file: the memory it takes is new.
+template <typename Reader>
+double first_time(const Reader& reader) {
+    malloc_trim(0);
+    return bench::processor_seconds_of(reader);
+}
+
 /// Two levels of a file of a million entries, every attribute decoded and looked at; the floor is the fastest tree there is.
 void parsing_a_million_entries(benchmark::State& state) {
     constexpr std::size_t entries = 1'000'000;
     const std::string text = statistics_file(entries);
-    std::string in_place;
+    double floor_total = 0;
+    double expat_total = 0;
     bench::ratio ratio(state, 0.8);
-    bench::ratio expat_ratio(state, 0);
     for (auto _ : state) {
-        in_place = text;
+        std::string in_place = text;
         pugi::xml_document tree;
         found by_pugixml;
-        found by_vek;
         found by_expat;
-        const double floor_time = bench::processor_seconds_of([&] { by_pugixml = read_by_pugixml(in_place, tree); });
-        const double expat_time = bench::processor_seconds_of([&] { by_expat = read_by_expat(text); });
-        ratio.add(floor_time, bench::processor_seconds_of([&] { by_vek = read_by_vek(text); }));
-        expat_ratio.add(floor_time, expat_time);
+        found by_vek;
+        const double floor_time = first_time([&] { by_pugixml = read_by_pugixml(in_place, tree); });
+        floor_total += floor_time;
+        expat_total += first_time([&] { by_expat = read_by_expat(text); });
+        ratio.add(floor_time, first_time([&] { by_vek = read_by_vek(text); }));
         if (by_vek != by_pugixml || by_vek != by_expat || by_vek.entries != entries) {
             state.SkipWithError("the readers disagree");
             break;
         }
     }
     ratio.report();
-    state.counters["expat_ratio"] = expat_ratio.value();
+    state.counters["expat_ratio"] = expat_total / floor_total;
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 

@@ -28,9 +28,13 @@ bool xmlAttributes::add(std::string_view name, std::string_view value) {
         if (used_ == items_.size()) items_.emplace_back();
         items_[used_].first = name;
     }
+    add_expected(value);
+    return true;
+}
+
+void xmlAttributes::add_expected(std::string_view value) {
     items_[used_++].second = value;
     if (used_ > few) enter_last();
-    return true;
 }
 
 void xmlAttributes::clear() noexcept {
@@ -49,7 +53,6 @@ void xmlAttributes::remove_if(bool (*unwanted)(const value_type&)) {
     for (std::size_t i = 0; i < used_; ++i)
         if (!unwanted(items_[i])) std::swap(items_[kept++], items_[i]);
     used_ = kept;
-    alike_ = false;
     index();
 }
 

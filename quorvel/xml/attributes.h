@@ -26,6 +26,12 @@ public:
     void clear() noexcept;
     /// False, and nothing added, when there is one of that name already. The texts are copied. Takes constant time.
     bool add(std::string_view name, std::string_view value);
+    /// The name that the element before had in the place of the next attribute, as far as both have been alike; else empty.
+    [[nodiscard]] std::string_view expected() const noexcept {
+        return alike_ && used_ < distinct_ ? std::string_view(items_[used_].first) : std::string_view();
+    }
+    /// Adds the attribute of that name, which is not empty.
+    void add_expected(std::string_view value);
     void remove_if(bool (*unwanted)(const value_type&));
 
 private:

@@ -50,8 +50,11 @@ std::size_t content_end::enter(std::size_t at, std::size_t close) {
 }
 
 void content_end::leave(std::string_view raw_name) {
-    const std::string_view name = decoded(without_trailing_blanks(raw_name), decoded_);
-    if (!equal_without_case(name, open_.back())) throw xmlParser::error();
+    raw_name = without_trailing_blanks(raw_name);
+    // Nearly always it is the same name, of plain bytes.
+    const std::string_view name = open_.back();
+    const bool same = std::ranges::equal(raw_name, name, [](char raw, char byte) { return raw == byte && is_plain(raw); });
+    if (!same && !equal_without_case(decoded(raw_name, decoded_), name)) throw xmlParser::error();
     open_.pop_back();
 }
 

@@ -45,9 +45,6 @@ std::optional<std::uint32_t> reference(std::string_view body) {
     return std::nullopt;
 }
 
-/// Neither part of a reference nor anything to be checked.
-constexpr bool is_plain(char byte) noexcept { return (static_cast<signed char>(byte) > 0) & (byte != '&'); }
-
 std::size_t plain_length(std::string_view text) noexcept {
     std::size_t length = 0;
     while (length < text.size() && is_plain(text[length])) ++length;

@@ -10,7 +10,9 @@ namespace Vek {
 /// the length. Throws `xmlParser::error` for a zero byte and for bytes that are not UTF-8.
 [[nodiscard]] std::string decodeEntities(const char* text, std::size_t length);
 
-/// Whether the text is ASCII without references, and so decodes to itself.
+/// A plain byte is part of no reference and need not be checked: ASCII but the zero byte and `&`.
+[[nodiscard]] constexpr bool is_plain(char byte) noexcept { return (static_cast<signed char>(byte) > 0) & (byte != '&'); }
+/// Whether all bytes of a text are plain, so that it decodes to itself.
 [[nodiscard]] bool is_plain(std::string_view text) noexcept;
 /// The text decoded, without a copy where it is plain: the text itself, or `storage` filled with the result.
 [[nodiscard]] std::string_view decoded(std::string_view text, std::string& storage);

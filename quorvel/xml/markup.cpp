@@ -17,9 +17,8 @@ constexpr std::array<skipped_markup, 3> skipped{{{"<!--", "-->"}, {"<![CDATA[", 
 
 }  // namespace
 
-std::size_t after_markup(std::string_view text, std::size_t at) {
+std::size_t after_declaration(std::string_view text, std::size_t at) {
     const std::string_view rest = text.substr(at);
-    if (rest.size() < 2 || rest[1] != '!') return at;
     for (const auto& [begin, end] : skipped)
         if (rest.starts_with(begin)) return at + required(rest.find(end, begin.size())) + end.size();
     return at;

@@ -9,7 +9,8 @@ constexpr std::string_view declaration = "xmlns";
 
 bool declares(const xmlAttributes::value_type& attribute) noexcept {
     const std::string& name = attribute.first;
-    return name.starts_with(declaration) && (name.size() == declaration.size() || name[declaration.size()] == ':');
+    return name[0] == 'x' && name.starts_with(declaration) &&
+           (name.size() == declaration.size() || name[declaration.size()] == ':');
 }
 
 }  // namespace

@@ -16,25 +16,47 @@ std::size_t start_tag::read(std::string_view text, std::size_t at) {
     for (; length < tag.size() && !is_blank(tag[length]); ++length)
         if (tag[length] == '/' || tag[length] == '<') throw xmlParser::error();
     if (length == 0) throw xmlParser::error();
-    name = decoded(tag.substr(0, length), decoded_name_);
-    read_attributes(tag.substr(length), is_plain(tag));
+    const bool plain = is_plain(tag);
+    name = tag.substr(0, length);
+    if (!plain) name = decodeEntities(name.data(), name.size());
+    read_attributes(tag.substr(length), plain);
     return end + 1;
 }
 
 void start_tag::read_attributes(std::string_view list, bool plain) {
     attributes.clear();
     while (!(list = without_leading_blanks(list)).empty()) {
-        const std::size_t equals = required(list.find('='));
-        const std::string_view attribute = without_trailing_blanks(list.substr(0, equals));
-        list = without_leading_blanks(list.substr(equals + 1));
-        if (attribute.empty() || list.empty() || list[0] != '"') throw xmlParser::error();
+        const bool as_expected = skip_expected_name(list);
+        const std::string_view attribute = as_expected ? std::string_view() : take_name(list);
+        if (list.empty() || list[0] != '"') throw xmlParser::error();
         const std::size_t close = required(list.find('"', 1));
-        const std::string_view value = list.substr(1, close - 1);
-        const bool added = plain ? attributes.add(attribute, value)
-                                 : attributes.add(decoded(attribute, decoded_name_), decoded(value, decoded_value_));
-        if (!added) throw xmlParser::error();
+        std::string_view value = list.substr(1, close - 1);
+        if (!plain) value = decoded(value, decoded_value_);
+        if (as_expected) attributes.add_expected(value);
+        else if (!attributes.add(plain ? attribute : decoded_name(attribute), value)) throw xmlParser::error();
         list.remove_prefix(close + 1);
     }
+}
+
+bool start_tag::skip_expected_name(std::string_view& list) const {
+    const std::string_view expected = names_as_written_ ? attributes.expected() : std::string_view();
+    if (expected.empty() || !list.starts_with(expected) || !list.substr(expected.size()).starts_with("=\"")) return false;
+    list.remove_prefix(expected.size() + 1);
+    return true;
+}
+
+std::string_view start_tag::take_name(std::string_view& list) {
+    const std::size_t equals = required(list.find('='));
+    const std::string_view attribute = without_trailing_blanks(list.substr(0, equals));
+    if (attribute.empty()) throw xmlParser::error();
+    list = without_leading_blanks(list.substr(equals + 1));
+    return attribute;
+}
+
+std::string_view start_tag::decoded_name(std::string_view written) {
+    const std::string_view attribute = decoded(written, decoded_name_);
+    if (attribute.data() != written.data()) names_as_written_ = false;
+    return attribute;
 }
 
 }  // namespace Vek

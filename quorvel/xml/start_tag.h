@@ -21,9 +21,15 @@ public:
 private:
     /// `plain` when nothing in the list is to be decoded.
     void read_attributes(std::string_view list, bool plain);
+    /// Goes on to the value if the name of the attribute is the expected one: then it need not be looked for.
+    bool skip_expected_name(std::string_view& list) const;
+    /// Goes on to the value, and returns the name before it.
+    static std::string_view take_name(std::string_view& list);
+    std::string_view decoded_name(std::string_view written);
 
     std::string decoded_name_;
     std::string decoded_value_;
+    bool names_as_written_ = true;  ///< no name of an attribute so far had to be decoded
 };
 
 }  // namespace Vek

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "quorvel/xml/xml_parser.h"
+
 // Each takes minutes if every `&` is looked at up to its `;`, or up to the end for lack of one.
 TEST(entities, a_megabyte_of_what_is_no_reference_stays_as_it_is) {
     for (const char* piece : {"&", "&#x00000000000000000000000000000001"})
@@ -15,6 +17,11 @@ TEST(entities, a_megabyte_of_what_is_no_reference_stays_as_it_is) {
         }
     const std::string zeros = "&#" + std::string(1000000, '0') + "65;";
     EXPECT_EQ(Vek::decodeEntities(zeros.data(), zeros.size()), "A");
+}
+
+TEST(entities, a_character_ends_with_the_text) {
+    EXPECT_EQ(Vek::decodeEntities("日本", 3), "日");
+    EXPECT_THROW((void)Vek::decodeEntities("日本", 4), Vek::xmlParser::error);
 }
 
 TEST(entities, escapes_five_characters_and_nothing_else) {
