@@ -13,18 +13,15 @@
 namespace quorvel {
 namespace {
 
-/// Reports what goes wrong in one step, unless it is the user who stops it: the others then work on what there is. True when
-/// nothing does.
+/// Reports what goes wrong in one step, unless it is the user who stops it: the others then work on what there is.
 template <typename Step>
-bool attempt(Step&& step) {
+void attempt(Step&& step) {
     try {
         step();
-        return true;
     } catch (const ostrevan::exception_aborted&) {
         throw;
     } catch (const std::exception& e) {
         report_import_failure(e.what());
-        return false;
     }
 }
 
@@ -37,13 +34,13 @@ void import_file(std::string_view text, std::uint32_t fields) {
     try {
         StatsOp op;
         ParseGlobals globals(op, fields);
-        const bool whole = attempt([&] { XMLParser_Root(globals).read(text); });
+        attempt([&] { XMLParser_Root(globals).read(text); });
         attempt([&] { apply_old_edits(globals); });
         attempt([&] { apply_pending_items(globals); });
         op.commit();
         op.publish();
-        if (!whole || globals.records == 0)
-            print_to_console("Playback statistics import: records taken from the file: " + std::to_string(globals.records));
+        print_to_console("Playback statistics import: records read: " + std::to_string(globals.records) +
+                         ", statistics changed: " + std::to_string(op.changed_keys().size()));
     } catch (const ostrevan::exception_aborted&) {
         report_import_failure("Interrupted. No statistics have been changed");
     } catch (const std::exception& e) {

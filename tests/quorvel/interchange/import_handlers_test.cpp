@@ -76,7 +76,7 @@ TEST_F(import_handlers, keeps_what_came_before_an_error) {
     for (const auto& [file, message] : cases) {
         put(tracks[0], before);
         EXPECT_EQ(import(file), messages{message}) << file;
-        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records taken from the file: 1");
+        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records read: 1, statistics changed: 1");
         EXPECT_EQ(stored(tracks[0]).play_count, 4U) << file;
         EXPECT_EQ(stored(tracks[1]), t_playback_stats{}) << file;
     }
@@ -85,7 +85,7 @@ TEST_F(import_handlers, keeps_what_came_before_an_error) {
 TEST_F(import_handlers, refuses_other_documents) {
     for (const char* text : {"", "a picture", R"(<Library Version="9"><Entry ID="1" Count="1"/></Library>)"}) {
         EXPECT_EQ(import(text), messages{"Unsupported format or corrupted file"});
-        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records taken from the file: 0");
+        EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records read: 0, statistics changed: 0");
     }
     EXPECT_TRUE(player.index.keys(quorvel::statistics_index_guid).empty());
 }
