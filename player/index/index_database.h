@@ -38,6 +38,7 @@ private:
 
     sqlite::database database_;
     sqlite::statement put_;
+    std::optional<sqlite::statement> put_block_;  // made when there is a block to write
     sqlite::statement erase_;
 };
 
