@@ -138,7 +138,7 @@ class Sandbox:
         copy = self.root / "copy"
         shutil.rmtree(copy, ignore_errors=True)
         copy.mkdir()
-        for part in ("index.sqlite", "index.sqlite-wal"):
+        for part in ("index.sqlite", "index.sqlite-wal", "index.sqlite-journal"):
             if (self.profile / part).exists():
                 shutil.copy(self.profile / part, copy / part)
         database = sqlite3.connect(copy / "index.sqlite")
