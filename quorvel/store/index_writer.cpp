@@ -12,7 +12,7 @@ namespace {
 
 /// A service of the player, which lives until the process ends: no reference is held, so that none is released late.
 constinit std::atomic<ostrevan::index_manager*> index{nullptr};
-constinit std::mutex turn_of_own_writers;
+std::mutex turn_of_own_writers;
 
 void refresh_now(const std::vector<std::uint64_t>& keys) {
     if (auto* const manager = opened_index()) manager->refresh(statistics_index_guid, nuv::list_view_t<std::uint64_t>(keys));
