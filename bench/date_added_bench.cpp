@@ -61,7 +61,7 @@ void dates_of_a_million_tracks(benchmark::State& state) {
                   }));
         if (player.refreshes != 1 || player.refreshed_keys != million) state.SkipWithError("not every track was stamped");
     }
-    ratio.report();
+    ratio.report("every key + sorted rows with SQLite alone");
 }
 
 /// Runs `work` on the main loop and meanwhile, a thousand times a second at most, asks the main thread for something.
@@ -155,6 +155,7 @@ void main_thread_while_stamping(benchmark::State& state) {
         }
         state.SetIterationTime(callback / 1000);
     }
+    state.SetLabel("50 ms");
     state.counters["ratio"] = callback / 50;
     state.counters["goal"] = 1;
     state.counters["longest_ms"] = callback;
@@ -163,7 +164,7 @@ void main_thread_while_stamping(benchmark::State& state) {
     state.counters["handing_over_ms"] = handing_over;
 }
 
-BENCHMARK(dates_of_a_million_tracks)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
-BENCHMARK(main_thread_while_stamping)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(dates_of_a_million_tracks)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(main_thread_while_stamping)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

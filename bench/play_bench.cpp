@@ -33,9 +33,9 @@ void durable_play(benchmark::State& state) {
                   }));
     }
     if (quorvel::PCDB::Get(*tracks[0]).play_count < 2) state.SkipWithError("the plays were not counted");
-    ratio.report();
+    ratio.report("4K write with fdatasync");
 }
 
-BENCHMARK(durable_play)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(400);
+BENCHMARK(durable_play)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(150);
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <string>
 #include <vector>
 
 namespace bench {
@@ -37,7 +38,8 @@ enum class typical {
 };
 
 /// Times a floor and what is compared with it, one after the other, so that both meet the same machine; the counter `ratio`
-/// is the quotient of their typical times, `goal` what it should not exceed. To be finished with `report`.
+/// is the quotient of their typical times, `goal` what it should not exceed, and the label names the floor. To be finished
+/// with `report`.
 class ratio {
 public:
     ratio(benchmark::State& state, double goal, typical which = typical::median)
@@ -49,7 +51,8 @@ public:
         state_.SetIterationTime(seconds);
     }
 
-    void report() {
+    void report(const std::string& floor) {
+        state_.SetLabel(floor);
         state_.counters["ratio"] = value();
         state_.counters["goal"] = goal_;
     }

@@ -70,7 +70,7 @@ void one_record_through_the_database(benchmark::State& state) {
         ratio.add(floor_time, bench::seconds_of([&] { read_records(part(chosen, round)); }));
         ++round;
     }
-    ratio.report();
+    ratio.report("48 bytes somewhere in an array");
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(reads));
 }
 
@@ -90,11 +90,11 @@ void records_from_two_threads(benchmark::State& state) {
         ratio.add(alone, seconds_beside_each_other([&](std::size_t number) { read_records(part(chosen[number], round)); }));
         ++round;
     }
-    ratio.report();
+    ratio.report("one thread alone");
     state.counters["array_ratio"] = array_ratio.value();
 }
 
-BENCHMARK(one_record_through_the_database)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(300);
-BENCHMARK(records_from_two_threads)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(300);
+BENCHMARK(one_record_through_the_database)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(100);
+BENCHMARK(records_from_two_threads)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(100);
 
 }  // namespace

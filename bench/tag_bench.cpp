@@ -143,10 +143,10 @@ void stamping_tags_into_files(benchmark::State& state) {
                   }));
         if (rewritten != file_count) state.SkipWithError("not every file was rewritten");
     }
-    ratio.report();
+    ratio.report("copy, TagLib, fsync, rename");
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(file_count));
 }
 
-BENCHMARK(stamping_tags_into_files)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(stamping_tags_into_files)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace

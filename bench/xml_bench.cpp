@@ -128,7 +128,7 @@ double first_time(const Reader& reader) {
 /// Two levels of a file of a million entries, every attribute decoded and looked at; the floor is the fastest tree there is.
 void parsing_a_million_entries(benchmark::State& state) {
     constexpr std::size_t entries = 1'000'000;
-    const std::string text = statistics_file(entries);
+    static const std::string text = statistics_file(entries);
     double floor_total = 0;
     double expat_total = 0;
     bench::ratio ratio(state, 0.8);
@@ -147,11 +147,11 @@ void parsing_a_million_entries(benchmark::State& state) {
             break;
         }
     }
-    ratio.report();
+    ratio.report("pugixml in place, decoding");
     state.counters["expat_ratio"] = expat_total / floor_total;
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-BENCHMARK(parsing_a_million_entries)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(7);
+BENCHMARK(parsing_a_million_entries)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
