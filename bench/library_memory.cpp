@@ -1,0 +1,95 @@
+#include <malloc.h>
+#include <sqlite3.h>
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+
+#include "player/index/index_store.h"
+#include "player/library/media_library.h"
+#include "player/tags/reader.h"
+
+// Opens the parts of a player's profile one after the other, and says what memory each of them takes: library_memory PROFILE
+// Prints JSON.
+
+namespace {
+
+constexpr double megabyte = 1024.0 * 1024;
+
+class nobody final : public ostrevan::library::library_observer {
+    void on_library_changed(const ostrevan::library::library_changes& /*changes*/) override {}
+};
+
+double resident_megabytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with("VmRSS:")) return std::stod(line.substr(6)) / 1024;
+    std::abort();
+}
+
+/// What is in use of the heap; SQLite's part is told apart.
+double allocated_megabytes() {
+    const auto heap = mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd) / megabyte;
+}
+double sqlite_megabytes() { return static_cast<double>(sqlite3_memory_used()) / megabyte; }
+
+/// Prints what has been added since the step before.
+class steps {
+public:
+    void note(const char* what) {
+        malloc_trim(0);
+        const double allocated = allocated_megabytes(), resident = resident_megabytes(), sqlite = sqlite_megabytes();
+        std::printf("%s{\"part\": \"%s\", \"allocated\": %.1f, \"sqlite\": %.1f, \"resident\": %.1f}", separator_, what,
+                    allocated - allocated_ - (sqlite - sqlite_), sqlite - sqlite_, resident - resident_);
+        allocated_ = allocated;
+        resident_ = resident;
+        sqlite_ = sqlite;
+        separator_ = ",\n ";
+    }
+
+private:
+    const char* separator_ = "[";
+    double allocated_ = 0, resident_ = 0, sqlite_ = 0;
+};
+
+void open_parts(const std::filesystem::path& profile) {
+    steps parts;
+    parts.note("program");
+    const ostrevan::index_store records(profile / "index.sqlite",
+                                        [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
+    static_cast<void>(records.keys(nuv::guid()));  // waits for the load
+    parts.note("records of the index");
+    ostrevan::library::track_table tracks;
+    nobody observer;
+    const ostrevan::library::media_library library((profile / "library.sqlite").string(), tracks, ostrevan::tags::read_file,
+                                                   observer);
+    parts.note("tracks, tags in their stored form");
+    const auto& items = library.items();
+    parts.note("list of all tracks, sorted");
+    for (const auto& track : items)
+        if (!track->info()) std::abort();
+    parts.note("tags that have been looked at");
+    std::printf("]\n");
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+    if (count != 2) {
+        std::fprintf(stderr, "library_memory PROFILE\n");
+        return 2;
+    }
+    try {
+        open_parts(values[1]);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "library_memory: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
