@@ -30,10 +30,12 @@ private:
 /// that leave are kept for their whole time from then on, however long ago the library was last gone through.
 class library_events final : public library::library_observer {
 public:
-    library_events(const service_registry& services, index_service& index) : services_(services), index_(index) {}
+    library_events(main_loop& loop, const service_registry& services, index_service& index)
+        : loop_(loop), services_(services), index_(index) {}
     void on_library_changed(const library::library_changes& changes) override;
 
 private:
+    main_loop& loop_;
     const service_registry& services_;
     index_service& index_;
 };
@@ -64,7 +66,8 @@ private:
 /// The player's own handles of these tracks.
 std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles);
 
-/// Tells the components of edits that the library has seen. [main-thread]
-void tell_of_edits(const service_registry& services, const std::vector<library::track_edit>& seen);
+/// Tells the components of edits that the library has seen: of the first portion at once, of others as posted work. What is
+/// named must live until the loop is idle. [main-thread]
+void tell_of_edits(main_loop& loop, const service_registry& services, std::vector<library::track_edit> seen);
 
 }  // namespace ostrevan::front

@@ -73,7 +73,7 @@ struct session::parts {
                         [this](const std::string& message) { loop.post([this, message] { report(message); }); }};
     service_uncounted_t<index_service> index{records, index_service::redraw{}};
 
-    library_events events{services, index};
+    library_events events{loop, services, index};
     library::track_table tracks;
     library::media_library library{file("library.sqlite"), tracks, tags::read_file, events};
     service_uncounted_t<library_manager_impl> library_service{library};
@@ -152,7 +152,7 @@ session::session(const session_options& options, front_end& ui) : parts_(std::ma
     check_installations(p.components, report);
     start_components(p.components, services, report);
     // What the process before was killed at. That they are told of some a second time changes nothing.
-    tell_of_edits(services, p.library.unfinished_edits());
+    tell_of_edits(p.loop, services, p.library.unfinished_edits());
 }
 
 session::~session() {

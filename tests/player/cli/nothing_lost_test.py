@@ -31,6 +31,21 @@ class NothingLost(PlayerTest):
         self.assertIn("Interrupted", err)
         self.assertEqual(self.play_count(self.first), 1 + out.count("Counted: "))
 
+    def test_statistics_follow_more_edits_than_are_told_of_at_once(self):
+        edited = self.files()[:2]
+        self.play(*edited)
+        database = sqlite3.connect(self.profile / "library.sqlite")
+        with database:
+            for path, times in zip(edited, (1500, 1)):
+                title = self.track(path)["title"].encode()
+                [(file, info)] = database.execute("SELECT file, info FROM tracks JOIN files ON id = file WHERE path = ?",
+                                                  (str(path).encode(),))
+                database.executemany("INSERT INTO edits VALUES(?, 0, ?)", [(str(path).encode(), info)] * times)
+                database.execute("UPDATE tracks SET info = ? WHERE file = ?", (info.replace(title, b"Z" + title[1:]), file))
+        database.close()
+        self.run_player("components")  # they follow while it starts
+        self.assertEqual([self.play_count(path) for path in edited], [1, 1])
+
     def test_a_folder_that_is_not_there_keeps_its_tracks_and_records(self):
         self.play(self.first)
         before = self.tracks()
