@@ -19,6 +19,7 @@ struct glyph {
 };
 
 glyph glyph_at(const std::string& text, std::size_t position) {
+    if (const char plain = text[position]; plain >= ' ' && plain <= '~') return {1, 1};
     utf8proc_int32_t code = 0;
     const auto* const start = reinterpret_cast<const utf8proc_uint8_t*>(text.data()) + position;
     const auto bytes = utf8proc_iterate(start, static_cast<utf8proc_ssize_t>(text.size() - position), &code);
