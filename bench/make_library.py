@@ -105,6 +105,15 @@ def add_plays(profile):
     return len(keys)
 
 
+def count_records(profile, stars=None):
+    """All, or those with a rating."""
+    rating = None if stars is None else struct.pack("<I", stars * 256 // 6 + 21)
+    database = sqlite3.connect(profile / "index.sqlite")
+    [(count,)] = database.execute("SELECT count(*) FROM records WHERE ?1 IS NULL OR substr(data, 33, 4) = ?1", (rating,))
+    database.close()
+    return count
+
+
 def edit_tags(profile, tracks, edition):
     """As if another program had edited every file: the library says the new tags, and the statistics have yet to follow."""
     database = sqlite3.connect(profile / "library.sqlite")

@@ -17,18 +17,19 @@ double seconds_of(Work&& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Processor time of this thread, or of all of them with another clock, for work that never waits: other programs on the
-/// machine do not count.
+/// What this thread has had of the processor, or all of them with another clock.
+inline double processor_seconds(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+/// For work that never waits: other programs on the machine do not count.
 template <typename Work>
 double processor_seconds_of(Work&& work, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
-    const auto now = [clock] {
-        timespec time{};
-        clock_gettime(clock, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-    };
-    const double start = now();
+    const double start = processor_seconds(clock);
     work();
-    return now() - start;
+    return processor_seconds(clock) - start;
 }
 
 /// Which of the times of all rounds stands for them.

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "bench/bench_player.h"
+#include "ostrevan/library.h"
 #include "player/library/track.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/record.h"
@@ -101,6 +102,16 @@ quorvel::t_playback_stats random_record(std::mt19937_64& random) {
             .last_played = added + random() % 10'000 * hour,
             .added = added,
             .rating = quorvel::rating_of_stars(static_cast<std::uint32_t>(random() % 6))};
+}
+
+const ostrevan::metadb_handle_list& new_tracks() {
+    static const ostrevan::metadb_handle_list made(make_tracks(million, 3));
+    return made;
+}
+
+void add_to_library(bench_player& player) {
+    player.services.for_each<ostrevan::library_callback>(
+        [](ostrevan::library_callback& callback) { callback.on_items_added(new_tracks()); });
 }
 
 const million_records& records_of_a_million() {

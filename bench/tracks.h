@@ -11,6 +11,8 @@
 
 namespace bench {
 
+class bench_player;
+
 constexpr std::size_t million = 1'000'000;
 
 /// Handles of the player with the tags of a usual library: albums of twelve, some with characters beyond ASCII. Other tracks
@@ -25,6 +27,12 @@ std::uint64_t random_time(std::uint64_t random) noexcept;
 
 /// A track that has been played, with every field set.
 quorvel::t_playback_stats random_record(std::mt19937_64& random);
+
+/// A million of them that no index has a record of, made once.
+const ostrevan::metadb_handle_list& new_tracks();
+
+/// The player's word to the component that those have come into the library. [main-thread]
+void add_to_library(bench_player& player);
 
 /// The profile of a player whose index holds a million records, those of a library of a tenth of that among them.
 struct million_records {
