@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "nuv/text.h"
-#include "ostrevan/core_api.h"
 #include "ostrevan/registration.h"
 #include "ostrevan/text_helpers.h"
+#include "quorvel/platform/module_path.h"
 
 namespace quorvel {
 namespace {
@@ -25,7 +25,8 @@ public:
 
     bool test_installation() override {
         const std::string_view expected = file_name();
-        const std::string_view actual = nuv::file_name_of(ostrevan::core_api::library_path());
+        const std::string path = module_path();
+        const std::string_view actual = nuv::file_name_of(path);
         if (actual == expected) return true;
 
         std::string line = "Component rename detected: ";

@@ -5,13 +5,11 @@
 #include <new>
 #include <string>
 
-#include "quorvel/common/system_error.h"
 #include "quorvel/platform/clipboard.h"
+#include "quorvel/platform/system_error_win32.h"
 
 namespace quorvel::clipboard {
 namespace {
-
-[[noreturn]] void throw_last_error() { throw exception_system_error(static_cast<int>(GetLastError())); }
 
 /// The number of a format, registered on first use and kept until the process ends.
 UINT format_number(const char* format) {

@@ -33,7 +33,8 @@ public:
 
     /// The user's zone. UTC when it cannot be read.
     static const time_zone& local();
-    /// A zone by its name in the zone database, such as "America/Los_Angeles"; null when there is none.
+    /// A zone by its name in the system's database ("America/Los_Angeles", on Windows "Pacific Standard Time"); null when
+    /// there is none.
     static std::unique_ptr<const time_zone> load(const std::string& name);
 };
 

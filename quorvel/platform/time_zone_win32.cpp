@@ -1,18 +1,26 @@
+#include "quorvel/platform/time_zone.h"
+
 #include <windows.h>
 
-#include "quorvel/platform/time_zone.h"
+#include "quorvel/platform/utf16_win32.h"
 
 namespace quorvel {
 namespace {
 
-/// The zone that is set in Windows, with the rules of the year in question; a change of the setting takes effect at once.
+/// A zone of the system's, with its rules of the year in question.
 class system_zone final : public time_zone {
 public:
+    /// The zone that is set in Windows; a change of the setting takes effect at once.
+    system_zone() = default;
+    explicit system_zone(const DYNAMIC_TIME_ZONE_INFORMATION& zone) noexcept : named_(zone) {}
+
     std::optional<civil_time> to_local(std::uint64_t time) const noexcept override {
+        if (time >> 63 != 0) return std::nullopt;
         const FILETIME stamp{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
         SYSTEMTIME utc;
         SYSTEMTIME local;
-        if (!FileTimeToSystemTime(&stamp, &utc) || !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
+        if (!FileTimeToSystemTime(&stamp, &utc) ||
+            !SystemTimeToTzSpecificLocalTime(rules(named_, utc.wYear).chosen, &utc, &local))
             return std::nullopt;
         return civil_time{local.wYear,   local.wMonth,  local.wDay,         local.wHour,
                           local.wMinute, local.wSecond, local.wMilliseconds};
@@ -24,10 +32,25 @@ public:
                                word(time.hour), word(time.minute), word(time.second), word(time.millisecond)};
         SYSTEMTIME utc;
         FILETIME stamp;
-        if (!TzSpecificLocalTimeToSystemTime(nullptr, &local, &utc) || !SystemTimeToFileTime(&utc, &stamp))
+        if (!TzSpecificLocalTimeToSystemTime(rules(named_, local.wYear).chosen, &local, &utc) ||
+            !SystemTimeToFileTime(&utc, &stamp))
             return std::nullopt;
         return static_cast<std::uint64_t>(stamp.dwHighDateTime) << 32 | stamp.dwLowDateTime;
     }
+
+private:
+    /// The rules of a named zone for a year; null stands for the zone that is set, whose rules the calls find themselves.
+    struct rules {
+        rules(const std::optional<DYNAMIC_TIME_ZONE_INFORMATION>& zone, WORD year) noexcept {
+            if (!zone) return;
+            auto changeable = *zone;
+            if (GetTimeZoneInformationForYear(year, &changeable, &of_year)) chosen = &of_year;
+        }
+        TIME_ZONE_INFORMATION of_year{};
+        const TIME_ZONE_INFORMATION* chosen = nullptr;
+    };
+
+    std::optional<DYNAMIC_TIME_ZONE_INFORMATION> named_;
 };
 
 }  // namespace
@@ -37,7 +60,12 @@ const time_zone& time_zone::local() {
     return zone;
 }
 
-/// Windows names its zones in its own way.
-std::unique_ptr<const time_zone> time_zone::load(const std::string& /*name*/) { return nullptr; }
+std::unique_ptr<const time_zone> time_zone::load(const std::string& name) {
+    const std::wstring wanted = to_utf16(name);
+    DYNAMIC_TIME_ZONE_INFORMATION zone;
+    for (DWORD i = 0; EnumDynamicTimeZoneInformation(i, &zone) == ERROR_SUCCESS; ++i)
+        if (wanted == zone.TimeZoneKeyName) return std::make_unique<system_zone>(zone);
+    return nullptr;
+}
 
 }  // namespace quorvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -75,27 +76,33 @@ public:
     void on_event(const char* line) override { lines.emplace_back(line); }
 };
 
+/// What "Copy statistics" reaches: memory where the player keeps the clipboard, and the system's own clipboard on Windows.
 class memory_clipboard : public ostrevan::clipboard_service {
 public:
-    bool fail = false;
-    std::string format;
-    std::vector<std::uint8_t> bytes;
+    memory_clipboard();
+    ~memory_clipboard();
 
-    bool has_format(const char* wanted) const override { return format == wanted; }
-    bool get(const char* wanted, std::vector<std::uint8_t>& out) const override {
-        if (fail || format != wanted) return false;
-        out = bytes;
-        return true;
-    }
-    void set(const char* new_format, std::span<const std::uint8_t> new_bytes) override {
-        if (fail) throw std::runtime_error("clipboard cannot be written");
-        format = new_format;
-        bytes.assign(new_bytes.begin(), new_bytes.end());
-    }
+    /// The block in a format; empty when there is none.
+    [[nodiscard]] std::vector<std::uint8_t> bytes(const char* wanted) const;
+    /// While it is blocked nothing can be written or read.
+    void block(bool blocked);
+
+    bool has_format(const char* wanted) const override;
+    bool get(const char* wanted, std::vector<std::uint8_t>& out) const override;
+    void set(const char* new_format, std::span<const std::uint8_t> new_bytes) override;
+
+private:
+    struct state;
+    std::unique_ptr<state> state_;
 };
 
+/// On Windows the linked component's call of the system is counted instead.
 class counted_beeps : public ostrevan::beep_service {
 public:
+    counted_beeps() noexcept { current = this; }
+    ~counted_beeps() { current = nullptr; }
+
+    static inline counted_beeps* current = nullptr;
     std::size_t count = 0;
     void beep() override { ++count; }
 };

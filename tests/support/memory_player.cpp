@@ -8,8 +8,6 @@
 #include "ostrevan/startup.h"
 #include "tests/support/text_doubles.h"
 
-extern "C" ostrevan::component_interface* ostrevan_get_interface(const ostrevan::player_interface* player);
-
 namespace support {
 namespace {
 
@@ -24,7 +22,7 @@ std::vector<ostrevan::initialisation_stage*> stages_in_order(const memory_player
 
 }  // namespace
 
-memory_player::memory_player()
+memory_player::memory_player(ostrevan::get_interface_function entry, const char* library_path)
     : services_{{index.class_guid, &index},
                 {main_queue.class_guid, &main_queue},
                 {threads.class_guid, &threads},
@@ -51,10 +49,11 @@ memory_player::memory_player()
                 {ostrevan::hash_service::class_guid, &md5_hash()},
                 {ostrevan::text_helper_service::class_guid, &text_helper()}} {
     const ostrevan::player_interface block{ostrevan::player_magic, ostrevan::interface_version, this};
-    const auto* answer = ostrevan_get_interface(&block);
+    const auto* answer = entry(&block);
     if (answer == nullptr) throw std::runtime_error("the component refused the player");
     component_ = answer->api;
-    component_->set_library_path("/usr/lib/ostrevan/components/quorvel.dll");
+    component_->set_library_path(library_path);
+    ostrevan::core_api::set_player(this);  // a library has a core of its own
 }
 
 memory_player::~memory_player() {

@@ -22,6 +22,8 @@ namespace support {
 class memory_player final : public ostrevan::player_api {
 public:
     memory_player();
+    /// With the component behind this entry, in a library that stays loaded as long as the player lives.
+    memory_player(ostrevan::get_interface_function entry, const char* library_path);
     /// Runs the shutdown notifications when the player was started.
     ~memory_player();
 
@@ -52,7 +54,7 @@ public:
     std::atomic<bool> shutting_down = false;
     bool quiet = false;
     std::string profile = "/profile";
-    int window = 0;  ///< its address stands for the main window
+    void* window = this;  ///< the main window; a stand-in where nothing is drawn
 
     ostrevan::component_api& component() noexcept { return *component_; }
     /// The component's service of a class; ends the test when there is none.
@@ -81,7 +83,7 @@ public:
     bool is_shutting_down() const noexcept override { return shutting_down; }
     bool is_quiet_mode() const noexcept override { return quiet; }
     const char* profile_path() const noexcept override { return profile.c_str(); }
-    void* main_window() const noexcept override { return const_cast<int*>(&window); }
+    void* main_window() const noexcept override { return window; }
     [[noreturn]] void bug_check(const char* text) noexcept override;
 
 private:

@@ -68,6 +68,7 @@ TEST_F(registration, checkbox_is_the_stored_setting) {
     EXPECT_EQ(boxes, 1U);
 }
 
+#ifdef __unix__  // elsewhere the system is asked, and the library itself is renamed
 TEST_F(registration, notices_that_its_library_was_renamed) {
     auto& version = player.component_service<ostrevan::component_version>();
     const std::pair<const char*, std::vector<std::string>> rows[] = {
@@ -83,5 +84,6 @@ TEST_F(registration, notices_that_its_library_was_renamed) {
         EXPECT_EQ(player.crash_log.lines, lines);
     }
 }
+#endif
 
 }  // namespace

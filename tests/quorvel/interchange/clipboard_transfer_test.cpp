@@ -63,8 +63,7 @@ protected:
 TEST_F(clipboard_transfer, copies_a_count_and_36_bytes_a_track) {
     put(from[0], {.play_count = 0x0102030405060708, .first_played = 2, .last_played = 3, .added = 4, .rating = 0xA1B2C3D4});
     quorvel::copyStatistics(from);
-    const auto& block = player.clipboard.bytes;
-    EXPECT_EQ(player.clipboard.format, "{9B7A2C92-BC1E-4a96-BB97-B19884AB2141}");
+    const auto block = player.clipboard.bytes("{9B7A2C92-BC1E-4a96-BB97-B19884AB2141}");
     ASSERT_EQ(block.size(), 112U);
     const std::vector<std::uint8_t> first = {3, 0, 0, 0, 8, 7, 6, 5, 4, 3, 2, 1, 2, 0, 0, 0, 0,    0,    0,    0,
                                              3, 0, 0, 0, 0, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0xD4, 0xC3, 0xB2, 0xA1};
@@ -76,8 +75,9 @@ TEST_F(clipboard_transfer, copies_a_count_and_36_bytes_a_track) {
 
 TEST_F(clipboard_transfer, refuses_what_cannot_be_copied) {
     EXPECT_THROW(quorvel::copyStatistics(empty_selection(0x100000000)), nuv::exception_overflow);
-    player.clipboard.fail = true;
+    player.clipboard.block(true);
     EXPECT_ANY_THROW(quorvel::copyStatistics(from));
+    player.clipboard.block(false);
     EXPECT_DEATH(std::thread([&] { quorvel::copyStatistics(from); }).join(), "^core_api::ensure_main_thread");
     EXPECT_DEATH(std::thread([&] { (void)quorvel::pasteStatistics(from); }).join(), "^core_api::ensure_main_thread");
 }
@@ -152,11 +152,12 @@ TEST_F(clipboard_transfer, says_that_the_numbers_of_tracks_differ) {
 TEST_F(clipboard_transfer, writes_nothing_from_a_block_that_is_not_there_or_ends_early) {
     EXPECT_FALSE(quorvel::pasteStatistics(to));
     set_block(3);
-    for (std::size_t size = 4 + 3 * 36; size-- > 0;) {
-        player.clipboard.bytes.resize(size);
+    const auto block = player.clipboard.bytes(quorvel::clipboard_format);
+    for (std::size_t size = 4 + 3 * 36; size-- > 1;) {
+        player.clipboard.set(quorvel::clipboard_format, std::span(block).first(size));
         EXPECT_THROW(quorvel::pasteStatistics(to), ostrevan_io::exception_io_data_truncation) << size;
     }
-    player.clipboard.fail = true;
+    player.clipboard.block(true);
     EXPECT_FALSE(quorvel::pasteStatistics(to));
     EXPECT_TRUE(player.popups.questions().empty());
     EXPECT_EQ(player.index.direct_writes + player.index.begun, 0U);

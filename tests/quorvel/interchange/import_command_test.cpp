@@ -16,7 +16,7 @@ TEST_F(import_command, asks_for_a_file_and_then_for_fields) {
     EXPECT_FALSE(player.dialogs.is_open());
     ASSERT_EQ(player.file_dialog.queries.size(), 1U);
     const auto& query = player.file_dialog.queries[0];
-    EXPECT_EQ(query.parent, &player.window);
+    EXPECT_EQ(query.parent, player.main_window());
     EXPECT_STREQ(query.filter, "XML files|*.xml");
     EXPECT_STREQ(query.default_extension, "xml");
     EXPECT_STREQ(query.title, "Import Playback Statistics");

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <concepts>
+#include <filesystem>
 #include <map>
 
 #include "quorvel/store/key.h"
@@ -12,7 +13,8 @@ using namespace quorvel;
 
 namespace {
 
-constexpr const char* path = "/profile/PlaybackStatistics.dat";
+const std::string path =
+    std::string("/profile") + static_cast<char>(std::filesystem::path::preferred_separator) + "PlaybackStatistics.dat";
 constexpr const char* version_1 = "{22A7D447-DA5C-42F5-9E1A-5DD9DE85A812}";
 constexpr const char* version_2 = "{F67999FE-CA4D-4384-9BE8-43C1A39F1D3A}";
 

@@ -11,8 +11,9 @@ namespace {
 
 /// Two hours ahead of UTC, all year round.
 const quorvel::time_zone& zone() {
-    static const auto two_hours_east = quorvel::time_zone::load("<+02>-2");
-    return *two_hours_east;
+    static const auto rule = quorvel::time_zone::load("<+02>-2");
+    static const auto zone_of_windows = quorvel::time_zone::load("South Africa Standard Time");
+    return rule ? *rule : *zone_of_windows;
 }
 
 /// 2024-03-05 07:08:09 there.
