@@ -2,7 +2,6 @@
 
 #include <array>
 #include <atomic>
-#include <utility>
 #include <vector>
 
 #include "ostrevan/core_api.h"
@@ -16,7 +15,7 @@ using ostrevan::index_client_ptr;
 
 template <typename Mapping>
 index_client_ptr create_mapping() {
-    return ostrevan::service_new<Mapping>(ostrevan::get_service<ostrevan::hash_service>());
+    return ostrevan::service_new<Mapping>(*ostrevan::get_service<ostrevan::hash_service>());
 }
 
 struct mapping_row {
@@ -36,20 +35,17 @@ constexpr auto ids_of_table = [] {
 
 constinit std::atomic<index_client*> active{nullptr};
 
-/// Other threads may be inside a key function when it stops being the active one, so none is ever released.
-std::vector<index_client_ptr>& key_functions() {
-    static auto* const kept = new std::vector<index_client_ptr>;
-    return *kept;
-}
+/// Other threads may be inside a key function when it stops being the active one, so all are kept until the module goes.
+std::vector<index_client_ptr> key_functions;
 
-/// What a thread hashed last. The references keep both objects from being replaced by others at the same address.
+/// What a thread hashed last. Plain numbers: an object with a destructor would keep the module from being unloaded as long
+/// as the thread lives.
 struct remembered_key {
-    index_client* mapping = nullptr;
-    ostrevan::metadb_handle_ptr track;
-    ostrevan::metadb_info_ptr snapshot;
-    std::uint64_t key = 0;
+    const index_client* mapping;
+    std::uint64_t snapshot;
+    std::uint64_t key;
 };
-thread_local remembered_key last_key;
+constinit thread_local remembered_key last_key{};
 
 }  // namespace
 
@@ -64,14 +60,12 @@ index_client_ptr FindMapping(const nuv::guid& mapping) {
 std::optional<std::uint64_t> KeyOf(ostrevan::metadb_handle& track) {
     auto* const mapping = active.load(std::memory_order_acquire);
     if (mapping == nullptr) return std::nullopt;
-    auto snapshot = track.info();
+    const auto snapshot = track.info();
     if (!snapshot) return std::nullopt;
 
     auto& last = last_key;
-    if (last.snapshot != snapshot || last.track.get() != &track || last.mapping != mapping) {
-        const std::uint64_t key = mapping->key_of(snapshot->info(), track.location());
-        last = {mapping, &track, std::move(snapshot), key};
-    }
+    if (last.snapshot != snapshot->serial() || last.mapping != mapping)
+        last = {mapping, snapshot->serial(), mapping->key_of(snapshot->info(), track.location())};
     return last.key;
 }
 
@@ -90,16 +84,12 @@ namespace active_mapping {
 
 index_client_ptr start() {
     auto mapping = FindMapping(active_mapping_guid);
-    key_functions().push_back(mapping);
+    key_functions.push_back(mapping);
     active.store(mapping.get(), std::memory_order_release);
     return mapping;
 }
 
-void stop() noexcept {
-    active.store(nullptr, std::memory_order_release);
-    // The references of this thread must not outlive the player; those of other threads go with the threads.
-    last_key = {};
-}
+void stop() noexcept { active.store(nullptr, std::memory_order_release); }
 
 }  // namespace active_mapping
 

@@ -51,7 +51,7 @@ std::uint32_t frames(double seconds) noexcept {
 }  // namespace
 
 std::uint64_t tag_mapping::key_of(const file_info& info, const ostrevan::playable_location& location) {
-    unit_digest digest(*hash_);
+    unit_digest digest(hash_);
     const bool has_artist = feed_artist(digest, info);
     digest.feed(unit_digest::separator);
     const bool has_album = feed_field(digest, info, "album");

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 #include "ostrevan/hash_service.h"
 #include "ostrevan/index.h"
@@ -18,13 +17,14 @@ public:
     [[nodiscard]] std::uint64_t key_of(const ostrevan::file_info& info, const ostrevan::playable_location& location) final;
 
 protected:
-    explicit tag_mapping(ostrevan::service_ptr_t<ostrevan::hash_service> hash) noexcept : hash_(std::move(hash)) {}
+    explicit tag_mapping(ostrevan::hash_service& hash) noexcept : hash_(hash) {}
 
     /// Feeds the numbers of a track that has an album; true when they stand in place of its title.
     virtual bool feed_track_part(unit_digest& digest, const ostrevan::file_info& info) const = 0;
 
 private:
-    ostrevan::service_ptr_t<ostrevan::hash_service> hash_;
+    /// A service of the player, which lives until the process ends: no reference is held, so that none is released late.
+    ostrevan::hash_service& hash_;
 };
 
 /// The active rule: numbers and title.

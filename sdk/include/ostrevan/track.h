@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,16 +20,25 @@ struct playable_location {
     auto operator<=>(const playable_location&) const = default;
 };
 
-/// What was known of a track at one moment. It never changes; an edit publishes a new snapshot.
+/// What was known of one track at one moment. It never changes; an edit publishes a new snapshot. The player makes them.
 class metadb_info : public service_base {
 public:
     [[nodiscard]] const file_info& info() const noexcept { return info_; }
+    /// Never 0, and of no other snapshot of this process: what was computed from a snapshot can be remembered by it without
+    /// holding a reference.
+    [[nodiscard]] std::uint64_t serial() const noexcept { return serial_; }
 
 protected:
     explicit metadb_info(file_info info) noexcept : info_(std::move(info)) {}
 
 private:
+    static std::uint64_t next_serial() noexcept {
+        static constinit std::atomic<std::uint64_t> last{0};
+        return last.fetch_add(1, std::memory_order_relaxed) + 1;
+    }
+
     const file_info info_;
+    const std::uint64_t serial_ = next_serial();
 };
 using metadb_info_ptr = service_ptr_t<metadb_info>;
 
