@@ -3,6 +3,7 @@
 #   run    what the built player needs and the sample music is made with
 #   build  that and what compiles it
 #   test   that and what the tests and the lint use (the default)
+#   windows  what builds the component for Windows and runs its tests here
 set -euo pipefail
 
 # One need a word; alternatives, the preferred one first, stand between bars where distributions differ.
@@ -11,18 +12,20 @@ build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcl
     "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev clang libclang-rt-dev clang-format
     clang-tidy shellcheck sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace)
+windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
 
 needs=("${run_packages[@]}")
 case "${1:-test}" in
     run) ;;
     build) needs+=("${build_packages[@]}") ;;
     test) needs+=("${build_packages[@]}" "${test_packages[@]}") ;;
+    windows) needs=("${build_packages[@]}" "${windows_packages[@]}") ;;
     -h | --help)
-        sed -n '2,5s/^# \{0,1\}//p' "$0"
+        sed -n '2,6s/^# \{0,1\}//p' "$0"
         exit 0
         ;;
     *)
-        echo "install-packages: unknown set '$1'; use run, build or test" >&2
+        echo "install-packages: unknown set '$1'; use run, build, test or windows" >&2
         exit 2
         ;;
 esac
