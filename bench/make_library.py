@@ -115,7 +115,7 @@ def count_records(profile, stars=None):
 
 
 def edit_tags(profile, tracks, edition):
-    """As if another program had edited every file: the library says the new tags, and the statistics have yet to follow."""
+    """As if another program had edited every file: the library has the new tags, and the statistics have yet to follow."""
     database = sqlite3.connect(profile / "library.sqlite")
     with database:
         database.execute("INSERT INTO edits SELECT path, subsong, info FROM tracks JOIN files ON id = file")
