@@ -18,7 +18,10 @@ public:
     std::size_t pokes = 0;
 
     bool can_create_new() const noexcept override { return open_.empty(); }
-    void poke_existing() override { ++pokes; }
+    void poke_existing() override {
+        ++pokes;
+        if (!open_.empty()) open_.back()->bring_forward();
+    }
     void add(ostrevan::registered_dialog& dialog) override { open_.push_back(&dialog); }
     void forget(ostrevan::registered_dialog& dialog) noexcept override { std::erase(open_, &dialog); }
 

@@ -73,6 +73,9 @@ public:
 class registered_dialog {
 public:
     virtual void bring_forward() = 0;
+    /// The window in the system's terms (an `HWND`), null where there is none. On Windows the player's message loop offers
+    /// each message to the dialogs that have one, with `IsDialogMessageW`, for otherwise no key works in them.
+    [[nodiscard]] virtual void* native() const noexcept { return nullptr; }
 
 protected:
     ~registered_dialog() = default;
