@@ -25,6 +25,9 @@ mkdir -p "$WINEPREFIX"
     flock 9
     if [[ ! -e $WINEPREFIX/.made ]]; then
         wineboot --init 9>&- >"$WINEPREFIX/made.log" 2>&1
+        # Windows need no screen, and the system's resolution is not the one that programs unaware of it are shown: tests see both.
+        wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f 9>&- >>"$WINEPREFIX/made.log" 2>&1
+        wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d 192 /f 9>&- >>"$WINEPREFIX/made.log" 2>&1
         wineserver --wait
         touch "$WINEPREFIX/.made"
     fi

@@ -1,6 +1,17 @@
-#include <windows.h>
+#include "quorvel/platform/module_win32.h"
 
 #include "quorvel/platform/native_dialog_win32.h"
+
+namespace quorvel {
+
+HINSTANCE this_module() noexcept {
+    constexpr DWORD by_address = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE module = nullptr;
+    GetModuleHandleExW(by_address, reinterpret_cast<LPCWSTR>(&this_module), &module);
+    return module;
+}
+
+}  // namespace quorvel
 
 /// A player may unload the module without having ended. A window left then would call code that is gone; when the whole
 /// process ends, the player is gone already and nothing may be touched.

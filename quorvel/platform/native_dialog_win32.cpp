@@ -11,6 +11,7 @@
 #include "quorvel/common/questions.h"
 #include "quorvel/platform/dialog_arrangement_win32.h"
 #include "quorvel/platform/dialog_template_win32.h"
+#include "quorvel/platform/module_win32.h"
 #include "quorvel/platform/separator_win32.h"
 #include "quorvel/platform/system_error_win32.h"
 
@@ -23,14 +24,6 @@ using ostrevan::dialog_control_kind;
 std::vector<native_dialog*>& open_dialogs() {
     static std::vector<native_dialog*> dialogs;
     return dialogs;
-}
-
-/// The module that this code is in, which need not be the program.
-HINSTANCE this_module() noexcept {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&this_module), &module);
-    return module;
 }
 
 }  // namespace
