@@ -34,9 +34,10 @@ for dpi in 96 192; do
         coproc shown { timeout 60 scripts/run-in-wine.sh explorer "/desktop=at$dpi,1280x1024" \
             build/windows/bin/show_dialog.exe "$dialog" 2>/dev/null; }
         program=$!
+        input=${shown[1]}
         read -r -t 60 place <&"${shown[0]}"
         import -window root -crop "${place%$'\r'}" +repage "$folder/$dialog-$dpi.png"
-        exec {shown[1]}>&-
+        exec {input}>&-
         wait "$program"
         echo "$folder/$dialog-$dpi.png"
     done
