@@ -18,7 +18,7 @@ exec {display}< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>
 xvfb=$!
 cleanup() {
     kill "$xvfb"
-    WINEDEBUG=-all wineserver -k || true
+    scripts/run-in-wine.sh --stop
 }
 trap cleanup EXIT
 read -r -t 30 -u "$display" number

@@ -68,6 +68,7 @@ void native_dialog::create() {
 }
 
 void native_dialog::fill_in() {
+    centre_on_owner(window_);  // on the screen at whose resolution it is measured
     arrange_dialog(window_, layout());
     if (registry_) registry_->add(*this);
     rules_are_running_ = true;
