@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <optional>
+#include <memory>
 
 #include "ostrevan/main_menu.h"
 #include "tests/module/loaded_component.h"
@@ -20,19 +20,20 @@ TEST(module, takes_its_open_dialog_along) {
                                      nullptr, nullptr);
     ASSERT_NE(owner, nullptr);
     for (const bool shuts_down : {true, false, true, false}) {
-        std::optional<module_test::loaded_library> library(QUORVEL_MODULE);
-        support::memory_player player(library->entry(), QUORVEL_MODULE);
-        player.withdraw(player.dialogs.class_guid);
-        player.window = owner;
-        if (shuts_down) player.start();
-        player.component_service<ostrevan::main_menu_commands>().execute(3);
+        auto library = std::make_unique<module_test::loaded_library>(QUORVEL_MODULE);
+        auto player = std::make_unique<support::memory_player>(library->entry(), QUORVEL_MODULE);
+        player->withdraw(player->dialogs.class_guid);
+        player->window = owner;
+        if (shuts_down) player->start();
+        player->component_service<ostrevan::main_menu_commands>().execute(3);
         ASSERT_NE(dialog_of(owner), nullptr);
         EXPECT_EQ(reinterpret_cast<HMODULE>(GetWindowLongPtrW(dialog_of(owner), GWLP_HINSTANCE)),
                   GetModuleHandleW(L"quorvel.dll"));
-        if (shuts_down) player.shut_down();
+        if (shuts_down) player->shut_down();
         else library.reset();
         EXPECT_EQ(dialog_of(owner), nullptr);
-        EXPECT_TRUE(player.open_dialogs.can_create_new());
+        EXPECT_TRUE(player->open_dialogs.can_create_new());
+        player.reset();  // what it holds is made of the library's code
         library.reset();
         EXPECT_EQ(GetModuleHandleW(L"quorvel.dll"), nullptr);
     }
