@@ -133,7 +133,9 @@ TEST_F(export_dialog, says_when_it_cannot_be_drawn) {
     player.dialogs.fail = true;
     EXPECT_ANY_THROW(open_export_dialog());
     player.withdraw(player.dialogs.class_guid);
-    EXPECT_THROW(open_export_dialog(tracks), ostrevan::exception_service_not_found);
+    // The service is not there, or the system has no such main window.
+    EXPECT_THROW(open_export_dialog(tracks), std::exception);
+    EXPECT_TRUE(ostrevan::ModalDialog_CanCreateNew());
 }
 
 }  // namespace

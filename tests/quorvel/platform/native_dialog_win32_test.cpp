@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "quorvel/platform/dialog.h"
+#include "quorvel/platform/system_error_win32.h"
 #include "tests/quorvel/platform/native_dialogs_win32.h"
 
 namespace {
@@ -143,6 +144,7 @@ TEST_F(native_dialogs, survive_their_rules) {
     });
     click(ostrevan::dialog_ok);
     EXPECT_EQ(presses, 1);
+    EXPECT_THROW(open({}), quorvel::exception_system_error) << "without its owner";
     EXPECT_EQ(alive, 0);
     EXPECT_TRUE(ostrevan::ModalDialog_CanCreateNew());
 }
