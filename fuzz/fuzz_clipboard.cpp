@@ -25,17 +25,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     auto& player = started_player();
     static const auto tracks = support::make_tracks(3);
     player.popups.messages.clear();
-    player.clipboard.format = quorvel::clipboard_format;
-    player.clipboard.bytes.assign(data, data + size);
+    player.clipboard.set(quorvel::clipboard_format, {data, size});
     try {
         const bool asked = quorvel::pasteStatistics(tracks);
         fuzz::check(asked == !player.popups.questions().empty(), "the answer tells whether the user is asked");
         if (!asked) return 0;
         fuzz::check(size >= 4 + 3 * 36, "only whole records are pasted");
         player.popups.answer(ostrevan::popup_message_v3::answer_ok);
-        player.clipboard.bytes.clear();
+        player.clipboard.set("text", {});
         quorvel::copyStatistics(tracks);
-        fuzz::check(std::equal(player.clipboard.bytes.begin(), player.clipboard.bytes.end(), data),
+        const auto block = player.clipboard.bytes(quorvel::clipboard_format);
+        fuzz::check(block.size() <= size && std::equal(block.begin(), block.end(), data) && !block.empty(),
                     "what was pasted is what is copied");
     } catch (const ostrevan_io::exception_io_data_truncation&) {
     }
