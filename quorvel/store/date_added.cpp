@@ -1,8 +1,6 @@
 #include "quorvel/store/date_added.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -22,36 +20,23 @@ std::vector<std::uint64_t> keys_without_date(const ostrevan::metadb_handle_list&
     return keys;
 }
 
-/// While a transaction is open a play has to wait, and the main thread with it: a large library takes several. They need not
-/// be one, since a track that is stamped stays as it is, and one that is left out is stamped at the next start.
-constexpr std::size_t keys_of_transaction = 16'384;
-
-/// One transaction. Adds the keys that were without a date to `stamped`.
-void stamp(std::span<const std::uint64_t> keys, std::uint64_t now, std::vector<std::uint64_t>& stamped) {
-    index_writer writer;
-    writer.begin();
-    for (const std::uint64_t key : keys) {
-        auto record = writer.read(key);
-        if (record.added != 0) continue;
-        record.added = now;
-        writer.write(key, record);
-        stamped.push_back(key);
-    }
-    writer.commit();
-}
-
 }  // namespace
 
 void stamp_dates_added(const ostrevan::metadb_handle_list& tracks, std::uint64_t now) {
     if (opened_index() == nullptr) return;
-    const auto keys = keys_without_date(tracks);
-    std::vector<std::uint64_t> stamped;
-    for (std::span<const std::uint64_t> left = keys; !left.empty();) {
-        const auto portion = left.first(std::min(keys_of_transaction, left.size()));
-        stamp(portion, now, stamped);
-        left = left.subspan(portion.size());
-    }
-    refresh_keys(std::move(stamped));
+    auto keys = keys_without_date(tracks);
+    if (keys.empty()) return;
+
+    index_writer writer;
+    writer.begin();
+    std::erase_if(keys, [&](std::uint64_t key) {
+        auto record = writer.read(key);
+        if (std::exchange(record.added, record.added == 0 ? now : record.added) != 0) return true;
+        writer.write(key, record);
+        return false;
+    });
+    writer.commit();
+    refresh_keys(std::move(keys));
 }
 
 }  // namespace quorvel

@@ -204,16 +204,6 @@ TEST_F(pcdb, stamps_the_date_added_once) {
     EXPECT_TRUE(player.index.refreshes.empty());
 }
 
-TEST_F(pcdb, stamps_a_large_library_in_several_transactions_and_refreshes_once) {
-    const auto tracks = support::make_tracks(17'000);
-    forget_traffic();
-    PCDB::OnAdded(tracks);
-    player.settle();
-    EXPECT_EQ(player.index.begun, 2U);
-    ASSERT_EQ(player.index.refreshes.size(), 1U);
-    for (const auto& each : tracks) ASSERT_NE(PCDB::Get(*each).added, 0U);
-}
-
 TEST_F(pcdb, loses_no_play_while_a_library_is_stamped) {
     constexpr std::size_t count = 3000;
     const auto tracks = support::make_tracks(count);
