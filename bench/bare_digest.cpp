@@ -57,7 +57,7 @@ std::vector<std::string> key_bytes_of(const std::vector<ostrevan::metadb_handle_
     std::vector<std::string> all;
     std::string bytes;
     ostrevan::service_uncounted_t<byte_recorder> recorder(bytes);
-    ostrevan::service_uncounted_t<quorvel::TitleMapping> mapping(&recorder);
+    ostrevan::service_uncounted_t<quorvel::TitleMapping> mapping(recorder);
     for (const auto& track : tracks) {
         static_cast<void>(mapping.key_of(track->info()->info(), track->location()));
         all.push_back(bytes);
