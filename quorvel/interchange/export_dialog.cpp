@@ -80,23 +80,24 @@ private:
     void export_as_chosen(dialog_window& window) const {
         const auto fields = checked_fields(window);
         if (fields == 0) return beep();
-        std::optional<std::string> path;
+        // Read before the question, during which the window may go.
+        const bool everything = !selection_ && window.is_checked(full_backup);
+        std::string path;
         try {
-            path = ask_for_destination(window);
-            if (!path) return;
-            exportToFile(path->c_str(), fields, chosen_tracks(window).get());
+            const auto answer = ask_for_destination(window);
+            if (!answer) return;
+            path = *answer;
+            exportToFile(path.c_str(), fields, everything ? nullptr : chosen_tracks().get());
         } catch (const ostrevan::exception_aborted& e) {
-            report(std::string(e.what()) + ". The file is incomplete: " + *path);
+            report(std::string(e.what()) + ". The file is incomplete: " + path);
         } catch (const std::exception& e) {
             report(e.what());
         }
         window.close();
     }
 
-    /// Empty for everything.
-    [[nodiscard]] shared_tracks chosen_tracks(const dialog_window& window) const {
+    [[nodiscard]] shared_tracks chosen_tracks() const {
         if (selection_) return selection_;
-        if (window.is_checked(full_backup)) return {};
         ostrevan::metadb_handle_list tracks;
         ostrevan::get_service<ostrevan::library_manager>()->get_all_items(tracks);
         return std::make_shared<const ostrevan::metadb_handle_list>(std::move(tracks));
@@ -105,21 +106,19 @@ private:
     shared_tracks selection_;
 };
 
-/// True when another dialog is open; it is brought forward.
-bool another_is_open() {
-    if (ostrevan::ModalDialog_CanCreateNew()) return false;
-    ostrevan::ModalDialog_PokeExisting();
-    return true;
+/// Of several dialogs the one that is open is brought forward.
+void open_unless_another_is(shared_tracks selection) {
+    if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
+    try {
+        open_dialog(ostrevan::service_new<export_dialog>(std::move(selection)));
+    } catch (const std::exception& e) {
+        report(e.what());
+    }
 }
 
 }  // namespace
 
-void open_export_dialog() {
-    if (!another_is_open()) open_dialog(ostrevan::service_new<export_dialog>(nullptr));
-}
-
-void open_export_dialog(ostrevan::metadb_handle_list_cref tracks) {
-    if (!another_is_open()) open_dialog(ostrevan::service_new<export_dialog>(share_tracks(tracks)));
-}
+void open_export_dialog() { open_unless_another_is({}); }
+void open_export_dialog(ostrevan::metadb_handle_list_cref tracks) { open_unless_another_is(share_tracks(tracks)); }
 
 }  // namespace quorvel::pcdb_export

@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-/// A zone of the system's, with its rules of the year in question.
+/// A zone of the system's, with the rules that its calls apply.
 class system_zone final : public time_zone {
 public:
     /// The zone that is set in Windows; a change of the setting takes effect at once.
@@ -19,9 +19,9 @@ public:
         const FILETIME stamp{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
         SYSTEMTIME utc;
         SYSTEMTIME local;
-        if (!FileTimeToSystemTime(&stamp, &utc) ||
-            !SystemTimeToTzSpecificLocalTime(rules(named_, utc.wYear).chosen, &utc, &local))
-            return std::nullopt;
+        if (!FileTimeToSystemTime(&stamp, &utc)) return std::nullopt;
+        const rules applied(named_, utc.wYear);
+        if (!applied.known || !SystemTimeToTzSpecificLocalTime(applied.chosen, &utc, &local)) return std::nullopt;
         return civil_time{local.wYear,   local.wMonth,  local.wDay,         local.wHour,
                           local.wMinute, local.wSecond, local.wMilliseconds};
     }
@@ -32,7 +32,8 @@ public:
                                word(time.hour), word(time.minute), word(time.second), word(time.millisecond)};
         SYSTEMTIME utc;
         FILETIME stamp;
-        if (!TzSpecificLocalTimeToSystemTime(rules(named_, local.wYear).chosen, &local, &utc) ||
+        const rules applied(named_, local.wYear);
+        if (!applied.known || !TzSpecificLocalTimeToSystemTime(applied.chosen, &local, &utc) ||
             !SystemTimeToFileTime(&utc, &stamp))
             return std::nullopt;
         return static_cast<std::uint64_t>(stamp.dwHighDateTime) << 32 | stamp.dwLowDateTime;
@@ -44,8 +45,10 @@ private:
         rules(const std::optional<DYNAMIC_TIME_ZONE_INFORMATION>& zone, WORD year) noexcept {
             if (!zone) return;
             auto changeable = *zone;
-            if (GetTimeZoneInformationForYear(year, &changeable, &of_year)) chosen = &of_year;
+            known = GetTimeZoneInformationForYear(year, &changeable, &of_year) != FALSE;
+            chosen = &of_year;
         }
+        bool known = true;
         TIME_ZONE_INFORMATION of_year{};
         const TIME_ZONE_INFORMATION* chosen = nullptr;
     };

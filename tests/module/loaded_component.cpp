@@ -21,6 +21,12 @@ std::pair<ostrevan::context_menu_item*, std::size_t> context_command(const std::
 
 }  // namespace
 
+ostrevan::get_interface_function loaded_library::entry() const {
+    return reinterpret_cast<ostrevan::get_interface_function>(address_of(ostrevan::entry_name));
+}
+
+int loaded_library::call(const char* name) const { return reinterpret_cast<int (*)()>(address_of(name))(); }
+
 bool tiny_player::run_main(const std::string& name) {
     bool found = false;
     ostrevan::for_each_service<ostrevan::main_menu_commands>([&](auto& group) {

@@ -17,8 +17,12 @@ public:
     loaded_library& operator=(const loaded_library&) = delete;
 
     [[nodiscard]] ostrevan::get_interface_function entry() const;
+    /// Calls a function `int name()` of the library.
+    int call(const char* name) const;
 
 private:
+    [[nodiscard]] void* address_of(const char* name) const;
+
     void* handle_;
 };
 

@@ -11,8 +11,6 @@ loaded_library::loaded_library(const std::string& path) : handle_(dlopen(path.c_
 }
 loaded_library::~loaded_library() { dlclose(handle_); }
 
-ostrevan::get_interface_function loaded_library::entry() const {
-    return reinterpret_cast<ostrevan::get_interface_function>(dlsym(handle_, ostrevan::entry_name));
-}
+void* loaded_library::address_of(const char* name) const { return dlsym(handle_, name); }
 
 }  // namespace module_test

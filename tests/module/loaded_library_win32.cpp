@@ -16,9 +16,8 @@ loaded_library::loaded_library(const std::string& path) {
 }
 loaded_library::~loaded_library() { FreeLibrary(static_cast<HMODULE>(handle_)); }
 
-ostrevan::get_interface_function loaded_library::entry() const {
-    auto* const address = GetProcAddress(static_cast<HMODULE>(handle_), ostrevan::entry_name);
-    return reinterpret_cast<ostrevan::get_interface_function>(reinterpret_cast<void*>(address));
+void* loaded_library::address_of(const char* name) const {
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(handle_), name));
 }
 
 }  // namespace module_test
