@@ -226,7 +226,9 @@ std::vector<track_edit> media_library::unfinished_edits() const {
         const auto known = files_.find(path);
         if (known == files_.end()) continue;
         const auto& tracks = known->second.tracks;
-        const auto track = std::ranges::find_if(tracks, [&](const track_ptr& each) { return is_same_track(each, before); });
+        // clang 14 lets a lambda capture a structured binding only under another name.
+        const auto track = std::ranges::find_if(
+            tracks, [&scanned = before](const track_ptr& each) { return is_same_track(each, scanned); });
         if (track == tracks.end()) continue;
         auto old = make_snapshot(decode_info(before.encoded));
         auto now = (*track)->info();
