@@ -11,6 +11,7 @@
 #include "player/core/filesystems.h"
 #include "player/core/hash_service_impl.h"
 #include "player/core/host.h"
+#include "player/core/lasting_service.h"
 #include "player/core/profile_lock.h"
 #include "player/core/text_helper_impl.h"
 #include "player/core/thread_services.h"
@@ -61,42 +62,42 @@ struct session::parts {
 
     main_loop loop{[this](const char* what) { report(what); }};
     service_registry services;
-    service_uncounted_t<crash_log_impl> crash_log{file("crash.log")};
-    service_uncounted_t<console_impl> console{[this](const std::string& line) { ui.print_line(line); }};
+    lasting_service<crash_log_impl> crash_log{file("crash.log")};
+    lasting_service<console_impl> console{[this](const std::string& line) { ui.print_line(line); }};
     host player{loop, services, crash_log, profile, quiet};
     const player_interface block = player.interface_block();
 
-    service_uncounted_t<md5_service> hash;  // before the index, which keeps key functions that use it
-    service_uncounted_t<text_helper_impl> text;
-    service_uncounted_t<configuration_file> configuration{file("configuration.json")};
+    lasting_service<md5_service> hash;  // before the index, which keeps key functions that use it
+    lasting_service<text_helper_impl> text;
+    lasting_service<configuration_file> configuration{file("configuration.json")};
     index_store records{file("index.sqlite"),
                         [this](const std::string& message) { loop.post([this, message] { report(message); }); }};
-    service_uncounted_t<index_service> index{records, index_service::redraw{}};
+    lasting_service<index_service> index{records, index_service::redraw{}};
 
     library_events events{loop, services, index};
     library::track_table tracks;
     library::media_library library{file("library.sqlite"), tracks, tags::read_file, events};
-    service_uncounted_t<library_manager_impl> library_service{library};
+    lasting_service<library_manager_impl> library_service{library};
 
     titleformat::component_fields fields;
-    service_uncounted_t<titleformat::titleformat_service_impl> titleformat{fields};
-    service_uncounted_t<main_thread_service_impl> main_thread{loop};
-    service_uncounted_t<thread_service_impl> threads{loop};
-    service_uncounted_t<local_filesystem> local_files;
-    service_uncounted_t<network_filesystem> network_files;
-    service_uncounted_t<message_service> messages{loop, ui};
-    service_uncounted_t<beep_service_impl> beep{ui};
-    service_uncounted_t<clipboard_file> clipboard;
-    service_uncounted_t<tag_updates> tag_update{loop, ui, [this](const auto& files) { publish_rewritten(files); }};
-    service_uncounted_t<info_reloads> reload{loop, ui, services, library, tracks};
-    service_uncounted_t<metadb_impl> handles{tracks};
-    service_uncounted_t<playlist_manager_impl> playlists{loop, library.playlists(), tracks};
-    service_uncounted_t<input_entry_impl> decoders;
-    service_uncounted_t<library_search_impl> search{loop, ui, services, library, fields};
-    service_uncounted_t<progress_service_impl> progress{loop, ui};
-    service_uncounted_t<dialog_registry_impl> open_dialogs;
-    service_uncounted_t<dialog_service_impl> dialogs{loop, ui, open_dialogs, player};
-    service_uncounted_t<file_dialog_service_impl> file_dialogs{loop, ui};
+    lasting_service<titleformat::titleformat_service_impl> titleformat{fields};
+    lasting_service<main_thread_service_impl> main_thread{loop};
+    lasting_service<thread_service_impl> threads{loop};
+    lasting_service<local_filesystem> local_files;
+    lasting_service<network_filesystem> network_files;
+    lasting_service<message_service> messages{loop, ui};
+    lasting_service<beep_service_impl> beep{ui};
+    lasting_service<clipboard_file> clipboard;
+    lasting_service<tag_updates> tag_update{loop, ui, [this](const auto& files) { publish_rewritten(files); }};
+    lasting_service<info_reloads> reload{loop, ui, services, library, tracks};
+    lasting_service<metadb_impl> handles{tracks};
+    lasting_service<playlist_manager_impl> playlists{loop, library.playlists(), tracks};
+    lasting_service<input_entry_impl> decoders;
+    lasting_service<library_search_impl> search{loop, ui, services, library, fields};
+    lasting_service<progress_service_impl> progress{loop, ui};
+    lasting_service<dialog_registry_impl> open_dialogs;
+    lasting_service<dialog_service_impl> dialogs{loop, ui, open_dialogs, player};
+    lasting_service<file_dialog_service_impl> file_dialogs{loop, ui};
 
     std::vector<loaded_component> components;
 };
@@ -183,7 +184,7 @@ void session::save() { parts_->records.flush(); }
 std::size_t session::drop_expired_records() {
     const auto& items = parts_->library.items();
     const std::vector<metadb_handle_ptr> handles(items.begin(), items.end());
-    return parts_->index.drop_expired(nuv::list_view_t<metadb_handle_ptr>(handles), std::time(nullptr));
+    return parts_->index->drop_expired(nuv::list_view_t<metadb_handle_ptr>(handles), std::time(nullptr));
 }
 
 }  // namespace ostrevan::front
