@@ -22,6 +22,7 @@ constexpr std::size_t object_header_size = 24;
 constexpr std::size_t header_size = 30;
 constexpr std::size_t extension_prefix_size = 22;
 constexpr std::size_t file_size_offset = 16;
+constexpr std::size_t largest_count = 65535;
 
 constexpr std::string_view description_names[] = {"Title", "Author", "Copyright", "Description", "Rating"};
 
@@ -67,13 +68,16 @@ void read_description(std::string_view body, std::vector<asf_attribute>& found) 
     for (std::size_t i = 0; i < std::size(description_names); ++i)
         if (const auto value = source.take(sizes[i]); !value.empty())
             found.push_back(
-                {asf_place::description, std::string(description_names[i]), asf_type::text, std::string(value), {}});
+                {asf_place::description, std::string(description_names[i]), asf_type::text, std::string(value), {}, {}});
 }
 
 void read_extended(std::string_view body, std::vector<asf_attribute>& found) {
     reader source(body);
     for (auto count = source.number(2); count > 0; --count) {
-        asf_attribute each{asf_place::extended, utf8_of_utf16(source.take(source.number(2))), {}, {}, {}};
+        asf_attribute each;
+        each.place = asf_place::extended;
+        each.name_bytes = source.take(source.number(2));
+        each.name = utf8_of_utf16(each.name_bytes);
         each.type = static_cast<asf_type>(source.number(2));
         each.value = source.take(source.number(2));
         found.push_back(std::move(each));
@@ -83,11 +87,14 @@ void read_extended(std::string_view body, std::vector<asf_attribute>& found) {
 void read_metadata(std::string_view body, asf_place place, std::vector<asf_attribute>& found) {
     reader source(body);
     for (auto count = source.number(2); count > 0; --count) {
-        asf_attribute each{place, {}, {}, {}, std::string(source.take(4))};
+        asf_attribute each;
+        each.place = place;
+        each.scope = source.take(4);
         const auto name_size = source.number(2);
         each.type = static_cast<asf_type>(source.number(2));
         const auto value_size = source.number(4);
-        each.name = utf8_of_utf16(source.take(name_size));
+        each.name_bytes = source.take(name_size);
+        each.name = utf8_of_utf16(each.name_bytes);
         each.value = source.take(value_size);
         found.push_back(std::move(each));
     }
@@ -122,7 +129,7 @@ std::string list_body(const std::vector<asf_attribute>& attributes, asf_place pl
     for (const auto& each : attributes) {
         if (each.place != place) continue;
         ++count;
-        const std::string name = utf16_of_utf8(each.name);
+        const std::string& name = each.name_bytes;
         const auto type = as_little_endian(static_cast<unsigned>(each.type), 2);
         if (place == asf_place::extended)
             body += as_little_endian(name.size(), 2) + name + type + as_little_endian(each.value.size(), 2) + each.value;
@@ -130,14 +137,48 @@ std::string list_body(const std::vector<asf_attribute>& attributes, asf_place pl
             body += each.scope + as_little_endian(name.size(), 2) + type + as_little_endian(each.value.size(), 4) + name +
                     each.value;
     }
+    if (count > largest_count) throw edit_error("its header has more entries than its format can count");
     return as_little_endian(count, 2) + body;
 }
 
-/// Puts the body of an object in place, which is made when there is something to put there.
+bool holds_attributes(const asf_object& object) {
+    return object.id == description_id || object.id == extended_id || object.id == metadata_id || object.id == library_id;
+}
+
+bool has(const std::vector<asf_attribute>& attributes, asf_place place) {
+    return std::ranges::find(attributes, place, &asf_attribute::place) != attributes.end();
+}
+
+/// Puts the body of an object in place of all of its kind; it is made when there is something to put there.
 void set_body(std::vector<asf_object>& objects, std::string_view id, const std::string& body, bool needed) {
-    const auto found = std::ranges::find(objects, id, &asf_object::id);
-    if (found != objects.end()) found->body = body;
-    else if (needed) objects.push_back({std::string(id), body});
+    const auto first = std::ranges::find(objects, id, &asf_object::id);
+    if (first == objects.end()) {
+        if (needed) objects.push_back({std::string(id), body});
+        return;
+    }
+    first->body = body;
+    const auto others = std::ranges::remove(first + 1, objects.end(), id, &asf_object::id);
+    objects.erase(others.begin(), others.end());
+}
+
+/// The same inside the first extension of the header; later ones keep none.
+void set_extensions(std::vector<asf_object>& objects, const std::vector<asf_attribute>& attributes) {
+    bool first = true;
+    for (auto& object : objects) {
+        if (object.id != extension_id || object.body.size() < extension_prefix_size) continue;
+        auto inner = objects_of(std::string_view(object.body).substr(extension_prefix_size));
+        if (first) {
+            set_body(inner, metadata_id, list_body(attributes, asf_place::metadata), has(attributes, asf_place::metadata));
+            set_body(inner, library_id, list_body(attributes, asf_place::library), has(attributes, asf_place::library));
+        } else {
+            std::erase_if(inner, holds_attributes);
+        }
+        first = false;
+        const std::string bytes = bytes_of(inner);
+        object.body = object.body.substr(0, extension_prefix_size - 4) + as_little_endian(bytes.size(), 4) + bytes;
+    }
+    if (first && has(attributes, asf_place::library))
+        throw edit_error("its header has no place for several values of a field");
 }
 
 }  // namespace
@@ -170,24 +211,25 @@ asf_header take_apart_asf(const std::string& bytes) {
     return header;
 }
 
+std::string bytes_without_tags(const asf_header& header) {
+    auto objects = header.objects;
+    std::erase_if(objects, holds_attributes);
+    for (auto& object : objects) {
+        if (object.id == file_properties_id) object.body.replace(std::min(object.body.size(), file_size_offset), 8, "");
+        if (object.id != extension_id || object.body.size() < extension_prefix_size) continue;
+        auto inner = objects_of(std::string_view(object.body).substr(extension_prefix_size));
+        std::erase_if(inner, holds_attributes);
+        object.body = object.body.substr(0, extension_prefix_size - 4) + bytes_of(inner);
+    }
+    return bytes_of(objects);
+}
+
 std::string put_together_asf(const asf_header& header, std::uint64_t file_size) {
     const auto& attributes = header.attributes;
-    const auto has = [&](asf_place place) {
-        return std::ranges::find(attributes, place, &asf_attribute::place) != attributes.end();
-    };
     auto objects = header.objects;
-    set_body(objects, description_id, description_body(attributes), has(asf_place::description));
-    set_body(objects, extended_id, list_body(attributes, asf_place::extended), has(asf_place::extended));
-    if (const auto found = std::ranges::find(objects, extension_id, &asf_object::id); found != objects.end()) {
-        auto inner = objects_of(std::string_view(found->body).substr(std::min(found->body.size(), extension_prefix_size)));
-        set_body(inner, metadata_id, list_body(attributes, asf_place::metadata), false);
-        set_body(inner, library_id, list_body(attributes, asf_place::library), has(asf_place::library));
-        const std::string inner_bytes = bytes_of(inner);
-        found->body =
-            found->body.substr(0, extension_prefix_size - 4) + as_little_endian(inner_bytes.size(), 4) + inner_bytes;
-    } else if (has(asf_place::library)) {
-        throw edit_error("its header has no place for several values of a field");
-    }
+    set_body(objects, description_id, description_body(attributes), has(attributes, asf_place::description));
+    set_body(objects, extended_id, list_body(attributes, asf_place::extended), has(attributes, asf_place::extended));
+    set_extensions(objects, attributes);
     const std::size_t new_size = header_size + bytes_of(objects).size();
     if (const auto found = std::ranges::find(objects, file_properties_id, &asf_object::id);
         found != objects.end() && found->body.size() >= file_size_offset + 8)

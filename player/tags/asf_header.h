@@ -19,6 +19,8 @@ struct asf_attribute {
     std::string value;
     /// Stream and language, which only the metadata objects have; four bytes.
     std::string scope;
+    /// The name as it stands in the file, which need not end with a zero or be well-formed.
+    std::string name_bytes;
 };
 
 /// An object of the header: its 16-byte identifier and what follows its size.
@@ -40,8 +42,11 @@ struct asf_header {
 asf_header take_apart_asf(const std::string& bytes);
 
 /// The header's bytes with the attributes in place of the old ones; `file_size` is the size of the file around the old
-/// header, which the header states.
+/// header, which the header states. Of several objects of one kind the first takes all attributes. @throws edit_error
 std::string put_together_asf(const asf_header& header, std::uint64_t file_size);
+
+/// The objects of the header that hold no tags, without the size of the file.
+std::string bytes_without_tags(const asf_header& header);
 
 /// Names in the content description, which are no attributes of their own: "Title", "Author", "Copyright", "Description".
 bool is_description_name(std::string_view name) noexcept;

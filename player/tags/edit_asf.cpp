@@ -40,7 +40,12 @@ void edit_asf(file_stream& stream, const tag_changes& changes) {
             const std::string customary = asf_name_of_key(key);
             const bool keeps_name = customary == key && field_of_key(ascii_upper(old_name)) == field_of_key(key);
             for (const auto& value : values) {
-                asf_attribute attribute{{}, keeps_name ? old_name : customary, asf_type::text, utf16_of_utf8(value), {}};
+                asf_attribute attribute;
+                attribute.name = keeps_name ? old_name : customary;
+                attribute.value = utf16_of_utf8(value);
+                attribute.name_bytes = utf16_of_utf8(attribute.name);
+                if (attribute.name_bytes.size() > largest_short_value)
+                    cannot_hold("Windows Media", change.field.substr(0, 20) + "...", "the name is too long");
                 attribute.place = place_for(header, attribute);
                 attribute.scope.assign(scope_size, '\0');
                 header.attributes.push_back(std::move(attribute));
