@@ -15,8 +15,11 @@ void write_number(file_stream& stream, long at, std::uint64_t number, std::size_
     stream.writeBlock(to_vector(as_big_endian(number, size)));
 }
 
-/// Moves the offsets of a table behind `place`: `count` entries of `size` bytes from `at` on.
-void move_offsets(file_stream& stream, long at, std::uint64_t count, std::size_t size, long place, long by) {
+/// Moves the offsets of a table behind `place`: `count` entries of `size` bytes from `at` on, all inside `atom`.
+void move_offsets(file_stream& stream, const mp4_atom& atom, long at, std::uint64_t count, std::size_t size, long place,
+                  long by) {
+    if (at > atom.end() || count > static_cast<std::uint64_t>(atom.end() - at) / size)
+        throw edit_error("its table of offsets is damaged");
     std::string table = read_bytes(stream, at, count * size);
     for (std::size_t i = 0; i + size <= table.size(); i += size) {
         const auto offset = big_endian(table, i, size);
@@ -40,11 +43,10 @@ void move_offsets_in(file_stream& stream, const std::vector<mp4_atom>& atoms, lo
         } else if (atom.name == "stco" || atom.name == "co64") {
             const auto count = big_endian(read_bytes(stream, atom.body() + 4, 4), 0, 4);
             const std::size_t size = atom.name == "co64" ? 8 : 4;
-            if (count > static_cast<std::uint64_t>(atom.size) / size) throw edit_error("its table of offsets is damaged");
-            move_offsets(stream, atom.body() + 8, count, size, place, by);
+            move_offsets(stream, atom, atom.body() + 8, count, size, place, by);
         } else if (atom.name == "tfhd") {
             const bool has_base = (big_endian(read_bytes(stream, atom.body(), 4), 0, 4) & 1) != 0;
-            if (has_base) move_offsets(stream, atom.body() + 8, 1, 8, place, by);
+            if (has_base) move_offsets(stream, atom, atom.body() + 8, 1, 8, place, by);
         } else if (atom.name == "mfra" || atom.name == "saio") {
             throw edit_error("it is cut in fragments in a way that cannot be edited without loss");
         }

@@ -82,8 +82,9 @@ sound sound_of_ogg(container kind, file_stream& stream) {
                       .codec = "FLAC"};
         }
     }
-    const auto position = last_position(stream, std::string_view(page).substr(14, 4)) - skipped;
-    if (position > 0 && result.sample_rate > 0) result.length = static_cast<double>(position) / result.sample_rate;
+    const auto position = last_position(stream, std::string_view(page).substr(14, 4));
+    if (position > skipped && result.sample_rate > 0)
+        result.length = static_cast<double>(position - skipped) / result.sample_rate;
     const auto is_rate = [](std::uint64_t bits) { return bits > 0 && bits < 0x80000000; };
     const double bits = is_rate(nominal)    ? static_cast<double>(nominal)
                         : result.length > 0 ? static_cast<double>(stream.length()) * 8 / result.length
