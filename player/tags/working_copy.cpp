@@ -121,9 +121,9 @@ bool working_copy::take_attributes(int original, const struct stat& about) {
     if (!kept) kept = fchown(file_.get(), about.st_uid, about.st_gid) == 0;
     // The group matters to those who share the file, even where the owner cannot be given away.
     const bool group_kept = kept || fchown(file_.get(), static_cast<uid_t>(-1), about.st_gid) == 0;
-    // Rights of one group are not handed to another.
+    // Rights of one group are not handed to another. Nobody runs a file as its owner after others have written it.
     const mode_t group_rights = group_kept ? S_IRWXG : 0;
-    const mode_t mode = about.st_mode & (S_ISUID | S_ISGID | S_ISVTX | S_IRWXU | S_IRWXO | group_rights);
+    const mode_t mode = about.st_mode & (S_ISVTX | S_IRWXU | S_IRWXO | group_rights);
     if (fchmod(file_.get(), mode) != 0) fail("its mode cannot be kept", errno);
     for (const auto& name : attribute_names(original))
         if (const int error = copy_attribute(original, file_.get(), name); error != 0 && belongs_to_user(name))

@@ -23,7 +23,8 @@ public:
 
     /// Fills it with the bytes of the original: shared where the file system can, copied otherwise.
     void take_content(int original, const struct stat& about);
-    /// Owner, group, mode and extended attributes, access lists among them. Answers false when the owner could not be kept.
+    /// Owner, group, mode without set-user-id bits, and extended attributes, access lists among them. Returns false when the
+    /// owner could not be kept.
     bool take_attributes(int original, const struct stat& about);
     /// Times of last access and modification. @throws tag_error
     void take_times(const struct stat& about);
