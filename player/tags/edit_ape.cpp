@@ -10,7 +10,6 @@ namespace ostrevan::tags {
 namespace {
 
 constexpr std::size_t footer_size = 32;
-constexpr long id3v1_size = 128;
 constexpr std::uint64_t has_header_flag = 0x80000000;
 constexpr std::uint64_t is_header_flag = 0x20000000;
 constexpr std::uint64_t written_version = 2000;
@@ -96,8 +95,7 @@ void edit_ape_at_end(file_stream& stream, const tag_changes& changes, tag_role r
     } else if (role == tag_role::other) {
         return;
     } else {
-        start = stream.length();
-        if (read_bytes(stream, start - id3v1_size, 3) == "TAG") start -= id3v1_size;
+        start = end_before_id3v1(stream);
     }
     const std::string edited = edit_ape(old, changes, role);
     if (edited != old) replace_bytes(stream, edited, start, old.size());

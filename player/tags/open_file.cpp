@@ -61,13 +61,21 @@ void require_regular(const std::string& path, const struct stat& about) {
 
 constexpr long id3v1_size = 128;
 constexpr long ape_footer_size = 32;
+constexpr std::string_view ape_preamble = "APETAGEX";
 
 }  // namespace
 
+long end_before_id3v1(TagLib::IOStream& stream) {
+    const long end = stream.length();
+    if (end < id3v1_size || read_bytes(stream, end - id3v1_size, 3) != "TAG") return end;
+    // An APE tag of 131 bytes has the "TAG" of its first word there.
+    const long ape = end - id3v1_size - 3;
+    return ape >= 0 && read_bytes(stream, ape, ape_preamble.size()) == ape_preamble ? end : end - id3v1_size;
+}
+
 long find_ape_footer(TagLib::IOStream& stream) {
-    long end = stream.length();
-    if (end >= id3v1_size && read_bytes(stream, end - id3v1_size, 3) == "TAG") end -= id3v1_size;
-    if (end < ape_footer_size || read_bytes(stream, end - ape_footer_size, 8) != "APETAGEX") return -1;
+    const long end = end_before_id3v1(stream);
+    if (end < ape_footer_size || read_bytes(stream, end - ape_footer_size, ape_preamble.size()) != ape_preamble) return -1;
     return end - ape_footer_size;
 }
 

@@ -26,6 +26,9 @@ struct opened_file {
     std::unique_ptr<TagLib::Tag> ape_tag;
 };
 
+/// The file's length without an ID3v1 tag at its end.
+long end_before_id3v1(TagLib::IOStream& stream);
+
 /// Where an APE tag at the end of the file, or in front of an ID3v1 tag there, has its last 32 bytes; -1 when there is none.
 long find_ape_footer(TagLib::IOStream& stream);
 
