@@ -89,7 +89,7 @@ void edit_tags(opened_file& opened, const file_info& before, const file_info& af
         case container::opus:
         case container::speex:
         case container::ogg_flac:
-            edit_ogg_comment(*opened.file, opened.kind, changes);
+            edit_ogg_comment(stream, opened.kind, changes);
             break;
         case container::wav:
             edit_id3v2_chunk(stream, changes, false);

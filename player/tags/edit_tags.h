@@ -12,7 +12,7 @@ void edit_id3v2_in_front(file_stream& stream, const tag_changes& changes, tag_ro
 void edit_ape_at_end(file_stream& stream, const tag_changes& changes, tag_role role);
 void edit_id3v2_chunk(file_stream& stream, const tag_changes& changes, bool big_endian_sizes);
 void edit_flac_comment(file_stream& stream, const tag_changes& changes);
-void edit_ogg_comment(TagLib::File& file, container kind, const tag_changes& changes);
+void edit_ogg_comment(file_stream& stream, container kind, const tag_changes& changes);
 void edit_mp4(file_stream& stream, const tag_changes& changes);
 void edit_asf(file_stream& stream, const tag_changes& changes);
 

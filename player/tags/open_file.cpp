@@ -94,8 +94,9 @@ void read_here(opened_file& opened) {
 }
 
 /// FLAC may have tags beside its comment, which count where that holds nothing, or for the statistics in them.
-bool has_other_tags(const opened_file& opened) {
-    return opened.kind == container::flac && (start_behind_id3v2(*opened.stream) > 0 || !holds_fields(opened.xiph_comment));
+bool has_other_tags(const opened_file& opened, file_stream::access mode) {
+    return opened.kind == container::flac && (mode == file_stream::access::write || start_behind_id3v2(*opened.stream) > 0 ||
+                                              !holds_fields(opened.xiph_comment));
 }
 
 void open_with_library(opened_file& opened) {
@@ -131,7 +132,7 @@ opened_file open_audio(const std::string& path, file_stream::access mode) {
     if (!kind) throw tag_error(path, "is not an audio file of a supported format");
     result.kind = *kind;
     if (is_read_here(*kind)) read_here(result);
-    if (!is_read_here(*kind) || mode == file_stream::access::write || has_other_tags(result)) open_with_library(result);
+    if (!is_read_here(*kind) || has_other_tags(result, mode)) open_with_library(result);
     require_no_error(*result.stream);
     if (result.sound.sample_rate == 0 || (result.file && !result.file->isValid()))
         throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
