@@ -45,6 +45,7 @@ void require_values(const file_info& before, const file_info& after) {
         const auto& values = after.meta_values(i);
         const auto old = before.meta_find(after.meta_name(i));
         if (old != file_info::npos && before.meta_values(old) == values) continue;
+        if (after.meta_name(i).empty()) cannot_hold("files", "", "a field needs a name");
         const bool bad =
             std::ranges::any_of(values, [](const auto& value) { return value.empty() || value.find('\0') != value.npos; });
         if (bad)
