@@ -30,6 +30,9 @@ public:
     /// Closes the file and answers the first error, that of closing included.
     int close();
 
+    /// Reads past the windows. Returns how many bytes there were.
+    long read_at(char* to, long size, long offset);
+
     [[nodiscard]] TagLib::FileName name() const override { return path_.c_str(); }
     TagLib::ByteVector readBlock(unsigned long length) override;
     void writeBlock(const TagLib::ByteVector& data) override;
@@ -52,7 +55,6 @@ private:
 
     const window* window_for(long offset, long size);
     void forget_windows() noexcept;
-    long read_at(char* to, long size, long offset);
     void write_at(const char* from, long size, long offset);
     void move_tail(long from, long to);
 

@@ -8,9 +8,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 #include "player/tags/changes.h"
 #include "player/tags/edit_tags.h"
+#include "player/tags/encoded_sound.h"
 #include "player/tags/errors.h"
 #include "player/tags/open_file.h"
 #include "player/tags/tag_fields.h"
@@ -70,8 +72,21 @@ void edit_copy(const std::string& copy, const file_info& before, const file_info
     if (!refusal.empty()) throw tag_error(copy, refusal);
 }
 
-/// A field that does not hold the same in both, or an empty text.
-std::string differing_field(const file_info& a, const file_info& b) {
+/// Of the file as it is; what cannot be found cannot be compared afterwards.
+std::uint64_t known_sound(const std::string& path, const opened_file& opened) {
+    std::uint64_t sound = 0;
+    try {
+        sound = digest_of_sound(opened.kind, *opened.stream);
+    } catch (const edit_error& damage) {
+        throw tag_error(path, damage.what());
+    }
+    if (const int error = opened.stream->error(); error != 0)
+        throw tag_error(path, "cannot be read: " + reason_of_errno(error));
+    return sound;
+}
+
+/// A field that does not hold the same in both.
+std::optional<std::string> differing_field(const file_info& a, const file_info& b) {
     for (const auto* one : {&a, &b})
         for (std::size_t i = 0; i < one->meta_count(); ++i) {
             const auto& other = one == &a ? b : a;
@@ -79,18 +94,26 @@ std::string differing_field(const file_info& a, const file_info& b) {
             if (index == file_info::npos || other.meta_values(index) != one->meta_values(i))
                 return std::string(one->meta_name(i));
         }
-    return {};
+    return std::nullopt;
 }
 
-file_info verified_copy(const std::string& copy, const file_info& before, const file_info& after) {
+bool same_sound(const opened_file& opened, const file_info& now, const file_info& before, std::uint64_t sound) try {
+    return now.length() == before.length() && now.sample_rate == before.sample_rate && now.channels == before.channels &&
+           now.codec() == before.codec() && digest_of_sound(opened.kind, *opened.stream) == sound;
+} catch (const edit_error&) {
+    return false;
+}
+
+file_info verified_copy(const std::string& copy, const file_info& before, const file_info& after, std::uint64_t sound) {
     const auto opened = open_audio(copy);
     file_info now = info_of(opened);
-    if (now.length() != before.length() || now.sample_rate != before.sample_rate || now.channels != before.channels ||
-        now.codec() != before.codec())
-        throw tag_error(copy, "after the edit its sound read differently");
-    if (const auto field = differing_field(now, after); !field.empty())
+    if (!same_sound(opened, now, before, sound))
+        throw tag_error(copy, "the edit would have changed its sound; the file may be damaged, play it to find out");
+    if (const int error = opened.stream->error(); error != 0)
+        throw tag_error(copy, "its edited copy cannot be read: " + reason_of_errno(error));
+    if (const auto field = differing_field(now, after))
         throw tag_error(copy, "a tag of its format (" + std::string(name_of(opened.kind)) +
-                                  ") cannot hold this value of the field \"" + field + "\": it read back differently");
+                                  ") cannot hold this value of the field \"" + *field + "\": it read back differently");
     return now;
 }
 
@@ -116,6 +139,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     if (same_fields(before, after)) return result;
     if (before.length() <= 0) throw tag_error(path, "has no known length and may be damaged; repair or replace it first");
     require_writable(path, about);
+    const std::uint64_t sound = known_sound(path, original);
     done(rewrite_step::opened);
 
     remove_stale_copies(folder_of(path));
@@ -128,7 +152,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     done(rewrite_step::attributes_set);
     edit_copy(copy.path(), before, after, options);
     done(rewrite_step::edited);
-    result.info = verified_copy(copy.path(), before, after);
+    result.info = verified_copy(copy.path(), before, after, sound);
     done(rewrite_step::verified);
     if (options.preserve_modification_time) copy.take_times(about);
     copy.sync();

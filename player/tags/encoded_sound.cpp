@@ -1,0 +1,116 @@
+#include "player/tags/encoded_sound.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "player/tags/asf_header.h"
+#include "player/tags/edit_tags.h"
+#include "player/tags/field_names.h"
+#include "player/tags/xiph_reader.h"
+
+namespace ostrevan::tags {
+namespace {
+
+constexpr long block_size = 1 << 18;
+constexpr long chunk_header_size = 8;
+constexpr std::size_t ape_footer_size = 32;
+
+/// Of formats that begin with their sound: everything between the tags.
+void add_between_tags(digest& to, file_stream& stream) {
+    long end = end_before_id3v1(stream);
+    if (const long footer = find_ape_footer(stream); footer >= 0) {
+        const std::string bytes = read_bytes(stream, footer, ape_footer_size);
+        const bool has_header = (little_endian(bytes, 20, 4) & 0x80000000) != 0;
+        end -= static_cast<long>(little_endian(bytes, 12, 4) + (has_header ? ape_footer_size : 0));
+    }
+    add_range(to, stream, start_behind_id3v2(stream), end);
+}
+
+/// The blocks that are neither tags nor padding, and what comes after the last block.
+void add_flac_sound(digest& to, file_stream& stream) {
+    const auto blocks = flac_block_places(stream);
+    if (blocks.empty()) throw edit_error("its metadata blocks are cut off");
+    for (const auto& block : blocks) {
+        if (block.type == flac_comment_block || block.type == flac_padding_block) continue;
+        to.add_number(static_cast<std::uint64_t>(block.type));
+        add_range(to, stream, block.at + flac_block_header_size, block.at + flac_block_header_size + block.size);
+    }
+    add_range(to, stream, blocks.back().at + flac_block_header_size + blocks.back().size, stream.length());
+}
+
+/// The chunks of a WAV or AIFF file but its tag, and what lies behind the end that its header states.
+void add_chunks(digest& to, file_stream& stream, std::uint64_t (*number)(std::string_view, std::size_t, std::size_t)) {
+    const long length = stream.length();
+    const long stated_end = chunk_header_size + static_cast<long>(number(read_bytes(stream, 4, 4), 0, 4));
+    const long end = std::min(stated_end, length);
+    for (long at = 12; at + chunk_header_size <= end;) {
+        const std::string head = read_bytes(stream, at, static_cast<std::uint64_t>(chunk_header_size));
+        const long body = at + chunk_header_size;
+        const long size = static_cast<long>(number(head, 4, 4));
+        if (ascii_upper(head.substr(0, 4)) != "ID3 ") {
+            to.add(head);
+            add_range(to, stream, body, std::min(body + size, end));
+        }
+        at = body + size + size % 2;
+    }
+    add_range(to, stream, end, length);
+    // The last byte of padding may be missing.
+    to.add_number(stated_end > length + 1 ? 1 : 0);
+}
+
+void add_asf_sound(digest& to, file_stream& stream) {
+    const auto size = little_endian(read_bytes(stream, 16, 8), 0, 8);
+    const auto header = take_apart_asf(read_bytes(stream, 0, size));
+    to.add(bytes_without_tags(header));
+    add_range(to, stream, static_cast<long>(header.size), stream.length());
+}
+
+}  // namespace
+
+void add_range(digest& to, file_stream& stream, long begin, long end) {
+    std::vector<char> buffer(static_cast<std::size_t>(std::clamp(end - begin, 0L, block_size)));
+    long at = begin;
+    while (at < end) {
+        const long got = stream.read_at(buffer.data(), std::min(block_size, end - at), at);
+        if (got <= 0) break;
+        to.add({buffer.data(), static_cast<std::size_t>(got)});
+        at += got;
+    }
+    to.add_number(static_cast<std::uint64_t>(at - begin));
+}
+
+std::uint64_t digest_of_sound(container kind, file_stream& stream) {
+    digest result;
+    switch (kind) {
+        case container::mpeg:
+        case container::true_audio:
+        case container::wavpack:
+        case container::monkeys_audio:
+            add_between_tags(result, stream);
+            break;
+        case container::flac:
+            add_flac_sound(result, stream);
+            break;
+        case container::vorbis:
+        case container::opus:
+        case container::speex:
+        case container::ogg_flac:
+            add_ogg_sound(result, kind, stream);
+            break;
+        case container::wav:
+            add_chunks(result, stream, little_endian);
+            break;
+        case container::aiff:
+            add_chunks(result, stream, big_endian);
+            break;
+        case container::mp4:
+            add_mp4_sound(result, stream);
+            break;
+        case container::asf:
+            add_asf_sound(result, stream);
+            break;
+    }
+    return result.value();
+}
+
+}  // namespace ostrevan::tags
