@@ -31,8 +31,7 @@ std::vector<setting_entry> settings_tree(const service_registry& services) {
                                                                                    std::size_t depth) {
         for (auto* setting : all) {
             if (setting->parent() != parent) continue;
-            auto* const checkbox = setting->service_query(advanced_checkbox::checkbox_guid);
-            tree.push_back({setting, static_cast<advanced_checkbox*>(checkbox), depth});
+            tree.push_back({setting, query_service<advanced_checkbox>(*setting).get(), depth});
             if (depth < all.size()) append_children(setting->id(), depth + 1);
         }
     };

@@ -44,7 +44,7 @@ public:
 };
 
 ostrevan::service_factory_single_t<branch> g_branch;
-ostrevan::service_factory_single_t<tag_sync_checkbox> g_tag_sync_checkbox;
+ostrevan::service_factory_single_t<tag_sync_checkbox, ostrevan::advanced_setting> g_tag_sync_checkbox;
 
 }  // namespace
 }  // namespace quorvel

@@ -18,24 +18,27 @@ config_variable* config_variable::first() noexcept { return first_variable; }
 bool cfg_bool::get() const {
     std::call_once(loaded_, [this]() noexcept {
         try {
-            if (const auto store = find_service<configuration_store>()) value_ = store->get_bool(id(), fallback_);
-        } catch (...) {
-            value_ = fallback_;
+            if (const auto store = find_service<configuration_store>()) {
+                value_ = store->get_bool(id(), fallback_);
+                known_ = true;
+            }
+        } catch (...) {  // the default holds until the end of this run
         }
     });
     return value_.load(std::memory_order_relaxed);
 }
 
 void cfg_bool::set(bool value) {
-    std::call_once(loaded_, [] {});
     get_service<configuration_store>()->set_bool(id(), value);
+    std::call_once(loaded_, [] {});
     value_ = value;
+    known_ = true;
 }
 
 void cfg_bool::load() { (void)get(); }
 
 void cfg_bool::save() {
-    if (const auto store = find_service<configuration_store>()) store->set_bool(id(), get());
+    if (const auto store = find_service<configuration_store>(); store && known_) store->set_bool(id(), value_);
 }
 
 }  // namespace ostrevan

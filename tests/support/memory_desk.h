@@ -110,14 +110,17 @@ public:
 class memory_configuration : public ostrevan::configuration_store {
 public:
     std::map<nuv::guid, bool> values;
-    mutable std::size_t reads = 0;
+    bool fail = false;
 
     bool get_bool(const nuv::guid& id, bool fallback) const override {
-        ++reads;
+        if (fail) throw std::runtime_error("no configuration");
         const auto found = values.find(id);
         return found == values.end() ? fallback : found->second;
     }
-    void set_bool(const nuv::guid& id, bool value) override { values[id] = value; }
+    void set_bool(const nuv::guid& id, bool value) override {
+        if (fail) throw std::runtime_error("no configuration");
+        values[id] = value;
+    }
 };
 
 }  // namespace support

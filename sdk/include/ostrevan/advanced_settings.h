@@ -19,17 +19,17 @@ public:
     [[nodiscard]] virtual double sort_priority() const noexcept = 0;
 };
 
-/// An entry that is switched on and off. Found by `service_query` on the entry. [main-thread]
+/// An entry that is switched on and off: registered as an entry, and found by `service_query` on it. [main-thread]
 class advanced_checkbox : public advanced_setting {
 public:
-    static constexpr nuv::guid checkbox_guid = nuv::guid_of("{C5B5C75B-360D-461B-8660-5B9FAB347C99}");
+    static constexpr nuv::guid class_guid = nuv::guid_of("{C5B5C75B-360D-461B-8660-5B9FAB347C99}");
 
     [[nodiscard]] virtual bool get_state() const = 0;
     virtual void set_state(bool checked) = 0;
     [[nodiscard]] virtual bool default_state() const noexcept = 0;
 
     service_base* service_query(const nuv::guid& interface_guid) noexcept override {
-        return interface_guid == checkbox_guid ? this : nullptr;
+        return interface_guid == class_guid ? this : nullptr;
     }
 };
 

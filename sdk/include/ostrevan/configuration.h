@@ -47,14 +47,14 @@ private:
 };
 
 /// A boolean setting. The first read fetches the stored value, or the default, exactly once; later reads are one atomic
-/// load.
+/// load. A value that could not be read is not written back.
 class cfg_bool final : public config_variable {
 public:
     cfg_bool(const nuv::guid& id, bool fallback) noexcept : config_variable(id), fallback_(fallback), value_(fallback) {}
 
     /// [any-thread]
     [[nodiscard]] bool get() const;
-    /// Changes the value and the store together. [main-thread]
+    /// Changes the value and the store together, or neither: throws what the store throws. [main-thread]
     void set(bool value);
 
     void load() override;
@@ -63,6 +63,7 @@ public:
 private:
     const bool fallback_;
     mutable std::once_flag loaded_;
+    mutable std::atomic<bool> known_ = false;  ///< the value is that of the store
     mutable std::atomic<bool> value_;
 };
 

@@ -28,9 +28,9 @@ private:
     const service_registration* next_ = nullptr;
 };
 
-/// Makes the one object of a service and registers it: a static object at namespace scope. `Implementation` derives from the
-/// interface whose `class_guid` it is found under.
-template <typename Implementation>
+/// Makes the one object of a service and registers it: a static object at namespace scope. `Implementation` derives from
+/// `Interface`, under whose `class_guid` it is found; that need not be said where there is but one.
+template <typename Implementation, typename Interface = Implementation>
 class service_factory_single_t {
 public:
     template <typename... Args>
@@ -40,7 +40,7 @@ public:
 
 private:
     service_uncounted_t<Implementation> object_;
-    service_registration registration_{Implementation::class_guid, object_};
+    service_registration registration_{Interface::class_guid, object_};
 };
 
 }  // namespace ostrevan

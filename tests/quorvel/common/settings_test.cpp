@@ -34,3 +34,23 @@ TEST(settings, are_read_once_and_written_through) {
     EXPECT_FALSE(never_stored.get());
     EXPECT_FALSE(store.at(never_stored.id()));
 }
+
+/// What is written back at the end is what was read or set, and nothing that only took its place.
+TEST(settings, that_the_store_failed_under_are_not_overwritten) {
+    support::memory_player player;
+    static ostrevan::cfg_bool unread{nuv::guid_of("{6F3B1B1E-8F0B-4C8B-9C2D-0C7C3B8E5A03}"), false};
+    static ostrevan::cfg_bool unset{nuv::guid_of("{6F3B1B1E-8F0B-4C8B-9C2D-0C7C3B8E5A04}"), true};
+    auto& store = player.configuration.values;
+    store = {{unread.id(), true}, {unset.id(), false}};
+    player.configuration.fail = true;
+    EXPECT_FALSE(unread.get()) << "the default";
+    EXPECT_ANY_THROW(unset.set(true));
+    player.configuration.fail = false;
+    unread.save();
+    unset.save();
+    EXPECT_EQ(store, (std::map<nuv::guid, bool>{{unread.id(), true}, {unset.id(), false}}));
+    EXPECT_FALSE(unset.get());
+    unread.set(false);
+    unread.save();
+    EXPECT_FALSE(store.at(unread.id()));
+}
