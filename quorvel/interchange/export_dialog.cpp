@@ -109,11 +109,7 @@ private:
 /// Of several dialogs the one that is open is brought forward.
 void open_unless_another_is(shared_tracks selection) {
     if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
-    try {
-        open_dialog(ostrevan::service_new<export_dialog>(std::move(selection)));
-    } catch (const std::exception& e) {
-        report(e.what());
-    }
+    open_dialog(ostrevan::service_new<export_dialog>(std::move(selection)));
 }
 
 }  // namespace

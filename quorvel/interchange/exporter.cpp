@@ -19,6 +19,13 @@ using ostrevan::filesystem;
 constexpr std::size_t full_buffer = 16384;
 constexpr std::size_t keys_at_once = 4096;
 
+/// Throws when the record cannot be read: a default one in its place would later be imported as what was counted.
+t_playback_stats record_of(std::uint64_t key) {
+    record_blob blob;
+    const auto size = opened_index()->read(statistics_index_guid, key, blob.data(), blob.size());
+    return size == blob.size() ? decode_record(blob) : t_playback_stats{};
+}
+
 /// The file, with what is still to be written in front of it.
 class statistics_file {
 public:
@@ -31,7 +38,7 @@ public:
         text_ += "\">\n";
     }
     void add(std::uint64_t key, const track_list& items) {
-        writeEntry(text_, key, PCDB::GetByKey(key), fields_, &items);
+        writeEntry(text_, key, record_of(key), fields_, &items);
         if (text_.size() > full_buffer) write_out();
         progress_.step(++records_, total_);
     }

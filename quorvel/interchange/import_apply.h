@@ -6,7 +6,7 @@
 /// `ostrevan::exception_aborted` when the user stops it, and what the player and the statistics throw. [main-thread]
 namespace quorvel {
 
-/// Goes through the tracks of the library and of all playlists; each that had one of the old keys receives its edit.
+/// Gathers the tracks of the library and of all playlists; each that had one of the old keys receives its edit.
 void apply_old_edits(ParseGlobals& globals);
 
 /// Gathers the tracks of the pending items and applies these in their order.
@@ -15,7 +15,7 @@ void apply_pending_items(ParseGlobals& globals);
 namespace pcdb_export {
 
 /// Finds the keys of the gathered tracks whose information the player does not hold: see `ReadKeysInFiles`. [main-thread]
-void resolveNoInfo(ParseGlobals& globals);
+void resolveNoInfo(ParseGlobals& globals, const ostrevan::index_client_ptr& older_mapping = nullptr);
 
 }  // namespace pcdb_export
 }  // namespace quorvel

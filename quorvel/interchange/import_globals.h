@@ -38,7 +38,7 @@ struct ParseGlobals {
     std::size_t records = 0;                     ///< taken from the file so far
     std::map<nuv::guid, OldKeyEdits> old_edits;  ///< by mapping
     std::vector<PathItem> pending;
-    std::vector<GatheredTrack> gathered;  ///< one for each pending item, in the same order
+    std::vector<GatheredTrack> gathered;  ///< those whose keys are wanted
 };
 
 }  // namespace quorvel

@@ -25,15 +25,9 @@ nuv::guid known_mapping(const Vek::xmlAttributes& root) {
 
 }  // namespace
 
-void XMLParser_Root::read(std::string_view text) {
-    parse({}, text.data(), text.size());
-    if (!found_) throw ostrevan_io::exception_io_data();
-}
-
 void XMLParser_Root::onElem(const Vek::xmlContext& context, const char* /*ns*/, const char* name,
                             const Vek::xmlAttributes& attributes, const char* content, std::size_t length) {
     if (name != std::string_view("PlaybackStatistics")) return;
-    found_ = true;
     const auto* const version = attributes.find("Version");
     if (version != nullptr && *version == "4.0") {
         if (opened_index() == nullptr) throw std::runtime_error("No active index");

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string_view>
-
 #include "quorvel/interchange/import_globals.h"
 #include "quorvel/xml/xml_parser.h"
 
@@ -10,7 +8,7 @@
 namespace quorvel {
 
 /// The top level: finds the root and, by its version and mapping, the handler for what is in it. Throws
-/// `ostrevan_io::exception_io_data` for those that are not known.
+/// `ostrevan_io::exception_io_data` for those that are not known. Other documents are passed over.
 class XMLParser_Root : public Vek::xmlParser {
 public:
     explicit XMLParser_Root(ParseGlobals& globals) noexcept : globals_(globals) {}
@@ -19,13 +17,8 @@ public:
     /// The first records of a file that breaks off are worth having.
     bool takesUnfinished(const char* /*name*/) override { return true; }
 
-    /// Reads a whole file. Throws `ostrevan_io::exception_io_data` too when it has no root that is ours: a picture or
-    /// another program's document must not pass for an import that found nothing.
-    void read(std::string_view text);
-
 private:
     ParseGlobals& globals_;
-    bool found_ = false;
 };
 
 /// Records by key. Under the active mapping they are edited at once, under an older one the edits are kept until the tracks

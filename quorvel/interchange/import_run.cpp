@@ -34,15 +34,20 @@ void import_file(std::string_view text, std::uint32_t fields) {
     try {
         StatsOp op;
         ParseGlobals globals(op, fields);
-        attempt([&] { XMLParser_Root(globals).read(text); });
-        attempt([&] { apply_old_edits(globals); });
-        attempt([&] { apply_pending_items(globals); });
+        try {
+            attempt([&] { XMLParser_Root(globals).parse({}, text.data(), text.size()); });
+            attempt([&] { apply_old_edits(globals); });
+            attempt([&] { apply_pending_items(globals); });
+        } catch (const ostrevan::exception_aborted&) {
+            const auto changed = op.has_taken_effect() ? op.changed_keys().size() : 0;
+            report_import_failure(changed == 0 ? "Interrupted. No statistics have been changed"
+                                               : "Interrupted after " + std::to_string(changed) + " records were changed");
+            if (changed == 0) return;
+        }
         op.commit();
         op.publish();
         print_to_console("Playback statistics import: records read: " + std::to_string(globals.records) +
                          ", statistics changed: " + std::to_string(op.changed_keys().size()));
-    } catch (const ostrevan::exception_aborted&) {
-        report_import_failure("Interrupted. No statistics have been changed");
     } catch (const std::exception& e) {
         report_import_failure(e.what());
     }

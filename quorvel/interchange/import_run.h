@@ -10,7 +10,8 @@ namespace quorvel {
 void report_import_failure(const std::string& reason);
 
 /// Applies a statistics file that has been read: the fields of `fields`, a set of `ExportFields`, in one operation. A
-/// failure is reported, and what was read before it is applied; when the user stops it, nothing is. [main-thread]
+/// failure is reported, and what was read before it is applied; when the user stops it, nothing is, or where the player has
+/// no transactions only what was written by then. [main-thread]
 void import_file(std::string_view text, std::uint32_t fields);
 
 }  // namespace quorvel

@@ -18,16 +18,24 @@ namespace {
 /// How often the main thread looks whether the user wants to stop.
 constexpr std::chrono::milliseconds between_looks{50};
 
-std::optional<std::uint64_t> key_in_file(const ostrevan::playable_location& location) {
+struct keys_in_file {
+    std::optional<std::uint64_t> key;
+    std::optional<std::uint64_t> older_key;
+};
+
+keys_in_file read_keys(const ostrevan::playable_location& location, ostrevan::index_client* older_mapping) {
     const auto reader = ostrevan::input_entry::g_open_for_info_read(location.path.c_str());
-    return KeyOf(reader->get_info(location.subsong), location);
+    const auto info = reader->get_info(location.subsong);
+    return {KeyOf(info, location),
+            older_mapping == nullptr ? std::nullopt : std::optional(older_mapping->key_of(info, location))};
 }
 
 /// The tracks whose files have to be read, in their order. What is wanted of a file is its key only, so the information of
 /// many files is never in memory at once.
 class unknown_tracks {
 public:
-    explicit unknown_tracks(std::vector<GatheredTrack>& gathered) {
+    unknown_tracks(std::vector<GatheredTrack>& gathered, ostrevan::index_client* older_mapping)
+        : older_mapping_(older_mapping) {
         for (auto& each : gathered)
             if (!each.track->info()) tracks_.push_back(&each);
     }
@@ -40,8 +48,9 @@ public:
             if (stop.stop_requested()) return;
             try {
                 const auto [known, is_new] = keys_.try_emplace(each->track.get());
-                if (is_new) known->second = key_in_file(each->track->location());
-                each->key = known->second;
+                if (is_new) known->second = read_keys(each->track->location(), older_mapping_);
+                each->key = known->second.key;
+                each->older_key = known->second.older_key;
             } catch (...) {  // a file that cannot be read has no key
             }
             ++done_;
@@ -49,8 +58,9 @@ public:
     }
 
 private:
+    ostrevan::index_client* older_mapping_;
     std::vector<GatheredTrack*> tracks_;
-    std::unordered_map<const ostrevan::metadb_handle*, std::optional<std::uint64_t>> keys_;  // a file is read once
+    std::unordered_map<const ostrevan::metadb_handle*, keys_in_file> keys_;  // a file is read once
     std::atomic<std::size_t> done_ = 0;
 };
 
@@ -58,8 +68,9 @@ private:
 
 /// The thread is an own one and not the player's: it never outlives this call, whatever happens here, which a task that has
 /// been handed over could not promise.
-void ReadKeysInFiles(std::vector<GatheredTrack>& gathered, ostrevan::progress_scope& progress) {
-    unknown_tracks tracks(gathered);
+void ReadKeysInFiles(std::vector<GatheredTrack>& gathered, ostrevan::progress_scope& progress,
+                     const ostrevan::index_client_ptr& older_mapping) {
+    unknown_tracks tracks(gathered, older_mapping.get());
     if (tracks.size() == 0) return;
     std::binary_semaphore finished(0);
     const std::jthread worker([&](const std::stop_token& stop) {

@@ -36,6 +36,8 @@ public:
     [[nodiscard]] t_playback_stats read(std::uint64_t key) const;
     /// Between `begin` and `commit`. Key 0 is never written.
     void write(std::uint64_t key, const t_playback_stats& record);
+    /// Whether what has been written is seen already and stays, whatever becomes of the operation.
+    [[nodiscard]] bool writes_at_once() const noexcept { return own_turn_.owns_lock(); }
     /// Afterwards the writer may begin again.
     void commit();
 

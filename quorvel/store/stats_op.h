@@ -44,6 +44,8 @@ public:
     void begin() { writer_.begin(); }
     /// Makes the writes permanent. Nothing may be written afterwards.
     void commit() { writer_.commit(); }
+    /// Whether something has been written that stays, although `commit` has not been called.
+    [[nodiscard]] bool has_taken_effect() const noexcept { return writer_.writes_at_once() && !written_.entries().empty(); }
     [[nodiscard]] bool has_written(std::uint64_t key) const noexcept { return written_.find(key) != nullptr; }
     /// Each key written, once, in the order of the first write.
     [[nodiscard]] std::vector<std::uint64_t> changed_keys() const { return written_.keys(); }

@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "ostrevan/exceptions.h"
-#include "quorvel/store/timestamp.h"
 #include "tests/support/statistics_test.h"
 
 #ifdef __unix__
@@ -16,7 +15,7 @@ using ostrevan::metadb_handle_list;
 using ostrevan::popup_message_v3;
 using quorvel::t_playback_stats;
 
-constexpr std::uint64_t moment = 133'541'244'480'000'000;
+constexpr std::uint64_t moment = 133'541'244'480'000'000, second = 10'000'000, earlier = 133'500'000'000'000'000;
 
 /// A selection that says how long it is and has nothing in it.
 struct empty_selection final : nuv::list_base_const_t<ostrevan::metadb_handle_ptr> {
@@ -119,14 +118,17 @@ TEST_F(clipboard_transfer, writes_file_tags_of_local_tracks_when_wanted) {
     EXPECT_EQ(request.tracks.items(), std::vector<ostrevan::metadb_handle_ptr>{to[0]});
     EXPECT_EQ(request.options, 0U);
     EXPECT_TRUE(request.notify);
+    player.tag_updates.run_next();
+    EXPECT_EQ(to[0]->info()->info(), support::make_info({{"artist", "b"}, {"title", "x"}, {"play_count", "4"}}));
 }
 
 TEST_F(clipboard_transfer, previews_five_records_and_counts_the_rest) {
-    const std::string time(quorvel::FormatTimestamp(moment).view());
     const std::string head = "The following data is about to be imported, overwriting your current playback statistics:\n\n";
-    EXPECT_EQ(
-        preview_of(1, {.play_count = 3, .first_played = moment, .last_played = moment, .added = moment, .rating = 128}),
-        head + "Item: t0\nPlayed 3 times, first: " + time + ", last: " + time + ", added: " + time + ", rating: ***\n\n");
+    const t_playback_stats all{
+        .play_count = 3, .first_played = moment, .last_played = moment + second, .added = earlier, .rating = 128};
+    EXPECT_EQ(preview_of(1, all), head +
+                                      "Item: t0\nPlayed 3 times, first: 2024-03-05 20:30:48, last: 2024-03-05 20:30:49, "
+                                      "added: 2024-01-18 02:50:00, rating: ***\n\n");
     std::string items;
     for (const char* title : {"t0", "t1", "t2", "t3", "t4"})
         items += std::string("Item: ") + title + "\nPlayed 0 times, first: N/A, last: N/A, added: N/A, rating: N/A\n\n";

@@ -2,7 +2,6 @@
 
 #include "quorvel/interchange/export_fields.h"
 #include "quorvel/interchange/pcdb_export.h"
-#include "quorvel/store/timestamp.h"
 #include "tests/support/memory_tracks.h"
 
 namespace {
@@ -11,7 +10,7 @@ using quorvel::t_playback_stats;
 using quorvel::pcdb_export::writeEntry;
 
 constexpr std::uint64_t key = 0xABCDE;
-constexpr std::uint64_t moment = 133'541'244'480'000'000;
+constexpr std::uint64_t moment = 133'541'244'480'000'000, second = 10'000'000, earlier = 133'500'000'000'000'000;
 
 std::string entry_of(const t_playback_stats& record, std::uint32_t fields,
                      const quorvel::pcdb_export::track_list* items = nullptr) {
@@ -22,25 +21,22 @@ std::string entry_of(const t_playback_stats& record, std::uint32_t fields,
 }
 
 TEST(entry_writer, writes_the_selected_fields_that_are_set) {
-    const std::string local(quorvel::FormatTimestamp(moment).view());
     const auto entry = [](const std::string& fields) { return "  <Entry ID=\"00000000000abcde\" " + fields + "/>\n"; };
-    const auto time = [&](const std::string& name) {
-        return name + "=\"133541244480000000\" " + name + "Friendly=\"" + local + "\" ";
-    };
+    const std::string first = R"(FirstPlayed="133541244480000000" FirstPlayedFriendly="2024-03-05 20:30:48" )";
+    const std::string last = R"(LastPlayed="133541244490000000" LastPlayedFriendly="2024-03-05 20:30:49" )";
+    const std::string added = R"(Added="133500000000000000" AddedFriendly="2024-01-18 02:50:00" )";
     const t_playback_stats all{
-        .play_count = 12, .first_played = moment, .last_played = moment, .added = moment, .rating = 149};
+        .play_count = 12, .first_played = moment, .last_played = moment + second, .added = earlier, .rating = 149};
     struct {
         t_playback_stats record;
         std::uint32_t fields;
         std::string expected;
     } const rows[] = {
-        {all, 31,
-         entry("Count=\"12\" " + time("FirstPlayed") + time("LastPlayed") + time("Added") +
-               "Rating=\"149\" RatingFriendly=\"3\" ")},
+        {all, 31, entry("Count=\"12\" " + first + last + added + "Rating=\"149\" RatingFriendly=\"3\" ")},
         {all, 0, ""},
-        {all, quorvel::export_first_played, entry(time("FirstPlayed"))},
-        {all, quorvel::export_last_played, entry(time("LastPlayed"))},
-        {all, quorvel::export_added, entry(time("Added"))},
+        {all, quorvel::export_first_played, entry(first)},
+        {all, quorvel::export_last_played, entry(last)},
+        {all, quorvel::export_added, entry(added)},
         {{}, 31, entry("Count=\"0\" ")},
         {{}, 30, ""},
         {{.play_count = ~0ULL, .first_played = ~0ULL, .last_played = 1ULL << 63, .added = ~0ULL, .rating = 0xFFFFFFFE},

@@ -31,10 +31,12 @@ TEST_F(import_apply, finds_the_tracks_that_had_an_older_key) {
         const auto in_both = numbered("y");
         const auto in_playlist = numbered("z");
         const auto other = numbered("x", "4");
-        const auto unread = support::make_track("/album/w", {});
+        const auto in_file = support::make_track("/album/w", {}), unread = support::make_track("/album/v", {});
+        player.decoders.files = {{in_file->location(), in_both->info()->info()}};
+        in_file->forget_info();
         unread->forget_info();
         player.library.items = {in_library, in_both, other};
-        player.playlists.items = {in_both, in_playlist, unread, in_playlist};
+        player.playlists.items = {in_both, in_file, in_playlist, unread, in_playlist};
         const auto old_key = key_under(mapping, in_library);
         put(in_both, {.play_count = 50, .added = 6});
 

@@ -82,12 +82,13 @@ TEST_F(import_handlers, keeps_what_came_before_an_error) {
     }
 }
 
-TEST_F(import_handlers, refuses_other_documents) {
+TEST_F(import_handlers, passes_over_other_documents) {
     for (const char* text : {"", "a picture", R"(<Library Version="9"><Entry ID="1" Count="1"/></Library>)"}) {
-        EXPECT_EQ(import(text), messages{"Unsupported format or corrupted file"});
+        EXPECT_EQ(import(text), messages{});
         EXPECT_EQ(player.console.lines.back(), "Playback statistics import: records read: 0, statistics changed: 0");
     }
-    EXPECT_TRUE(player.index.keys(quorvel::statistics_index_guid).empty());
+    EXPECT_EQ(import("<other/>" + under_active(entry(9, R"(Count="1")"))), messages{});
+    EXPECT_EQ(quorvel::PCDB::GetByKey(9).play_count, 1U);
 }
 
 TEST_F(import_handlers, needs_an_index_for_paths_only) {
@@ -96,15 +97,23 @@ TEST_F(import_handlers, needs_an_index_for_paths_only) {
     EXPECT_EQ(import(under_active(entry_of(0, all_attributes))), messages{});
 }
 
-TEST_F(import_handlers, changes_nothing_when_interrupted_and_saves_what_it_can) {
+TEST_F(import_handlers, says_what_an_interrupted_or_failed_import_has_changed) {
     std::string entries;
     for (std::uint64_t key = 1; key <= 300; ++key) entries += entry(key, R"(Count="1")");
+    const auto records = [&] { return player.index.keys(quorvel::statistics_index_guid).size(); };
     player.progress.abort = true;
     EXPECT_EQ(import(under_active(entries)), messages{"Interrupted. No statistics have been changed"});
+    EXPECT_EQ(records() + player.index.refreshes.size(), 0U);
+    player.index.offer_transactions = false;
+    EXPECT_EQ(import(under_active(entries)), messages{"Interrupted after 255 records were changed"});
+    EXPECT_EQ(records(), 255U);
+    EXPECT_EQ(player.index.refreshes.at(0).size(), 255U);
+    EXPECT_EQ(import(under_active(entries)), messages{"Interrupted. No statistics have been changed"});
+    player.index.offer_transactions = true;
     player.progress.abort = false;
-    player.index.writes_until_failure = 299;
+    player.index.writes_until_failure = 44;
     EXPECT_EQ(import(under_active(entries)), messages{"index cannot be written"});
-    EXPECT_EQ(player.index.keys(quorvel::statistics_index_guid).size(), 299U);
+    EXPECT_EQ(records(), 299U);
 }
 
 }  // namespace
