@@ -1,6 +1,5 @@
 #include "ostrevan/field_provider.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -9,6 +8,7 @@
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/registration.h"
+#include "quorvel/host/played_per_day.h"
 #include "quorvel/host/stars.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/timestamp.h"
@@ -46,16 +46,6 @@ bool write_hundredths(std::int64_t hundredths, text_out& out) {
     return write(out, {buffer.data(), end}, true);
 }
 
-/// Plays a day between the first and the last play. The play that opens the span does not count, and a short span never
-/// gives more plays a day than there were plays.
-double plays_per_day(const t_playback_stats& record) {
-    if (record.first_played == 0 || record.last_played == 0 || record.play_count == 0) return 0;
-    const double seconds = static_cast<double>(record.last_played) * 1e-7 - static_cast<double>(record.first_played) * 1e-7;
-    if (!(seconds > 0)) return 0;
-    return std::min(static_cast<double>(record.play_count),
-                    static_cast<double>(record.play_count - 1) * (86400.0 / seconds));
-}
-
 bool write_first_played(const t_playback_stats& record, text_out& out) { return write_time(record.first_played, out); }
 bool write_last_played(const t_playback_stats& record, text_out& out) { return write_time(record.last_played, out); }
 bool write_added(const t_playback_stats& record, text_out& out) { return write_time(record.added, out); }
@@ -66,7 +56,7 @@ bool write_play_count(const t_playback_stats& record, text_out& out) {
 }
 
 bool write_played_per_day(const t_playback_stats& record, text_out& out) {
-    const double rate = plays_per_day(record);
+    const double rate = played_per_day(record);
     // A rate too small to show is still a rate: it gives "0.00".
     return rate > 0 ? write_hundredths(std::llround(rate * 100.0), out) : write(out, "?", false);
 }

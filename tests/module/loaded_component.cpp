@@ -27,16 +27,11 @@ ostrevan::get_interface_function loaded_library::entry() const {
 
 int loaded_library::call(const char* name) const { return reinterpret_cast<int (*)()>(address_of(name))(); }
 
-bool tiny_player::run_main(const std::string& name) {
-    bool found = false;
-    ostrevan::for_each_service<ostrevan::main_menu_commands>([&](auto& group) {
-        for (std::size_t i = 0; !found && i < group.get_command_count(); ++i) {
-            if (group.get_name(i) != name) continue;
-            found = true;
-            group.execute(i);
-        }
-    });
-    return found;
+void tiny_player::run_main(const std::string& name) {
+    auto& menu = player_.component_service<ostrevan::main_menu_commands>();
+    for (std::size_t i = 0; i < menu.get_command_count(); ++i)
+        if (menu.get_name(i) == name) return menu.execute(i);
+    throw std::runtime_error("the main menu has no '" + name + "'");
 }
 
 void tiny_player::run_context(const std::string& name, const ostrevan::metadb_handle_list& tracks) {

@@ -34,8 +34,8 @@ public:
     support::memory_player* operator->() noexcept { return &player_; }
     support::memory_player& operator*() noexcept { return player_; }
 
-    /// Runs a command of the main menu by its name; false when there is none.
-    bool run_main(const std::string& name);
+    /// Runs a command of the main menu.
+    void run_main(const std::string& name);
     /// A command of the context menu and how it is shown for these tracks.
     void run_context(const std::string& name, const ostrevan::metadb_handle_list& tracks);
     [[nodiscard]] bool is_grayed(const std::string& name, const ostrevan::metadb_handle_list& tracks);

@@ -1,6 +1,5 @@
 #include "ostrevan/field_provider.h"
 
-#include "quorvel/store/timestamp.h"
 #include "tests/support/statistics_test.h"
 
 namespace {
@@ -22,71 +21,62 @@ protected:
     ostrevan::field_provider& provider = player.component_service<ostrevan::field_provider>();
     support::memory_track_ptr track = support::make_track("/a", {{"artist", "a"}, {"title", "t"}});
 
-    /// "text" when the field was found, "text?" when not.
-    std::string field(const std::string& name, ostrevan::metadb_handle* of) {
-        for (std::size_t i = 0; i < provider.get_field_count(); ++i) {
-            if (provider.get_field_name(i) != name) continue;
+    /// The fields from one to another, each as "text" when it was found and "text?" when not, with "|" between them.
+    std::string fields(ostrevan::metadb_handle* of, std::size_t first = 0, std::size_t last = 7) {
+        std::string all;
+        for (std::size_t i = first; i <= last; ++i) {
             recording_out out;
             const bool found = provider.process_field(i, of, out);
-            EXPECT_EQ(out.writes.size(), 1U) << name;
-            return out.writes.at(0) + (found ? "" : "?");
+            EXPECT_EQ(out.writes.size(), 1U) << i;
+            all += (i == first ? "" : "|") + out.writes.at(0) + (found ? "" : "?");
         }
-        return "no such field";
+        return all;
     }
 };
 
 TEST_F(field_provider, formats_every_field_of_a_record) {
-    struct row {
-        quorvel::t_playback_stats record;
-        const char* field;
-        std::string text;
+    const std::pair<quorvel::t_playback_stats, const char*> rows[] = {
+        {{}, "N/A?|N/A?|0?|??|N/A?|?|?|?"},
+        {{.play_count = 4, .first_played = moment, .last_played = moment + 2 * day, .added = moment - day, .rating = 149},
+         "2024-03-05 20:30:48|2024-03-07 20:30:48|4|1.50|2024-03-04 20:30:48|3|★★★|★★★☆☆"},
+        {{.play_count = ~0ULL, .rating = 0}, "N/A?|N/A?|18446744073709551615|??|N/A?|0||☆☆☆☆☆"},
+        {{.first_played = moment, .rating = 234}, "2024-03-05 20:30:48|N/A?|0?|??|N/A?|5|★★★★★|★★★★★"},
+        {{.last_played = moment, .rating = 300}, "N/A?|2024-03-05 20:30:48|0?|??|N/A?|5|★★★★★|★★★★★"},
+        {{.added = moment, .rating = 0x2AAAAAAB}, "N/A?|N/A?|0?|??|2024-03-05 20:30:48|5|★★★★★|★★★★★"},
     };
-    const std::string time(quorvel::FormatTimestamp(moment).view());
-    const std::vector<row> rows = {
-        {{}, "first_played", "N/A?"},
-        {{}, "last_played", "N/A?"},
-        {{}, "added", "N/A?"},
-        {{}, "play_count", "0?"},
-        {{}, "played_per_day", "??"},
-        {{}, "rating", "?"},
-        {{}, "rating_stars", "?"},
-        {{}, "rating_stars_fixed", "?"},
-        {{.first_played = moment}, "first_played", time},
-        {{.last_played = moment}, "last_played", time},
-        {{.added = moment}, "added", time},
-        {{.play_count = 18446744073709551615U}, "play_count", "18446744073709551615"},
-        {{.play_count = 1, .first_played = moment, .last_played = moment}, "played_per_day", "??"},
-        {{.play_count = 1, .first_played = moment, .last_played = moment + day}, "played_per_day", "??"},
-        {{.play_count = 2, .first_played = moment, .last_played = moment + day}, "played_per_day", "1.00"},
-        {{.play_count = 4, .first_played = moment, .last_played = moment + 2 * day}, "played_per_day", "1.50"},
-        {{.play_count = 2, .first_played = moment, .last_played = moment + 14 * day}, "played_per_day", "0.07"},
-        {{.play_count = 2, .first_played = moment, .last_played = moment + 250 * day}, "played_per_day", "0.00"},
-        {{.play_count = 10, .first_played = moment, .last_played = moment + 60 * second}, "played_per_day", "10.00"},
-        {{.play_count = 9, .first_played = moment + day, .last_played = moment}, "played_per_day", "??"},
-        {{.play_count = 9, .first_played = 0, .last_played = moment}, "played_per_day", "??"},
-        {{.play_count = 9, .first_played = moment, .last_played = 0}, "played_per_day", "??"},
-        {{.rating = 0}, "rating", "0"},
-        {{.rating = 0}, "rating_stars", ""},
-        {{.rating = 0}, "rating_stars_fixed", "☆☆☆☆☆"},
-        {{.rating = 149}, "rating", "3"},
-        {{.rating = 149}, "rating_stars", "★★★"},
-        {{.rating = 149}, "rating_stars_fixed", "★★★☆☆"},
-        {{.rating = 234}, "rating", "5"},
-        {{.rating = 234}, "rating_stars", "★★★★★"},
-        {{.rating = 234}, "rating_stars_fixed", "★★★★★"},
-        {{.rating = 300}, "rating", "5"},
-        {{.rating = 0x2AAAAAAB}, "rating_stars_fixed", "★★★★★"},
-    };
-    for (const auto& [record, name, text] : rows) {
+    for (const auto& [record, texts] : rows) {
         put(track, record);
-        EXPECT_EQ(field(name, track.get()), text) << name;
+        EXPECT_EQ(fields(track.get()), texts);
+    }
+}
+
+TEST_F(field_provider, rounds_and_caps_the_plays_of_a_day) {
+    const struct {
+        std::uint64_t count, first, last;
+        const char* text;
+    } rows[] = {
+        {1, moment, moment, "??"},
+        {1, moment, moment + day, "??"},
+        {2, moment, moment + day, "1.00"},
+        {2, moment, moment + 14 * day, "0.07"},
+        {2, moment, moment + 8 * day, "0.13"},
+        {2, moment, moment + 250 * day, "0.00"},
+        {5, moment, moment, "??"},
+        {10, moment, moment + 60 * second, "10.00"},
+        {9, moment + day, moment, "??"},
+        {9, 0, moment, "??"},
+        {9, moment, 0, "??"},
+    };
+    for (const auto& [count, first, last, text] : rows) {
+        put(track, {.play_count = count, .first_played = first, .last_played = last});
+        EXPECT_EQ(fields(track.get(), 3, 3), text) << count << ' ' << first << ' ' << last;
     }
 }
 
 TEST_F(field_provider, takes_a_missing_track_for_one_without_statistics) {
-    EXPECT_EQ(field("play_count", nullptr), "0?");
+    EXPECT_EQ(fields(nullptr, 2, 2), "0?");
     track->forget_info();
-    EXPECT_EQ(field("first_played", track.get()), "N/A?");
+    EXPECT_EQ(fields(track.get(), 0, 0), "N/A?");
 }
 
 TEST_F(field_provider, gives_times_to_sort_by) {
@@ -95,16 +85,6 @@ TEST_F(field_provider, gives_times_to_sort_by) {
     std::vector<std::optional<std::uint64_t>> got;
     for (std::size_t i = 0; i < 4; ++i) got.push_back(values->sort_value(i, *track));
     EXPECT_EQ(got, (std::vector<std::optional<std::uint64_t>>{0, moment + 1, std::nullopt, std::nullopt}));
-}
-
-TEST_F(field_provider, keeps_the_positions_that_the_player_knows) {
-    const std::vector<std::string> names = {"first_played", "last_played", "play_count",   "played_per_day",
-                                            "added",        "rating",      "rating_stars", "rating_stars_fixed"};
-    ASSERT_EQ(provider.get_field_count(), names.size());
-    for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(provider.get_field_name(i), names[i]);
-    recording_out out;
-    EXPECT_DEATH((void)provider.get_field_name(8), "Bug check");
-    EXPECT_DEATH(provider.process_field(8, track.get(), out), "Bug check");
 }
 
 }  // namespace

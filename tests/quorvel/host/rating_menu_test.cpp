@@ -91,6 +91,7 @@ TEST_F(rating_menu, is_hidden_without_tracks_unless_commands_are_enumerated) {
     EXPECT_TRUE(item->item_get_display_data(entry, 0, metadb_handle_list{}, enumeration));
 }
 
+/// Copies of a track share a record, which a step moves once.
 TEST_F(rating_menu, runs_every_entry_by_menu_and_by_identifier) {
     struct row {
         const char* entry;
@@ -111,51 +112,44 @@ TEST_F(rating_menu, runs_every_entry_by_menu_and_by_identifier) {
         {"+", "{3AEF56A1-03A5-4EB7-AE6C-7AE32B4847D6}", rating_not_set, 149},
         {"+", "{3AEF56A1-03A5-4EB7-AE6C-7AE32B4847D6}", 234, 234},
     };
+    const auto track = rated("t", 0);
+    const metadb_handle_list both{track, support::make_track("/copies/t", {{"artist", "a"}, {"title", "t"}})};
     for (const auto& [entry, id, from, to] : rows) {
-        const auto track = rated("t", from);
-        choose(*open({track}), entry);
+        put(track, {.rating = from});
+        choose(*open(both), entry);
         EXPECT_EQ(stored(track).rating, to) << entry << " in the menu";
         EXPECT_EQ(player.index.refreshes.size(), from == to ? 0U : 1U);
 
         put(track, {.rating = from});
-        item->context_command_by_node(0, *nuv::parse_guid(id), metadb_handle_list{track}, {});
+        item->context_command_by_node(0, *nuv::parse_guid(id), both, {});
         EXPECT_EQ(stored(track).rating, to) << entry << " by identifier";
     }
-    const auto track = rated("t", 149);
-    item->context_command_by_node(0, rating_item, metadb_handle_list{track}, {});
-    EXPECT_EQ(stored(track).rating, 149U);
+    item->context_command_by_node(0, rating_item, both, {});
+    EXPECT_EQ(stored(track).rating, 234U);
 }
 
 TEST_F(rating_menu, asks_only_beyond_a_hundred_different_tracks) {
-    auto tracks = support::make_tracks(90);
+    auto tracks = support::make_tracks(100);
     for (std::size_t i = 0; i < 60; ++i) tracks.items().push_back(tracks[i]);
     quorvel::editRating(tracks, 63, 0);
     EXPECT_TRUE(player.popups.questions().empty());
-    EXPECT_EQ(stored(tracks[89]).rating, 63U);
     ASSERT_EQ(player.index.refreshes.size(), 1U);
-    EXPECT_EQ(player.index.refreshes[0].size(), 90U);
+    EXPECT_EQ(player.index.refreshes[0].size(), 100U);
 
-    quorvel::editRating(support::make_tracks(100), 106, 0);
-    EXPECT_TRUE(player.popups.questions().empty());
-}
-
-TEST_F(rating_menu, changes_many_tracks_only_after_yes) {
-    auto tracks = support::make_tracks(101);
+    tracks = support::make_tracks(101);
+    const auto last = tracks[100];
     for (const unsigned answer : {popup_message_v3::answer_no, popup_message_v3::answer_ok, popup_message_v3::answer_yes}) {
-        quorvel::editRating(tracks, rating_not_set, +1);
+        quorvel::editRating(metadb_handle_list(tracks), rating_not_set, +1);
         ASSERT_EQ(player.popups.questions().size(), 1U);
         const auto& question = player.popups.questions()[0];
         EXPECT_EQ(question.text, "You're about to edit rating of 101 tracks. Continue?");
         EXPECT_EQ(question.title, "Warning");
         EXPECT_EQ(question.style, 4U);
         EXPECT_EQ(question.parent, player.main_window());
-        EXPECT_EQ(stored(tracks[100]).rating, rating_not_set);
-
-        const auto last = tracks[100];
-        if (answer == popup_message_v3::answer_yes) tracks.items().clear();  // the question keeps a list of its own
+        EXPECT_EQ(stored(last).rating, rating_not_set);
         player.popups.answer(answer);
-        EXPECT_EQ(stored(last).rating, answer == popup_message_v3::answer_yes ? 149U : rating_not_set);
     }
+    EXPECT_EQ(stored(last).rating, 149U);
 }
 
 TEST_F(rating_menu, lets_file_tags_follow_when_the_user_wants_that) {

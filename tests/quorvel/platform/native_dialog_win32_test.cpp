@@ -61,15 +61,10 @@ void expect_room_for_text(HWND control) {
     GetClientRect(control, &area);
     const SIZE text = size_of_text(control);
     EXPECT_TRUE(text.cx < area.right && text.cy <= area.bottom) << text_of(control);
+    if (SendMessageW(control, WM_GETDLGCODE, 0, 0) != DLGC_STATIC) return;
     const auto drawing = drawing_of(control, area.right);
-    const auto code = SendMessageW(control, WM_GETDLGCODE, 0, 0);
-    if (code == DLGC_STATIC) {
-        EnableWindow(control, FALSE);
-        EXPECT_NE(drawing_of(control, area.right), drawing) << "greyed";
-    }
-    if ((code & (DLGC_BUTTON | DLGC_UNDEFPUSHBUTTON | DLGC_DEFPUSHBUTTON)) == DLGC_BUTTON) {
-        EXPECT_EQ(points_drawn(drawing), points_drawn(drawing_of(control, 2 * area.right))) << text_of(control);
-    }
+    EnableWindow(control, FALSE);
+    EXPECT_NE(drawing_of(control, area.right), drawing) << "greyed";
 }
 
 TEST_F(native_dialogs, have_room_for_every_text) {

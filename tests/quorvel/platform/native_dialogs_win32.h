@@ -66,11 +66,6 @@ inline std::vector<std::uint32_t> drawing_of(HWND control, LONG width) {
     return drawing;
 }
 
-/// How many points have another colour than the upper right corner.
-inline auto points_drawn(const std::vector<std::uint32_t>& drawing) {
-    return std::ranges::count_if(drawing, [&](auto point) { return point != drawing.back(); });
-}
-
 /// Dialogs of the system, owned by a window of a player that draws none itself.
 class native_dialogs : public support::statistics_test {
 protected:

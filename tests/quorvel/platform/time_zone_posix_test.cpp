@@ -3,7 +3,9 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,48 +17,37 @@ using quorvel::time_zone;
 
 namespace {
 
-/// The C library in another zone, for as long as this lives.
-class c_library_zone {
-public:
-    explicit c_library_zone(const std::string& name) {
-        if (const char* before = std::getenv("TZ")) before_ = before;
-        set(name.c_str());
-    }
-    ~c_library_zone() { before_.empty() ? unset() : set(before_.c_str()); }
+/// Puts the C library into another zone and returns the one that it was in.
+std::string change_zone(const std::string& name) {
+    const std::string before = std::getenv("TZ");
+    setenv("TZ", name.c_str(), 1);
+    tzset();
+    return before;
+}
 
-    [[nodiscard]] static civil_time local(std::uint64_t time) {
-        const auto seconds = static_cast<std::time_t>(time / quorvel::filetime_per_second) -
-                             static_cast<std::time_t>(quorvel::filetime_of_1970 / quorvel::filetime_per_second);
-        std::tm t{};
-        localtime_r(&seconds, &t);
-        return {t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, 0};
-    }
-
-private:
-    static void set(const char* name) {
-        setenv("TZ", name, 1);
-        tzset();
-    }
-    static void unset() {
-        unsetenv("TZ");
-        tzset();
-    }
-    std::string before_;
-};
+civil_time local_by_the_c_library(std::uint64_t time) {
+    const auto seconds = static_cast<std::time_t>(time / quorvel::filetime_per_second) -
+                         static_cast<std::time_t>(quorvel::filetime_of_1970 / quorvel::filetime_per_second);
+    std::tm t{};
+    localtime_r(&seconds, &t);
+    return {t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, 0};
+}
 
 std::uint64_t utc(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
     static const auto zone = time_zone::load("UTC0");
     return zone->to_utc({year, month, day, hour, minute, second}).value();
 }
 
+/// Every zone of the system's database, known by the first bytes of its file.
 std::vector<std::string> database_zones() {
     namespace fs = std::filesystem;
     const fs::path root = "/usr/share/zoneinfo";
     std::vector<std::string> names;
-    if (!fs::exists(root)) return names;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const auto name = entry.path().lexically_relative(root).string();
-        if (entry.is_regular_file() && !name.starts_with("right/") && time_zone::load(name)) names.push_back(name);
+        std::string magic(4, '\0');
+        std::ifstream(entry.path()).read(magic.data(), 4);
+        if (magic == "TZif" && !name.starts_with("right/")) names.push_back(name);
     }
     return names;
 }
@@ -65,11 +56,13 @@ std::vector<std::string> database_zones() {
 
 TEST(time_zone, agrees_with_the_c_library_everywhere) {
     auto names = database_zones();
-    if (names.empty()) GTEST_SKIP() << "no zone database on this machine";
     const auto zones = names.size();
+    ASSERT_GT(zones, 300U) << "the zone database is missing: install the package tzdata";
     for (const char* rule : {"PST8PDT,M3.2.0,M11.1.0", "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", "IST-1GMT0,M10.5.0,M3.5.0/1",
                              "XXX3YYY,J60/-1,300/26:30:15", "<-02>2"})
         names.emplace_back(rule);
+    const std::set<std::string> looked_at_closely{"America/Los_Angeles", "Australia/Lord_Howe", "Europe/Dublin",
+                                                  "Africa/Casablanca",   "Pacific/Apia",        "America/Sao_Paulo"};
 
     std::mt19937_64 random(1);
     std::uniform_int_distribution<std::uint64_t> recent(utc(1900, 1, 1), utc(2100, 1, 1));
@@ -78,32 +71,25 @@ TEST(time_zone, agrees_with_the_c_library_everywhere) {
         const auto& name = names[n];
         const auto zone = time_zone::load(name);
         ASSERT_TRUE(zone) << name;
-        const c_library_zone reference(name);
+        const auto zone_before = change_zone(name);
         for (int i = 0; i < 300; ++i) {
             auto time = (i % 3 == 0 ? whenever(random) : recent(random)) / 10'000'000 * 10'000'000;
             // The C library applies a bare rule to years since 1970 only.
             if (n >= zones && time < quorvel::filetime_of_1970) time += utc(2001, 1, 1);
             const auto local = zone->to_local(time);
-            ASSERT_EQ(local, c_library_zone::local(time)) << name << " at " << time;
+            ASSERT_EQ(local, local_by_the_c_library(time)) << name << " at " << time;
             if (local->year < 1601) continue;
             const auto back = zone->to_utc(*local);
             ASSERT_TRUE(back) << name << " at " << time;
             ASSERT_LE(*back, time) << name;
             ASSERT_EQ(zone->to_local(*back), local) << name << ": the first of two at most";
         }
-    }
-}
-
-TEST(time_zone, agrees_with_the_c_library_around_every_change_of_the_clock) {
-    for (const char* name : {"America/Los_Angeles", "Australia/Lord_Howe", "Europe/Dublin", "Africa/Casablanca",
-                             "Pacific/Apia", "America/Sao_Paulo"}) {
-        const auto zone = time_zone::load(name);
-        if (!zone) GTEST_SKIP() << "no zone database on this machine";
-        const c_library_zone reference(name);
         constexpr std::uint64_t half_hour = 1800 * quorvel::filetime_per_second;
-        for (auto time = utc(2010, 1, 1); time < utc(2012, 1, 1); time += half_hour)
+        const auto closely_until = looked_at_closely.contains(name) ? utc(2012, 1, 1) : 0;
+        for (auto time = utc(2010, 1, 1); time < closely_until; time += half_hour)
             for (const auto near : {time - 10'000'000, time})
-                ASSERT_EQ(zone->to_local(near), c_library_zone::local(near)) << name << " at " << near;
+                ASSERT_EQ(zone->to_local(near), local_by_the_c_library(near)) << name << " at " << near;
+        change_zone(zone_before);
     }
 }
 

@@ -23,16 +23,6 @@ std::optional<civil_time> local_by_the_system(std::uint64_t time) {
     return civil_time{t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds};
 }
 
-std::optional<std::uint64_t> utc_by_the_system(const civil_time& t) {
-    const auto word = [](std::int32_t number) { return static_cast<WORD>(number); };
-    const SYSTEMTIME local{word(t.year),   word(t.month),      0, word(t.day), word(t.hour), word(t.minute),
-                           word(t.second), word(t.millisecond)};
-    SYSTEMTIME utc;
-    FILETIME stamp;
-    if (!TzSpecificLocalTimeToSystemTime(nullptr, &local, &utc) || !SystemTimeToFileTime(&utc, &stamp)) return std::nullopt;
-    return std::uint64_t{stamp.dwHighDateTime} << 32 | stamp.dwLowDateTime;
-}
-
 std::uint64_t utc(int year, int month, int day, int hour = 0, int minute = 0) {
     const auto word = [](int number) { return static_cast<WORD>(number); };
     const SYSTEMTIME time{word(year), word(month), 0, word(day), word(hour), word(minute), 0, 0};
@@ -53,7 +43,7 @@ TEST(system_time, is_that_of_the_systems_calls) {
             const auto local = zone.to_local(moment);
             ASSERT_TRUE(local) << moment;
             ASSERT_EQ(local, local_by_the_system(moment)) << moment;
-            ASSERT_EQ(zone.to_utc(*local), utc_by_the_system(*local)) << moment;
+            ASSERT_EQ(zone.to_local(zone.to_utc(*local).value()), local) << moment;
         }
     for (const auto time : {std::uint64_t{0}, std::uint64_t{1}, utc(1700, 1, 1), utc(1970, 1, 1), utc(9999, 12, 31, 23),
                             utc(10000, 1, 1), utc(30827, 12, 30)})
@@ -84,7 +74,7 @@ TEST(system_time, changes_the_clocks_when_the_country_does) {
         {"UTC", {utc(2021, 7, 1, 0, 0), "2021-07-01 00:00:00"}},
     };
     const char* const zone = std::getenv("TZ");
-    if (zone == nullptr || !changes.contains(zone)) GTEST_SKIP() << "for the zones of the table";
+    ASSERT_TRUE(zone != nullptr && changes.contains(zone)) << "the environment variable TZ must name a zone of the table";
     for (auto [row, end] = changes.equal_range(zone); row != end; ++row) {
         const auto& [time, expected] = row->second;
         EXPECT_EQ(text(time), expected);
