@@ -23,6 +23,18 @@ inline std::string bytes_of(const fs::path& path) {
 
 inline void put_bytes(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
+/// A change of one byte: that at an offset from the last occurrence of a marker.
+struct harm {
+    std::string marker = {};
+    std::size_t offset = 0;
+    int change = 0;
+
+    std::string operator()(std::string bytes) const {
+        if (change != 0) bytes.at(bytes.rfind(marker) + offset) += static_cast<char>(change);
+        return bytes;
+    }
+};
+
 /// What a command prints; a test that needs a missing program fails.
 inline std::string output_of(const std::string& command) {
     FILE* pipe = popen(command.c_str(), "r");
@@ -75,6 +87,12 @@ protected:
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), {}));
     }
 
+    /// The only file of the folder has these bytes: nothing was left beside it.
+    void expect_alone(const fs::path& path, const std::string& bytes) const {
+        EXPECT_TRUE(bytes_of(path) == bytes) << path;
+        EXPECT_EQ(files_in_folder(), 1u);
+    }
+
     fs::path folder_;
 };
 
@@ -98,6 +116,12 @@ std::string message_of(Call call) {
         return error.what();
     }
     return "(no error)";
+}
+
+/// What a rewrite says that should fail.
+inline std::string refusal_of(const fs::path& path, const field_edit& edit = set_field("title", "new"),
+                              const rewrite_faults* faults = nullptr) {
+    return message_of([&] { rewrite_file(path.string(), edit, {.faults = faults}); });
 }
 
 }  // namespace ostrevan::tags
