@@ -155,8 +155,9 @@ private:
         if (unseen_ == 0 && report_.absent.empty()) return;
         for (const auto& [path, file] : files_) {
             if (file.seen == number_) continue;
-            const auto place =
-                std::ranges::find_if(report_.absent, [&](const absent_place& each) { return is_below(path, each.path); });
+            // clang 14 lets a lambda capture a structured binding only under another name.
+            const auto place = std::ranges::find_if(
+                report_.absent, [&gone = path](const absent_place& each) { return is_below(gone, each.path); });
             if (place != report_.absent.end()) place->tracks_kept += file.tracks.size();
             else if (is_gone(path, file)) report_.gone.push_back(path);
         }

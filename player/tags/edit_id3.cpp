@@ -1,4 +1,3 @@
-#include <id3v2framefactory.h>
 #include <id3v2header.h>
 #include <id3v2tag.h>
 #include <tpropertymap.h>
@@ -8,6 +7,7 @@
 
 #include "player/tags/edit_tags.h"
 #include "player/tags/id3_frames.h"
+#include "player/tags/limited_frames.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -36,8 +36,8 @@ std::string header_bytes(const id3_frames& tag) {
 TagLib::PropertyMap properties_of(const id3_frame& frame, const id3_frames& tag) {
     ID3v2::Header header(to_vector(header_bytes(tag)));
     ID3v2::Tag alone;
-    if (auto* decoded = ID3v2::FrameFactory::instance()->createFrame(to_vector(frame_bytes(frame, tag.version)), &header))
-        alone.addFrame(decoded);
+    const limited_frames frames;
+    if (auto* decoded = frames.createFrame(to_vector(frame_bytes(frame, tag.version)), &header)) alone.addFrame(decoded);
     return alone.properties();
 }
 

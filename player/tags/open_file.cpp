@@ -6,7 +6,6 @@
 #include <asffile.h>
 #include <fcntl.h>
 #include <flacfile.h>
-#include <id3v2framefactory.h>
 #include <mp4file.h>
 #include <mpegfile.h>
 #include <oggflacfile.h>
@@ -21,7 +20,9 @@
 #include <cerrno>
 
 #include "player/tags/bytes.h"
+#include "player/tags/edit_bytes.h"
 #include "player/tags/errors.h"
+#include "player/tags/limits.h"
 #include "player/tags/xiph_reader.h"
 
 namespace ostrevan::tags {
@@ -30,27 +31,35 @@ namespace {
 using file_pointer = std::unique_ptr<TagLib::File>;
 
 template <class File>
-file_pointer open_ogg(TagLib::IOStream& stream) {
+file_pointer open_ogg(TagLib::IOStream& stream, limited_frames&) {
     return std::make_unique<File>(&stream, false);
 }
 
 template <class File>
-file_pointer open_plain(TagLib::IOStream& stream) {
+file_pointer open_plain(TagLib::IOStream& stream, limited_frames&) {
     return std::make_unique<File>(&stream, true, TagLib::AudioProperties::Fast);
 }
 
 template <class File>
-file_pointer open_with_frames(TagLib::IOStream& stream) {
-    return std::make_unique<File>(&stream, TagLib::ID3v2::FrameFactory::instance(), true, TagLib::AudioProperties::Fast);
+file_pointer open_with_frames(TagLib::IOStream& stream, limited_frames& frames) {
+    return std::make_unique<File>(&stream, &frames, true, TagLib::AudioProperties::Fast);
 }
 
 /// In the order of `container`.
-constexpr file_pointer (*openers[])(TagLib::IOStream&) = {
-    open_with_frames<TagLib::MPEG::File>, open_with_frames<TagLib::FLAC::File>, open_ogg<TagLib::Ogg::Vorbis::File>,
-    open_ogg<TagLib::Ogg::Opus::File>,    open_ogg<TagLib::Ogg::Speex::File>,   open_ogg<TagLib::Ogg::FLAC::File>,
-    open_plain<TagLib::MP4::File>,        open_plain<TagLib::WavPack::File>,    open_plain<TagLib::APE::File>,
-    open_plain<TagLib::RIFF::WAV::File>,  open_plain<TagLib::RIFF::AIFF::File>, open_plain<TagLib::ASF::File>,
-    open_plain<TagLib::TrueAudio::File>,
+constexpr file_pointer (*openers[])(TagLib::IOStream&, limited_frames&) = {
+    open_with_frames<TagLib::MPEG::File>,
+    open_with_frames<TagLib::FLAC::File>,
+    open_ogg<TagLib::Ogg::Vorbis::File>,
+    open_ogg<TagLib::Ogg::Opus::File>,
+    open_ogg<TagLib::Ogg::Speex::File>,
+    open_ogg<TagLib::Ogg::FLAC::File>,
+    open_plain<TagLib::MP4::File>,
+    open_plain<TagLib::WavPack::File>,
+    open_plain<TagLib::APE::File>,
+    open_plain<TagLib::RIFF::WAV::File>,
+    open_plain<TagLib::RIFF::AIFF::File>,
+    open_plain<TagLib::ASF::File>,
+    open_with_frames<TagLib::TrueAudio::File>,
 };
 
 void require_regular(const std::string& path, const struct stat& about) {
@@ -89,6 +98,7 @@ bool is_read_here(container kind) { return kind == container::flac || is_ogg(kin
 
 void read_here(opened_file& opened) {
     opened.xiph_comment = read_xiph_comment(opened.kind, *opened.stream);
+    if (opened.xiph_comment) require_entries(entries_stated_by(*opened.xiph_comment));
     if (opened.kind == container::flac) opened.sound = sound_of_flac(*opened.stream);
     else if (opened.xiph_comment) opened.sound = sound_of_ogg(opened.kind, *opened.stream);
 }
@@ -100,8 +110,11 @@ bool has_other_tags(const opened_file& opened, file_stream::access mode) {
 }
 
 void open_with_library(opened_file& opened) {
+    require_limits(opened.kind, *opened.stream);
+    opened.frames = std::make_unique<limited_frames>();
     opened.stream->seek(0, TagLib::IOStream::Beginning);
-    opened.file = openers[static_cast<std::size_t>(opened.kind)](*opened.stream);
+    opened.file = openers[static_cast<std::size_t>(opened.kind)](*opened.stream, *opened.frames);
+    opened.frames->require_none_refused();
     const auto* properties = opened.file->isValid() ? opened.file->audioProperties() : nullptr;
     if (!is_read_here(opened.kind) && properties != nullptr) opened.sound = sound_of(opened.kind, *properties);
     if (opened.kind != container::true_audio) return;
@@ -124,7 +137,7 @@ descriptor open_regular(const std::string& path, file_stream::access mode) {
     return file;
 }
 
-opened_file open_audio(const std::string& path, file_stream::access mode) {
+opened_file open_audio(const std::string& path, file_stream::access mode) try {
     opened_file result;
     result.stream = std::make_unique<file_stream>(path, open_regular(path, mode), mode);
     const auto kind = detect(*result.stream, path);
@@ -138,6 +151,8 @@ opened_file open_audio(const std::string& path, file_stream::access mode) {
         throw tag_error(path, "is damaged or not an audio file of a supported format: no " + std::string(name_of(*kind)) +
                                   " sound was found in it");
     return result;
+} catch (const edit_error& refusal) {
+    throw tag_error(path, refusal.what());
 }
 
 }  // namespace ostrevan::tags

@@ -9,14 +9,16 @@
 
 #include "player/tags/file_stream.h"
 #include "player/tags/formats.h"
+#include "player/tags/limited_frames.h"
 #include "player/tags/sound.h"
 
 namespace ostrevan::tags {
 
-/// An audio file under TagLib. The stream outlives the file that reads from it.
+/// An audio file under TagLib. The stream and the frames outlive the file that uses them.
 struct opened_file {
     std::unique_ptr<file_stream> stream;
     container kind{};
+    std::unique_ptr<limited_frames> frames;
     /// Null where reading needs no library: Ogg, and FLAC with nothing but a Vorbis comment.
     std::unique_ptr<TagLib::File> file;
     ostrevan::tags::sound sound;

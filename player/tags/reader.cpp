@@ -12,9 +12,12 @@
 #include <wavpackfile.h>
 #include <xiphcomment.h>
 
+#include <new>
+
 #include "player/tags/asf_fields.h"
 #include "player/tags/changes.h"
 #include "player/tags/edit_bytes.h"
+#include "player/tags/errors.h"
 #include "player/tags/field_names.h"
 #include "player/tags/tag_entries.h"
 #include "player/tags/tag_fields.h"
@@ -109,6 +112,8 @@ file_info info_of(const opened_file& opened) {
     return info;
 }
 
-file_info read_file(const std::string& path) { return info_of(open_audio(path)); }
+file_info read_file(const std::string& path) try { return info_of(open_audio(path)); } catch (const std::bad_alloc&) {
+    throw tag_error(path, "needs more memory than there is; it may be damaged");
+}
 
 }  // namespace ostrevan::tags

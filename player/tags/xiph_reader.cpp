@@ -154,6 +154,10 @@ std::optional<std::string> read_xiph_comment(container kind, file_stream& stream
     }
 }
 
+std::uint64_t entries_stated_by(const std::string& comment) {
+    return little_endian(comment, 4 + little_endian(comment, 0, 4), 4);
+}
+
 tag_entries entries_of_comment(const std::string& comment) {
     tag_entries entries;
     for (const auto& entry : take_apart_xiph(comment).entries) {

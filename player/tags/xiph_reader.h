@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,9 @@ sound sound_of_flac(file_stream& stream);
 /// The Vorbis comment of a FLAC or Ogg file, without what is in front of it in its packet. Pictures and sound are not read,
 /// which makes this far cheaper than opening the file with the library.
 std::optional<std::string> read_xiph_comment(container kind, file_stream& stream);
+
+/// The number of entries that a comment begins with, whether they are there or not.
+std::uint64_t entries_stated_by(const std::string& comment);
 
 /// The fields in a comment; pictures are no fields. @throws edit_error when it is damaged.
 tag_entries entries_of_comment(const std::string& comment);
