@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <ctime>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -17,11 +18,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kept_copies = 5;
+constexpr std::size_t kept_copies = 7;  // for each reason
+constexpr const char* part_ending = ".part";
+constexpr auto user_only = fs::perms::owner_read | fs::perms::owner_write;
 
 [[noreturn]] void fail(const fs::path& path, const std::string& reason) {
     throw std::runtime_error("The backup " + path.string() + " cannot be made: " + reason +
-                             ". Nothing has been changed; make room on the disk or correct the permissions, and try again.");
+                             ". Make room on the disk or correct the permissions, and try again.");
 }
 
 void sync(const fs::path& path) {
@@ -41,26 +44,63 @@ std::string time_now() {
     return {text, std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &parts)};
 }
 
-bool is_copy_of(std::string_view stem, const std::string& name) {
-    constexpr std::string_view time_shape = "-dddddddd-dddddd-";
-    if (!name.starts_with(stem) || !name.ends_with(".sqlite") || name.size() < stem.size() + time_shape.size()) return false;
-    return std::ranges::equal(time_shape, std::string_view(name).substr(stem.size(), time_shape.size()),
-                              [](char shape, char c) { return shape == 'd' ? c >= '0' && c <= '9' : c == shape; });
+/// What a file name says: STEM-20260131-081500-REASON.sqlite.
+struct copy_name {
+    std::string name;
+    std::string time;
+    std::string reason;
+};
+
+std::vector<copy_name> copies_of(const fs::path& database) {
+    constexpr std::string_view shape = "-dddddddd-dddddd-", ending = ".sqlite";
+    const auto stem = database.stem().string();
+    std::vector<copy_name> copies;
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(database.parent_path() / "backup", ignored)) {
+        const auto name = entry.path().filename().string();
+        if (!name.starts_with(stem) || !name.ends_with(ending) || name.size() < stem.size() + shape.size() + ending.size())
+            continue;
+        const auto after = std::string_view(name).substr(stem.size());
+        if (!std::ranges::equal(shape, after.substr(0, shape.size()),
+                                [](char wanted, char c) { return wanted == 'd' ? c >= '0' && c <= '9' : c == wanted; }))
+            continue;
+        const auto reason = after.substr(shape.size(), after.size() - shape.size() - ending.size());
+        copies.push_back({name, std::string(after.substr(1, shape.size() - 2)), std::string(reason)});
+    }
+    return copies;
 }
 
-/// The oldest go, with what lies beside them. That this fails must not undo the copy just made.
-void drop_old(const fs::path& folder, const std::string& stem) {
-    std::vector<std::string> copies;
-    std::vector<fs::path> all;
+/// The oldest go, with what lies beside them. Copies of a later time were made by a wrong clock and count as the oldest, so
+/// that they never push out those of today. That this fails must not undo the copy just made.
+void drop_old(const fs::path& database, const std::string& now, std::string_view reason) {
+    auto copies = copies_of(database);
+    std::erase_if(copies, [&](const copy_name& copy) { return copy.reason != reason; });
+    std::ranges::sort(copies, {}, [&](const copy_name& copy) { return std::pair(copy.time <= now, copy.time); });
     std::error_code ignored;
-    for (const auto& entry : fs::directory_iterator(folder, ignored)) {
-        all.push_back(entry.path());
-        if (is_copy_of(stem, entry.path().filename().string())) copies.push_back(entry.path().filename().stem().string());
-    }
-    std::ranges::sort(copies);
+    std::vector<fs::path> all;
+    for (const auto& entry : fs::directory_iterator(database.parent_path() / "backup", ignored)) all.push_back(entry.path());
     for (std::size_t i = 0; i + kept_copies < copies.size(); ++i)
         for (const auto& path : all)
-            if (path.filename().string().starts_with(copies[i] + ".")) fs::remove(path, ignored);
+            if (path.filename().string().starts_with(fs::path(copies[i].name).stem().string() + "."))
+                fs::remove(path, ignored);
+}
+
+/// What a killed process left: nobody else makes copies while this one has the profile.
+void drop_unfinished(const fs::path& folder, const std::string& stem) {
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(folder, ignored)) {
+        const auto name = entry.path().filename().string();
+        if (name.starts_with(stem + "-") && name.ends_with(part_ending)) fs::remove(entry.path(), ignored);
+    }
+}
+
+bool is_whole(sqlite3* copy) {
+    sqlite3_stmt* raw = nullptr;
+    sqlite3_prepare_v2(copy, "PRAGMA quick_check(1)", -1, &raw, nullptr);
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> check(raw, sqlite3_finalize);
+    if (sqlite3_step(raw) != SQLITE_ROW) return false;
+    const auto* const answer = reinterpret_cast<const char*>(sqlite3_column_text(raw, 0));
+    return answer != nullptr && std::string_view(answer) == "ok";
 }
 
 void copy_pages(const database& source, const fs::path& to) {
@@ -68,6 +108,7 @@ void copy_pages(const database& source, const fs::path& to) {
     int code =
         sqlite3_open_v2(to.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXRESCODE, nullptr);
     const std::unique_ptr<sqlite3, int (*)(sqlite3*)> target(raw, sqlite3_close);
+    fs::permissions(to, user_only);
     if (code == SQLITE_OK) {
         auto* const backup = sqlite3_backup_init(raw, "main", source.handle(), "main");
         if (backup != nullptr) {
@@ -77,12 +118,13 @@ void copy_pages(const database& source, const fs::path& to) {
         code = sqlite3_extended_errcode(raw);
     }
     if (code != SQLITE_OK) fail(to, sqlite3_errstr(code));
+    if (!is_whole(raw)) fail(to, "the copy does not pass SQLite's check");
 }
 
 /// A copy under way, under a name that nobody takes for a whole one. Gone unless it was kept.
 class unfinished_copy {
 public:
-    explicit unfinished_copy(const fs::path& whole) : whole_(whole), part_(whole.string() + ".part") {}
+    explicit unfinished_copy(const fs::path& whole) : whole_(whole), part_(whole.string() + part_ending) {}
     unfinished_copy(const unfinished_copy&) = delete;
     unfinished_copy& operator=(const unfinished_copy&) = delete;
     ~unfinished_copy() {
@@ -106,6 +148,7 @@ void copy_beside(const fs::path& file, const fs::path& to) {
     unfinished_copy copy(to);
     std::error_code error;
     fs::copy_file(file, copy.path(), fs::copy_options::overwrite_existing, error);
+    if (!error) fs::permissions(copy.path(), user_only, error);
     if (error) fail(to, error.message());
     copy.keep();
 }
@@ -113,14 +156,17 @@ void copy_beside(const fs::path& file, const fs::path& to) {
 }  // namespace
 
 fs::path back_up(const database& source, std::string_view reason, const fs::path& beside) {
+    static std::mutex one_at_a_time;
+    const std::scoped_lock lock(one_at_a_time);
     const fs::path path(source.path());
     const auto folder = path.parent_path() / "backup";
     std::error_code error;
-    fs::create_directories(folder, error);
+    if (fs::create_directories(folder, error)) fs::permissions(folder, fs::perms::owner_all, error);
     if (error) fail(folder, error.message());
+    drop_unfinished(folder, path.stem().string());
 
-    const auto stem = path.stem().string();
-    const auto base = folder / (stem + "-" + time_now() + "-" + std::string(reason));
+    const auto now = time_now();
+    const auto base = folder / (path.stem().string() + "-" + now + "-" + std::string(reason));
     const fs::path whole = base.string() + ".sqlite";
     // The database comes last: where it stands, the set is complete.
     if (!beside.empty()) copy_beside(beside, base.string() + "." + beside.filename().string());
@@ -128,8 +174,18 @@ fs::path back_up(const database& source, std::string_view reason, const fs::path
     copy_pages(source, copy.path());
     copy.keep();
     sync(folder);
-    drop_old(folder, stem);
+    drop_old(path, now, reason);
     return whole;
 }
+
+void back_up_once_a_day(const database& source, std::string_view reason) {
+    const auto today = time_now().substr(0, std::string_view("20260131").size());
+    const auto copies = copies_of(source.path());
+    const bool is_made = std::ranges::any_of(
+        copies, [&](const copy_name& copy) { return copy.reason == reason && copy.time.starts_with(today); });
+    if (!is_made) back_up(source, reason);
+}
+
+bool has_copies(const fs::path& database) { return !copies_of(database).empty(); }
 
 }  // namespace ostrevan::sqlite

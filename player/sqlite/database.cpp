@@ -1,13 +1,22 @@
 #include "player/sqlite/database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
 #include <utility>
 
 #include "player/sqlite/backup.h"
+#include "player/sqlite/schema.h"
 
 namespace ostrevan::sqlite {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr int lock_wait_ms = 5000;
 
@@ -23,7 +32,7 @@ constexpr way_out ways_out[] = {
     {SQLITE_BUSY, "Another program is using it. End that program and try again."},
     {SQLITE_LOCKED, "Another program is using it. End that program and try again."},
     {SQLITE_FULL, "Nothing of this step was saved. Make room on the disk and try again."},
-    {SQLITE_READONLY, "Make the file and its folder writable and try again."},
+    {SQLITE_READONLY, "Make room on the disk, or the file and its folder writable, and try again."},
     {SQLITE_PERM, "Make the file and its folder writable and try again."},
     {SQLITE_CANTOPEN, "Check that its folder exists and is writable."},
     {SQLITE_IOERR, "Nothing of this step was saved. Check the disk and its free space, and try again."},
@@ -33,6 +42,23 @@ const char* way_out_of(int code) noexcept {
     for (const auto& way : ways_out)
         if (way.primary_code == (code & 0xFF)) return way.text;
     return "Nothing of this step was saved.";
+}
+
+bool is_about_writing(int code) noexcept {
+    constexpr int codes[] = {SQLITE_READONLY, SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_FULL, SQLITE_IOERR};
+    return std::ranges::find(codes, code & 0xFF) != std::end(codes);
+}
+
+/// Nothing that lies in the file is trusted.
+void harden(sqlite3* handle) {
+    constexpr struct {
+        int option, value;
+    } settings[] = {{SQLITE_DBCONFIG_DEFENSIVE, 1},
+                    {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+                    {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+                    {SQLITE_DBCONFIG_ENABLE_VIEW, 0}};
+    for (const auto& [option, value] : settings) sqlite3_db_config(handle, option, value, nullptr);
+    sqlite3_exec(handle, "PRAGMA cell_size_check=ON", nullptr, nullptr, nullptr);
 }
 
 std::string describe(const std::string& contents, const std::string& path, const std::string& what) {
@@ -121,31 +147,70 @@ std::span<const std::byte> statement::blob(int column) const noexcept {
 void database::closer::operator()(sqlite3* handle) const noexcept { sqlite3_close_v2(handle); }
 
 database::database(std::string path, const format& expected) : path_(std::move(path)), contents_(expected.contents) {
-    open(expected);
+    check_file();
+    try {
+        open(path_, expected);
+        if (sqlite3_db_readonly(handle_.get(), "main") == 1) fail(SQLITE_READONLY);
+    } catch (const error& refused) {
+        if (!is_about_writing(refused.code())) throw;
+        open_copy(expected);
+        if (!handle_) throw;
+    }
 }
 
 database::~database() = default;
 
-void database::open(const format& expected) {
+/// What SQLite would fail at without saying why, wait for, or take for a new database.
+void database::check_file() const {
+    std::error_code failed;
+    const auto status = fs::status(path_, failed);
+    if (status.type() == fs::file_type::not_found) {
+        // SQLite would let everybody read it. The files beside it get the rights of the database.
+        constexpr mode_t user_only = 0600;
+        const int made = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, user_only);
+        if (made >= 0) ::close(made);
+    } else if (!failed && status.type() != fs::file_type::regular) {
+        throw error(SQLITE_NOTADB, describe(contents_, path_, "is not a file. ") + way_out_of(SQLITE_NOTADB));
+    } else if (!failed && fs::file_size(path_, failed) == 0 && has_copies(path_)) {
+        throw error(SQLITE_CORRUPT, describe(contents_, path_, "is empty, but there are copies of an earlier one in ") +
+                                        (fs::path(path_).parent_path() / "backup").string() +
+                                        ". Put the newest in its place, or remove the empty file to start anew.");
+    }
+}
+
+void database::open(const std::string& file, const format& expected) {
     sqlite3* raw = nullptr;
     const int code =
-        sqlite3_open_v2(path_.c_str(), &raw,
+        sqlite3_open_v2(file.c_str(), &raw,
                         SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     handle_.reset(raw);
     if (code != SQLITE_OK) fail(code);
     sqlite3_busy_timeout(raw, lock_wait_ms);
+    harden(raw);
 
     // A file that is refused is not even tidied up on closing.
     sqlite3_db_config(raw, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     check_header(expected);
+    check_schema(expected);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
     // Only now, since this writes into the header of a database that is not in WAL mode yet.
     execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
 }
 
+/// For a file on a disk that is full or read-only: SQLite needs to write beside it even to read.
+void database::open_copy(const format& expected) {
+    handle_.reset();
+    copy_ = reading_copy::of(path_);
+    if (!copy_) return;
+    open(copy_->file(), expected);
+    execute("PRAGMA query_only=ON");
+}
+
 void database::check_header(const format& expected) {
     // An empty file is what a process leaves that was killed before its first commit.
-    const auto is_empty = [&] { return query_integer("SELECT count(*) FROM sqlite_schema") == 0; };
+    const auto is_empty = [&] {
+        return query_integer("SELECT count(*) FROM sqlite_schema") == 0 && query_integer("PRAGMA user_version") == 0;
+    };
     if (query_integer("PRAGMA application_id") == 0 && is_empty()) {
         transaction setup(*this);
         if (is_empty()) {
@@ -166,12 +231,26 @@ void database::check_header(const format& expected) {
     if (version < expected.version) upgrade(version, expected);
 }
 
+/// Tables of another form, and above all triggers and views, are not ours: nothing of them may run.
+void database::check_schema(const format& expected) {
+    const auto found = schema_of(handle_.get());
+    const auto wanted = schema_made_by(expected.schema);
+    if (!found || !wanted) fail(sqlite3_extended_errcode(handle_.get()));
+    if (found == wanted) return;
+    const auto foreign = std::ranges::find_if(*found, [&](const auto& each) { return !wanted->contains(each.first); });
+    throw error(SQLITE_NOTADB,
+                describe(contents_, path_,
+                         foreign != found->end() ? "holds what this program does not make (" + foreign->first + "). "
+                                                 : "has other tables than this program makes. ") +
+                    way_out_of(SQLITE_CORRUPT));
+}
+
 void database::upgrade(std::int64_t version, const format& expected) {
     const auto known = static_cast<std::int64_t>(expected.upgrades.size());
     if (version < 1 || expected.version - 1 > known)
         throw error(SQLITE_NOTADB, describe(contents_, path_, "has a format that this program does not know. ") +
                                        way_out_of(SQLITE_NOTADB));
-    back_up(*this, "format-" + std::to_string(version));
+    if (!copy_) back_up(*this, "format-" + std::to_string(version));
     transaction change(*this);
     for (auto step = version; step < expected.version; ++step)
         execute(expected.upgrades[static_cast<std::size_t>(step - 1)]);

@@ -3,10 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "player/sqlite/reading_copy.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -72,15 +75,19 @@ private:
 /// One connection to a database file. Used by one thread at a time. Not movable: its statements refer to it.
 class database {
 public:
-    /// Opens the file, or makes it when there is none. A file that is damaged, newer than this program, another program's or
-    /// no database at all is left as it is: `error` says which, and what the user can do. An older one is put aside as a
-    /// backup and brought up to date. The database is in WAL mode and commits are durable.
+    /// Opens the file, or makes it, for its user only, when there is none. A file that is damaged, newer than this program,
+    /// another program's, changed by one or no database at all is left as it is: `error` says which, and what the user can
+    /// do. So is an empty file where copies of an earlier one are kept. An older one is put aside as a backup and brought up
+    /// to date. The database is in WAL mode and commits are durable. Where the file is there and cannot be written, a
+    /// private copy of it is opened for reading.
     database(std::string path, const format& expected);
     ~database();
     database(const database&) = delete;
     database& operator=(const database&) = delete;
 
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
+    /// Whether nothing can be written; attempts throw.
+    [[nodiscard]] bool is_read_only() const noexcept { return copy_.has_value(); }
 
     /// One or more statements without parameters whose rows do not matter.
     void execute(const char* sql);
@@ -101,12 +108,16 @@ private:
     struct closer {
         void operator()(sqlite3* handle) const noexcept;
     };
-    void open(const format& expected);
+    void check_file() const;
+    void open(const std::string& file, const format& expected);
+    void open_copy(const format& expected);
     void check_header(const format& expected);
+    void check_schema(const format& expected);
     void upgrade(std::int64_t version, const format& expected);
 
     std::string path_;
     std::string contents_;
+    std::optional<reading_copy> copy_;  // outlives the connection to it
     std::unique_ptr<sqlite3, closer> handle_;
 };
 

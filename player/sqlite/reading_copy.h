@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace ostrevan::sqlite {
+
+/// A copy of a database, with the log that belongs to it, in a temporary folder that only the user can read and that goes
+/// with the object.
+class reading_copy {
+public:
+    /// In the first temporary folder with enough room. None when the database cannot be read or is empty, or there is no
+    /// room.
+    static std::optional<reading_copy> of(const std::string& database);
+
+    reading_copy(reading_copy&& other) noexcept : folder_(std::exchange(other.folder_, {})) {}
+    reading_copy& operator=(reading_copy&& other) noexcept {
+        std::swap(folder_, other.folder_);
+        return *this;
+    }
+    ~reading_copy();
+
+    [[nodiscard]] std::string file() const { return folder_ + "/copy.sqlite"; }
+
+private:
+    explicit reading_copy(std::string folder) noexcept : folder_(std::move(folder)) {}
+    std::string folder_;
+};
+
+}  // namespace ostrevan::sqlite
