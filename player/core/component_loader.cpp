@@ -62,6 +62,13 @@ std::vector<loaded_component> load_components(const std::string& folder, const p
     std::error_code error;
     for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end; it.increment(error))
         if (it->path().extension() == ".dll") paths.push_back(it->path().string());
+    if (folder.empty())
+        on_failure(
+            "No component is loaded, and so no play is counted: the system does not say where the program is "
+            "(/proc is not there). Name the folder with --components.");
+    else if (error)
+        on_failure("The components in " + folder + " are not loaded, and so no play may be counted: " + error.message() +
+                   ". Name the right folder with --components.");
     std::ranges::sort(paths);
 
     std::vector<loaded_component> loaded;
@@ -82,6 +89,14 @@ const component_version* version_of(const loaded_component& component) {
             return static_cast<const component_version*>(entry.service);
     }
     return nullptr;
+}
+
+/// An object begins with the address of its functions.
+std::string module_of(const service_base& service) {
+    Dl_info found{};
+    const void* const functions = *reinterpret_cast<const void* const*>(&service);
+    if (::dladdr(functions, &found) == 0 || found.dli_fname == nullptr) return "unknown";
+    return std::filesystem::path(found.dli_fname).filename().string();
 }
 
 std::string name_of(const loaded_component& component) {

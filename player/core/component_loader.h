@@ -20,12 +20,14 @@ struct loaded_component {
 loaded_component load_component(const std::string& path, const player_interface& player);
 
 /// Loads every module (`*.dll`, the name on every platform) of a folder in the order of their names. One that fails is
-/// reported and the rest go on. A folder that is not there is an empty one.
+/// reported and the rest go on; so is a folder that cannot be read.
 std::vector<loaded_component> load_components(const std::string& folder, const player_interface& player,
                                               const std::function<void(const std::string& message)>& on_failure);
 
 /// What a component says of itself; null when it says nothing. [main-thread]
 const component_version* version_of(const loaded_component& component);
+/// The name of the file that the code of a service comes from, such as "quorvel.dll". [any-thread]
+std::string module_of(const service_base& service);
 /// Its title, or else the name of its file. [main-thread]
 std::string name_of(const loaded_component& component);
 

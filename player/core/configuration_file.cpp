@@ -1,26 +1,36 @@
 #include "player/core/configuration_file.h"
 
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "player/core/durable_file.h"
 
 namespace ostrevan {
+namespace {
+
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    throw std::runtime_error("The configuration " + path + " cannot be read: " + reason +
+                             ". Correct the file, or move it away to start with the default settings.");
+}
+
+}  // namespace
 
 configuration_file::configuration_file(std::string path) : path_(std::move(path)) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path_, error);
+    if (status.type() == std::filesystem::file_type::not_found) return;
+    if (!error && !std::filesystem::is_regular_file(status)) refuse(path_, "it is not a file");
     std::ifstream file(path_, std::ios::binary);
-    if (!file) return;
-    try {
-        const auto stored = nlohmann::json::parse(file);
-        for (const auto& [name, value] : stored.items())
-            if (value.is_boolean()) values_[name] = value.get<bool>();
-        if (!stored.is_object()) throw std::runtime_error("it is not a JSON object");
-    } catch (const std::exception& error) {
-        throw std::runtime_error("The configuration " + path_ + " cannot be read: " + error.what() +
-                                 ". Correct the file, or move it away to start with the default settings.");
-    }
+    if (!file) refuse(path_, error ? error.message() : std::system_category().message(errno));
+    const auto stored = nlohmann::json::parse(file, nullptr, false);
+    if (!stored.is_object()) refuse(path_, "it is not a JSON object");
+    for (const auto& [name, value] : stored.items())
+        if (value.is_boolean()) values_[name] = value.get<bool>();
 }
 
 bool configuration_file::get_bool(const nuv::guid& id, bool fallback) const {
@@ -40,7 +50,8 @@ void configuration_file::set_bool(const nuv::guid& id, bool value) {
 }
 
 void configuration_file::write(const std::map<std::string, bool>& values) const {
-    replace_file(path_, nlohmann::json(values).dump(2) + "\n");
+    constexpr unsigned user_only = 0600;
+    replace_file(path_, nlohmann::json(values).dump(2) + "\n", user_only);
 }
 
 }  // namespace ostrevan

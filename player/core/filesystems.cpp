@@ -49,7 +49,10 @@ file_ptr network_filesystem::open(const char* path, open_mode /*mode*/) { not_sp
 bool network_filesystem::exists(const char* path) { not_spoken(path); }
 void network_filesystem::remove(const char* path) { not_spoken(path); }
 
-file_ptr local_filesystem::open(const char* path, open_mode mode) { return open_local_file(local_path(path), mode); }
+file_ptr local_filesystem::open(const char* path, open_mode mode) {
+    return mode == open_mode::read ? open_local_file(local_path(path), mode)
+                                   : open_new_file(local_path(path), on_unfinished_);
+}
 
 bool local_filesystem::exists(const char* path) {
     std::error_code error;

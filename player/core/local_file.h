@@ -6,8 +6,28 @@
 
 namespace ostrevan {
 
-/// A file of this machine. Throws as the file system's `open`. Only a regular file has a size; nothing waits for the other
-/// end of a pipe.
+/// A file of this machine. Only a regular file has a size; nothing waits for the other end of a pipe.
+class local_file : public file {
+public:
+    /// The path is for messages. Takes the descriptor over.
+    local_file(std::string path, int descriptor) noexcept;
+    local_file(const local_file&) = delete;
+    local_file& operator=(const local_file&) = delete;
+    ~local_file() override;
+
+    std::optional<std::uint64_t> size() override;
+    void seek(std::uint64_t position) override;
+    std::size_t read(void* buffer, std::size_t bytes) override;
+    void write(const void* bytes, std::size_t size) override;
+    void flush() override;
+
+protected:
+    [[noreturn]] void fail(const char* done) const;
+    const std::string path_;
+    const int descriptor_;
+};
+
+/// Opens what is there, such as a file to read or a device to write to. Throws as the file system's `open`.
 file_ptr open_local_file(const std::string& path, filesystem::open_mode mode);
 
 /// The exception of an error number: what failed, then the system's reason.

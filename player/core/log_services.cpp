@@ -1,7 +1,9 @@
 #include "player/core/log_services.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstddef>
-#include <fstream>
 
 namespace ostrevan {
 
@@ -20,9 +22,14 @@ void crash_log_impl::on_event(const char* line) {
 void crash_log_impl::write_crash(const char* text) noexcept {
     try {
         const std::lock_guard lock(mutex_);
-        std::ofstream file(path_, std::ios::app);
-        for (const auto& line : events_) file << line << '\n';
-        file << "Bug check: " << text << '\n';
+        std::string lines;
+        for (const auto& line : events_) lines += line + '\n';
+        lines += std::string("Bug check: ") + text + '\n';
+        // A pipe that lies in its place must not hold up the end of the process.
+        const int file = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0600);
+        if (file < 0) return;
+        (void)!::write(file, lines.data(), lines.size());
+        ::close(file);
     } catch (...) {  // the process ends with the text on standard error in any case
     }
 }

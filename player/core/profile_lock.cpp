@@ -2,8 +2,10 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <stdexcept>
@@ -13,37 +15,65 @@
 namespace ostrevan {
 namespace {
 
-std::string holder_of(int file) {
+/// The start of the file; a process number in a file that is ours.
+std::string content_of(int file) {
     std::array<char, 32> text{};
-    const auto size = ::pread(file, text.data(), text.size() - 1, 0);
-    return size > 0 ? std::string(text.data(), static_cast<std::size_t>(size)) : "unknown";
+    const auto size = ::pread(file, text.data(), text.size(), 0);
+    return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
+}
+
+/// A lock that is a link, or another program's file, is not written to.
+bool is_lock_file(int file) {
+    struct stat status {};
+    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+           content_of(file).find_first_not_of("0123456789") == std::string::npos;
+}
+
+bool is_not_writable(int error) noexcept {
+    return error == EROFS || error == EACCES || error == EPERM || error == ENOSPC || error == EDQUOT;
 }
 
 }  // namespace
 
 profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds patience) {
     const auto path = profile + "/lock";
-    file_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (file_ < 0)
-        throw std::runtime_error(
-            "Cannot open " + path + ": " + std::system_category().message(errno) +
-            ". Make room on the disk or the profile folder writable, or choose another with --profile.");
+    constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    file_ = ::open(path.c_str(), O_RDWR | O_CREAT | flags, 0600);
+    const bool is_writable = file_ >= 0;
+    if (!is_writable && is_not_writable(errno)) {
+        const int reason = errno;
+        file_ = ::open(path.c_str(), O_RDONLY | flags);
+        // Where nobody has made a lock, nobody holds the profile.
+        if (file_ < 0 && errno == ENOENT) return;
+        if (file_ < 0) errno = reason;
+    }
+    if (file_ < 0 && errno != ELOOP && errno != EISDIR)
+        throw std::runtime_error("Cannot open " + path + ": " + std::system_category().message(errno) +
+                                 ". Correct the permissions of the profile folder, or choose another with --profile.");
+    if (file_ < 0 || !is_lock_file(file_)) {
+        if (file_ >= 0) ::close(file_);
+        throw std::runtime_error(path + " is not the player's lock file and was left as it is. Move it away, or choose " +
+                                 "another profile with --profile.");
+    }
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (::flock(file_, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) {
-            const auto holder = holder_of(file_);
+            const auto holder = content_of(file_);
             ::close(file_);
-            throw std::runtime_error("The profile " + profile + " is in use by process " + holder +
+            throw std::runtime_error("The profile " + profile + " is in use by process " +
+                                     (holder.empty() ? "unknown" : holder) +
                                      ". Wait until it ends, or choose another profile with --profile.");
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     const auto own = std::to_string(::getpid());
-    if (::ftruncate(file_, 0) != 0 || ::pwrite(file_, own.data(), own.size(), 0) < 0) {
+    if (is_writable && (::ftruncate(file_, 0) != 0 || ::pwrite(file_, own.data(), own.size(), 0) < 0)) {
         // The number only serves the message above.
     }
 }
 
-profile_lock::~profile_lock() { ::close(file_); }
+profile_lock::~profile_lock() {
+    if (file_ >= 0) ::close(file_);
+}
 
 }  // namespace ostrevan

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 
 #include "ostrevan/component_version.h"
 #include "ostrevan/configuration.h"
@@ -45,11 +46,14 @@ void check_installations(const std::vector<loaded_component>& components, const 
     for_each_entry(components, [&](const loaded_component& component, const component_api::service_entry& entry) {
         if (entry.service_class != component_version::class_guid) return;
         auto& version = static_cast<component_version&>(*entry.service);
-        bool is_whole = false;
+        bool is_whole = true;  // a check that fails to run is told by itself
         guarded("its installation check", on_failure, [&] { is_whole = version.test_installation(); });
         if (is_whole) return;
-        on_failure("Component " + component.path + " (" + version.name() + ") must be named " + version.file_name() +
-                   ". Rename the file, or install the component again.");
+        const bool is_named_right = std::filesystem::path(component.path).filename() == version.file_name();
+        on_failure("Component " + component.path + " (" + version.name() + ") " +
+                   (is_named_right ? std::string("finds that its installation is not whole. Install it again.")
+                                   : "must be named " + std::string(version.file_name()) +
+                                         ". Rename the file, or install the component again."));
     });
 }
 

@@ -36,7 +36,9 @@ public:
 
     enum class open_mode {
         read,
-        write_new,  ///< made when it is missing, emptied when it is there
+        /// A new file, in place of one that is there. It takes that place when `flush` returns for the first time; released
+        /// before, the older file is as it was.
+        write_new,
     };
 
     [[nodiscard]] virtual bool is_our_path(const char* path) const noexcept = 0;

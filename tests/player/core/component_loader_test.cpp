@@ -63,10 +63,16 @@ TEST_F(component_loading, goes_on_past_broken_components) {
     const auto entry = loaded[0].api->service_at(0);
     ASSERT_EQ(entry.service_class, component_version::class_guid);
     EXPECT_STREQ(static_cast<component_version*>(entry.service)->name(), "Whole");
+    EXPECT_EQ(module_of(*entry.service), "whole.dll");
 }
 
-TEST_F(component_loading, of_a_folder_that_is_not_there_loads_nothing) {
-    EXPECT_TRUE(load_components(testing::TempDir() + "no/such/folder", block_, [](const std::string&) { FAIL(); }).empty());
+TEST_F(component_loading, of_a_folder_that_is_not_there_is_told) {
+    for (const std::string& folder : {testing::TempDir() + "no/such/folder", std::string()}) {
+        std::string told;
+        EXPECT_TRUE(load_components(folder, block_, [&](const std::string& message) { told = message; }).empty());
+        EXPECT_NE(told.find(folder), told.npos);
+        EXPECT_NE(told.find("--components"), told.npos) << told;
+    }
 }
 
 }  // namespace

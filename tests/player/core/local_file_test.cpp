@@ -4,55 +4,53 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <thread>
 
 #include "ostrevan/exceptions.h"
 #include "player/core/filesystems.h"
+#include "tests/player/core/temporary_folder.h"
 
+namespace ostrevan {
 namespace {
 
-using namespace ostrevan;
 using enum filesystem::open_mode;
 using testing::HasSubstr;
 
-class local_files : public testing::Test {
+class local_files : public temporary_folder {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/files-XXXXXX";
-        folder_ = ::mkdtemp(name);
-    }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-    std::string at(const char* name) const { return folder_ + "/" + name; }
-
     /// What opening says that it failed with.
     template <typename Exception>
-    static std::string refusal(const std::string& path, filesystem::open_mode mode) {
+    std::string refusal(const std::string& file, filesystem::open_mode mode) {
         try {
-            open_local_file(path, mode);
+            static_cast<void>(files_.open(file.c_str(), mode));
         } catch (const Exception& error) {
             return error.what();
         }
         return "opened";
     }
+    [[nodiscard]] file_ptr open_new(const std::string& file) { return files_.open(file.c_str(), write_new); }
 
-    std::string folder_;
+    std::vector<std::string> told_;
+    service_uncounted_t<local_filesystem> files_{[this](const std::string& text) { told_.push_back(text); }};
 };
 
 TEST_F(local_files, hold_what_was_written_in_place_of_what_was_there) {
-    const auto path = at("a.xml");
-    std::ofstream(path) << "something longer than what follows";
-    service_uncounted_t<local_filesystem> files;
+    write(path("a.xml"), "something longer than what follows");
+    std::filesystem::permissions(path("a.xml"), std::filesystem::perms(0640));
+    std::filesystem::create_symlink("a.xml", path("link"));
     {
-        const auto file = files.open(("FILE://" + path).c_str(), write_new);
+        const auto file = open_new("FILE://" + path("link"));
         file->write("first ", 6);
+        EXPECT_EQ(content(path("a.xml")), "something longer than what follows") << "before it is whole";
+        file->flush();
         file->write("second", 6);
         file->flush();
     }
-    const auto file = files.open(path.c_str(), read);
+    EXPECT_EQ(names(), (std::vector<std::string>{"a.xml", "link"}));
+    EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
+    EXPECT_EQ(mode(path("a.xml")), 0640U);
+    EXPECT_TRUE(told_.empty());
+    const auto file = files_.open(path("a.xml").c_str(), read);
     EXPECT_EQ(file->size(), 12U);
     char text[8] = {};
     file->seek(6);
@@ -65,28 +63,39 @@ TEST_F(local_files, hold_what_was_written_in_place_of_what_was_there) {
     EXPECT_THROW(file->write("x", 1), ostrevan_io::exception_io);
 }
 
+TEST_F(local_files, that_were_not_finished_stay_beside_the_older_one_and_are_named) {
+    write(path("a.xml"), "whole");
+    for (const char* part : {"a.xml.part", "a.xml.part2"}) {
+        open_new(path("a.xml"))->write(part, 11);
+        EXPECT_EQ(content(path(part)).substr(0, 10), "a.xml.part");
+        EXPECT_THAT(told_.back(),
+                    HasSubstr(path("a.xml") + " was not finished: what was written of it is in " + path(part)));
+    }
+    static_cast<void>(open_new(path("b.xml")));
+    EXPECT_EQ(told_.size(), 2U) << "nothing was written";
+    EXPECT_EQ(content(path("a.xml")), "whole");
+    EXPECT_EQ(names(), (std::vector<std::string>{"a.xml", "a.xml.part", "a.xml.part2"}));
+}
+
 TEST_F(local_files, that_cannot_be_opened_are_named_with_the_reason) {
     using namespace ostrevan_io;
-    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
-    EXPECT_THAT(refusal<exception_io_not_found>(at("nosuch"), read), HasSubstr(at("nosuch") + " cannot be opened: No such"));
-    EXPECT_THAT(refusal<exception_io_not_found>(at("nosuch/a"), write_new), HasSubstr("No such"));
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+    EXPECT_THAT(refusal<exception_io_not_found>(path("nosuch"), read),
+                HasSubstr(path("nosuch") + " cannot be opened: No such"));
+    EXPECT_THAT(refusal<exception_io_not_found>(path("nosuch/a"), write_new), HasSubstr("No such"));
     EXPECT_THAT(refusal<exception_io_system>(folder_, write_new), HasSubstr(folder_ + " cannot be opened: Is a directory"));
-    EXPECT_THAT(refusal<exception_io_system>(at("pipe"), write_new), HasSubstr("nobody reads"));
+    EXPECT_THAT(refusal<exception_io_system>(path("pipe"), write_new), HasSubstr("nobody reads"));
     // Where not even root may write.
-    EXPECT_THAT(refusal<exception_io_denied>("/sys/statistics.xml", write_new), HasSubstr("/sys/statistics.xml cannot be"));
+    EXPECT_THAT(refusal<exception_io_denied>("/sys/statistics.xml", write_new), HasSubstr("/sys/statistics.xml"));
 }
 
-TEST_F(local_files, without_a_length_have_no_size) {
-    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
-    for (const auto& path : {folder_, at("pipe"), std::string("/dev/zero")})
-        EXPECT_EQ(open_local_file(path, read)->size(), std::nullopt) << path;
+TEST_F(local_files, that_are_no_regular_files_have_no_size_and_are_written_to_as_they_are) {
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+    for (const auto& each : {folder_, path("pipe"), std::string("/dev/zero")})
+        EXPECT_EQ(open_local_file(each, read)->size(), std::nullopt) << each;
     char byte;
     EXPECT_THROW(static_cast<void>(open_local_file(folder_, read)->read(&byte, 1)), ostrevan_io::exception_io);
-}
-
-TEST_F(local_files, tell_of_a_full_disk) {
-    const auto full = open_local_file("/dev/full", write_new);
-    EXPECT_THROW(full->write("x", 1), ostrevan_io::exception_io_system);
+    EXPECT_THROW(open_new("/dev/full")->write("x", 1), ostrevan_io::exception_io_system);
 }
 
 TEST_F(local_files, wait_for_whoever_reads_a_pipe_slowly) {
@@ -98,7 +107,7 @@ TEST_F(local_files, wait_for_whoever_reads_a_pipe_slowly) {
         char portion[4096];
         for (ssize_t got; (got = ::read(ends[0], portion, sizeof portion)) > 0;) received += static_cast<std::size_t>(got);
     });
-    auto pipe = open_local_file("/dev/fd/" + std::to_string(ends[1]), write_new);
+    auto pipe = open_new("/dev/fd/" + std::to_string(ends[1]));
     EXPECT_NO_THROW(pipe->write(sent.data(), sent.size()));
     EXPECT_NO_THROW(pipe->flush());
     pipe.reset();
@@ -109,3 +118,4 @@ TEST_F(local_files, wait_for_whoever_reads_a_pipe_slowly) {
 }
 
 }  // namespace
+}  // namespace ostrevan

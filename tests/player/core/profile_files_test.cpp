@@ -1,65 +1,52 @@
-// What the core keeps in the profile folder: the configuration, the lock.
-#include <gtest/gtest.h>
+// What the core keeps in the profile folder: the configuration, the lock; and who may read it.
+#include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "player/core/configuration_file.h"
+#include "player/core/default_folders.h"
 #include "player/core/durable_file.h"
+#include "player/core/profile_folder.h"
 #include "player/core/profile_lock.h"
+#include "tests/player/core/temporary_folder.h"
 
 namespace ostrevan {
 namespace {
 
+using namespace std::chrono_literals;
+using profile_files = temporary_folder;
+using testing::HasSubstr;
 constexpr auto setting = nuv::guid_of("{9035A43F-E915-4EEC-8DF9-7920D4D2FF19}");
 
-class profile_files : public testing::Test {
-protected:
-    void SetUp() override {
-        std::string pattern = testing::TempDir() + "profile-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        folder_ = pattern;
+std::string failure_of(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::runtime_error& error) {
+        return error.what();
     }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
-
-    [[nodiscard]] std::string path(const char* name) const { return folder_ + "/" + name; }
-    static std::string content(const std::string& file) {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-    static void write(const std::string& file, const std::string& text) { std::ofstream(file) << text; }
-    [[nodiscard]] std::size_t files() const {
-        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
-    }
-
-    std::string folder_;
-};
+    return "it worked";
+}
 
 TEST_F(profile_files, configuration_keeps_what_was_set_and_falls_back_otherwise) {
+    const auto file = path("configuration.json");
     {
-        service_uncounted_t<configuration_file> store(path("configuration.json"));
+        service_uncounted_t<configuration_file> store(file);
         EXPECT_TRUE(store.get_bool(setting, true));
         store.set_bool(setting, false);
     }
-    EXPECT_FALSE(service_uncounted_t<configuration_file>(path("configuration.json")).get_bool(setting, true));
-}
-
-TEST_F(profile_files, a_damaged_configuration_is_named_and_left_alone) {
+    EXPECT_FALSE(service_uncounted_t<configuration_file>(file).get_bool(setting, true));
+    EXPECT_EQ(mode(file), 0600U);
+    const auto refused = [&] { return failure_of([&] { const service_uncounted_t<configuration_file> store(file); }); };
     for (const char* damaged : {"{ \"a\": tr", "[]", ""}) {
-        write(path("configuration.json"), damaged);
-        try {
-            const service_uncounted_t<configuration_file> store(path("configuration.json"));
-            FAIL() << damaged;
-        } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find(path("configuration.json")), std::string::npos);
-        }
-        EXPECT_EQ(content(path("configuration.json")), damaged);
+        write(file, damaged);
+        EXPECT_THAT(refused(), HasSubstr(file + " cannot be read: it is not a JSON object. ")) << damaged;
+        EXPECT_EQ(content(file), damaged);
     }
+    std::filesystem::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_THAT(refused(), HasSubstr("it is not a file"));
 }
 
 TEST_F(profile_files, a_replacement_that_fails_leaves_the_old_file_and_nothing_else) {
@@ -68,34 +55,74 @@ TEST_F(profile_files, a_replacement_that_fails_leaves_the_old_file_and_nothing_e
     EXPECT_EQ(content(path("file")), "new");
     EXPECT_THROW(replace_file(folder_ + "/absent/file", "x"), std::runtime_error);
     EXPECT_THROW(replace_file("/dev/full/file", "x"), std::runtime_error);
-    EXPECT_EQ(files(), 1U);
+    EXPECT_EQ(names(), std::vector<std::string>{"file"});
+}
+
+TEST_F(profile_files, are_kept_to_their_user_unless_the_folder_holds_other_things) {
+    for (const char* other : {"", "notes.txt"}) {
+        const auto profile = path("parent/profile") + other;
+        prepare_profile(profile);
+        EXPECT_EQ(mode(profile), 0700U);
+        for (const std::string name : {"index.sqlite", "library.sqlite-wal", "lock", "PlaybackStatistics.dat"}) {
+            write(profile + "/" + name, "");
+            std::filesystem::permissions(profile + "/" + name, std::filesystem::perms(0644));
+        }
+        if (*other != '\0') write(profile + "/" + other, "");
+        std::filesystem::permissions(profile, std::filesystem::perms(0755));
+        prepare_profile(profile);
+        EXPECT_EQ(mode(profile), *other == '\0' ? 0700U : 0755U);
+        EXPECT_EQ(mode(profile + "/index.sqlite"), 0600U);
+        EXPECT_EQ(mode(profile + "/library.sqlite-wal"), 0600U);
+        EXPECT_EQ(mode(profile + "/PlaybackStatistics.dat"), 0644U);
+    }
+    EXPECT_THAT(failure_of([] { prepare_profile("/proc/nosuch"); }), HasSubstr("/proc/nosuch"));
+    EXPECT_THAT(failure_of([] { prepare_profile(""); }), HasSubstr("HOME"));
+}
+
+TEST_F(profile_files, lie_at_an_absolute_place_or_nowhere) {
+    const auto place = [](const char* data, const char* home) {
+        ::setenv("XDG_DATA_HOME", data, 1);
+        ::setenv("HOME", home, 1);
+        return default_profile();
+    };
+    EXPECT_EQ(place("/data", "/home/me"), "/data/ostrevan");
+    EXPECT_EQ(place("data", "/home/me"), "/home/me/.local/share/ostrevan");
+    EXPECT_EQ(place("", "."), "");
 }
 
 TEST_F(profile_files, a_second_process_is_told_who_holds_the_profile) {
-    const auto patience = std::chrono::milliseconds(50);
     {
-        const profile_lock held(folder_, patience);
-        try {
-            const profile_lock second(folder_, patience);
-            FAIL() << "two locks on one profile";
-        } catch (const std::runtime_error& error) {
-            EXPECT_NE(std::string(error.what()).find("in use by process " + std::to_string(::getpid())), std::string::npos)
-                << error.what();
-        }
+        const profile_lock held(folder_, 50ms);
+        EXPECT_EQ(mode(path("lock")), 0600U);
+        EXPECT_THAT(failure_of([&] { const profile_lock second(folder_, 50ms); }),
+                    HasSubstr("in use by process " + std::to_string(::getpid()) + "."));
     }
-    const profile_lock again(folder_, patience);
-}
-
-TEST_F(profile_files, a_process_that_is_killed_does_not_keep_its_lock) {
     const pid_t child = ::fork();
     if (child == 0) {
-        const profile_lock held(folder_, std::chrono::milliseconds(0));
+        const profile_lock held(folder_, 0ms);
         ::kill(::getpid(), SIGKILL);
     }
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
-    const profile_lock free(folder_, std::chrono::milliseconds(0));
+    const profile_lock free(folder_, 0ms);
+}
+
+TEST_F(profile_files, what_is_in_the_place_of_the_lock_is_named_and_left_alone) {
+    const auto lock = path("lock");
+    write(path("precious"), "12");
+    const std::vector<std::function<void()>> cases = {[&] { std::filesystem::create_symlink("precious", lock); },
+                                                      [&] { std::filesystem::create_hard_link(path("precious"), lock); },
+                                                      [&] { ASSERT_EQ(::mkfifo(lock.c_str(), 0600), 0); },
+                                                      [&] { std::filesystem::create_directory(lock); },
+                                                      [&] { write(lock, "my notes"); }};
+    for (const auto& prepare : cases) {
+        std::filesystem::remove(lock);
+        prepare();
+        EXPECT_THAT(failure_of([&] { const profile_lock refused(folder_, 0ms); }), HasSubstr(lock + " is not the player's"));
+        EXPECT_EQ(content(path("precious")), "12");
+    }
+    EXPECT_EQ(content(lock), "my notes");
 }
 
 }  // namespace
