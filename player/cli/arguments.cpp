@@ -1,27 +1,14 @@
 #include "player/cli/arguments.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <filesystem>
 
 #include "player/cli/exit_status.h"
 #include "player/cli/help_texts.h"
+#include "player/core/default_folders.h"
 
 namespace ostrevan::cli {
 namespace {
-
-std::string default_profile() {
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data == '/')
-        return std::string(data) + "/ostrevan";
-    const char* home = std::getenv("HOME");
-    return std::string(home == nullptr ? "." : home) + "/.local/share/ostrevan";
-}
-
-std::string default_components() {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (error ? std::filesystem::path("components") : program.parent_path() / "components").string();
-}
 
 /// Everything that CLI11 fills while it reads the command line.
 class command_line {
@@ -70,6 +57,7 @@ private:
     playlist_remove playlist_remove_;
     show_keys keys_;
     index_dump dump_;
+    index_prune prune_;
     list_components components_;
 };
 
@@ -200,6 +188,7 @@ void command_line::add_index() {
     auto* const dump = add(*index, "dump", "GUID, key and bytes of every stored record", "");
     dump->add_option("GUID", dump_.index, "Only this index");
     choose(dump, dump_);
+    choose(add(*index, "prune", "Remove records of tracks that left the library long ago", ""), prune_);
 
     choose(add(app_, "components", "What is loaded: name, version, file", ""), components_);
 }

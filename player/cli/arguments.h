@@ -76,12 +76,13 @@ struct show_keys {
 struct index_dump {
     std::optional<std::string> index;
 };
+struct index_prune {};
 struct list_components {};
 
 using command =
     std::variant<library_add, library_remove, library_rescan, library_folders, list_tracks, play_tracks, format_tracks,
                  show_properties, edit_tags, main_menu, context_menu, show_settings, playlist_list, playlist_show,
-                 playlist_create, playlist_remove, show_keys, index_dump, list_components>;
+                 playlist_create, playlist_remove, show_keys, index_dump, index_prune, list_components>;
 
 struct arguments {
     std::string profile;

@@ -58,6 +58,23 @@ void run(run_context& context, const index_dump& arguments) {
     dump(context.player.index(), *id);
 }
 
+void run(run_context& context, const index_prune& /*arguments*/) {
+    const auto old = context.player.old_records();
+    std::size_t number = 0;
+    for (const auto& records : old) number += records.keys.size();
+    if (number == 0) return context.screen.note("No record is old enough.");
+    const std::string which = std::to_string(number) + (number == 1 ? " record" : " records");
+    popup_message_v3::query_t question;
+    question.title = "Prune the index";
+    question.text = which + (number == 1 ? " belongs" : " belong") +
+                    " to tracks that left the library longer ago than the components want them kept. Remove " +
+                    (number == 1 ? "it" : "them") + "? A copy of the index is put into the folder backup first.";
+    question.style = popup_message_v3::style_yes_no;
+    if (context.screen.ask(question) != popup_message_v3::answer_yes) return;
+    context.player.index().drop(old);
+    context.screen.note(which + " removed.");
+}
+
 void run(run_context& context, const list_components& /*arguments*/) {
     table out({{"Name"}, {"Version"}, {"File"}});
     for (const auto& component : context.player.components()) {

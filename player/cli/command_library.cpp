@@ -30,9 +30,7 @@ void report(run_context& context, const library::scan_summary& done) {
 void finish_scan(run_context& context, const library::scan_summary& done) {
     report(context, done);
     context.player.run_until_idle();
-    if (done.is_stopped) return;
-    if (const auto dropped = context.player.drop_expired_records(); dropped != 0)
-        context.screen.note(std::to_string(dropped) + " records of tracks that left the library long ago were dropped.");
+    if (!done.is_stopped) context.player.mark_library_seen();
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ void run(run_context& context, const playlist_create& arguments);
 void run(run_context& context, const playlist_remove& arguments);
 void run(run_context& context, const show_keys& arguments);
 void run(run_context& context, const index_dump& arguments);
+void run(run_context& context, const index_prune& arguments);
 void run(run_context& context, const list_components& arguments);
 
 /// The tracks that a command line names. Throws `usage_error` when it names none, or its query has a mistake.

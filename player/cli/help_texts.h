@@ -85,6 +85,8 @@ inline constexpr const char* key_examples =
 inline constexpr const char* index_examples =
     "Examples:\n"
     "  ostrevan index dump\n"
-    "  ostrevan index dump '{C653739F-14B3-4EF2-819B-A3E2883230AE}'";
+    "  ostrevan index dump '{C653739F-14B3-4EF2-819B-A3E2883230AE}'\n"
+    "  ostrevan index prune\n"
+    "Records are kept until you prune them, and a copy of the index is put aside first.";
 
 }  // namespace ostrevan::cli

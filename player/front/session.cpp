@@ -12,6 +12,7 @@
 #include "player/core/hash_service_impl.h"
 #include "player/core/host.h"
 #include "player/core/lasting_service.h"
+#include "player/core/profile_folder.h"
 #include "player/core/profile_lock.h"
 #include "player/core/text_helper_impl.h"
 #include "player/core/thread_services.h"
@@ -32,21 +33,15 @@ namespace {
 
 constexpr auto lock_patience = std::chrono::milliseconds(2000);
 
-const std::string& made_folder(const std::string& path) {
-    std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (!std::filesystem::is_directory(path))
-        throw std::runtime_error("Cannot make the profile folder " + path + ": " + error.message() +
-                                 ". Choose another with --profile.");
-    return path;
-}
-
 }  // namespace
 
 /// In the order in which they are made; destroyed in the opposite one.
 struct session::parts {
     parts(const session_options& options, front_end& screen)
-        : ui(screen), lock(made_folder(options.profile), lock_patience), profile(options.profile), quiet(options.quiet) {}
+        : ui(screen),
+          lock(prepare_profile(options.profile), lock_patience),
+          profile(options.profile),
+          quiet(options.quiet) {}
 
     std::string file(const char* name) const { return profile + "/" + name; }
     void report(const std::string& message) {
@@ -54,6 +49,7 @@ struct session::parts {
         ui.print_line(message);
     }
     void publish_rewritten(const std::vector<tag_rewrite>& files);
+    std::vector<metadb_handle_ptr> library_handles() const { return {library.items().begin(), library.items().end()}; }
 
     front_end& ui;
     const profile_lock lock;
@@ -71,8 +67,9 @@ struct session::parts {
     lasting_service<text_helper_impl> text;
     lasting_service<configuration_file> configuration{file("configuration.json")};
     index_store records{file("index.sqlite"),
-                        [this](const std::string& message) { loop.post([this, message] { report(message); }); }};
-    lasting_service<index_service> index{records, index_service::redraw{}};
+                        [this](const std::string& message) { loop.post([this, message] { report(message); }); },
+                        {.daily_copies = true}};
+    lasting_service<index_service> index{records, module_of, index_service::redraw{}};
 
     library_events events{loop, services, index};
     library::track_table tracks;
@@ -83,7 +80,7 @@ struct session::parts {
     lasting_service<titleformat::titleformat_service_impl> titleformat{fields};
     lasting_service<main_thread_service_impl> main_thread{loop};
     lasting_service<thread_service_impl> threads{loop};
-    lasting_service<local_filesystem> local_files;
+    lasting_service<local_filesystem> local_files{[this](const std::string& line) { ui.print_line(line); }};
     lasting_service<network_filesystem> network_files;
     lasting_service<message_service> messages{loop, ui};
     lasting_service<beep_service_impl> beep{ui};
@@ -148,6 +145,7 @@ session::session(const session_options& options, front_end& ui) : parts_(std::ma
     services.add<file_dialog_service>(p.file_dialogs);
 
     const auto report = [&p](const std::string& message) { p.report(message); };
+    if (p.records.is_read_only()) ui.print_line(p.records.refusal());
     p.components = load_components(options.components, p.block, report);
     register_components(p.components, services, p.fields);
     check_installations(p.components, report);
@@ -181,10 +179,12 @@ std::vector<nuv::guid> session::stored_indexes() const { return parts_->records.
 void session::run_until_idle() { parts_->loop.run_until_idle(); }
 void session::save() { parts_->records.flush(); }
 
-std::size_t session::drop_expired_records() {
-    const auto& items = parts_->library.items();
-    const std::vector<metadb_handle_ptr> handles(items.begin(), items.end());
-    return parts_->index->drop_expired(nuv::list_view_t<metadb_handle_ptr>(handles), std::time(nullptr));
+void session::mark_library_seen() {
+    parts_->index->mark_seen(nuv::list_view_t<metadb_handle_ptr>(parts_->library_handles()), std::time(nullptr));
+}
+
+std::vector<index_service::old_records> session::old_records() const {
+    return parts_->index->find_old(nuv::list_view_t<metadb_handle_ptr>(parts_->library_handles()), std::time(nullptr));
 }
 
 }  // namespace ostrevan::front

@@ -44,8 +44,10 @@ public:
     void run_until_idle();
     /// Returns when everything the components have stored is on disk; throws when that cannot be had.
     void save();
-    /// Drops the records of tracks that have been gone for longer than components want them kept. Answers how many.
-    std::size_t drop_expired_records();
+    /// Marks the records of all tracks of the library as seen now.
+    void mark_library_seen();
+    /// What `index_service::drop` may drop when the user wants it.
+    [[nodiscard]] std::vector<index_service::old_records> old_records() const;
     /// Every index that has ever had a record.
     [[nodiscard]] std::vector<nuv::guid> stored_indexes() const;
 

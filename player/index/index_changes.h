@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 #include <span>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -52,6 +53,7 @@ struct catalog_entry {
     std::int64_t id = 0;  // its number inside the database, from 1
     nuv::guid guid;
     std::optional<std::uint64_t> retention;  // 100 ns; nothing when the index is not registered
+    std::string owner{};                     // the component that may register it; empty until one has
 };
 
 /// Changed records of one index.

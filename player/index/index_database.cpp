@@ -14,16 +14,17 @@
 namespace ostrevan::indexing {
 namespace {
 
-constexpr std::int64_t seconds_per_day = 24 * 60 * 60;
+constexpr const char* upgrades[] = {"ALTER TABLE indexes ADD COLUMN owner TEXT"};
 
 constexpr sqlite::format index_format{
     .application_id = 0x4F737449,  // "OstI"
-    .version = 1,
+    .version = 2,
     .schema = R"(
     CREATE TABLE indexes (
         id INTEGER PRIMARY KEY,
         guid TEXT NOT NULL UNIQUE,
-        retention INTEGER
+        retention INTEGER,
+        owner TEXT
     ) STRICT;
     CREATE TABLE records (
         index_id INTEGER NOT NULL,
@@ -34,6 +35,7 @@ constexpr sqlite::format index_format{
     ) STRICT, WITHOUT ROWID;
 )",
     .contents = "track index",
+    .upgrades = upgrades,
 };
 
 /// The database knows signed numbers only; the bits are the same.
@@ -107,20 +109,19 @@ index_database::index_database(const std::filesystem::path& path, std::chrono::m
       put_(database_.prepare(put_statement(1))),
       erase_(database_.prepare("DELETE FROM records WHERE index_id = ? AND key = ?")) {
     prepare_connection(database_, busy_timeout);
-    // SQLite opens a write-protected file for reading only, without a word.
-    if (sqlite3_db_readonly(database_.handle(), "main") == 1) database_.fail(SQLITE_READONLY);
-    database_.execute("PRAGMA cell_size_check = ON; PRAGMA journal_size_limit = 16777216");
+    database_.execute("PRAGMA journal_size_limit = 16777216");
 }
 
 std::vector<catalog_entry> index_database::catalog() {
     std::vector<catalog_entry> entries;
-    auto statement = database_.prepare("SELECT id, guid, retention FROM indexes ORDER BY id");
+    auto statement = database_.prepare("SELECT id, guid, retention, owner FROM indexes ORDER BY id");
     while (statement.step()) {
         const auto guid = nuv::parse_guid(statement.text(1));
         if (!guid) database_.fail(SQLITE_CORRUPT);
         catalog_entry entry{.id = statement.integer(0), .guid = *guid, .retention = {}};
         if (!statement.is_null(2)) entry.retention = static_cast<std::uint64_t>(statement.integer(2));
-        entries.push_back(entry);
+        entry.owner = statement.text(3);
+        entries.push_back(std::move(entry));
     }
     return entries;
 }
@@ -156,12 +157,14 @@ void index_database::save(std::span<const index_job> jobs) {
 
 void index_database::save_entry(const catalog_entry& entry) {
     auto statement = database_.prepare(
-        "INSERT INTO indexes (id, guid, retention) VALUES (?, ?, ?) "
-        "ON CONFLICT (id) DO UPDATE SET retention = excluded.retention");
+        "INSERT INTO indexes (id, guid, retention, owner) VALUES (?, ?, ?, ?) "
+        "ON CONFLICT (id) DO UPDATE SET retention = excluded.retention, owner = excluded.owner");
     const std::string guid = nuv::guid_text(entry.guid);
     statement.bind(1, entry.id).bind(2, std::string_view(guid));
     if (entry.retention) statement.bind(3, static_cast<std::int64_t>(*entry.retention));
     else statement.bind_null(3);
+    if (entry.owner.empty()) statement.bind_null(4);
+    else statement.bind(4, std::string_view(entry.owner));
     statement.run();
 }
 
@@ -183,7 +186,11 @@ void index_database::save_records(std::span<const index_job> jobs) {
     }
 }
 
-/// Rows marked within the last day stay as they are, so that a start of the player does not rewrite the database.
+void index_database::back_up_once_a_day() {
+    if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM records)") != 0) sqlite::back_up_once_a_day(database_, "daily");
+}
+
+/// Rows marked within the last day stay as they are, so that a scan does not rewrite the database.
 void index_database::mark_seen(const seen_keys& seen) {
     std::vector<std::int64_t> columns;
     columns.reserve(seen.keys.size());
@@ -191,7 +198,7 @@ void index_database::mark_seen(const seen_keys& seen) {
     std::ranges::sort(columns);
     auto statement = database_.prepare("UPDATE records SET last_seen = ? WHERE index_id = ? AND key = ? AND last_seen < ?");
     for (const std::int64_t column : columns)
-        statement.bind(1, seen.now).bind(2, seen.index_id).bind(3, column).bind(4, seen.now - seconds_per_day).run();
+        statement.bind(1, seen.now).bind(2, seen.index_id).bind(3, column).bind(4, seen.now - seen_slack).run();
 }
 
 index_reader::index_reader(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout)

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,6 +16,9 @@
 #include "player/sqlite/database.h"
 
 namespace ostrevan::indexing {
+
+/// A mark may be so many seconds older than the moment at which the track was last seen.
+inline constexpr std::int64_t seen_slack = 24 * 60 * 60;
 
 /// The database file as the one thread that writes it sees it. Format: docs/file-formats.md. Throws sqlite::error.
 class index_database {
@@ -28,6 +32,11 @@ public:
     /// answers false then.
     bool load(const std::function<bool(std::int64_t index_id, const change_list& rows)>& visit);
 
+    [[nodiscard]] bool is_read_only() const noexcept { return database_.is_read_only(); }
+    [[nodiscard]] const std::string& path() const noexcept { return database_.path(); }
+
+    /// Puts a copy of today aside if there is none and there are records. Throws std::runtime_error.
+    void back_up_once_a_day();
     /// In one durable transaction.
     void save(std::span<const index_job> jobs);
 

@@ -1,6 +1,7 @@
 #include "player/index/index_memory.h"
 
 #include <limits>
+#include <utility>
 
 namespace ostrevan::indexing {
 
@@ -91,10 +92,10 @@ catalog_entry index_memory::add(const nuv::guid& guid) {
     return entry;
 }
 
-void index_memory::set_retention(std::int64_t index_id, std::optional<std::uint64_t> retention) noexcept {
-    index& changed = index_of(index_id);
+void index_memory::update(catalog_entry entry) noexcept {
+    index& changed = index_of(entry.id);
     const auto writing = lock_.write();
-    changed.entry.retention = retention;
+    changed.entry = std::move(entry);
 }
 
 /// The list itself is stable, but another thread may be adding to it.

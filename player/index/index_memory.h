@@ -50,9 +50,9 @@ public:
 
     [[nodiscard]] std::vector<catalog_entry> catalog() const;
     [[nodiscard]] std::optional<catalog_entry> find(const nuv::guid& guid) const noexcept;
-    /// A new index, not registered. One thread at a time, as with `set_retention`.
+    /// A new index, not registered. One thread at a time, as with `update`.
     catalog_entry add(const nuv::guid& guid);
-    void set_retention(std::int64_t index_id, std::optional<std::uint64_t> retention) noexcept;
+    void update(catalog_entry entry) noexcept;
 
 private:
     struct index {

@@ -13,6 +13,18 @@ std::span<const std::byte> bytes_of(const void* bytes, std::size_t size) {
     return {static_cast<const std::byte*>(bytes), size};
 }
 
+/// Sorted, each once.
+std::vector<std::uint64_t> keys_of(const index_service::registration& index,
+                                   const nuv::list_base_const_t<metadb_handle_ptr>& tracks) {
+    std::vector<std::uint64_t> keys;
+    keys.reserve(tracks.get_count());
+    for (const auto& track : tracks)
+        if (const auto key = index_service::key_of(index, *track)) keys.push_back(*key);
+    std::ranges::sort(keys);
+    keys.erase(std::ranges::unique(keys).begin(), keys.end());
+    return keys;
+}
+
 /// The contract's transaction over the store's; the two live and end together.
 class transaction_service : public index_transaction {
 public:
@@ -37,12 +49,22 @@ index_transaction_ptr index_transactions_service::begin() {
 }
 
 void index_service::register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) {
-    store_.register_index(index, retention);
+    try {
+        store_.register_index(index, retention, owner_of_(*client));
+    } catch (const std::exception&) {
+        refused_.push_back(index);
+        throw;
+    }
     std::erase_if(registrations_, [&](const registration& known) { return known.index == index; });
     registrations_.push_back({index, std::move(client)});
 }
 
+/// A component whose registration was refused gives it up again, and must not end the owner's with that.
 void index_service::remove_index(const nuv::guid& index) {
+    if (const auto refused = std::ranges::find(refused_, index); refused != refused_.end()) {
+        refused_.erase(refused);
+        return;
+    }
     store_.remove_index(index);
     std::erase_if(registrations_, [&](const registration& known) { return known.index == index; });
 }
@@ -88,22 +110,22 @@ std::optional<std::uint64_t> index_service::key_of(const registration& index, co
 }
 
 void index_service::mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now) {
-    for (const auto& registered : registrations_) {
-        std::vector<std::uint64_t> keys;
-        keys.reserve(tracks.get_count());
-        for (const auto& track : tracks)
-            if (const auto key = key_of(registered, *track)) keys.push_back(*key);
-        std::ranges::sort(keys);
-        keys.erase(std::ranges::unique(keys).begin(), keys.end());
-        store_.touch(registered.index, keys, now);
-    }
+    for (const auto& registered : registrations_) store_.touch(registered.index, keys_of(registered, tracks), now);
 }
 
-std::size_t index_service::drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now) {
-    mark_seen(library, now);
-    std::size_t dropped = 0;
-    for (const auto& registered : registrations_) dropped += store_.purge(registered.index, now);
-    return dropped;
+std::vector<index_service::old_records> index_service::find_old(const nuv::list_base_const_t<metadb_handle_ptr>& library,
+                                                                std::int64_t now) const {
+    std::vector<old_records> found;
+    for (const auto& registered : registrations_) {
+        auto keys = store_.old_keys(registered.index, keys_of(registered, library), now);
+        if (!keys.empty()) found.push_back({registered.index, std::move(keys)});
+    }
+    return found;
+}
+
+void index_service::drop(const std::vector<old_records>& old) {
+    store_.back_up("prune");
+    for (const auto& [index, keys] : old) store_.erase(index, keys);
 }
 
 }  // namespace ostrevan

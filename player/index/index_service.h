@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -37,8 +38,15 @@ public:
     /// Told which keys are to be shown afresh. [main-thread]
     using redraw = std::function<void(const nuv::guid& index, const std::vector<std::uint64_t>& keys)>;
 
-    index_service(index_store& store, redraw on_refresh)
-        : store_(store), on_refresh_(std::move(on_refresh)), transactions_(store), backups_(store) {}
+    /// The name of the component that a key function belongs to; stays the same over all runs.
+    using owner_finder = std::function<std::string(const index_client&)>;
+
+    index_service(index_store& store, owner_finder owner_of, redraw on_refresh)
+        : store_(store),
+          owner_of_(std::move(owner_of)),
+          on_refresh_(std::move(on_refresh)),
+          transactions_(store),
+          backups_(store) {}
 
     void register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) override;
     void remove_index(const nuv::guid& index) override;
@@ -64,18 +72,27 @@ public:
     /// The time for which the records of these tracks are kept begins anew. [main-thread]
     void mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now);
 
-    /// Marks what the library holds as present, then drops the records whose tracks have been gone for longer than their
-    /// index keeps them. Answers how many. [main-thread]
-    std::size_t drop_expired(const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now);
+    /// Records that no track of the library has and that have been kept for longer than their components asked for.
+    struct old_records {
+        nuv::guid index;
+        std::vector<std::uint64_t> keys;
+    };
+    /// Of every registered index that has any. [main-thread]
+    [[nodiscard]] std::vector<old_records> find_old(const nuv::list_base_const_t<metadb_handle_ptr>& library,
+                                                    std::int64_t now) const;
+    /// Puts a copy aside, then drops them. [main-thread]
+    void drop(const std::vector<old_records>& old);
 
 private:
     [[nodiscard]] bool is_known(const nuv::guid& index) const;
 
     index_store& store_;
+    const owner_finder owner_of_;
     const redraw on_refresh_;
     service_uncounted_t<index_transactions_service> transactions_;
     service_uncounted_t<index_backup_service> backups_;
     std::vector<registration> registrations_;
+    std::vector<nuv::guid> refused_;
 };
 
 }  // namespace ostrevan

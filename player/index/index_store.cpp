@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <atomic>
 #include <ctime>
 #include <optional>
 #include <stdexcept>
@@ -23,10 +25,19 @@ struct index_store::state {
     bool load(const std::stop_token& stop);
     void commit(std::span<std::pair<nuv::guid, change_list>> changes);
     catalog_entry find_or_add(const nuv::guid& index);
-    void set_retention(const nuv::guid& index, std::optional<std::uint64_t> retention);
+    void update(catalog_entry entry);
+    void enqueue(std::vector<index_job> jobs);
+    void save(std::span<const index_job> jobs);
+    void copy_before_first_change(std::span<const index_job> jobs);
+    [[nodiscard]] write_gate::pass enter_to_write();
+    [[nodiscard]] std::string refusal() const;
 
     std::function<std::int64_t()> clock;
-    index_database database;  // the writer's thread only, once that runs
+    const bool daily_copies;
+    std::optional<std::int64_t> copied_on;  // day; the writer's thread only
+    index_error_sink report;
+    std::atomic<bool> has_refused = false;  // a change that nobody has been told of by `flush` yet
+    index_database database;                // the writer's thread only, once that runs
     index_reader reader;
     index_memory memory;
     write_gate gate;
@@ -37,12 +48,14 @@ struct index_store::state {
 
 index_store::state::state(const std::filesystem::path& path, index_error_sink error_sink, options settings)
     : clock(settings.clock ? std::move(settings.clock) : [] { return static_cast<std::int64_t>(std::time(nullptr)); }),
+      daily_copies(settings.daily_copies),
+      report(error_sink ? std::move(error_sink) : [](const std::string&) {}),
       database(path, settings.busy_timeout),
       reader(path, settings.busy_timeout),
       memory(database.catalog()),
       writer({.load = [this](const std::stop_token& stop) { return load(stop); },
-              .save = [this](std::span<const index_job> jobs) { database.save(jobs); },
-              .report = error_sink ? std::move(error_sink) : [](const std::string&) {}},
+              .save = [this](std::span<const index_job> jobs) { save(jobs); },
+              .report = report},
              settings.retry_interval) {}
 
 bool index_store::state::load(const std::stop_token& stop) {
@@ -58,6 +71,41 @@ bool index_store::state::load(const std::stop_token& stop) {
         if ((error.code() & 0xFF) == SQLITE_CORRUPT) damage = error;
         throw;
     }
+}
+
+void index_store::state::save(std::span<const index_job> jobs) {
+    copy_before_first_change(jobs);
+    database.save(jobs);
+}
+
+/// A change is not lost for want of a copy.
+void index_store::state::copy_before_first_change(std::span<const index_job> jobs) {
+    constexpr std::int64_t seconds_per_day = 24 * 60 * 60;
+    const auto changes_records = [](const index_job& job) { return std::holds_alternative<record_changes>(job); };
+    if (!daily_copies || std::ranges::none_of(jobs, changes_records)) return;
+    const std::int64_t today = clock() / seconds_per_day;
+    if (std::exchange(copied_on, today) == today) return;
+    try {
+        database.back_up_once_a_day();
+    } catch (const std::exception& error) {
+        report(error.what() + std::string(" The changes of today are saved without it."));
+    }
+}
+
+std::string index_store::state::refusal() const {
+    return "The track index database \"" + database.path() +
+           "\" can only be read, so nothing is counted or changed. Make room on the disk, or the file and its folder "
+           "writable, and start again.";
+}
+
+write_gate::pass index_store::state::enter_to_write() {
+    if (!database.is_read_only()) return gate.enter();
+    has_refused = true;
+    throw std::runtime_error(refusal());
+}
+
+void index_store::state::enqueue(std::vector<index_job> jobs) {
+    if (!database.is_read_only()) writer.enqueue(std::move(jobs));
 }
 
 /// The caller is inside the gate.
@@ -76,18 +124,13 @@ catalog_entry index_store::state::find_or_add(const nuv::guid& index) {
     const std::scoped_lock lock(catalog_mutex);
     if (const auto known = memory.find(index)) return *known;
     const catalog_entry added = memory.add(index);
-    writer.enqueue({added});
+    enqueue({added});
     return added;
 }
 
-void index_store::state::set_retention(const nuv::guid& index, std::optional<std::uint64_t> retention) {
-    find_or_add(index);
-    const std::scoped_lock lock(catalog_mutex);
-    catalog_entry entry = *memory.find(index);
-    if (entry.retention == retention) return;  // nothing to save, so nothing that the end of the program waits for
-    memory.set_retention(entry.id, retention);
-    entry.retention = retention;
-    writer.enqueue({entry});
+void index_store::state::update(catalog_entry entry) {
+    memory.update(entry);
+    enqueue({std::move(entry)});
 }
 
 index_store::index_store(const std::filesystem::path& path, index_error_sink error_sink, options settings)
@@ -124,21 +167,43 @@ void index_store::write(const nuv::guid& index, std::uint64_t key, std::span<con
     transaction.commit();
 }
 
-void index_store::flush() { state_->writer.flush(); }
+void index_store::flush() {
+    if (state_->has_refused.exchange(false)) throw std::runtime_error(state_->refusal());
+    state_->writer.flush();
+}
 
 std::filesystem::path index_store::back_up(std::string_view reason, const std::filesystem::path& beside) {
     flush();
     return state_->reader.back_up(reason, beside);
 }
 
+bool index_store::is_read_only() const noexcept { return state_->database.is_read_only(); }
+std::string index_store::refusal() const { return state_->refusal(); }
+
 bool index_store::pending() const { return state_->writer.pending(); }
 
-void index_store::register_index(const nuv::guid& index, std::uint64_t retention_100ns) {
-    state_->set_retention(index, retention_100ns);
+void index_store::register_index(const nuv::guid& index, std::uint64_t retention_100ns, std::string_view owner) {
+    state_->find_or_add(index);
+    const std::scoped_lock lock(state_->catalog_mutex);
+    catalog_entry entry = *state_->memory.find(index);
+    if (!entry.owner.empty() && entry.owner != owner)
+        throw std::runtime_error(
+            "The index {" + nuv::guid_text(index) + "} belongs to the component " + entry.owner + ", and " +
+            std::string(owner) +
+            " may not use it as its own. If this is the same component, give its file the old name again.");
+    // Nothing to save is nothing that the end of the program waits for.
+    if (entry.retention == retention_100ns && entry.owner == owner) return;
+    entry.retention = retention_100ns;
+    entry.owner = owner;
+    state_->update(std::move(entry));
 }
 
 void index_store::remove_index(const nuv::guid& index) {
-    if (registered(index)) state_->set_retention(index, std::nullopt);
+    const std::scoped_lock lock(state_->catalog_mutex);
+    auto entry = state_->memory.find(index);
+    if (!entry || !entry->retention) return;
+    entry->retention.reset();
+    state_->update(std::move(*entry));
 }
 
 bool index_store::registered(const nuv::guid& index) const {
@@ -149,36 +214,36 @@ bool index_store::registered(const nuv::guid& index) const {
 void index_store::touch(const nuv::guid& index, std::span<const std::uint64_t> keys_of_library_tracks, std::int64_t now) {
     const auto entry = state_->memory.find(index);
     if (!entry || keys_of_library_tracks.empty()) return;
-    state_->writer.enqueue({seen_keys{entry->id, now, {keys_of_library_tracks.begin(), keys_of_library_tracks.end()}}});
+    state_->enqueue({seen_keys{entry->id, now, {keys_of_library_tracks.begin(), keys_of_library_tracks.end()}}});
 }
 
-/// What is dropped is chosen on disk, where the marks are: everything has to be there first, and nobody may write until the
-/// choice has been made into an ordinary change.
-std::size_t index_store::purge(const nuv::guid& index, std::int64_t now) {
+std::vector<std::uint64_t> index_store::old_keys(const nuv::guid& index, std::span<const std::uint64_t> kept,
+                                                 std::int64_t now) const {
     constexpr std::uint64_t units_per_second = 10'000'000;
     const auto entry = state_->memory.find(index);
-    if (!entry || !entry->retention) return 0;
-    // Rounded up: a record is never dropped early.
+    if (!entry || !entry->retention) return {};
+    // Rounded up: no record is taken for old too early.
     const std::uint64_t seconds = *entry->retention / units_per_second + (*entry->retention % units_per_second != 0);
-
-    write_gate::pass inside = state_->gate.enter();
+    // The marks are on disk: everything has to be there first.
     state_->writer.wait_loaded();
-    flush();
+    state_->writer.flush();
+    auto old = state_->reader.seen_before(entry->id, now - static_cast<std::int64_t>(seconds) - seen_slack);
+    std::erase_if(old, [&](std::uint64_t key) { return std::ranges::binary_search(kept, key); });
+    return old;
+}
+
+void index_store::erase(const nuv::guid& index, std::span<const std::uint64_t> keys) {
+    write_gate::pass inside = state_->enter_to_write();
     std::vector<std::pair<nuv::guid, change_list>> changes(1);
     changes.front().first = index;
-    change_list& erased = changes.front().second;
-    for (const std::uint64_t key : state_->reader.seen_before(entry->id, now - static_cast<std::int64_t>(seconds)))
-        erased.erase(key);
-    const std::size_t count = erased.changes().size();
-    if (count == 0) return 0;
+    for (const std::uint64_t key : keys) changes.front().second.erase(key);
     state_->commit(changes);
     inside.leave();
     flush();
-    return count;
 }
 
 struct store_transaction::changes {
-    explicit changes(index_store::state& into) : store(into), inside(into.gate.enter()) {}
+    explicit changes(index_store::state& into) : store(into), inside(into.enter_to_write()) {}
 
     index_store::state& store;
     write_gate::pass inside;

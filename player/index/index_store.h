@@ -32,11 +32,13 @@ public:
     struct options {
         std::chrono::milliseconds retry_interval{1000};  // between attempts to save after a failure
         std::chrono::milliseconds busy_timeout{2000};    // while another program uses the database
-        std::function<std::int64_t()> clock;             // seconds since 1970; the system's when empty
+        std::function<std::int64_t()> clock{};           // seconds since 1970; the system's when empty
+        bool daily_copies = false;                       // puts the database aside before the first change of a day
     };
 
     /// Opens the database or creates it. Throws std::runtime_error, and leaves the file as it is, when it cannot be used;
-    /// damage that only shows when all of it is read is reported to the sink, and from then on nothing is written.
+    /// damage that only shows when all of it is read is reported to the sink, and from then on nothing is written. A file
+    /// that cannot be written is opened for reading: what would change it throws std::runtime_error.
     index_store(const std::filesystem::path& path, index_error_sink error_sink, options settings);
     index_store(const std::filesystem::path& path, index_error_sink error_sink)
         : index_store(path, std::move(error_sink), options()) {}
@@ -68,18 +70,25 @@ public:
     /// True while some change is not on disk.
     [[nodiscard]] bool pending() const;
 
-    /// Records of a registered index are dropped by `purge` when their tracks have not been seen for the retention period.
-    void register_index(const nuv::guid& index, std::uint64_t retention_100ns);
-    /// Forgets the registration. The records stay.
+    [[nodiscard]] bool is_read_only() const noexcept;
+    /// What the user is told then.
+    [[nodiscard]] std::string refusal() const;
+
+    /// An index belongs to the component that registered it first, in this or in an earlier run: throws std::runtime_error
+    /// for another one.
+    void register_index(const nuv::guid& index, std::uint64_t retention_100ns, std::string_view owner);
+    /// Forgets the registration. The records and the owner stay.
     void remove_index(const nuv::guid& index);
     [[nodiscard]] bool registered(const nuv::guid& index) const;
 
     /// Marks records as seen now (seconds since 1970). Writing a record marks it as well.
     void touch(const nuv::guid& index, std::span<const std::uint64_t> keys_of_library_tracks, std::int64_t now);
-    /// Drops records not seen for longer than the retention period, and answers their number; none when the index is not
-    /// registered. Waits as `begin` does, and until the records are gone from the disk; throws std::runtime_error like
-    /// `flush`.
-    std::size_t purge(const nuv::guid& index, std::int64_t now);
+    /// Keys of records not seen for longer than the retention period, apart from those to be kept, which are sorted; none
+    /// when the index is not registered. Throws std::runtime_error like `flush`.
+    [[nodiscard]] std::vector<std::uint64_t> old_keys(const nuv::guid& index, std::span<const std::uint64_t> kept,
+                                                      std::int64_t now) const;
+    /// Drops records; they are gone from the disk when it returns. Throws std::runtime_error like `flush`.
+    void erase(const nuv::guid& index, std::span<const std::uint64_t> keys);
 
 private:
     friend class store_transaction;

@@ -63,22 +63,26 @@ class NothingLost(PlayerTest):
         self.run_player("library", "rescan")
         self.assertEqual(self.tracks(), before)
 
-    def test_records_of_a_track_that_left_are_kept_for_their_time_from_then_on(self):
+    def test_records_go_only_when_asked_after_a_question_and_never_those_of_the_library(self):
         self.play(self.first)
         key = self.track(self.first)["key"]
 
-        def rescan_long_after():
+        def is_kept_by(*words, **options):
             database = sqlite3.connect(self.profile / "index.sqlite")
             with database:
                 database.execute("UPDATE records SET last_seen = 0")
+                database.execute("UPDATE indexes SET retention = 1")
             database.close()
-            self.run_player("library", "rescan")
+            self.run_player(*words, **options)
             return key in self.run_player("index", "dump").stdout
 
-        self.assertTrue(rescan_long_after())
+        self.assertTrue(is_kept_by("--yes", "index", "prune"))
         self.first.unlink()
-        self.assertTrue(rescan_long_after(), "the rescan that finds it gone")
-        self.assertFalse(rescan_long_after())
+        for _ in range(2):
+            self.assertTrue(is_kept_by("library", "rescan"))
+        self.assertTrue(is_kept_by("--no", "index", "prune", status=3))
+        self.assertFalse(is_kept_by("--yes", "index", "prune"))
+        self.assertEqual(len(list(self.profile.glob("backup/index-*-prune.sqlite"))), 1)
 
     def test_players_at_the_same_time_take_turns_or_say_who_holds_the_profile(self):
         players = [self.start("play", "--audio", "null", "--fast", self.first) for _ in range(6)]

@@ -117,31 +117,56 @@ TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading
     is_over = true;
 }
 
-TEST_F(index_store_test, drops_only_records_of_registered_indexes_that_were_not_seen_for_long) {
+TEST_F(index_store_test, finds_records_old_only_after_their_whole_time_and_drops_only_what_it_is_told) {
     constexpr std::int64_t day = 86'400;
     std::int64_t today = 100 * day;
     {
         index_store store(path_, fail_on_report, {.clock = [&] { return today; }});
-        store.register_index(plays, 7 * day * 10'000'000ULL);
-        for (const std::uint64_t key : {1, 2, 3, 4}) store.write(plays, key, record_of(key));
+        store.register_index(plays, 7 * day * 10'000'000ULL, "one.dll");
+        for (const std::uint64_t key : {1, 2, 3, 4, 5}) store.write(plays, key, record_of(key));
         store.write(moods, 1, record_of(1));
         today += 6 * day;
         store.write(plays, 2, record_of(2, 1));                          // a write marks as seen
         store.touch(plays, std::array<std::uint64_t, 2>{3, 77}, today);  // so does a track; 77 has no record
-        EXPECT_EQ(store.purge(plays, today + day), 0U) << "exactly as long as the retention is not longer";
-    }
-    {
-        index_store store(path_, fail_on_report);
-        EXPECT_TRUE(store.registered(plays));
-        EXPECT_EQ(store.purge(plays, today + day + 1), 2U);
-        EXPECT_EQ(stored(store, plays, 1), std::nullopt);
-        store.remove_index(plays);
-        for (const auto& index : {plays, moods}) EXPECT_EQ(store.purge(index, today + 1000 * day), 0U);
+        EXPECT_TRUE(store.old_keys(plays, {}, 108 * day).empty()) << "a mark may be a day old";
     }
     index_store store(path_, fail_on_report);
-    EXPECT_FALSE(store.registered(plays));
-    EXPECT_EQ(store.keys(plays), (std::vector<std::uint64_t>{2, 3}));
-    EXPECT_EQ(store.keys(moods), std::vector<std::uint64_t>{1});
+    const std::array<std::uint64_t, 2> in_library{4, 77};
+    EXPECT_EQ(store.old_keys(plays, in_library, 108 * day + 1), (std::vector<std::uint64_t>{1, 5}));
+    EXPECT_TRUE(store.old_keys(moods, {}, 1000 * day).empty()) << "not registered";
+    EXPECT_EQ(store.keys(plays).size(), 5U) << "nothing is dropped by looking";
+    store.erase(plays, std::array<std::uint64_t, 1>{5});
+    EXPECT_EQ(stored(store, plays, 5), std::nullopt);
+    store.remove_index(plays);
+    EXPECT_TRUE(store.old_keys(plays, {}, 1000 * day).empty());
+}
+
+TEST_F(index_store_test, lets_nobody_else_register_an_index_in_this_run_or_a_later_one) {
+    for (int run = 0; run < 2; ++run) {
+        index_store store(path_, fail_on_report);
+        store.register_index(plays, 100, "one.dll");
+        EXPECT_THROW(store.register_index(plays, 1, "other.dll"), std::runtime_error);
+        store.register_index(moods, 1, "other.dll");
+        EXPECT_TRUE(store.registered(plays));
+        store.remove_index(plays);
+        EXPECT_FALSE(store.registered(plays));
+        EXPECT_THROW(store.register_index(plays, 1, "other.dll"), std::runtime_error);
+    }
+}
+
+TEST_F(index_store_test, puts_a_copy_aside_before_the_first_change_of_a_day) {
+    for (std::uint64_t change = 0; change < 3; ++change)
+        index_store(path_, fail_on_report, {.daily_copies = true}).write(plays, change, record_of(change));
+    std::vector<std::filesystem::path> copies(std::filesystem::directory_iterator(folder_ / "backup"), {});
+    ASSERT_EQ(copies.size(), 1U);
+    EXPECT_EQ(index_store(copies.front(), fail_on_report).keys(plays), std::vector<std::uint64_t>{0}) << "as it was before";
+
+    std::filesystem::remove_all(folder_ / "backup");
+    std::ofstream(folder_ / "backup") << "in the way";
+    std::string told;
+    index_store(path_, [&](const std::string& text) { told = text; }, {.daily_copies = true}).write(plays, 9, record_of(9));
+    EXPECT_NE(told.find("saved without it"), told.npos) << told;
+    EXPECT_EQ(index_store(path_, fail_on_report).keys(plays).size(), 4U);
 }
 
 }  // namespace
