@@ -1,6 +1,7 @@
 #include <map>
 
 #include "player/tags/bytes.h"
+#include "player/tags/edit_bytes.h"
 #include "player/tags/encoded_sound.h"
 #include "player/tags/ogg_pages.h"
 #include "player/tags/xiph_reader.h"
@@ -63,6 +64,7 @@ void add_ogg_sound(digest& to, container kind, file_stream& stream) {
         // The stream that comes first is the one with the comment.
         streams.try_emplace(page->serial(), kind, streams.empty()).first->second.add(*page, body);
     }
+    if (streams.empty()) throw edit_error("none of its pages has the right checksum");
     for (const auto& [serial, each] : streams) to.add_number(each.value());
 }
 
