@@ -8,12 +8,8 @@
 #include <flacfile.h>
 #include <mp4file.h>
 #include <mpegfile.h>
-#include <oggflacfile.h>
-#include <opusfile.h>
-#include <speexfile.h>
 #include <sys/stat.h>
 #include <trueaudiofile.h>
-#include <vorbisfile.h>
 #include <wavfile.h>
 #include <wavpackfile.h>
 
@@ -31,11 +27,6 @@ namespace {
 using file_pointer = std::unique_ptr<TagLib::File>;
 
 template <class File>
-file_pointer open_ogg(TagLib::IOStream& stream, limited_frames&) {
-    return std::make_unique<File>(&stream, false);
-}
-
-template <class File>
 file_pointer open_plain(TagLib::IOStream& stream, limited_frames&) {
     return std::make_unique<File>(&stream, true, TagLib::AudioProperties::Fast);
 }
@@ -45,14 +36,14 @@ file_pointer open_with_frames(TagLib::IOStream& stream, limited_frames& frames) 
     return std::make_unique<File>(&stream, &frames, true, TagLib::AudioProperties::Fast);
 }
 
-/// In the order of `container`.
+/// In the order of `container`. Ogg is read and edited without the library.
 constexpr file_pointer (*openers[])(TagLib::IOStream&, limited_frames&) = {
     open_with_frames<TagLib::MPEG::File>,
     open_with_frames<TagLib::FLAC::File>,
-    open_ogg<TagLib::Ogg::Vorbis::File>,
-    open_ogg<TagLib::Ogg::Opus::File>,
-    open_ogg<TagLib::Ogg::Speex::File>,
-    open_ogg<TagLib::Ogg::FLAC::File>,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
     open_plain<TagLib::MP4::File>,
     open_plain<TagLib::WavPack::File>,
     open_plain<TagLib::APE::File>,
