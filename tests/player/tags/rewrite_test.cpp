@@ -121,6 +121,7 @@ TEST_F(rewrite, gives_a_copy_up_whose_sound_an_editor_has_harmed) {
         {"wma.wma", {"\x36\x26\xB2\x75", 1, 1}},  // identifier of the data
         {"wma.wma", {"\x91\x07\xDC\xB7", 90, 1}},
         {"pcm.wav", {"RIFF", 5, -1}},
+        {"pcm.aiff", {"FORM", 6, 1}},
         {"pcm.wav", {"fmt ", 16, 1}},
         {"pcm.wav", {"data", 4, -2}},
         {"pcm.aiff", {"SSND", 7, -2}},
