@@ -3,7 +3,6 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 
@@ -31,7 +30,6 @@ metadb_handle_list tracks() {
 
 std::string contents_of(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error("cannot read " + path);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -64,7 +62,7 @@ int run(tiny_player& player) {
     player->library.items = selection.items();
     player->start();
     player->settle();
-    const std::map<std::string, std::function<void(const std::string&)>, std::less<>> commands{
+    const std::map<std::string, std::function<void(const std::string&)>> commands{
         {"import",
          [&](const std::string& path) {
              player->local_files.files["/import.xml"] = contents_of(path);
@@ -95,9 +93,7 @@ int run(tiny_player& player) {
     for (std::string line; std::getline(std::cin, line);) {
         if (line.ends_with('\r')) line.pop_back();
         const auto blank = line.find(' ');
-        const auto command = commands.find(line.substr(0, blank));
-        if (command == commands.end()) throw std::runtime_error("there is no command '" + line + "'");
-        command->second(blank == std::string::npos ? "" : line.substr(blank + 1));
+        commands.at(line.substr(0, blank))(blank == std::string::npos ? "" : line.substr(blank + 1));
         std::cout << "done\n" << std::flush;
     }
     return 0;
@@ -106,12 +102,8 @@ int run(tiny_player& player) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::cerr << "usage: statistics_files MODULE <COMMANDS\n";
-        return 2;
-    }
     try {
-        tiny_player player(argv[1]);
+        tiny_player player(argc == 2 ? argv[1] : throw std::runtime_error("MODULE, and commands on its input"));
         return run(player);
     } catch (const std::exception& e) {
         std::cerr << "statistics_files: " << e.what() << '\n';

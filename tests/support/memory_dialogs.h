@@ -77,8 +77,12 @@ public:
     std::optional<std::string> answer;
     std::vector<query_t> queries;
 
+    std::vector<std::string> texts;  ///< of the queries: "open" or "save", title, filter, extension
+
     std::optional<std::string> ask(const query_t& query) override {
         queries.push_back(query);
+        texts.push_back(std::string(query.save ? "save " : "open ") + query.title + ' ' + query.filter + ' ' +
+                        query.default_extension);
         return answer;
     }
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ostrevan/context_menu.h"
 #include "quorvel/common/settings.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
@@ -30,6 +31,22 @@ protected:
     }
     static quorvel::t_playback_stats stored(const ostrevan::metadb_handle_ptr& track) {
         return quorvel::PCDB::GetByKey(key_of(track));
+    }
+    /// The group of the context menu that holds a command, and the command's index in it.
+    std::pair<ostrevan::context_menu_item*, std::size_t> find_command(const std::string& name) {
+        for (std::size_t i = 0;; ++i) {
+            auto& group = player.component_service<ostrevan::context_menu_item>(i);
+            for (std::size_t index = 0; index < group.get_item_count(); ++index)
+                if (group.get_item_name(index) == name) return {&group, index};
+        }
+    }
+    /// The one open question: "STYLE TITLE: TEXT", the style in hexadecimal.
+    std::string question() {
+        if (player.popups.questions().size() != 1) return std::to_string(player.popups.questions().size()) + " questions";
+        const auto& open = player.popups.questions()[0];
+        EXPECT_EQ(open.parent, player.main_window());
+        return "0123456789"[open.style / 16 % 10] +
+               ("0123456789"[open.style % 16 % 10] + (' ' + open.title) + ": " + open.text);
     }
     /// A track keyed by its title, with this rating.
     memory_track_ptr rated(const char* title, std::uint32_t rating) {

@@ -1,4 +1,3 @@
-#include "ostrevan/context_menu.h"
 #include "quorvel/interchange/clipboard_transfer.h"
 #include "tests/support/statistics_test.h"
 
@@ -14,33 +13,16 @@ class context_commands : public support::statistics_test {
 protected:
     support::memory_track_ptr track = support::make_track("/a", {{"artist", "a"}, {"title", "t"}});
 
-    /// The group that holds a command, and the command's index in it.
-    std::pair<ostrevan::context_menu_item*, std::size_t> find(const std::string& name) {
-        for (std::size_t i = 0;; ++i) {
-            auto& group = player.component_service<ostrevan::context_menu_item>(i);
-            for (std::size_t index = 0; index < group.get_item_count(); ++index)
-                if (group.get_item_name(index) == name) return {&group, index};
-        }
-    }
     void run(const std::string& name, const metadb_handle_list& tracks) {
-        const auto [group, index] = find(name);
+        const auto [group, index] = find_command(name);
         group->context_command(index, tracks, ostrevan::context_caller::selection);
     }
     bool grayed(const std::string& name) {
-        const auto [group, index] = find(name);
+        const auto [group, index] = find_command(name);
         ostrevan::context_menu_node::display_t shown;
         EXPECT_TRUE(
             group->item_get_display_data(shown, index, metadb_handle_list{track}, ostrevan::context_caller::selection));
-        EXPECT_EQ(shown.text, name);
         return shown.flags == 6;
-    }
-    void expect_question(const char* text, unsigned style) {
-        ASSERT_EQ(player.popups.questions().size(), 1U);
-        const auto& question = player.popups.questions()[0];
-        EXPECT_EQ(question.text, text);
-        EXPECT_EQ(question.title, "Playback Statistics");
-        EXPECT_EQ(question.style, style);
-        EXPECT_EQ(question.parent, player.main_window());
     }
 };
 
@@ -54,10 +36,10 @@ TEST_F(context_commands, reset_as_the_setting_was_when_asked) {
             put(track, played);
             quorvel::tag_sync_enabled.set(clears_tags);
             run("Reset statistics", metadb_handle_list{track, bare});
-            expect_question(clears_tags ? "This will reset playback statistics for selected items and rewrite file tags "
-                                          "removing statistics info from them. Continue?"
-                                        : "This will reset playback statistics for selected items. Continue?",
-                            0x31);
+            EXPECT_EQ(question(), clears_tags ? "31 Playback Statistics: This will reset playback statistics for selected "
+                                                "items and rewrite file tags removing statistics info from them. Continue?"
+                                              : "31 Playback Statistics: This will reset playback statistics for selected "
+                                                "items. Continue?");
             quorvel::tag_sync_enabled.set(!clears_tags);
             player.popups.answer(answer);
             EXPECT_EQ(stored(track), answer == popup_message_v3::answer_ok ? quorvel::t_playback_stats{.added = 5} : played);
@@ -76,7 +58,7 @@ TEST_F(context_commands, write_tags_after_ok_whatever_the_setting) {
     for (const unsigned answer : {popup_message_v3::answer_cancel, popup_message_v3::answer_ok}) {
         EXPECT_TRUE(player.tag_updates.requests.empty());
         run("Write statistics to file tags", {track, remote});
-        expect_question("This will update file tags with playback statistics info. Continue?", 1);
+        EXPECT_EQ(question(), "01 Playback Statistics: This will update file tags with playback statistics info. Continue?");
         player.popups.answer(answer);
     }
     ASSERT_EQ(player.tag_updates.requests.size(), 1U);
@@ -117,7 +99,7 @@ TEST_F(context_commands, paste_is_gray_unless_statistics_have_been_copied) {
 
     run("Copy statistics", {track});
     run("Paste statistics", {track});
-    EXPECT_EQ(player.popups.questions().size(), 1U);
+    EXPECT_TRUE(question().starts_with("01 Playback Statistics: The following data"));
 }
 
 }  // namespace

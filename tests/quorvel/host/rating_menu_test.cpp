@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "ostrevan/context_menu.h"
 #include "quorvel/host/edit_rating.h"
 #include "tests/support/statistics_test.h"
 
@@ -14,14 +13,8 @@ const nuv::guid rating_item = nuv::guid_of("{15D9655C-F6DE-4B98-8942-A9DAE2F9AD7
 
 class rating_menu : public support::statistics_test {
 protected:
-    ostrevan::context_menu_item* item = find_item();
+    ostrevan::context_menu_item* item = find_command("Rating").first;
 
-    ostrevan::context_menu_item* find_item() {
-        for (std::size_t i = 0;; ++i) {
-            auto& candidate = player.component_service<ostrevan::context_menu_item>(i);
-            if (candidate.get_item_guid(0) == rating_item) return &candidate;
-        }
-    }
     std::unique_ptr<ostrevan::context_menu_node> open(const metadb_handle_list& tracks,
                                                       const nuv::guid& caller = ostrevan::context_caller::selection) {
         return item->make_node(0, tracks, caller);
@@ -50,11 +43,7 @@ protected:
 TEST_F(rating_menu, checks_what_all_tracks_share) {
     const auto none = rated("none", rating_not_set), zero = rated("zero", 42), three = rated("three", 149),
                also_three = rated("also three", 128), four = rated("four", 191);
-    struct row {
-        metadb_handle_list tracks;
-        const char* line;
-    };
-    const std::vector<row> rows = {
+    const std::vector<std::pair<metadb_handle_list, const char*>> rows = {
         {{none}, "*<not set> 1 2 3 4 5 - + "},       {{three, also_three}, "<not set> 1 2 *3 4 5 - + "},
         {{three, four}, "<not set> 1 2 3 4 5 - + "}, {{none, three}, "<not set> 1 2 3 4 5 - + "},
         {{zero}, "<not set> 1 2 3 4 5 - + "},        {{three, four, three}, "<not set> 1 2 3 4 5 - + "},
@@ -86,20 +75,16 @@ TEST_F(rating_menu, is_hidden_without_tracks_unless_commands_are_enumerated) {
     const auto root = open({}, enumeration);
     ASSERT_TRUE(root->get_display(entry));
     EXPECT_EQ(entry.text, "Rating");
-    EXPECT_EQ(entry.flags, 0U);
     EXPECT_EQ(shown(*root), "*<not set> 1 2 3 4 5 - + ");
     EXPECT_TRUE(item->item_get_display_data(entry, 0, metadb_handle_list{}, enumeration));
 }
 
 /// Copies of a track share a record, which a step moves once.
 TEST_F(rating_menu, runs_every_entry_by_menu_and_by_identifier) {
-    struct row {
-        const char* entry;
-        const char* id;
-        std::uint32_t from;
-        std::uint32_t to;
-    };
-    constexpr row rows[] = {
+    const struct {
+        const char *entry, *id;
+        std::uint32_t from, to;
+    } rows[] = {
         {"<not set>", "{1E33065E-B6BC-4970-8035-D760695C3F90}", 149, rating_not_set},
         {"1", "{4C26AAFC-7FAD-44A0-8859-2419281BB836}", rating_not_set, 63},
         {"2", "{827A703C-1D71-4542-81AD-67742BAA01B1}", rating_not_set, 106},
@@ -140,12 +125,7 @@ TEST_F(rating_menu, asks_only_beyond_a_hundred_different_tracks) {
     const auto last = tracks[100];
     for (const unsigned answer : {popup_message_v3::answer_no, popup_message_v3::answer_ok, popup_message_v3::answer_yes}) {
         quorvel::editRating(metadb_handle_list(tracks), rating_not_set, +1);
-        ASSERT_EQ(player.popups.questions().size(), 1U);
-        const auto& question = player.popups.questions()[0];
-        EXPECT_EQ(question.text, "You're about to edit rating of 101 tracks. Continue?");
-        EXPECT_EQ(question.title, "Warning");
-        EXPECT_EQ(question.style, 4U);
-        EXPECT_EQ(question.parent, player.main_window());
+        EXPECT_EQ(question(), "04 Warning: You're about to edit rating of 101 tracks. Continue?");
         EXPECT_EQ(stored(last).rating, rating_not_set);
         player.popups.answer(answer);
     }
@@ -158,16 +138,14 @@ TEST_F(rating_menu, lets_file_tags_follow_when_the_user_wants_that) {
     EXPECT_TRUE(player.tag_updates.requests.empty());
     quorvel::tag_sync_enabled.set(true);
     quorvel::editRating(metadb_handle_list{track}, 234, 0);
-    quorvel::editRating(metadb_handle_list{}, 234, 0);
     ASSERT_EQ(player.tag_updates.requests.size(), 1U);
     EXPECT_EQ(player.tag_updates.requests[0].options, 0U);
 }
 
 TEST_F(rating_menu, is_for_the_main_thread) {
-    const auto track = rated("t", 149);
-    const auto elsewhere = [&](auto call) { EXPECT_DEATH(std::thread(call).join(), "^core_api::ensure_main_thread"); };
-    elsewhere([&] { quorvel::editRating(metadb_handle_list{track}, 63, 0); });
-    elsewhere([&] { (void)open({track}); });
+    EXPECT_DEATH(std::thread([] { quorvel::editRating(metadb_handle_list{}, 63, 0); }).join(),
+                 "^core_api::ensure_main_thread");
+    EXPECT_DEATH(std::thread([&] { (void)open({}); }).join(), "^core_api::ensure_main_thread");
 }
 
 }  // namespace

@@ -11,28 +11,27 @@ using ostrevan::metadb_handle_list;
 constexpr std::uint64_t moment = 133'541'244'480'000'000;
 constexpr std::uint64_t day = 864'000'000'000;
 
-struct recording_sink final : ostrevan::track_property_sink {
-    std::string rows;
+struct recording_sink final : ostrevan::track_property_sink, ostrevan::track_property_groups {
+    bool accept = true;
+    std::string rows, groups;
+
     void set_property(const char* group, double priority, const char* name, const char* value) override {
         EXPECT_STREQ(group, "Playback Statistics");
         rows += std::to_string(static_cast<int>(priority)) + ' ' + name + " = " + value + '\n';
     }
-};
-
-struct choosing_groups final : ostrevan::track_property_groups {
-    bool accept = true;
-    std::vector<std::string> seen;
     bool on_group(const char* group) override {
-        seen.emplace_back(group);
+        groups += group;
         return accept;
     }
 };
 
 class track_properties : public support::statistics_test {
 protected:
-    std::string rows(const metadb_handle_list& tracks) {
+    std::string rows(const metadb_handle_list& tracks, bool wanted = true) {
         recording_sink sink;
-        player.component_service<ostrevan::track_property_provider>().enumerate_properties(tracks, sink);
+        sink.accept = wanted;
+        player.component_service<ostrevan::track_property_provider>().enumerate_groups(tracks, sink, sink);
+        EXPECT_EQ(sink.groups, "Playback Statistics");
         return sink.rows;
     }
 };
@@ -54,6 +53,7 @@ TEST_F(track_properties, show_only_rows_with_something_to_say) {
     EXPECT_EQ(rows(tracks), "");
     put(tracks[0], {.play_count = 1, .added = moment, .rating = 0});
     put(tracks[1], {.added = moment});
+    EXPECT_EQ(rows(tracks, false), "") << "a group that is not wanted";
     EXPECT_EQ(rows(tracks), "0 Played = 1 time\n3 Added = 2024-03-05 20:30:48\n4 Rating = ☆☆☆☆☆\n");
 }
 
@@ -76,20 +76,6 @@ TEST_F(track_properties, average_ratings_in_the_order_of_the_keys) {
     EXPECT_EQ(combined({63, 149, 234}), "4 Rating = ★★★☆☆\n");  // 106, then 170
     EXPECT_EQ(combined({234, 149, 63}), "4 Rating = ★★☆☆☆\n");  // 191, then 127
     EXPECT_EQ(combined({quorvel::rating_not_set, 234, quorvel::rating_not_set}), "4 Rating = ★★★★★\n");
-}
-
-TEST_F(track_properties, fill_the_group_only_when_it_is_wanted) {
-    const auto tracks = support::make_tracks(1);
-    put(tracks[0], {.play_count = 1});
-    auto& provider = player.component_service<ostrevan::track_property_provider>();
-    for (const bool accept : {false, true}) {
-        recording_sink sink;
-        choosing_groups groups;
-        groups.accept = accept;
-        provider.enumerate_groups(tracks, groups, sink);
-        EXPECT_EQ(groups.seen, std::vector<std::string>{"Playback Statistics"});
-        EXPECT_EQ(sink.rows, accept ? "0 Played = 1 time\n" : "");
-    }
 }
 
 }  // namespace

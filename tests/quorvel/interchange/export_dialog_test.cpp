@@ -8,10 +8,9 @@ using quorvel::pcdb_export::open_export_dialog;
 constexpr int ok = 1, cancel = 2, library_only = 1003, full_backup = 1004, times_played = 1005, rating = 1009;
 
 /// Shows messages and asks nothing.
-class plain_popups : public ostrevan::popup_message {
+class plain_popups : public support::recorded_popups {
 public:
-    std::vector<support::shown_message> messages;
-    void show(const char* text, const char* title, icon_t icon) override { messages.push_back({text, title, icon}); }
+    ostrevan::service_base* service_query(const nuv::guid&) noexcept override { return nullptr; }
 };
 
 class export_dialog : public support::statistics_test {
@@ -33,16 +32,14 @@ protected:
 };
 
 TEST_F(export_dialog, looks_as_the_library_and_the_selection_want) {
-    const std::vector<std::string> fields{"1002 -- Fields to export",
-                                          "1005 [x] Times played",
-                                          "1006 [x] First played time",
-                                          "1007 [x] Last played time",
-                                          "1008 [x] Added time",
-                                          "1009 [x] Rating",
-                                          "1 < > OK",
-                                          "2 < > Cancel"};
+    const auto fields = std::to_array<std::string>({"1002 -- Fields to export", "1005 [x] Times played",
+                                                    "1006 [x] First played time", "1007 [x] Last played time",
+                                                    "1008 [x] Added time", "1009 [x] Rating", "1 < > OK", "2 < > Cancel"});
     open_export_dialog(tracks);
-    EXPECT_EQ(player.dialogs.picture(), fields);
+    EXPECT_TRUE(std::ranges::equal(player.dialogs.picture(), fields));
+    open_export_dialog();
+    EXPECT_EQ(player.open_dialogs.pokes, 1U);
+    EXPECT_TRUE(std::ranges::equal(player.dialogs.picture(), fields)) << "the one that is open";
     player.dialogs.press(cancel);
 
     for (const bool enabled : {true, false}) {
@@ -59,21 +56,11 @@ TEST_F(export_dialog, looks_as_the_library_and_the_selection_want) {
     EXPECT_TRUE(player.local_files.files.empty());
 }
 
-TEST_F(export_dialog, brings_an_open_one_forward) {
-    open_export_dialog();
-    const auto picture = player.dialogs.picture();
-    open_export_dialog(tracks);
-    open_export_dialog();
-    EXPECT_EQ(player.open_dialogs.pokes, 2U);
-    EXPECT_EQ(player.dialogs.picture(), picture);
-}
-
 TEST_F(export_dialog, exports_what_is_chosen) {
     open_export_dialog();
     EXPECT_EQ(records_after_ok(), 1U) << "of the library";
     open_export_dialog();
     player.dialogs.set_checked(full_backup, true);
-    EXPECT_FALSE(player.dialogs.picture()[1].starts_with("1003 (*)"));
     player.library.items.clear();
     player.dialogs.press(ok);
     EXPECT_EQ(std::ranges::count(player.local_files.files.at("/out.xml"), '\n'), 3) << "everything, without tracks";
@@ -98,23 +85,15 @@ TEST_F(export_dialog, stays_open_until_there_is_something_to_write_and_somewhere
     player.dialogs.press(ok);
     EXPECT_TRUE(player.dialogs.is_open());
     EXPECT_TRUE(player.local_files.files.empty());
-    const auto& query = player.file_dialog.queries.at(0);
-    EXPECT_STREQ(query.filter, "XML files|*.xml");
-    EXPECT_STREQ(query.default_extension, "xml");
-    EXPECT_STREQ(query.title, "Export Playback Statistics");
-    EXPECT_TRUE(query.save);
-    EXPECT_EQ(query.parent, player.dialogs.native_window());
+    EXPECT_EQ(player.file_dialog.texts.at(0), "save Export Playback Statistics XML files|*.xml xml");
+    EXPECT_EQ(player.file_dialog.queries[0].parent, player.dialogs.native_window());
 }
 
 TEST_F(export_dialog, tells_of_a_failure) {
     player.local_files.room = 10;
     open_export_dialog();
     player.dialogs.press(ok);
-    const auto question = player.popups.questions().at(0);
-    EXPECT_EQ(question.text, "Playback statistics export failure: disk full");
-    EXPECT_EQ(question.title, "Information");
-    EXPECT_EQ(question.style, 0x10U);
-    EXPECT_FALSE(player.dialogs.is_open());
+    EXPECT_EQ(question(), "10 Information: Playback statistics export failure: disk full");
     EXPECT_EQ(player.local_files.files.at("/out.xml").size(), 10U) << "what has been written stays";
 
     ostrevan::service_uncounted_t<plain_popups> plain;
@@ -123,6 +102,7 @@ TEST_F(export_dialog, tells_of_a_failure) {
     player.progress.abort = true;
     open_export_dialog(support::make_tracks(1000));
     player.dialogs.press(ok);
+    EXPECT_EQ(player.local_files.flushes, 0U);
     EXPECT_EQ(plain.messages,
               (std::vector<support::shown_message>{
                   {"Playback statistics export failure: Interrupted. The file is incomplete: /out.xml", "Information", 1}}));

@@ -2,13 +2,11 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <array>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "ostrevan/dialog.h"
 #include "quorvel/interchange/pcdb_export.h"
 #include "quorvel/platform/utf16_win32.h"
 #include "tests/support/statistics_test.h"
@@ -46,13 +44,12 @@ inline std::string picture_of(HWND control) {
            (IsWindowEnabled(control) ? "" : " !");
 }
 
-/// The points of a control, made this wide.
-inline std::vector<std::uint32_t> drawing_of(HWND control, LONG width) {
+/// The points of a control.
+inline std::vector<std::uint32_t> drawing_of(HWND control) {
     RECT area;
     GetClientRect(control, &area);
-    SetWindowPos(control, nullptr, 0, 0, width, area.bottom, SWP_NOMOVE | SWP_NOZORDER);
     BITMAPINFO form{};
-    form.bmiHeader = {sizeof form.bmiHeader, width, area.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    form.bmiHeader = {sizeof form.bmiHeader, area.right, area.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* memory = nullptr;
     const HDC dc = CreateCompatibleDC(nullptr);
     const HBITMAP bitmap = CreateDIBSection(dc, &form, DIB_RGB_COLORS, &memory, nullptr, 0);
@@ -60,7 +57,7 @@ inline std::vector<std::uint32_t> drawing_of(HWND control, LONG width) {
     SendMessageW(control, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
     GdiFlush();
     const auto* const points = static_cast<const std::uint32_t*>(memory);
-    std::vector<std::uint32_t> drawing(points, points + width * area.bottom);
+    std::vector<std::uint32_t> drawing(points, points + area.right * area.bottom);
     DeleteObject(SelectObject(dc, before));
     DeleteDC(dc);
     return drawing;

@@ -23,8 +23,3 @@ TEST(entities, a_character_ends_with_the_text) {
     EXPECT_EQ(Vek::decodeEntities("日本", 3), "日");
     EXPECT_THROW((void)Vek::decodeEntities("日本", 4), Vek::xmlParser::error);
 }
-
-TEST(entities, escapes_five_characters_and_nothing_else) {
-    EXPECT_EQ(Vek::escapeText("a\"b&c'd<e>\t\n\x01é;"), "a&quot;b&amp;c&apos;d&lt;e&gt;\t\n\x01é;");
-    EXPECT_EQ(Vek::escapeText(""), "");
-}

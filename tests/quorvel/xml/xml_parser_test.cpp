@@ -37,20 +37,6 @@ TEST(xml_parser, nests_as_deep_as_the_buffer_is_long) {
     for_each_element("<r>" + inside + "</r>", [&](auto&, auto&, std::string_view content) { seen += content == inside; });
     EXPECT_EQ(seen, 1U);
     EXPECT_EQ(support::event_list::of(repeated("<a>", 100000)).message, "XML error");
-
-    const auto events = support::event_list::of(repeated("<a>", 300) + repeated("</a>", 300));
-    EXPECT_EQ(events.message, "");
-    EXPECT_EQ(events.lines.size(), 300U);
-}
-
-TEST(xml_parser, takes_a_million_attributes_of_one_element) {
-    std::string tag = "<a";
-    for (int i = 0; i < 1000000; ++i) tag.append(" n").append(std::to_string(i)).append("=\"v\"");
-    for_each_element(tag + "/>", [&](auto&, const Vek::xmlAttributes& attributes, auto) {
-        EXPECT_EQ(attributes.size(), 1000000U);
-        for (const char* name : {"n0", "n17", "n999999"}) EXPECT_NE(attributes.find(name), nullptr) << name;
-        EXPECT_EQ(attributes.find("n1000000"), nullptr);
-    });
 }
 
 // The storage of a large element is used again for small ones and for others that are just large enough to be indexed.
