@@ -2,6 +2,7 @@
 
 #include "player/cli/commands.h"
 #include "player/cli/exit_status.h"
+#include "player/core/failure_text.h"
 #include "player/front/interrupt.h"
 #include "player/query/query.h"
 #include "player/titleformat/script.h"
@@ -40,7 +41,7 @@ int run_reporting(const arguments& wanted, terminal& screen) {
         screen.error(error.what());
         return exit_usage;
     } catch (const std::exception& error) {
-        screen.error(error.what());
+        screen.error(failure_text(error));
         return exit_failed;
     }
 }

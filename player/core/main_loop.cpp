@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <exception>
 
+#include "player/core/failure_text.h"
+
 namespace ostrevan {
 
 void main_loop::post(task work) {
@@ -34,7 +36,7 @@ void main_loop::run_until_idle() {
         try {
             work();
         } catch (const std::exception& error) {
-            on_error_(error.what());
+            on_error_(failure_text(error).c_str());
         } catch (...) {
             on_error_("unknown error");
         }

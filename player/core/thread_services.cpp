@@ -6,6 +6,8 @@
 #include <thread>
 #include <utility>
 
+#include "player/core/failure_text.h"
+
 namespace ostrevan {
 
 void main_thread_service_impl::add_callback(service_ptr_t<main_thread_callback> callback) {
@@ -19,7 +21,7 @@ void thread_service_impl::start(service_ptr_t<thread_task> task) {
         try {
             task->run();
         } catch (const std::exception& error) {
-            failure = error.what();
+            failure = failure_text(error);
         } catch (...) {
             failure = "unknown error";
         }

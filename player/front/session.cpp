@@ -8,6 +8,7 @@
 #include "ostrevan/startup.h"
 #include "ostrevan/tag_edit.h"
 #include "player/core/configuration_file.h"
+#include "player/core/failure_text.h"
 #include "player/core/filesystems.h"
 #include "player/core/hash_service_impl.h"
 #include "player/core/host.h"
@@ -161,9 +162,10 @@ session::~session() {
         p.player.begin_shutdown();
         end_components(p.components, p.services, [&p](const std::string& message) { p.report(message); });
         p.records.flush();
-        p.library.forget_edits();
+        // An index that can only be read has followed none of them.
+        if (!p.records.is_read_only()) p.library.forget_edits();
     } catch (const std::exception& error) {
-        p.report(error.what());
+        p.report(failure_text(error));
     }
 }
 

@@ -108,7 +108,8 @@ void copy_pages(const database& source, const fs::path& to) {
     int code =
         sqlite3_open_v2(to.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXRESCODE, nullptr);
     const std::unique_ptr<sqlite3, int (*)(sqlite3*)> target(raw, sqlite3_close);
-    fs::permissions(to, user_only);
+    std::error_code ignored;
+    fs::permissions(to, user_only, ignored);
     if (code == SQLITE_OK) {
         auto* const backup = sqlite3_backup_init(raw, "main", source.handle(), "main");
         if (backup != nullptr) {

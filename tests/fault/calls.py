@@ -8,7 +8,7 @@ WAYS = [(error, mode) for mode in (0, 1) for error in (errno.ENOSPC, errno.EIO, 
 
 # Where older records may be added a second time at the next start: they are saved and their file cannot be removed; or the disk
 # fails for good when it is asked for the last of what was written, which SQLite finds whole in its log afterwards.
-SAVED_ALL_THE_SAME = [("unlink", "PlaybackStatistics.dat"), ("from then on", "fdatasync", "index.sqlite-wal")]
+SAVED_ALL_THE_SAME = [("unlinkat", "PlaybackStatistics.dat"), ("from then on", "fdatasync", "index.sqlite-wal")]
 
 
 class FailingCalls:

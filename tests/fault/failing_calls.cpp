@@ -159,70 +159,50 @@ int mkstemp(char* path) {
 }
 int mkstemp64(char* path) SAME_AS("mkstemp");
 
-ssize_t write(int file, const void* data, size_t size) {
-    return unless_failing("write", file, [&] { return kernel(SYS_write, file, data, size); });
-}
-ssize_t pwrite(int file, const void* data, size_t size, off_t at) {
-    return unless_failing("pwrite", file, [&] { return kernel(SYS_pwrite64, file, data, size, at); });
-}
+// On an open file, by its descriptor `file`; the kernel's call has the same arguments.
+#define ON_FILE(type, name, parameters, ...)                                                        \
+    type name parameters {                                                                          \
+        return static_cast<type>(unless_failing(#name, file, [&] { return kernel(__VA_ARGS__); })); \
+    }
+ON_FILE(ssize_t, write, (int file, const void* data, size_t size), SYS_write, file, data, size)
+ON_FILE(ssize_t, pwrite, (int file, const void* data, size_t size, off_t at), SYS_pwrite64, file, data, size, at)
+ON_FILE(ssize_t, writev, (int file, const iovec* parts, int count), SYS_writev, file, parts, count)
+ON_FILE(ssize_t, pwritev, (int file, const iovec* parts, int count, off_t at), SYS_pwritev, file, parts, count, at, 0L)
+ON_FILE(ssize_t, copy_file_range, (int from, off64_t* at, int file, off64_t* to, size_t size, unsigned flags),
+        SYS_copy_file_range, from, at, file, to, size, flags)
+ON_FILE(ssize_t, sendfile, (int file, int from, off_t* at, size_t size), SYS_sendfile, file, from, at, size)
+ON_FILE(int, fsync, (int file), SYS_fsync, file)
+ON_FILE(int, fdatasync, (int file), SYS_fdatasync, file)
+ON_FILE(int, ftruncate, (int file, off_t size), SYS_ftruncate, file, size)
+ON_FILE(int, fallocate, (int file, int mode, off_t at, off_t size), SYS_fallocate, file, mode, at, size)
+ON_FILE(int, fchmod, (int file, mode_t mode), SYS_fchmod, file, mode)
 ssize_t pwrite64(int file, const void* data, size_t size, off64_t at) SAME_AS("pwrite");
-ssize_t writev(int file, const iovec* parts, int count) {
-    return unless_failing("writev", file, [&] { return kernel(SYS_writev, file, parts, count); });
-}
-ssize_t pwritev(int file, const iovec* parts, int count, off_t at) {
-    return unless_failing("pwritev", file, [&] { return kernel(SYS_pwritev, file, parts, count, at, 0L); });
-}
 ssize_t pwritev64(int file, const iovec* parts, int count, off64_t at) SAME_AS("pwritev");
-ssize_t copy_file_range(int from, off64_t* at, int file, off64_t* to, size_t size, unsigned flags) {
-    return unless_failing("copy_file_range", file,
-                          [&] { return kernel(SYS_copy_file_range, from, at, file, to, size, flags); });
-}
-ssize_t sendfile(int file, int from, off_t* at, size_t size) {
-    return unless_failing("sendfile", file, [&] { return kernel(SYS_sendfile, file, from, at, size); });
-}
 ssize_t sendfile64(int file, int from, off64_t* at, size_t size) SAME_AS("sendfile");
-
-int fsync(int file) {
-    return static_cast<int>(unless_failing("fsync", file, [&] { return kernel(SYS_fsync, file); }));
-}
-int fdatasync(int file) {
-    return static_cast<int>(unless_failing("fdatasync", file, [&] { return kernel(SYS_fdatasync, file); }));
-}
-int ftruncate(int file, off_t size) {
-    return static_cast<int>(unless_failing("ftruncate", file, [&] { return kernel(SYS_ftruncate, file, size); }));
-}
 int ftruncate64(int file, off64_t size) SAME_AS("ftruncate");
-int fallocate(int file, int mode, off_t at, off_t size) {
-    return static_cast<int>(unless_failing("fallocate", file, [&] { return kernel(SYS_fallocate, file, mode, at, size); }));
-}
 int fallocate64(int file, int mode, off64_t at, off64_t size) SAME_AS("fallocate");
 int posix_fallocate(int file, off_t at, off_t size) { return fallocate(file, 0, at, size) == 0 ? 0 : errno; }
 int posix_fallocate64(int file, off64_t at, off64_t size) SAME_AS("posix_fallocate");
-int fchmod(int file, mode_t mode) {
-    return static_cast<int>(unless_failing("fchmod", file, [&] { return kernel(SYS_fchmod, file, mode); }));
-}
 
-int renameat2(int from_at, const char* from, int to_at, const char* to, unsigned flags) {
-    return static_cast<int>(
-        unless_failing("rename", to, [&] { return kernel(SYS_renameat2, from_at, from, to_at, to, flags); }));
-}
+// By a path that the call makes or removes.
+#define ON_PATH(name, parameters, path, ...)                                                       \
+    int name parameters {                                                                          \
+        return static_cast<int>(unless_failing(#name, path, [&] { return kernel(__VA_ARGS__); })); \
+    }
+ON_PATH(renameat2, (int from_at, const char* from, int to_at, const char* to, unsigned flags), to, SYS_renameat2, from_at,
+        from, to_at, to, flags)
+ON_PATH(linkat, (int from_at, const char* from, int to_at, const char* to, int flags), to, SYS_linkat, from_at, from, to_at,
+        to, flags)
+ON_PATH(unlinkat, (int at, const char* path, int flags), path, SYS_unlinkat, at, path, flags)
+ON_PATH(mkdirat, (int at, const char* path, mode_t mode), path, SYS_mkdirat, at, path, mode)
 int renameat(int from_at, const char* from, int to_at, const char* to) { return renameat2(from_at, from, to_at, to, 0); }
 int rename(const char* from, const char* to) { return renameat2(AT_FDCWD, from, AT_FDCWD, to, 0); }
-int linkat(int from_at, const char* from, int to_at, const char* to, int flags) {
-    return static_cast<int>(unless_failing("link", to, [&] { return kernel(SYS_linkat, from_at, from, to_at, to, flags); }));
-}
 int link(const char* from, const char* to) { return linkat(AT_FDCWD, from, AT_FDCWD, to, 0); }
-int unlinkat(int at, const char* path, int flags) {
-    return static_cast<int>(unless_failing("unlink", path, [&] { return kernel(SYS_unlinkat, at, path, flags); }));
-}
 int unlink(const char* path) { return unlinkat(AT_FDCWD, path, 0); }
 int rmdir(const char* path) { return unlinkat(AT_FDCWD, path, AT_REMOVEDIR); }
 int remove(const char* path) {
     const int done = unlink(path);
     return done != 0 && errno == EISDIR ? rmdir(path) : done;
-}
-int mkdirat(int at, const char* path, mode_t mode) {
-    return static_cast<int>(unless_failing("mkdir", path, [&] { return kernel(SYS_mkdirat, at, path, mode); }));
 }
 int mkdir(const char* path, mode_t mode) { return mkdirat(AT_FDCWD, path, mode); }
 

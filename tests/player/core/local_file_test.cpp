@@ -8,7 +8,7 @@
 
 #include "ostrevan/exceptions.h"
 #include "player/core/filesystems.h"
-#include "tests/player/core/temporary_folder.h"
+#include "tests/player/temporary_folder.h"
 
 namespace ostrevan {
 namespace {

@@ -10,7 +10,7 @@
 #include "player/core/durable_file.h"
 #include "player/core/profile_folder.h"
 #include "player/core/profile_lock.h"
-#include "tests/player/core/temporary_folder.h"
+#include "tests/player/temporary_folder.h"
 
 namespace ostrevan {
 namespace {

@@ -157,12 +157,12 @@ TEST_F(index_store_test, lets_nobody_else_register_an_index_in_this_run_or_a_lat
 TEST_F(index_store_test, puts_a_copy_aside_before_the_first_change_of_a_day) {
     for (std::uint64_t change = 0; change < 3; ++change)
         index_store(path_, fail_on_report, {.daily_copies = true}).write(plays, change, record_of(change));
-    std::vector<std::filesystem::path> copies(std::filesystem::directory_iterator(folder_ / "backup"), {});
+    std::vector<std::filesystem::path> copies(std::filesystem::directory_iterator(path("backup")), {});
     ASSERT_EQ(copies.size(), 1U);
     EXPECT_EQ(index_store(copies.front(), fail_on_report).keys(plays), std::vector<std::uint64_t>{0}) << "as it was before";
 
-    std::filesystem::remove_all(folder_ / "backup");
-    std::ofstream(folder_ / "backup") << "in the way";
+    std::filesystem::remove_all(path("backup"));
+    std::ofstream(path("backup")) << "in the way";
     std::string told;
     index_store(path_, [&](const std::string& text) { told = text; }, {.daily_copies = true}).write(plays, 9, record_of(9));
     EXPECT_NE(told.find("saved without it"), told.npos) << told;

@@ -13,30 +13,6 @@ using namespace std::chrono_literals;
 
 index_job seen(std::uint64_t key) { return seen_keys{1, 0, {key}}; }
 bool loaded(const std::stop_token&) { return true; }
-void ignore(const std::string&) {}
-
-TEST(index_writer, saves_all_that_came_while_it_was_busy_in_one_go) {
-    std::binary_semaphore busy(0), go_on(0);
-    std::vector<std::size_t> sizes;
-    index_writer writer({.load = loaded,
-                         .save =
-                             [&](std::span<const index_job> jobs) {
-                                 sizes.push_back(jobs.size());
-                                 if (sizes.size() > 1) return;
-                                 busy.release();
-                                 go_on.acquire();
-                             },
-                         .report = ignore},
-                        1h);
-    writer.enqueue({seen(1)});
-    busy.acquire();
-    for (std::uint64_t key = 2; key < 5; ++key) writer.enqueue({seen(key), seen(key)});
-    EXPECT_TRUE(writer.pending());
-    go_on.release();
-    writer.flush();
-    EXPECT_FALSE(writer.pending());
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 6}));
-}
 
 TEST(index_writer, keeps_what_fails_tries_again_by_itself_and_reports_once) {
     std::atomic<bool> is_full = true;

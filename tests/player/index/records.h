@@ -1,22 +1,11 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <span>
-#include <string>
-#include <vector>
 
 #include "player/index/index_store.h"
+#include "tests/player/temporary_folder.h"
 
 namespace ostrevan {
 
@@ -40,24 +29,12 @@ inline std::optional<record_bytes> stored(const index_store& store, const nuv::g
     return data.empty() ? std::nullopt : std::optional(data);
 }
 
-/// A folder of its own for a test that is gone afterwards.
-class index_folder : public testing::Test {
+class index_folder : public temporary_folder {
 protected:
-    index_folder() {
-        std::string pattern = testing::TempDir() + "indexXXXXXX";
-        folder_ = mkdtemp(pattern.data());
-        path_ = folder_ / "index.sqlite";
-    }
-    ~index_folder() override { std::filesystem::remove_all(folder_); }
-
-    [[nodiscard]] std::string file_bytes() const {
-        std::ifstream file(path_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    [[nodiscard]] std::string file_bytes() const { return content(path_); }
     static void fail_on_report(const std::string& text) { ADD_FAILURE() << "reported: " << text; }
 
-    std::filesystem::path folder_;
-    std::filesystem::path path_;
+    std::filesystem::path path_ = path("index.sqlite");
 };
 
 }  // namespace ostrevan

@@ -37,7 +37,7 @@ protected:
         return found;
     }
 
-    std::string folder_ = testing::TempDir() + "core-XXXXXX";
+    std::string folder_ = testing::TempDir() + "player-XXXXXX";
 };
 
 }  // namespace ostrevan

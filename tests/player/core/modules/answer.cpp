@@ -1,0 +1,8 @@
+// Answers the handshake with what the build defines.
+#include "ostrevan/component.h"
+
+extern "C" OSTREVAN_EXPORT ostrevan::component_interface* ostrevan_get_interface(
+    const ostrevan::player_interface* /*player*/) {
+    static ostrevan::component_interface answer{MAGIC, ostrevan::interface_version + VERSION, nullptr};
+    return MAGIC == 0 ? nullptr : &answer;
+}

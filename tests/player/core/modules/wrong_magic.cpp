@@ -1,7 +1,0 @@
-#include "ostrevan/component.h"
-
-extern "C" OSTREVAN_EXPORT ostrevan::component_interface* ostrevan_get_interface(
-    const ostrevan::player_interface* /*player*/) {
-    static ostrevan::component_interface answer{1, ostrevan::interface_version, nullptr};
-    return &answer;
-}
