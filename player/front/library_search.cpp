@@ -1,8 +1,10 @@
 #include "player/front/library_search.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 
+#include "player/front/known_fields.h"
 #include "player/front/track_listing.h"
 #include "player/query/query.h"
 #include "player/query/sort.h"
@@ -11,11 +13,15 @@ namespace ostrevan::front {
 metadb_handle_list find_tracks(const library::media_library& library, const titleformat::component_fields& fields,
                                const std::string& text) {
     const auto wanted = query::parse(text);
+    check_fields(wanted, text, library, fields);
     const auto clock =
         query::query_clock::local_at(std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()));
+    const auto limit = wanted.limit().value_or(library.items().size());
     std::vector<metadb_handle_ptr> found;
-    for (const auto& track : library.items())
+    for (const auto& track : library.items()) {
+        if (!wanted.sort() && found.size() == limit) break;
         if (wanted.matches(titleformat::track_fields(fields, *track), clock)) found.emplace_back(track);
+    }
 
     if (!wanted.sort()) return metadb_handle_list(std::move(found));
 
@@ -25,7 +31,8 @@ metadb_handle_list find_tracks(const library::media_library& library, const titl
         entries.push_back(query::entry_of(*wanted.sort(), i, titleformat::track_fields(fields, *found[i])));
     query::sort_naturally(entries, wanted.sort()->descending);
     metadb_handle_list sorted;
-    sorted.items().reserve(found.size());
+    entries.resize(std::min(entries.size(), limit));
+    sorted.items().reserve(entries.size());
     for (const auto& entry : entries) sorted.items().push_back(found[entry.index]);
     return sorted;
 }

@@ -51,7 +51,10 @@ enum class time_test { before, after, since, during };
 
 /// In all that follow, a script that is not found does not match.
 [[nodiscard]] condition_ptr present(titleformat::script left);
+/// Letters match without regard to case and to how accents are encoded.
 [[nodiscard]] condition_ptr compare_text(titleformat::script left, text_test test, std::string_view right);
+/// What people search by (artists, album, title, composer, genre, date, name of the file) contains this text.
+[[nodiscard]] condition_ptr mentions(std::string_view text);
 /// Text that does not start with a number does not match.
 [[nodiscard]] condition_ptr compare_number(titleformat::script left, number_test test, std::int64_t right);
 /// Text that is no time does not match; a text that is a longer period matches when all of that period does.

@@ -1,3 +1,8 @@
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
 #include <utility>
 
 #include "player/query/condition.h"
@@ -9,6 +14,19 @@ namespace ostrevan::query {
 namespace {
 
 using titleformat::script;
+
+/// Texts that look the same become the same: composed accents, letters without case.
+void append_comparable(std::string& out, std::string_view text) {
+    const bool is_ascii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    utf8proc_uint8_t* composed = nullptr;
+    const auto length = is_ascii ? 0
+                                 : utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                                static_cast<utf8proc_ssize_t>(text.size()), &composed,
+                                                static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE));
+    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(composed, &std::free);
+    if (length > 0) text = {reinterpret_cast<const char*>(composed), static_cast<std::size_t>(length)};
+    titleformat::append_folded(out, text);
+}
 
 class presence final : public condition {
 public:
@@ -22,12 +40,12 @@ private:
 class text_condition final : public condition {
 public:
     text_condition(script left, text_test test, std::string_view right) : left_(std::move(left)), test_(test) {
-        titleformat::append_folded(right_, right);
+        append_comparable(right_, right);
     }
     [[nodiscard]] bool matches(const examined& track) const override {
         if (!track.read(left_)) return false;
         track.folded.clear();
-        titleformat::append_folded(track.folded, track.text);
+        append_comparable(track.folded, track.text);
         return test_ == text_test::is ? track.folded == right_ : track.folded.find(right_) != std::string::npos;
     }
 
@@ -68,6 +86,12 @@ condition_ptr present(script left) { return std::make_unique<presence>(std::move
 
 condition_ptr compare_text(script left, text_test test, std::string_view right) {
     return std::make_unique<text_condition>(std::move(left), test, right);
+}
+
+condition_ptr mentions(std::string_view text) {
+    static const script searched = titleformat::compile(
+        "[%artist%\n][%album artist%\n][%album%\n][%title%\n][%composer%\n][%genre%\n][%date%\n][%filename%]");
+    return compare_text(searched, text_test::has, text);
 }
 
 condition_ptr compare_number(script left, number_test test, std::int64_t right) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "nuv/text.h"
 #include "player/titleformat/integer.h"
 
 namespace ostrevan::query {
@@ -54,8 +55,8 @@ condition_ptr time_operator(script left, scanner& right) {
 time_unit take_unit(scanner& right) {
     piece word = right.word();
     std::string_view name = word.text;
-    if (name.ends_with('S')) name.remove_suffix(1);
-    const auto found = std::ranges::find(units, name, &named_unit::name);
+    if (name.ends_with('S') || name.ends_with('s')) name.remove_suffix(1);
+    const auto found = std::ranges::find_if(units, [&](const auto& u) { return nuv::equal_ascii_nocase(u.name, name); });
     if (found == units.end()) right.fail("expected MINUTES, HOURS, DAYS, WEEKS, MONTHS or YEARS");
     right.skip(word);
     return found->unit;
@@ -81,8 +82,8 @@ constexpr std::array<comparison, 11> operators = {{
     {"GREATER", number_operator<number_test::greater>},
     {"LESS", number_operator<number_test::less>},
     {"EQUAL", number_operator<number_test::equal>},
-    {"PRESENT", present_operator},
-    {"MISSING", missing_operator},
+    {"PRESENT", present_operator, true},
+    {"MISSING", missing_operator, true},
     {"BEFORE", time_operator<time_test::before>},
     {"AFTER", time_operator<time_test::after>},
     {"SINCE", time_operator<time_test::since>},
@@ -92,7 +93,8 @@ constexpr std::array<comparison, 11> operators = {{
 }  // namespace
 
 const comparison* find_operator(std::string_view word) noexcept {
-    const auto found = std::ranges::find(operators, word, &comparison::keyword);
+    const auto found =
+        std::ranges::find_if(operators, [&](const auto& each) { return nuv::equal_ascii_nocase(each.keyword, word); });
     return found == operators.end() ? nullptr : &*found;
 }
 

@@ -12,6 +12,8 @@ struct comparison {
     std::string_view keyword;
     /// Reads what the operator needs on its right.
     condition_ptr (*build)(titleformat::script left, scanner& right) = nullptr;
+    /// It asks whether there is such a field, and so makes sense for any name.
+    bool asks_for_presence = false;
 };
 
 /// Null when the word is no operator.

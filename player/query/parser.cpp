@@ -1,8 +1,8 @@
-#include <algorithm>
-#include <array>
 #include <utility>
 
+#include "nuv/text.h"
 #include "player/query/condition.h"
+#include "player/query/ends_value.h"
 #include "player/query/operators.h"
 #include "player/query/query.h"
 #include "player/query/scanner.h"
@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t max_depth = 200;
 
 constexpr std::string_view operator_expected =
-    "expected IS, HAS, GREATER, LESS, EQUAL, PRESENT, MISSING, BEFORE, AFTER, SINCE or DURING, in capitals";
+    "expected IS, HAS, GREATER, LESS, EQUAL, PRESENT, MISSING, BEFORE, AFTER, SINCE or DURING";
 constexpr std::string_view condition_expected = "expected a condition, such as %artist% IS name";
 
 class parser {
@@ -24,19 +24,30 @@ public:
     explicit parser(std::string_view source) noexcept : scan_(source) {}
 
     condition_ptr conditions() {
-        if (scan_.at_end() || scan_.word().text == "SORT") return everything();
-        return alternatives();
+        const auto word = scan_.word().text;
+        const bool joins = nuv::equal_ascii_nocase(word, "AND") || nuv::equal_ascii_nocase(word, "OR");
+        return scan_.at_end() || (!joins && ends_value(scan_)) ? everything() : alternatives();
     }
 
     std::optional<sort_order> sort() {
-        if (scan_.at_end()) return std::nullopt;
-        if (!scan_.take_word("SORT"))
-            scan_.fail(scan_.next() == ')' ? "')' without '('" : "expected AND, OR, SORT or the end of the query");
+        if (!scan_.take_word("SORT")) return std::nullopt;
         const bool descending = scan_.take_word("DESCENDING");
         if (!descending) scan_.take_word("ASCENDING");
         if (!scan_.take_word("BY")) scan_.fail(descending ? "expected BY" : "expected ASCENDING, DESCENDING or BY");
-        return sort_order{scan_.script_to_end(), descending};
+        const auto start = scan_.position();
+        sort_order order{scan_.script_to_end(), descending};
+        note_field(order.by, start);
+        return order;
     }
+
+    std::optional<std::size_t> limit() {
+        const auto count = scan_.limit();
+        if (!scan_.at_end())
+            scan_.fail(scan_.next() == ')' ? "')' without '('" : "expected AND, OR, SORT, LIMIT or the end of the query");
+        return count;
+    }
+
+    [[nodiscard]] std::vector<named_field> fields() { return std::move(fields_); }
 
 private:
     condition_ptr alternatives() { return chain("OR", &parser::requirements, any_of); }
@@ -54,8 +65,8 @@ private:
         const auto start = scan_.position();
         if (++depth_ > max_depth) scan_.fail("nested more than " + std::to_string(max_depth) + " deep");
         condition_ptr made;
-        if (scan_.take_word("NOT")) made = negation(single());
-        else if (scan_.take_word("ALL")) made = everything();
+        if (takes_not()) made = negation(single());
+        else if (takes_all()) made = everything();
         else if (scan_.take('(')) {
             made = alternatives();
             if (!scan_.take(')'))
@@ -66,13 +77,52 @@ private:
         return made;
     }
 
+    /// In capitals, or where a comparison follows: otherwise it is a word of a title.
+    bool takes_not() {
+        scanner next = scan_;
+        const bool is_capital = next.word().text == "NOT";
+        if (!next.take_word("NOT") || (!is_capital && !comparison_follows(next))) return false;
+        scan_ = next;
+        return true;
+    }
+
+    bool takes_all() {
+        scanner next = scan_;
+        const bool is_capital = next.word().text == "ALL";
+        if (!next.take_word("ALL") || (!is_capital && !next.at_end() && next.next() != ')' && !ends_value(next)))
+            return false;
+        scan_ = next;
+        return true;
+    }
+
+    /// A comparison, or words to search for.
     condition_ptr test() {
+        if (scan_.next() != '%' && scan_.next() != '$' && !comparison_follows(scan_)) return search();
+        const auto start = scan_.position();
         auto left = left_side();
         const piece word = scan_.word();
         const comparison* const found = find_operator(word.text);
         if (found == nullptr) scan_.fail(std::string(operator_expected));
+        if (!found->asks_for_presence) note_field(left, start);
         scan_.skip(word);
         return found->build(std::move(left), scan_);
+    }
+
+    condition_ptr search() {
+        const auto start = scan_.position();
+        const piece first = scan_.word();
+        const auto* const misplaced = find_operator(first.text);
+        auto words = scan_.search_words();
+        if (words.empty() || (misplaced != nullptr && first.text == misplaced->keyword))
+            scan_.fail(std::string(condition_expected), start);
+        std::vector<condition_ptr> parts;
+        for (const auto& word : words)
+            if (words.size() == 1 || !nuv::equal_ascii_nocase(word, "and")) parts.push_back(mentions(word));
+        return all_of(std::move(parts));
+    }
+
+    void note_field(const titleformat::script& script, std::size_t position) {
+        if (const auto name = script.only_field()) fields_.push_back({std::string(*name), position});
     }
 
     titleformat::script left_side() {
@@ -84,18 +134,9 @@ private:
 
     /// The words up to an operator.
     titleformat::script bare_field() {
-        constexpr std::array<std::string_view, 4> no_names = {"AND", "OR", "SORT", ""};
-        const piece first = scan_.word();
-        if (std::ranges::find(no_names, first.text) != no_names.end() || find_operator(first.text) != nullptr)
-            scan_.fail(std::string(condition_expected));
-        scan_.skip(first);
-        const auto behind_first = scan_.position();
-
-        std::string name(first.text);
+        std::string name;
         for (piece next = scan_.word(); find_operator(next.text) == nullptr; next = scan_.word()) {
-            if (std::ranges::find(no_names, next.text) != no_names.end())
-                scan_.fail(std::string(operator_expected), behind_first);
-            name.append(1, ' ').append(next.text);
+            name.append(name.empty() ? "" : " ").append(next.text);
             scan_.skip(next);
         }
         return scanner::field_named(name);
@@ -103,6 +144,7 @@ private:
 
     scanner scan_;
     std::size_t depth_ = 0;
+    std::vector<named_field> fields_;
 };
 
 }  // namespace
@@ -114,7 +156,8 @@ query parse(std::string_view source) {
     parser reading(source);
     auto conditions = reading.conditions();
     auto sort = reading.sort();
-    return {std::move(conditions), std::move(sort)};
+    const auto limit = reading.limit();
+    return {std::move(conditions), std::move(sort), limit, reading.fields()};
 }
 
 }  // namespace ostrevan::query

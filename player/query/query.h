@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "player/query/clock.h"
 #include "player/titleformat/script.h"
@@ -19,6 +20,12 @@ struct sort_order {
     bool descending = false;
 };
 
+/// A field that a query names, and where, in bytes.
+struct named_field {
+    std::string name;
+    std::size_t position = 0;
+};
+
 /// A parsed query: immutable, cheap to copy, and usable from any number of threads at once.
 class query {
 public:
@@ -26,14 +33,22 @@ public:
     [[nodiscard]] bool matches(const titleformat::field_source& fields, const query_clock& clock) const;
 
     [[nodiscard]] const std::optional<sort_order>& sort() const noexcept { return sort_; }
+    /// How many tracks are wanted, the first ones in the order of sorting; all without a value.
+    [[nodiscard]] const std::optional<std::size_t>& limit() const noexcept { return limit_; }
+    /// The fields that are compared or sorted by, but for those inside scripts: what the query says makes no sense when
+    /// there is no such field. Names are in small letters.
+    [[nodiscard]] const std::vector<named_field>& fields() const noexcept { return fields_; }
 
 private:
     friend query parse(std::string_view);
-    query(std::shared_ptr<const condition> root, std::optional<sort_order> sort)
-        : root_(std::move(root)), sort_(std::move(sort)) {}
+    query(std::shared_ptr<const condition> root, std::optional<sort_order> sort, std::optional<std::size_t> limit,
+          std::vector<named_field> fields)
+        : root_(std::move(root)), sort_(std::move(sort)), limit_(limit), fields_(std::move(fields)) {}
 
     std::shared_ptr<const condition> root_;
     std::optional<sort_order> sort_;
+    std::optional<std::size_t> limit_;
+    std::vector<named_field> fields_;
 };
 
 /// A mistake in a query. `what()` names what was expected and shows the place.

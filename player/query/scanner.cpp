@@ -1,16 +1,28 @@
 #include "player/query/scanner.h"
 
 #include <algorithm>
-#include <array>
 
+#include "nuv/text.h"
+#include "player/query/ends_value.h"
 #include "player/query/query.h"
+#include "player/titleformat/integer.h"
 
 namespace ostrevan::query {
 
 namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
-constexpr std::array<std::string_view, 3> value_ends = {"AND", "OR", "SORT"};
+
+/// Where a LIMIT with its number at the end of a text starts, or else the end.
+std::size_t limit_at_end(std::string_view text) {
+    for (auto at = text.find_last_not_of("0123456789"); at != std::string_view::npos && at + 1 < text.size();) {
+        const auto word_end = text.find_last_not_of(blanks, at) + 1;
+        if (word_end == at + 1 || word_end < 5 || !nuv::equal_ascii_nocase(text.substr(word_end - 5, 5), "LIMIT")) break;
+        if (word_end > 5 && blanks.find(text[word_end - 6]) == std::string_view::npos) break;
+        return word_end - 5;
+    }
+    return text.size();
+}
 
 /// Inside a quoted text, two quotes stand for one.
 std::string unescaped(std::string_view inside) {
@@ -53,7 +65,7 @@ piece scanner::word() {
 
 bool scanner::take_word(std::string_view keyword) {
     const piece found = word();
-    if (found.text != keyword) return false;
+    if (!nuv::equal_ascii_nocase(found.text, keyword)) return false;
     skip(found);
     return true;
 }
@@ -79,7 +91,7 @@ std::string scanner::value(std::string_view what) {
     auto end = start;
     std::size_t parentheses = 0;
     for (piece next_word = word(); !at_end(); next_word = word()) {
-        if (std::ranges::find(value_ends, next_word.text) != value_ends.end()) break;
+        if (ends_value(*this)) break;
         if (next_word.text.empty()) {
             if (next() == ')' && parentheses == 0) break;
             parentheses = next() == '(' ? parentheses + 1 : parentheses - 1;
@@ -90,6 +102,29 @@ std::string scanner::value(std::string_view what) {
     }
     if (end == start) fail("expected " + std::string(what), start);
     return std::string(source_.substr(start, end - start));
+}
+
+std::vector<std::string> scanner::search_words() {
+    std::vector<std::string> words;
+    std::size_t parentheses = 0;
+    while (!at_end() && !ends_value(*this)) {
+        if (next() == ')' && parentheses == 0) break;
+        if (next() == '"') words.push_back(unescaped(quoted().text));
+        else if (take('(')) ++parentheses;
+        else if (take(')')) --parentheses;
+        else words.emplace_back(word().text), skip(word());
+    }
+    return words;
+}
+
+std::optional<std::size_t> scanner::limit() {
+    if (!take_word("LIMIT")) return std::nullopt;
+    const piece number = word();
+    const bool is_number = !number.text.empty() && number.text.find_first_not_of("0123456789") == std::string_view::npos;
+    const auto value = is_number ? titleformat::leading_integer(number.text) : std::nullopt;
+    if (value.value_or(0) < 1) fail("expected a number from 1", number.position);
+    skip(number);
+    return static_cast<std::size_t>(*value);
 }
 
 titleformat::script scanner::compile(std::string_view text, std::size_t start, std::string_view escaped) const {
@@ -126,7 +161,10 @@ titleformat::script scanner::script_to_end() {
     std::string_view rest = source_.substr(position());
     rest = rest.substr(0, rest.find_last_not_of(blanks) + 1);
     const auto start = position_;
-    position_ = source_.size();
+    rest = rest.substr(0, limit_at_end(rest));
+    rest = rest.substr(0, rest.find_last_not_of(blanks) + 1);
+    if (rest.empty()) fail("expected a field or a script to sort by");
+    position_ = start + rest.size();
     if (rest.find_first_of("%$") == std::string_view::npos) return field_named(rest);
     return compile(rest, start, {});
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "player/titleformat/script.h"
 
@@ -18,6 +20,7 @@ struct piece {
 class scanner {
 public:
     explicit scanner(std::string_view source) noexcept : source_(source) {}
+    [[nodiscard]] std::string_view rest() { return source_.substr(position()); }
 
     /// Of the next piece, or the end.
     [[nodiscard]] std::size_t position();
@@ -26,21 +29,26 @@ public:
 
     /// Takes `c` if it comes next.
     bool take(char c);
-    /// Takes a keyword if it comes next as a whole word.
+    /// Takes a keyword if it comes next as a whole word, in whatever case.
     bool take_word(std::string_view keyword);
     /// The next word without taking it: up to a blank or a parenthesis. Empty at the end.
     [[nodiscard]] piece word();
     void skip(const piece& taken) noexcept { position_ = taken.position + taken.text.size(); }
 
-    /// The value on the right of a comparison: a text in double quotes, where "" is one quote, or everything up to AND, OR,
-    /// SORT, a closing parenthesis without an opening one, or the end. `what` names it in the message when there is none.
+    /// The value on the right of a comparison: a text in double quotes, where "" is one quote, or everything up to a word
+    /// that `ends_value`, a closing parenthesis without an opening one, or the end. `what` names it in the message when
+    /// there is none.
     std::string value(std::string_view what);
+    /// The words and the quoted texts up to the same places.
+    std::vector<std::string> search_words();
     /// A script that reads some field, in double quotes, which must come next.
     titleformat::script quoted_script();
     /// `%field%`, which must come next.
     titleformat::script field();
-    /// What remains, up to the end: a script, quoted or not, or the plain name of a field.
+    /// What remains, up to a LIMIT or the end: a script, quoted or not, or the plain name of a field.
     titleformat::script script_to_end();
+    /// LIMIT and its number, if they come next.
+    std::optional<std::size_t> limit();
     /// The script that shows one field.
     static titleformat::script field_named(std::string_view name);
 
