@@ -1,10 +1,12 @@
 #include "player/cli/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 
 #include "player/cli/exit_status.h"
 #include "player/cli/help_texts.h"
+#include "player/cli/wrong_words.h"
 #include "player/core/default_folders.h"
 
 namespace ostrevan::cli {
@@ -14,7 +16,7 @@ namespace {
 class command_line {
 public:
     command_line();
-    std::variant<arguments, int> parse(int count, const char* const* values);
+    std::variant<arguments, nothing_to_run> parse(int count, const char* const* values);
 
 private:
     CLI::App* add(CLI::App& parent, const char* name, const char* what, const char* examples);
@@ -50,6 +52,7 @@ private:
     main_menu menu_;
     context_menu context_;
     std::vector<std::string> context_words_;
+    rate_tracks rate_;
     show_settings settings_;
     playlist_list playlist_list_;
     playlist_show playlist_show_;
@@ -88,7 +91,7 @@ void command_line::add_library() {
 
 void command_line::add_track_commands() {
     auto* const list = add(app_, "list", "List tracks of the library", list_examples);
-    list->add_option("QUERY", list_.query, "Which tracks; all without a query");
+    list->add_option("QUERY", list_.query, "A query, or words to search for; all tracks without one");
     list->add_option("--column", list_.columns, "A column to show, may be repeated")->allow_extra_args(false);
     auto* const script = list->add_option("--format", list_.format, "One line a track by this title formatting script");
     list->add_flag("--json", list_.json, "An array of objects")->excludes(script);
@@ -131,7 +134,8 @@ void command_line::add_track_commands() {
 
 void command_line::add_menus() {
     auto* const menu = add(app_, "menu", "List the main menu, or run one command", menu_examples);
-    menu->add_option("PATH", menu_.command, "A menu path or {GUID}");
+    menu->add_option("PATH", menu_.command, "A menu path, the end of one or a part of its name, or {GUID}");
+    menu->add_option("VALUE", menu_.value, "on or off, for a command with a mark");
     choose(menu, menu_);
 
     auto* const context = add(app_, "context", "List the context menu of a selection, or run one command", context_examples);
@@ -141,6 +145,11 @@ void command_line::add_menus() {
         split_context_words();
         result_.chosen = context_;
     });
+
+    auto* const rate = add(app_, "rate", "Rate tracks", rate_examples);
+    rate->add_option("STARS", rate_.stars, "An entry of the Rating menu: 1 to 5, - or + for a step, none")->required();
+    add_tracks(*rate, rate_.tracks);
+    choose(rate, rate_);
 }
 
 /// The first word is a track when a file of that name is there, and a command otherwise.
@@ -230,12 +239,25 @@ void command_line::check_answers() const {
     if (answers.file && answers.file->empty()) throw CLI::ValidationError("--file", "name a file");
 }
 
-std::variant<arguments, int> command_line::parse(int count, const char* const* values) {
+/// From the last to the first, as the parser wants them.
+std::vector<std::string> reversed_words(int count, const char* const* values) {
+    std::vector<std::string> words(values + 1, values + count);
+    std::error_code error;
+    for (auto& word : words)  // the parser takes [a,b] for a list; the name of a file can look like one
+        if (word.starts_with('[') && std::filesystem::exists(word, error)) word.insert(0, "./");
+    std::ranges::reverse(words);
+    return words;
+}
+
+std::variant<arguments, nothing_to_run> command_line::parse(int count, const char* const* values) {
     try {
-        app_.parse(count, values);
+        app_.parse(reversed_words(count, values));
         check_answers();
     } catch (const CLI::ParseError& error) {
-        return app_.exit(error) == 0 ? exit_done : exit_usage;
+        if (const auto wrong = describe_unknown_words(app_); !wrong.empty()) return nothing_to_run{exit_usage, wrong};
+        if (dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr) return nothing_to_run{exit_done, OSTREVAN_VERSION};
+        if (error.get_exit_code() == 0) return nothing_to_run{exit_done, app_.help()};
+        return nothing_to_run{exit_usage, describe_mistake(app_, error.what())};
     }
     if (yes_ || no_) result_.answers.yes = yes_;
     return result_;
@@ -243,7 +265,7 @@ std::variant<arguments, int> command_line::parse(int count, const char* const* v
 
 }  // namespace
 
-std::variant<arguments, int> parse_arguments(int count, const char* const* values) {
+std::variant<arguments, nothing_to_run> parse_arguments(int count, const char* const* values) {
     return command_line().parse(count, values);
 }
 

@@ -26,7 +26,8 @@ struct library_rescan {};
 struct library_folders {};
 
 struct list_tracks {
-    std::string query;
+    /// The query, in one word or several.
+    std::vector<std::string> query;
     std::vector<std::string> columns;
     std::optional<std::string> format;
     bool json = false;
@@ -50,9 +51,15 @@ struct edit_tags {
 };
 struct main_menu {
     std::optional<std::string> command;
+    /// "on" or "off": the mark that the command is to have afterwards.
+    std::optional<std::string> value;
 };
 struct context_menu {
     std::optional<std::string> command;
+    track_arguments tracks;
+};
+struct rate_tracks {
+    std::string stars;
     track_arguments tracks;
 };
 struct show_settings {
@@ -81,8 +88,8 @@ struct list_components {};
 
 using command =
     std::variant<library_add, library_remove, library_rescan, library_folders, list_tracks, play_tracks, format_tracks,
-                 show_properties, edit_tags, main_menu, context_menu, show_settings, playlist_list, playlist_show,
-                 playlist_create, playlist_remove, show_keys, index_dump, index_prune, list_components>;
+                 show_properties, edit_tags, main_menu, context_menu, rate_tracks, show_settings, playlist_list,
+                 playlist_show, playlist_create, playlist_remove, show_keys, index_dump, index_prune, list_components>;
 
 struct arguments {
     std::string profile;
@@ -92,8 +99,12 @@ struct arguments {
     command chosen;
 };
 
-/// Reads the command line. When there is nothing to run (help, version, a mistake, which it has printed), gives the exit
-/// status instead.
-std::variant<arguments, int> parse_arguments(int count, const char* const* values);
+/// What is said in place of running a command: help or the version, or what is wrong.
+struct nothing_to_run {
+    int status;
+    std::string text;
+};
+
+std::variant<arguments, nothing_to_run> parse_arguments(int count, const char* const* values);
 
 }  // namespace ostrevan::cli

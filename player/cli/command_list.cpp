@@ -1,3 +1,4 @@
+#include <cmath>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -7,6 +8,7 @@
 #include "player/cli/key_text.h"
 #include "player/front/track_listing.h"
 #include "player/front/track_selection.h"
+#include "player/titleformat/integer.h"
 
 namespace ostrevan::cli {
 namespace {
@@ -26,48 +28,88 @@ std::vector<front::column> columns_of(const run_context& context, const std::vec
 
 void print_lines(const run_context& context, const metadb_handle_list& tracks, const std::string& format) {
     const auto script = titleformat::compile(format);
-    for (const auto& track : tracks)
+    for (const auto& track : tracks) {
+        if (!std::cout) return;
         std::cout << script.run(titleformat::track_fields(context.player.fields(), *track)).text << '\n';
+    }
 }
 
-/// `null` for a field that was not found, else its text.
-nlohmann::json member(const titleformat::track_fields& fields, const std::string& name) {
+using json = nlohmann::ordered_json;
+
+/// What a field's text is in JSON: nothing when it was not found, a number where it reads like one.
+json value_of(const titleformat::track_fields& fields, const std::string& name, bool may_be_number) {
     std::string text;
     if (!fields.field(name, text)) return nullptr;
+    if (may_be_number)
+        if (const auto number = json::parse(text, nullptr, false); number.is_number()) return number;
     return text;
 }
 
-void print_json(run_context& context, const metadb_handle_list& tracks) {
-    std::set<std::string> names{"artist", "album", "title"};
-    for (const auto& [name, entry] : context.player.fields().all()) names.insert(name);
+/// The number at the start of a field, as in "3/12"; else its text ("A1").
+json leading_number(const titleformat::track_fields& fields, const std::string& name) {
+    const auto text = value_of(fields, name, false);
+    if (!text.is_string()) return text;
+    const auto number = titleformat::leading_integer(text.get<std::string>());
+    return number ? json(*number) : text;
+}
+
+/// Rounded to milliseconds.
+json seconds_of(const metadb_handle& track) {
+    const auto info = track.info();
+    if (!info || !(info->info().length() > 0)) return nullptr;
+    return std::round(info->info().length() * 1000) / 1000;
+}
+
+json object_of(const run_context& context, const std::set<std::string>& component_fields, metadb_handle& track) {
+    const titleformat::track_fields fields(context.player.fields(), track);
+    const auto key = key_text(context.player.index(), track);
+    json object{{"path", track.location().path},
+                {"subsong", track.location().subsong},
+                {"key", key.empty() ? json() : json(key)},
+                {"length", seconds_of(track)},
+                {"codec", value_of(fields, "codec", false)},
+                {"track", leading_number(fields, "tracknumber")},
+                {"disc", leading_number(fields, "discnumber")}};
+    for (const char* name : {"artist", "album artist", "album", "title", "date", "genre"})
+        object[name] = value_of(fields, name, false);
+    for (const auto& name : component_fields) object[name] = value_of(fields, name, true);
+    return object;
+}
+
+void print_json(const run_context& context, const metadb_handle_list& tracks) {
+    std::set<std::string> component_fields;
+    for (const auto& [name, entry] : context.player.fields().all()) component_fields.insert(name);
 
     // One object a line: as large as the library may be, only one track is held as JSON at a time.
     std::cout << '[';
     const char* separator = "\n";
     for (const auto& track : tracks) {
-        const titleformat::track_fields fields(context.player.fields(), *track);
-        nlohmann::ordered_json object;
-        object["path"] = track->location().path;
-        object["subsong"] = track->location().subsong;
-        const auto key = key_text(context.player.index(), *track);
-        object["key"] = key.empty() ? nlohmann::json() : nlohmann::json(key);
-        for (const auto& name : names) object[name] = member(fields, name);
-        std::cout << separator << object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        if (!std::cout) return;
+        const auto object = object_of(context, component_fields, *track);
+        std::cout << separator << object.dump(-1, ' ', false, json::error_handler_t::replace);
         separator = ",\n";
     }
     std::cout << "\n]\n";
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const auto& word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
 }
 
 }  // namespace
 
 void run(run_context& context, const list_tracks& arguments) {
     const auto columns = columns_of(context, arguments.columns);
-    const auto tracks = front::find_tracks(context.player, arguments.query);
+    const auto query = joined(arguments.query);
+    const auto tracks = front::find_tracks(context.player, query);
     if (arguments.json) print_json(context, tracks);
     else if (arguments.format) print_lines(context, tracks, *arguments.format);
     else context.screen.show_listing(front::listing_of(tracks, columns, context.player.fields()));
     if (tracks.empty() && !context.player.library().is_enabled())
         context.screen.note("The library is empty: add a folder with 'ostrevan library add FOLDER'.");
+    else if (tracks.empty()) context.screen.note("No track of the library matches " + query);
 }
 
 void run(run_context& context, const format_tracks& arguments) {

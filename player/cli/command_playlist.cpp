@@ -40,7 +40,18 @@ void run(run_context& context, const playlist_create& arguments) {
 }
 
 void run(run_context& context, const playlist_remove& arguments) {
-    if (!context.player.library().playlists().remove(arguments.name)) throw_no_such(arguments.name);
+    auto& playlists = context.player.library().playlists();
+    const auto entries = playlists.entries(arguments.name);
+    if (!entries) throw_no_such(arguments.name);
+    const auto name = "\"" + arguments.name + "\"";
+    const auto answer =
+        context.screen.ask({.text = "Remove playlist " + name + " with " + std::to_string(entries->size()) + " tracks?",
+                            .title = "Playlist",
+                            .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
+                            .reply = {}});
+    if (answer != popup_message_v3::answer_yes) return;
+    playlists.remove(arguments.name);
+    context.screen.note("Playlist " + name + " is removed; its tracks stay.");
 }
 
 }  // namespace ostrevan::cli

@@ -1,34 +1,36 @@
 #include <iostream>
 
-#include "nuv/text.h"
 #include "player/cli/commands.h"
 #include "player/cli/exit_status.h"
+#include "player/cli/switch_word.h"
 #include "player/front/settings_tree.h"
 
 namespace ostrevan::cli {
 namespace {
 
-bool parse_switch(const std::string& text) {
-    for (const char* on : {"on", "true", "yes", "1"})
-        if (nuv::equal_ascii_nocase(text, on)) return true;
-    for (const char* off : {"off", "false", "no", "0"})
-        if (nuv::equal_ascii_nocase(text, off)) return false;
-    throw usage_error("\"" + text + "\" is neither on nor off.");
+/// A label and the remark in parentheses at its end.
+std::pair<std::string, std::string> parts_of(const std::string& label) {
+    const auto open = label.rfind(" (");
+    if (open == std::string::npos || !label.ends_with(')')) return {label, ""};
+    return {label.substr(0, open), label.substr(open + 1)};
 }
 
-const char* state_text(const advanced_checkbox& checkbox) { return checkbox.get_state() ? "on" : "off"; }
+void print(const advanced_setting& setting, const advanced_checkbox* checkbox, std::size_t depth) {
+    const std::string indent(2 * depth, ' ');
+    const auto [name, remark] = parts_of(setting.label());
+    std::cout << indent << name;
+    if (checkbox != nullptr) std::cout << ": " << switch_word(checkbox->get_state());
+    if (!remark.empty()) std::cout << '\n' << indent << "  " << remark;
+    std::cout << '\n';
+}
 
 }  // namespace
 
 void run(run_context& context, const show_settings& arguments) {
     const auto tree = front::settings_tree(context.player.services());
     if (!arguments.name) {
-        for (const auto& [setting, checkbox, depth] : tree) {
-            std::cout << std::string(2 * depth, ' ') << setting->label();
-            if (checkbox != nullptr) std::cout << ": " << state_text(*checkbox);
-            std::cout << '\n';
-        }
-        return;
+        for (const auto& [setting, checkbox, depth] : tree) print(*setting, checkbox, depth);
+        return context.screen.note("A setting can be named by a part of its label: ostrevan settings synchronize on");
     }
     advanced_checkbox* checkbox = nullptr;
     try {
@@ -37,7 +39,7 @@ void run(run_context& context, const show_settings& arguments) {
         throw usage_error(error.what());
     }
     if (arguments.value) checkbox->set_state(parse_switch(*arguments.value));
-    std::cout << checkbox->label() << ": " << state_text(*checkbox) << '\n';
+    print(*checkbox, checkbox, 0);
 }
 
 }  // namespace ostrevan::cli

@@ -24,6 +24,7 @@ void run(run_context& context, const show_properties& arguments);
 void run(run_context& context, const edit_tags& arguments);
 void run(run_context& context, const main_menu& arguments);
 void run(run_context& context, const context_menu& arguments);
+void run(run_context& context, const rate_tracks& arguments);
 void run(run_context& context, const show_settings& arguments);
 void run(run_context& context, const playlist_list& arguments);
 void run(run_context& context, const playlist_show& arguments);

@@ -12,8 +12,10 @@ inline constexpr const char* main_examples =
     "  ostrevan library add ~/Music\n"
     "  ostrevan play ~/Music/song.flac\n"
     "  ostrevan list --column Title --column \"Play Count\"\n"
-    "  ostrevan list '%last_played% DURING LAST 1 WEEK SORT DESCENDING BY %last_played%'\n"
-    "Exit status: 0 done, 1 failed, 2 wrong usage, 3 declined.";
+    "  ostrevan list low water\n"
+    "  ostrevan list '%last_played% DURING LAST 1 WEEK SORT DESCENDING BY %last_played% LIMIT 20'\n"
+    "  ostrevan rate 4 ~/Music/song.flac\n"
+    "Exit status: 0 done, 1 failed, 2 wrong usage, 3 declined, 130 interrupted.";
 
 inline constexpr const char* library_examples =
     "Examples:\n"
@@ -23,7 +25,8 @@ inline constexpr const char* library_examples =
 
 inline constexpr const char* list_examples =
     "Examples:\n"
-    "  ostrevan list '%artist% HAS bach AND %rating% GREATER 3'\n"
+    "  ostrevan list low water\n"
+    "  ostrevan list '%artist% HAS bach AND %rating% GREATER 3 LIMIT 20'\n"
     "  ostrevan list --column Title --column \"Last Played\"\n"
     "  ostrevan list --format '%artist% - %title%[ (%play_count%)]'\n"
     "  ostrevan list --json | jq '.[].path'";
@@ -53,10 +56,11 @@ inline constexpr const char* menu_examples =
     "Examples:\n"
     "  ostrevan menu\n"
     "  ostrevan menu 'Library/Playback Statistics/Show recently played'\n"
-    "  ostrevan menu 'Library/Playback Statistics/Monitor playing tracks'\n"
-    "  ostrevan menu 'Library/Playback Statistics/Export statistics...'\n"
-    "  ostrevan --yes --file backup.xml --check 'Full backup' menu 'Library/Playback Statistics/Export statistics...'\n"
-    "  ostrevan --yes --file backup.xml --uncheck Rating menu 'Library/Playback Statistics/Import statistics...'\n"
+    "  ostrevan menu 'recently played'\n"
+    "  ostrevan menu monitor off\n"
+    "  ostrevan menu export\n"
+    "  ostrevan --yes --file backup.xml --check 'Full backup' menu export\n"
+    "  ostrevan --yes --file backup.xml --uncheck Rating menu import\n"
     "Without a path, prints the menu with marks and greyed entries. Dialogs are asked on the terminal; without one,\n"
     "--yes presses OK and --no Cancel, after --check and --uncheck have changed the marks with these labels.";
 
@@ -64,9 +68,16 @@ inline constexpr const char* context_examples =
     "Examples:\n"
     "  ostrevan context song.flac\n"
     "  ostrevan context 'Playback Statistics/Rating/4' song.flac\n"
+    "  ostrevan context rating/4 song.flac\n"
     "  ostrevan --yes context 'Playback Statistics/Write statistics to file tags' --where ALL\n"
     "  ostrevan --yes --file blue.xml context 'Playback Statistics/Export statistics to XML...' --where '%album% IS Blue'\n"
     "Without a path, prints the menu with marks and greyed entries. A first word that is a file on disk is a track.";
+
+inline constexpr const char* rate_examples =
+    "Examples:\n"
+    "  ostrevan rate 4 ~/Music/song.flac\n"
+    "  ostrevan rate + --where '%play_count% GREATER 20'\n"
+    "  ostrevan rate none ~/Music/album";
 
 inline constexpr const char* playlist_examples =
     "Examples:\n"
@@ -76,7 +87,7 @@ inline constexpr const char* playlist_examples =
 inline constexpr const char* settings_examples =
     "Examples:\n"
     "  ostrevan settings\n"
-    "  ostrevan settings 'Automatically synchronize' on";
+    "  ostrevan settings synchronize on";
 
 inline constexpr const char* key_examples =
     "Examples:\n"

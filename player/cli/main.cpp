@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 
 #include "player/cli/commands.h"
@@ -25,7 +27,7 @@ int run_all(const arguments& wanted, terminal& screen) {
     player.save();
     const int status = screen.exit_status();
     if (status == exit_done) screen.note_unused_answers();
-    return status != exit_usage && front::interrupted() ? exit_failed : status;
+    return status;
 }
 
 int run_reporting(const arguments& wanted, terminal& screen) {
@@ -46,17 +48,29 @@ int run_reporting(const arguments& wanted, terminal& screen) {
     }
 }
 
+/// What the process returns after everything has been written, or could not be.
+int final_status(int status, terminal& screen, standard_output& output) {
+    output.flush();
+    // Whoever closed the other end of a pipe has read enough, and needs no message.
+    if (output.error() != 0 && output.error() != EPIPE)
+        screen.error(std::string("standard output could not be written: ") + std::strerror(output.error()) + ".");
+    if (front::interrupted()) return exit_interrupted;
+    return output.error() != 0 && status == exit_done ? exit_failed : status;
+}
+
 }  // namespace
 }  // namespace ostrevan::cli
 
 int main(int count, char** values) {
     using namespace ostrevan::cli;
-    const auto parsed = parse_arguments(count, values);
-    if (const auto* status = std::get_if<int>(&parsed)) return *status;
-    const auto& wanted = std::get<arguments>(parsed);
     ostrevan::front::handle_interrupts();
-    terminal screen(wanted.quiet, wanted.answers);
-    const int status = run_reporting(wanted, screen);
-    std::cout.flush();
-    return status;
+    standard_output output;
+    const auto parsed = parse_arguments(count, values);
+    const auto* const nothing = std::get_if<nothing_to_run>(&parsed);
+    const auto wanted = nothing == nullptr ? std::get<arguments>(parsed) : arguments{};
+    terminal screen(wanted.quiet, wanted.answers, output);
+    if (nothing == nullptr) return final_status(run_reporting(wanted, screen), screen, output);
+    if (nothing->status == exit_done) std::cout << nothing->text << '\n';
+    else screen.error(nothing->text);
+    return final_status(nothing->status, screen, output);
 }

@@ -33,9 +33,18 @@ const front::menu_entry& command_at(const std::vector<front::menu_entry>& menu, 
     }
 }
 
-void run_entry(const front::menu_entry& entry, const char* when) {
+void run_entry(run_context& context, const front::menu_entry& entry, const char* when) {
     if (!entry.is_enabled) throw std::runtime_error("\"" + entry.text + "\" is greyed " + when + ".");
     entry.run();
+    context.player.run_until_idle();
+}
+
+std::string path_of(const std::vector<front::menu_entry>& menu, const front::menu_entry& entry) {
+    for (const auto& each : menu) {
+        if (&each == &entry) return each.text;
+        if (const auto below = path_of(each.children, entry); !below.empty()) return each.text + "/" + below;
+    }
+    return {};
 }
 
 }  // namespace ostrevan::cli

@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 #include "player/cli/exit_status.h"
 #include "player/cli/table.h"
+#include "player/cli/terminal_text.h"
+#include "player/front/interrupt.h"
 
 namespace ostrevan::cli {
 namespace {
@@ -26,10 +29,28 @@ std::string bar(std::size_t done, std::size_t total) {
     return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] ";
 }
 
+/// Whether escape codes mean something to the terminal at standard error.
+bool can_redraw() {
+    const char* const kind = std::getenv("TERM");
+    return ::isatty(STDERR_FILENO) != 0 && kind != nullptr && *kind != '\0' && std::string_view(kind) != "dumb";
+}
+
+void put_on_stderr(const std::string& text) {
+    const auto shown = ::isatty(STDERR_FILENO) != 0 ? shown_on_terminal(text) : text;
+    std::fwrite(shown.data(), 1, shown.size(), stderr);
+}
+
 }  // namespace
 
-terminal::terminal(bool quiet, prepared_answers answers)
-    : quiet_(quiet), answers_(std::move(answers)), draws_progress_(!quiet && ::isatty(STDERR_FILENO) != 0) {}
+terminal::terminal(bool quiet, prepared_answers answers, standard_output& output)
+    : quiet_(quiet), answers_(std::move(answers)), draws_progress_(!quiet && can_redraw()), output_(output) {
+    output_.before_writing([this] { end_progress(); });
+}
+
+terminal::~terminal() {
+    end_progress();
+    output_.before_writing({});
+}
 
 void terminal::clear_progress() {
     if (!progress_shown_) return;
@@ -38,16 +59,21 @@ void terminal::clear_progress() {
 }
 
 void terminal::write_line(const std::string& line) {
+    output_.flush();
     const std::lock_guard lock(mutex_);
     clear_progress();
-    std::fflush(stdout);
-    std::fprintf(stderr, "%s\n", line.c_str());
+    put_on_stderr(line + "\n");
 }
 
 void terminal::print_line(const std::string& line) { write_line(line); }
 
 void terminal::note(const std::string& line) {
     if (!quiet_) write_line(line);
+}
+
+void terminal::note_done(const std::string& what) {
+    if (exit_status() != exit_done || list_shown_ || front::interrupted()) return;
+    note(what + (file_asked_for_ ? ": " + *file_asked_for_ : "") + ".");
 }
 
 void terminal::error(const std::string& line) {
@@ -65,8 +91,9 @@ void terminal::show_listing(const front::track_listing& listing) {
     for (const auto& column : listing.columns) heads.push_back({column.name, column.align_right});
     table out(std::move(heads));
     for (const auto& row : listing.rows) out.add_row(row);
+    list_shown_ = true;
     end_progress();
-    std::cout << out.text(terminal_width());
+    std::cout << out.text(terminal_width(STDOUT_FILENO));
 }
 
 void terminal::show_progress(const std::string& what, std::size_t done, std::size_t total) {
@@ -77,7 +104,10 @@ void terminal::show_progress(const std::string& what, std::size_t done, std::siz
     if (progress_shown_ && now - last_drawn_ms_ < redraw_ms && done != total) return;
     last_drawn_ms_ = now;
     const auto count = std::to_string(done) + (total == 0 ? "" : " of " + std::to_string(total));
-    std::fprintf(stderr, "\r\033[K%s%s %s", bar(done, total).c_str(), count.c_str(), what.c_str());
+    // One row: of a line that is wrapped, only the last row could be erased.
+    const auto width = terminal_width(STDERR_FILENO);
+    const auto line = shown_on_terminal(bar(done, total) + count + " " + what);
+    std::fprintf(stderr, "\r\033[K%s", (width == 0 ? line : shortened(line, width - 1)).c_str());
     std::fflush(stderr);
     progress_shown_ = true;
 }
@@ -89,7 +119,7 @@ void terminal::end_progress() {
 
 void terminal::beep() {
     const std::lock_guard lock(mutex_);
-    if (::isatty(STDERR_FILENO) != 0) std::fputc('\a', stderr);
+    if (can_redraw()) std::fputc('\a', stderr);
 }
 
 int terminal::exit_status() const noexcept {

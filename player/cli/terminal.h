@@ -5,6 +5,7 @@
 #include <string>
 
 #include "player/cli/prepared_answers.h"
+#include "player/cli/standard_output.h"
 #include "player/front/front_end.h"
 
 namespace ostrevan::cli {
@@ -14,7 +15,8 @@ namespace ostrevan::cli {
 /// nobody answers counts as declined.
 class terminal final : public front::front_end {
 public:
-    terminal(bool quiet, prepared_answers answers);
+    terminal(bool quiet, prepared_answers answers, standard_output& output);
+    ~terminal() override;
 
     void print_line(const std::string& line) override;
     void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) override;
@@ -30,6 +32,9 @@ public:
     /// A line that is not a result: left out when quiet.
     void note(const std::string& line);
     void error(const std::string& line);
+    /// A note that names the file as well, when one was asked for. Left out when the work has failed, was declined or
+    /// interrupted, or has shown a list.
+    void note_done(const std::string& what);
     /// Tells of answers on the command line that nothing has asked for.
     void note_unused_answers();
 
@@ -52,6 +57,7 @@ private:
     const bool quiet_;
     const prepared_answers answers_;
     const bool draws_progress_;
+    standard_output& output_;
     std::mutex mutex_;
     bool progress_shown_ = false;
     long long last_drawn_ms_ = 0;
@@ -60,6 +66,8 @@ private:
     unsigned failures_ = 0;
     unsigned declined_ = 0;
     bool labels_used_ = false;
+    std::optional<std::string> file_asked_for_;
+    bool list_shown_ = false;
     bool file_used_ = false;
     // While a dialog is open: what had failed and been declined before its OK was pressed, and declined before it opened.
     unsigned known_troubles_ = 0;

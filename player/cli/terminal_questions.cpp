@@ -9,6 +9,7 @@
 #include "player/cli/dialog_text.h"
 #include "player/cli/exit_status.h"
 #include "player/cli/terminal.h"
+#include "player/cli/terminal_text.h"
 #include "player/front/interrupt.h"
 
 namespace ostrevan::cli {
@@ -68,7 +69,8 @@ void cancel(front::open_dialog& dialog) {
 bool terminal::can_ask() const { return !answers_.yes && ::isatty(STDIN_FILENO) != 0; }
 
 std::optional<std::string> terminal::read_line(const std::string& prompt) {
-    std::fputs(prompt.c_str(), stderr);
+    output_.flush();
+    std::fputs(shown_on_terminal(prompt).c_str(), stderr);
     std::fflush(stderr);
     std::string line;
     if (wait_for_input() && std::getline(std::cin, line)) return line;
@@ -102,10 +104,10 @@ unsigned terminal::ask(const popup_message_v3::query_t& query) {
 
 std::optional<std::string> terminal::ask_file(const file_dialog_service::query_t& query) {
     file_used_ = true;
-    if (answers_.file) return answers_.file;
+    if (answers_.file) return file_asked_for_ = answers_.file;
     if (::isatty(STDIN_FILENO) != 0 && answers_.yes.value_or(true)) {
         const auto line = read_line(std::string(query.title) + ": path of the file (empty to cancel): ");
-        if (line && !line->empty()) return with_home(*line);
+        if (line && !line->empty()) return file_asked_for_ = with_home(*line);
         ++declined_;
     } else {
         write_line(std::string(query.title) + ": a file has to be named.");

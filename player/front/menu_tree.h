@@ -28,8 +28,9 @@ struct menu_entry {
 /// The submenu at a path of texts separated by "/", made where it is missing.
 std::vector<menu_entry>& submenu_at(std::vector<menu_entry>& menu, std::string_view path);
 
-/// The command at a path of texts separated by "/", without regard to ASCII case. Throws `std::invalid_argument` with a
-/// message that lists what stands at the place where the path fails, or says that it names a submenu.
+/// The command at a path of texts separated by "/", without regard to ASCII case. The end of a path is enough, "Rating/4",
+/// and parts of its texts, "Monitor", where they fit one command only. Throws `std::invalid_argument` with a message that
+/// lists what stands at the place where the path fails, the commands that it fits, or what the submenu holds that it names.
 const menu_entry& find_command(const std::vector<menu_entry>& menu, std::string_view path);
 
 /// The command with an identifier; null when it is not in the menu.

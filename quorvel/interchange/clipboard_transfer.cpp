@@ -108,7 +108,7 @@ void overwrite(metadb_handle_list_cref tracks, const records& pasted) {
 void report_count(std::uint32_t count) {
     const std::string text = "Clipboard contains information for " + std::to_string(count) +
                              " tracks. Please select a correct number of tracks to paste information to.";
-    ostrevan::get_service<ostrevan::popup_message>()->show(text.c_str(), message_title);
+    ostrevan::get_service<ostrevan::popup_message>()->show(text.c_str(), message_title, ostrevan::popup_message::icon_error);
 }
 
 /// Empty when there is not enough memory.

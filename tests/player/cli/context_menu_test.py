@@ -33,15 +33,15 @@ class ContextMenu(PlayerTest):
     def test_ratings_by_name_by_step_and_by_identifier(self):
         self.rate("3", self.one, self.two)
         self.rate("+", self.one)
-        self.assertEqual(self.ratings(self.one, self.two, self.three), ["4", "3", None])
+        self.assertEqual(self.ratings(self.one, self.two, self.three), [4, 3, None])
         self.rate("-", self.three)
-        self.assertEqual(self.ratings(self.three), ["2"])
+        self.assertEqual(self.ratings(self.three), [2])
         menu = self.run_player("context", self.two).stdout
         self.assertIn("    3 (*)\n", menu)
         self.assertNotIn("(*)", self.run_player("context", self.one, self.two).stdout)
         self.run_player("context", "{9E15E290-2529-40C9-B6F2-F71778871855}", self.one)
         self.run_player("context", "{1E33065E-B6BC-4970-8035-D760695C3F90}", self.two)
-        self.assertEqual(self.ratings(self.one, self.two), ["5", None])
+        self.assertEqual(self.ratings(self.one, self.two), [5, None])
         self.run_player("context", "{00000000-0000-0000-0000-000000000000}", self.one, status=2)
 
     def test_properties_and_columns_show_the_rating(self):
@@ -61,7 +61,7 @@ class ContextMenu(PlayerTest):
         self.run_player("context", COPY, self.one, self.two)
         other = self.folder / "other"
         self.run_player("library", "add", self.music, profile=other)
-        mismatch = self.run_player("--yes", "context", PASTE, self.three, profile=other)
+        mismatch = self.run_player("--yes", "context", PASTE, self.three, profile=other, status=1)
         self.assertIn("Clipboard contains information for 2 tracks.", mismatch.stderr)
         self.run_player("--no", "context", PASTE, self.two, self.three, profile=other, status=3)
         self.assertIsNone(self.track(self.two, profile=other)["rating"])
@@ -74,7 +74,7 @@ class ContextMenu(PlayerTest):
         before = self.tracks()
         record = struct.pack("<QQQQI", 7, 0, 0, 0, 149)
         for block, status in ((b"", 1), (b"\x01", 1), (struct.pack("<I", 1), 1), (struct.pack("<I", 1) + record[:-1], 1),
-                              (struct.pack("<I", 0xFFFFFFFF), 0), (struct.pack("<I", 2) + record, 0)):
+                              (struct.pack("<I", 0xFFFFFFFF), 1), (struct.pack("<I", 2) + record, 1)):
             with self.subTest(block=block):
                 self.clipboard(block)
                 self.run_player("--yes", "context", PASTE, self.one, status=status)

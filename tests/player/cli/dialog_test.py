@@ -55,7 +55,7 @@ class Dialogs(PlayerTest):
             pass
         player.send_signal(signal.SIGINT)
         player.communicate(timeout=100)
-        self.assertEqual(player.returncode, 1)
+        self.assertEqual(player.returncode, 130)
         os.close(terminal)
         os.close(end)
 

@@ -18,7 +18,7 @@ class FirstLight(PlayerTest):
         self.assertEqual(done.stdout.count("Counted: "), len(before) + 1)
         for track in self.tracks():
             twice = track["path"] == str(self.flac)
-            self.assertEqual(track["play_count"], "2" if twice else "1")
+            self.assertEqual(track["play_count"], 2 if twice else 1)
             self.assertLessEqual(track["added"], track["first_played"])
             self.assertLessEqual(track["first_played"], track["last_played"])
             self.assertEqual(len(track["key"]), 16)
@@ -77,7 +77,7 @@ class FirstLight(PlayerTest):
         self.run_player("library", "rescan")
         self.play(f"{cue}|2")
         counts = {t["title"]: t["play_count"] for t in self.tracks() if t["path"] == str(cue)}
-        self.assertEqual(counts, {"One": None, "Two": "1"})
+        self.assertEqual(counts, {"One": None, "Two": 1})
         refused = self.run_player("edit", f"{cue}|1", "--set", "title=x", status=1)
         self.assertIn("CUE sheet", refused.stderr)
 
@@ -90,7 +90,8 @@ class FirstLight(PlayerTest):
         self.assertEqual(line, "First Ferry (1)\n")
         self.run_player("playlist", "create", "Played", "--where", "%play_count% GREATER 0")
         self.assertIn("First Ferry", self.run_player("playlist", "show", "Played").stdout)
-        self.run_player("playlist", "remove", "Played")
+        self.run_player("playlist", "remove", "Played", status=3)
+        self.run_player("--yes", "playlist", "remove", "Played")
         self.assertNotIn("Played", self.run_player("playlist", "list").stdout)
 
 

@@ -27,7 +27,7 @@ class NothingLost(PlayerTest):
         player.stdout.readline()
         player.send_signal(2)
         out, err = player.communicate(timeout=60)
-        self.assertEqual(player.returncode, 1, err)
+        self.assertEqual(player.returncode, 130, err)
         self.assertIn("Interrupted", err)
         self.assertEqual(self.play_count(self.first), 1 + out.count("Counted: "))
 

@@ -59,7 +59,7 @@ class PlayerTest(unittest.TestCase):
         return found[0]
 
     def play_count(self, path):
-        return int(self.track(path)["play_count"] or 0)
+        return self.track(path)["play_count"] or 0
 
     def play(self, *paths, **options):
         return self.run_player("play", "--audio", "null", "--fast", *paths, **options)

@@ -35,7 +35,7 @@ class WrongInput(PlayerTest):
             (2, "neither on nor off", "settings", "Automatically", "perhaps"),
             (2, "Rating", "context", "Playback Statistics/Nosuch", self.first),
             (2, "submenu", "context", "Playback Statistics/Rating", self.first),
-            (2, "subcommand", ),
+            (2, "needs a command", ),
             (1, "nosuch", "playlist", "show", "nosuch"),
         ]
         before = self.tracks()
