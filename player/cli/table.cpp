@@ -35,7 +35,7 @@ glyph glyph_at(const std::string& text, std::size_t position) {
 /// A row is one line, whatever stands in a tag.
 std::string one_line(std::string cell) {
     std::ranges::replace_if(
-        cell, [](unsigned char c) { return c < 0x20; }, ' ');
+        cell, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
     return shown_on_terminal(cell);
 }
 
