@@ -11,7 +11,6 @@ import shutil
 import signal
 import sys
 import tempfile
-import threading
 import time
 import traceback
 
@@ -19,21 +18,8 @@ import faults
 from job import Job
 from sandbox import Violation
 
-EXAMPLES = """examples:
-  harness.py                                    everything once: hours
-  harness.py --seconds 3600 --jobs 2            as much as fits into an hour, a bit of everything
-  harness.py --kills 1000 --only kill/          a thousand kills at random moments
-  harness.py --only calls/plays --share 0.1     every tenth failing call while playing
-  harness.py --only calls/plays --case 17       that one case again; its folder stays if it fails
-
-Environment: OSTREVAN (the program), MUSIC (made by scripts/make-music.sh), FAILING_CALLS (the library to preload). `ctest -L
-fault` sets them; with -V -N it shows how.
-"""
-
-
 def arguments():
-    parser = argparse.ArgumentParser(description=__doc__, epilog=EXAMPLES,
-                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser = argparse.ArgumentParser(description=__doc__, epilog="Examples and the environment: docs/fault-tests.md.")
     parser.add_argument("--seconds", type=float, default=float("inf"),
                         help="begin nothing new after this time, as after Ctrl-C")
     parser.add_argument("--kills", type=int, default=240, help="kills at random moments, spread over the works (240)")
@@ -41,7 +27,6 @@ def arguments():
     parser.add_argument("--only", action="append", metavar="NAME", help="faults whose names begin so; may be repeated")
     parser.add_argument("--case", type=int, help="only the case with this number")
     parser.add_argument("--seed", type=int, default=1, help="of all that is random (1)")
-    parser.add_argument("--jobs", type=int, default=1, help="players at a time (1)")
     parser.add_argument("--folder", type=pathlib.Path, help="a new folder to work in; what failed stays there (in /tmp)")
     return parser.parse_args()
 
@@ -57,7 +42,7 @@ class Harness:
         self.deadline = time.monotonic() + wishes.seconds
         self.tried = collections.Counter()
         self.violations = collections.Counter()
-        self.jobs = [Job(self.root / f"job{i}") for i in range(wishes.jobs)]
+        self.job = Job(self.root / "job")
 
     def chosen(self, fault):
         """The numbers of the cases to try."""
@@ -66,9 +51,9 @@ class Harness:
         if fault.is_by_chance:
             return range(self.kills_each)
         try:
-            total = fault.cases(self.jobs[0])
+            total = fault.cases(self.job)
         except Violation as failure:
-            self.report(self.jobs[0], fault, 0, failure)
+            self.report(fault, 0, failure)
             return []
         if self.wishes.share >= 1:
             return range(total)
@@ -78,44 +63,36 @@ class Harness:
     def run(self):
         # The faults take turns, so that a run that ends early has tried a bit of everything.
         turns = itertools.zip_longest(*([(fault, index) for index in self.chosen(fault)] for fault in self.faults))
-        self.waiting = collections.deque(case for turn in turns for case in turn if case is not None)
-        threads = [threading.Thread(target=self.work, args=(job,)) for job in self.jobs]
-        for thread in threads:
-            thread.start()
+        waiting = collections.deque(case for turn in turns for case in turn if case is not None)
         signal.signal(signal.SIGTERM, signal.default_int_handler)
         try:
-            for thread in threads:
-                thread.join()
+            while waiting and time.monotonic() < self.deadline:
+                self.try_case(*waiting.popleft())
+                if self.tried.total() % 100 == 0:
+                    print(f"{self.tried.total()} tried, {len(waiting)} wait", file=sys.stderr, flush=True)
         except KeyboardInterrupt:
-            print("\nharness: finishing the cases that are under way", flush=True)
-            self.deadline = 0
-            for thread in threads:
-                thread.join()
+            print("\nharness: interrupted", flush=True)
 
-    def work(self, job):
-        while self.waiting and time.monotonic() < self.deadline:
-            fault, index = self.waiting.popleft()
-            job.begin(fault)
-            try:
-                fault.run(job, index, random.Random(f"{self.wishes.seed}/{fault.name}/{index}"))
-            except Exception as failure:  # also a mistake of the harness must not end it, or pass for success
-                self.report(job, fault, index, failure)
-            self.tried[fault.name] += 1
-            if self.tried.total() % 100 == 0:
-                print(f"{self.tried.total()} tried, {len(self.waiting)} wait", file=sys.stderr, flush=True)
+    def try_case(self, fault, index):
+        self.job.begin(fault)
+        try:
+            fault.run(self.job, index, random.Random(f"{self.wishes.seed}/{fault.name}/{index}"))
+        except Exception as failure:  # also a mistake of the harness must not end it, or pass for success
+            self.report(fault, index, failure)
+        self.tried[fault.name] += 1
 
-    def report(self, job, fault, index, failure):
+    def report(self, fault, index, failure):
         self.violations[fault.name] += 1
         kept = self.root / "failed" / f"{fault.name.replace('/', '-')}-{index}"
-        shutil.copytree(job.box.place, kept, symlinks=True, dirs_exist_ok=True)
+        shutil.copytree(self.job.box.place, kept, symlinks=True, dirs_exist_ok=True)
         reason = str(failure) if isinstance(failure, Violation) else traceback.format_exc()
-        print(f"\nVIOLATION {fault.name} {index} ({job.fault}): {reason}\n  kept: {kept}\n  again: {sys.argv[0]} "
+        print(f"\nVIOLATION {fault.name} {index} ({self.job.fault}): {reason}\n  kept: {kept}\n  again: {sys.argv[0]} "
               f"--only '{fault.name}' --case {index} --seed {self.wishes.seed}", flush=True)
 
     def print_table(self):
         rows = [("fault", "tried", "violations", "what came of it", "checked")]
         for fault in self.faults:
-            outcomes = sum((job.outcomes[fault.name] for job in self.jobs), collections.Counter())
+            outcomes = self.job.outcomes[fault.name]
             rows.append((fault.name, str(self.tried[fault.name]), str(self.violations[fault.name]),
                          ", ".join(f"{number} {what}" for what, number in sorted(outcomes.items())), fault.checks))
         rows.append(("all", str(self.tried.total()), str(self.violations.total()), "", ""))
@@ -124,14 +101,14 @@ class Harness:
         for row in rows:
             print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
         print("\nmessages of the player, as often as they came:")
-        for text, number in sum((job.messages for job in self.jobs), collections.Counter()).most_common():
+        for text, number in self.job.messages.most_common():
             print(f"{number:6}  {text}")
 
 
 def main():
     wishes = arguments()
     if missing := [name for name in ("OSTREVAN", "MUSIC", "FAILING_CALLS") if name not in os.environ]:
-        sys.exit(f"harness: {', '.join(missing)} must be set in the environment; --help says to what")
+        sys.exit(f"harness: {', '.join(missing)} must be set in the environment; docs/fault-tests.md says to what")
     harness = Harness(wishes)
     harness.run()
     harness.print_table()

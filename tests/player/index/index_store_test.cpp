@@ -4,6 +4,7 @@
 #include <limits>
 #include <thread>
 
+#include "player/index/index_service.h"
 #include "tests/player/index/records.h"
 
 namespace ostrevan {
@@ -152,6 +153,25 @@ TEST_F(index_store_test, lets_nobody_else_register_an_index_in_this_run_or_a_lat
         EXPECT_FALSE(store.registered(plays));
         EXPECT_THROW(store.register_index(plays, 1, "other.dll"), std::runtime_error);
     }
+}
+
+class any_client : public index_client {
+    std::uint64_t key_of(const file_info&, const playable_location&) override { return 0; }
+};
+
+TEST_F(index_store_test, keeps_a_registration_when_a_component_gives_up_its_own_that_was_refused) {
+    index_store store(path_, fail_on_report);
+    std::string caller = "one.dll";
+    service_uncounted_t<index_service> service(
+        store, [&](const index_client&) { return caller; }, index_service::redraw{});
+    service.register_index(service_new<any_client>(), plays, 1);
+    caller = "other.dll";
+    EXPECT_THROW(service.register_index(service_new<any_client>(), plays, 1), std::runtime_error);
+    service.remove_index(plays);
+    EXPECT_EQ(service.registrations().size(), 1U);
+    EXPECT_TRUE(store.registered(plays));
+    service.remove_index(plays);
+    EXPECT_FALSE(store.registered(plays));
 }
 
 TEST_F(index_store_test, puts_a_copy_aside_before_the_first_change_of_a_day) {
