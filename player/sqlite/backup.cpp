@@ -85,12 +85,12 @@ void drop_old(const fs::path& database, const std::string& now, std::string_view
                 fs::remove(path, ignored);
 }
 
-/// What a killed process left: nobody else makes copies while this one has the profile.
+/// What a killed process left, logs of unfinished copies included: nobody else makes copies while this one has the profile.
 void drop_unfinished(const fs::path& folder, const std::string& stem) {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(folder, ignored)) {
         const auto name = entry.path().filename().string();
-        if (name.starts_with(stem + "-") && name.ends_with(part_ending)) fs::remove(entry.path(), ignored);
+        if (name.starts_with(stem + "-") && name.find(part_ending) != name.npos) fs::remove(entry.path(), ignored);
     }
 }
 
