@@ -257,9 +257,11 @@ store_transaction::~store_transaction() = default;
 void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data) {
     if (!changes_) throw std::logic_error("The index transaction is finished");
     if (data.size() > index_store::max_record_size) throw std::invalid_argument("An index record holds at most 65536 bytes");
-    for (auto& [guid, list] : changes_->lists)
-        if (guid == index) return list.put(key, data);
-    changes_->lists.emplace_back(index, change_list()).second.put(key, data);
+    auto list = std::ranges::find(changes_->lists, index, &std::pair<nuv::guid, change_list>::first);
+    if (list == changes_->lists.end()) list = changes_->lists.insert(list, {index, change_list()});
+    if (!data.empty()) return list->second.put(key, data);
+    changes_->store.writer.wait_loaded();  // what is erased before would be loaded again
+    list->second.erase(key);
 }
 
 void store_transaction::commit() {

@@ -104,7 +104,8 @@ public:
     store_transaction& operator=(store_transaction&&) = delete;
     ~store_transaction();
 
-    /// Throws std::invalid_argument when there are too many bytes, std::logic_error after commit.
+    /// No bytes remove the record, which waits for the database to be loaded, and throws std::runtime_error when it cannot
+    /// be. Throws std::invalid_argument when there are too many bytes, std::logic_error after commit.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
     void commit();
 

@@ -32,7 +32,7 @@ public:
     /// Copies at most `capacity` bytes of the blob and returns its whole size; 0 when there is none. Never waits for a
     /// writer.
     virtual std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const = 0;
-    /// A transaction of one blob.
+    /// A transaction of one blob; an empty one removes what is there. The index need not be registered.
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
     /// Every key that has a blob, in ascending order.
     [[nodiscard]] virtual std::vector<std::uint64_t> keys(const nuv::guid& index) const = 0;
@@ -50,7 +50,7 @@ public:
 /// without `commit` it has no effect. It belongs to the thread that began it.
 class index_transaction : public service_base {
 public:
-    /// Seen by reads after `commit`. The index must stay registered.
+    /// As `index_manager::write`, but seen by reads after `commit`.
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
     /// Makes the writes visible and hands them to the disk; `index_manager::save_now` waits for that. At most once.
     virtual void commit() = 0;
