@@ -162,8 +162,11 @@ session::~session() {
         p.player.begin_shutdown();
         end_components(p.components, p.services, [&p](const std::string& message) { p.report(message); });
         p.records.flush();
-        // An index that can only be read has followed none of them.
-        if (!p.records.is_read_only()) p.library.forget_edits();
+        bool all_followed = !p.records.is_read_only();  // nothing can have followed then
+        p.services.for_each<tag_edit_callback>([&](tag_edit_callback& callback) {
+            if (const auto outcome = query_service<tag_edit_outcome>(callback)) all_followed &= outcome->all_followed();
+        });
+        if (all_followed) p.library.forget_edits();
     } catch (const std::exception& error) {
         p.report(failure_text(error));
     }

@@ -22,4 +22,15 @@ public:
     virtual void on_tags_edited(const nuv::list_base_const_t<tag_edit>& edits) = 0;
 };
 
+/// Extension of the callback, found by `service_query`, for what follows edits after the call has returned.
+class tag_edit_outcome : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{5AC9EC79-E6B3-4EB3-9A93-850FA905C8AC}");
+
+    /// Whether nothing failed that was to follow from the edits told since the last call. The player asks after the shutdown
+    /// has been announced and no task is under way. When something failed it keeps the edits, and tells of them again at its
+    /// next start. [main-thread]
+    virtual bool all_followed() noexcept = 0;
+};
+
 }  // namespace ostrevan
