@@ -34,22 +34,35 @@ void CPUFIFO::add(task work) {
     }
 }
 
+bool CPUFIFO::run_next() noexcept {
+    const std::lock_guard turn(turn_);
+    task next;
+    {
+        const std::lock_guard guard(lock_);
+        if (tasks_.empty()) return false;
+        next = std::move(tasks_.front());
+        tasks_.pop_front();
+    }
+    try {
+        next();
+    } catch (...) {  // whoever adds a task deals with its failures inside it
+    }
+    return true;
+}
+
 void CPUFIFO::work_until_empty() noexcept {
     for (;;) {
-        task next;
-        {
-            const std::lock_guard guard(lock_);
-            if (tasks_.empty()) {
-                running_ = false;
-                return;
-            }
-            next = std::move(tasks_.front());
-            tasks_.pop_front();
+        while (run_next()) {
         }
-        try {
-            next();
-        } catch (...) {  // whoever adds a task deals with its failures inside it
-        }
+        const std::lock_guard guard(lock_);
+        if (!tasks_.empty()) continue;
+        running_ = false;
+        return;
+    }
+}
+
+void CPUFIFO::finish() noexcept {
+    while (run_next()) {
     }
 }
 

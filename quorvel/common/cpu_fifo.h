@@ -16,9 +16,14 @@ public:
     /// queue and runs with the next one that is added.
     void add(task work);
 
+    /// Returns when the queue is empty: waits for the task in hand, and runs the others here. Not to be called by a task.
+    void finish() noexcept;
+
 private:
+    bool run_next() noexcept;
     void work_until_empty() noexcept;
 
+    std::mutex turn_;  ///< whose holder takes the next task and runs it
     std::mutex lock_;
     std::deque<task> tasks_;
     bool running_ = false;
