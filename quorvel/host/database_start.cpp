@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <exception>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/index.h"
@@ -11,8 +13,10 @@
 #include "quorvel/common/main_thread_post.h"
 #include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/legacy_import.h"
 #include "quorvel/store/migration.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/worker.h"
 
 namespace quorvel {
 namespace {
@@ -42,26 +46,59 @@ public:
             manager->register_index(active_mapping::start(), statistics_index_guid, retention);
             statistics_index::open(*manager);
         } catch (const std::exception& e) {
-            if (manager) manager->remove_index(statistics_index_guid);
+            if (manager) forget_registration(*manager);
             report_failed_start(e);
+        }
+    }
+
+private:
+    static void forget_registration(ostrevan::index_manager& manager) noexcept {
+        try {
+            manager.remove_index(statistics_index_guid);
+        } catch (...) {  // why it could not be registered is what the user has to know
         }
     }
 };
 
-/// Records under older keys come first: what is stamped has a record, and would not be given the older one any more. When
-/// they cannot be taken over, the dates wait for the next start.
-void take_in(ostrevan::metadb_handle_list tracks) {
-    if (migrate_older_mappings(tracks)) PCDB::OnAdded(std::move(tracks));
+ostrevan::metadb_handle_list tracks_of_library() {
+    ostrevan::metadb_handle_list tracks;
+    if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_all_items(tracks);
+    return tracks;
 }
+
+void stamp_others(std::vector<ostrevan::metadb_handle_ptr> waiting, ostrevan::metadb_handle_list tracks) {
+    std::ranges::sort(waiting);
+    std::erase_if(tracks.items(), [&](const auto& track) { return std::ranges::binary_search(waiting, track); });
+    PCDB::OnAdded(std::move(tracks));
+}
+
+/// Tracks of the library whose older records are still to be taken over when the dates added are set. [main-thread]
+std::vector<ostrevan::metadb_handle_ptr> waiting_at_start;
+
+/// Records under older keys come before the file of early releases, whose counts are added to theirs. At the end no batch is
+/// cut in half.
+class database_session : public ostrevan::startup_notification {
+public:
+    void on_startup() override {
+        waiting_at_start.clear();
+        if (may_hold_older_records()) waiting_at_start = take_over_older_records(tracks_of_library());
+        // A player that was started to be quiet is not held up by an import.
+        if (waiting_at_start.empty() && !ostrevan::core_api::is_quiet_mode()) PCDB_import_legacy();
+    }
+    void on_shutdown() override {
+        started = false;
+        finish_worker();
+        statistics_index::close();
+        active_mapping::stop();
+    }
+};
 
 /// Goes through the tracks that are in the library already.
 class library_scan : public ostrevan::initialisation_stage {
 public:
     unsigned stage() const noexcept override { return 40; }
     void on_stage() override {
-        ostrevan::metadb_handle_list tracks;
-        if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_all_items(tracks);
-        take_in(std::move(tracks));
+        stamp_others(std::exchange(waiting_at_start, {}), tracks_of_library());
         started = true;
     }
 };
@@ -69,23 +106,15 @@ public:
 class library_watch : public ostrevan::library_callback {
 public:
     void on_items_added(ostrevan::metadb_handle_list_cref items) override {
-        if (started && !ostrevan::core_api::is_shutting_down()) take_in(ostrevan::metadb_handle_list(items));
-    }
-};
-
-class database_shutdown : public ostrevan::startup_notification {
-public:
-    void on_shutdown() override {
-        started = false;
-        statistics_index::close();
-        active_mapping::stop();
+        if (!started || ostrevan::core_api::is_shutting_down()) return;
+        stamp_others(take_over_older_records(items), ostrevan::metadb_handle_list(items));
     }
 };
 
 ostrevan::service_factory_single_t<init_my_index> index_start;
 ostrevan::service_factory_single_t<library_scan> scan_at_start;
 ostrevan::service_factory_single_t<library_watch> watch;
-ostrevan::service_factory_single_t<database_shutdown> shutdown;
+ostrevan::service_factory_single_t<database_session> session;
 
 }  // namespace
 }  // namespace quorvel

@@ -1,7 +1,9 @@
+#include <atomic>
 #include <utility>
 
 #include "ostrevan/registration.h"
 #include "ostrevan/tag_edit.h"
+#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key_change.h"
 #include "quorvel/store/worker.h"
 
@@ -12,11 +14,33 @@ namespace {
 class tag_edit_watch : public ostrevan::tag_edit_callback {
 public:
     void on_tags_edited(const nuv::list_base_const_t<ostrevan::tag_edit>& edits) override {
+        if (opened_index() == nullptr) return outcome_.note_failure();
         auto changes = key_changes(edits);
         if (changes.empty()) return;
-        run_on_worker("Playback statistics: statistics could not follow a tag edit",
-                      [changes = std::move(changes)] { follow_key_changes(changes); });
+        run_on_worker("Playback statistics: statistics could not follow a tag edit, which is tried again at the next start",
+                      [this, changes = std::move(changes)] {
+                          try {
+                              follow_key_changes(changes);
+                          } catch (...) {
+                              outcome_.note_failure();
+                              throw;
+                          }
+                      });
     }
+    ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override {
+        return interface_guid == ostrevan::tag_edit_outcome::class_guid ? &outcome_ : nullptr;
+    }
+
+private:
+    class outcome : public ostrevan::tag_edit_outcome {
+    public:
+        void note_failure() noexcept { failed_ = true; }
+        bool all_followed() noexcept override { return !failed_.exchange(false); }
+
+    private:
+        std::atomic<bool> failed_ = false;
+    };
+    ostrevan::service_uncounted_t<outcome> outcome_;
 };
 
 ostrevan::service_factory_single_t<tag_edit_watch> watch;

@@ -30,7 +30,7 @@ void stamp_dates_added(const ostrevan::metadb_handle_list& tracks, std::uint64_t
     index_writer writer;
     writer.begin();
     std::erase_if(keys, [&](std::uint64_t key) {
-        auto record = writer.read(key);
+        auto record = writer.find(statistics_index_guid, key).value_or(t_playback_stats{});
         if (std::exchange(record.added, record.added == 0 ? now : record.added) != 0) return true;
         writer.write(key, record);
         return false;

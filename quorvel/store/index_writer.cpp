@@ -18,10 +18,16 @@ void refresh_now(const std::vector<std::uint64_t>& keys) {
     if (auto* const manager = opened_index()) manager->refresh(statistics_index_guid, nuv::list_view_t<std::uint64_t>(keys));
 }
 
-t_playback_stats record_in(const ostrevan::index_manager& manager, std::uint64_t key) {
+struct found_record {
+    std::size_t size;  ///< of the blob; 0 where there is none
+    t_playback_stats record;
+};
+
+/// A blob of another size than a record's reads as the default record.
+found_record record_in(const ostrevan::index_manager& manager, const nuv::guid& id, std::uint64_t key) {
     record_blob blob;
-    const std::size_t size = manager.read(statistics_index_guid, key, blob.data(), blob.size());
-    return size == blob.size() ? decode_record(blob) : t_playback_stats{};
+    const std::size_t size = manager.read(id, key, blob.data(), blob.size());
+    return {size, size == blob.size() ? decode_record(blob) : t_playback_stats{}};
 }
 
 }  // namespace
@@ -35,18 +41,19 @@ void close() noexcept { index.store(nullptr, std::memory_order_release); }
 
 ostrevan::index_manager* opened_index() noexcept { return index.load(std::memory_order_acquire); }
 
-t_playback_stats read_record(std::uint64_t key) noexcept {
-    auto* const manager = opened_index();
-    if (manager == nullptr) return {};
+std::optional<t_playback_stats> known_record(std::uint64_t key) noexcept {
+    const auto* const manager = opened_index();
+    if (manager == nullptr) return std::nullopt;
     try {
-        return record_in(*manager, key);
-    } catch (...) {
-        return {};
+        const auto [size, record] = record_in(*manager, statistics_index_guid, key);
+        if (size == 0 || size == record_blob_size) return record;
+    } catch (...) {  // not known
     }
+    return std::nullopt;
 }
 
 void refresh_keys(std::vector<std::uint64_t> keys) {
-    if (keys.empty()) return;
+    if (keys.empty() || ostrevan::core_api::is_shutting_down()) return;
     if (ostrevan::core_api::is_main_thread()) {
         refresh_now(keys);
     } else {
@@ -56,7 +63,6 @@ void refresh_keys(std::vector<std::uint64_t> keys) {
 
 void index_writer::begin() {
     if (begun_) return;
-    manager_ = opened_index();
     if (manager_ != nullptr) {
         if (const auto extension = ostrevan::query_service<ostrevan::index_manager_transactions>(*manager_))
             transaction_ = extension->begin();
@@ -65,16 +71,25 @@ void index_writer::begin() {
     begun_ = true;
 }
 
-t_playback_stats index_writer::read(std::uint64_t key) const {
-    return manager_ == nullptr ? t_playback_stats{} : record_in(*manager_, key);
+std::optional<t_playback_stats> index_writer::find(const nuv::guid& of_index, std::uint64_t key) const {
+    if (manager_ == nullptr) return std::nullopt;
+    const auto [size, record] = record_in(*manager_, of_index, key);
+    return size == record_blob_size ? std::optional(record) : std::nullopt;
+}
+
+void index_writer::put(const nuv::guid& of_index, std::uint64_t key, const void* bytes, std::size_t size) {
+    if (manager_ == nullptr) return;
+    if (transaction_) transaction_->write(of_index, key, bytes, size);
+    else manager_->write(of_index, key, bytes, size);
 }
 
 void index_writer::write(std::uint64_t key, const t_playback_stats& record) {
-    if (key == 0 || manager_ == nullptr) return;
+    if (key == 0) return;
     const auto blob = encode_record(record);
-    if (transaction_) transaction_->write(statistics_index_guid, key, blob.data(), blob.size());
-    else manager_->write(statistics_index_guid, key, blob.data(), blob.size());
+    put(statistics_index_guid, key, blob.data(), blob.size());
 }
+
+void index_writer::remove(const nuv::guid& of_index, std::uint64_t key) { put(of_index, key, nullptr, 0); }
 
 void index_writer::commit() {
     if (transaction_) transaction_->commit();

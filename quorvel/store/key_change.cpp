@@ -1,6 +1,7 @@
 #include "quorvel/store/key_change.h"
 
-#include "ostrevan/core_api.h"
+#include <stdexcept>
+
 #include "quorvel/store/key.h"
 #include "quorvel/store/stats_op.h"
 
@@ -25,12 +26,13 @@ std::vector<key_change> key_changes(const nuv::list_base_const_t<ostrevan::tag_e
 
 void follow_key_changes(std::span<const key_change> changes) {
     StatsOp op;
+    if (!op.has_index()) throw std::runtime_error("No active index");
     for (const auto& [from, to] : changes)
         op.Update(to, [&op, old_key = from](t_playback_stats& record) {
             record = merged(record, op.GetByKey(old_key), MergeType::MergeMax);
         });
     op.commit();
-    if (!ostrevan::core_api::is_shutting_down()) op.publish();
+    op.publish();
 }
 
 }  // namespace quorvel

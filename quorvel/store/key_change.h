@@ -20,7 +20,8 @@ struct key_change {
 [[nodiscard]] std::vector<key_change> key_changes(const nuv::list_base_const_t<ostrevan::tag_edit>& edits);
 
 /// Merges the record of each key into that of the other with `MergeMax`. The old record stays, so that an edit back finds
-/// it, and counts never add up twice. [worker]
+/// it, and counts never add up twice. Throws when that cannot be done; a player with transactions has none of it then.
+/// [worker]
 void follow_key_changes(std::span<const key_change> changes);
 
 }  // namespace quorvel

@@ -1,7 +1,9 @@
 #include "quorvel/store/legacy_import.h"
 
+#include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,7 +21,6 @@
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_file.h"
 #include "quorvel/store/pcdb.h"
-#include "quorvel/store/record_map.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
@@ -48,33 +49,57 @@ std::vector<GatheredTrack> tracks_of(const std::vector<legacy_record>& records) 
     return found;
 }
 
-/// Answers what was stored under the keys before.
-record_map merge(const std::vector<legacy_record>& records) {
-    const auto tracks = tracks_of(records);
-    record_map before;
+/// What was stored under the keys before; nothing where there was no record.
+using earlier_records = std::map<std::uint64_t, std::optional<t_playback_stats>>;
+
+void merge(const std::vector<legacy_record>& records, const std::vector<GatheredTrack>& tracks, earlier_records& before) {
     StatsOp op;
-    std::size_t left_out = 0;
     for (std::size_t i = 0; i < records.size(); ++i) {
-        if (const auto key = tracks[i].key) {
-            if (before.find(*key) == nullptr) before.set(*key, op.GetByKey(*key));
-            op.MergeStats(*key, records[i].stats, MergeType::MergeSum);
-        } else ++left_out;
+        const auto key = tracks[i].key;
+        if (!key || *key == 0) continue;
+        if (!before.contains(*key)) before.emplace(*key, op.Find(statistics_index_guid, *key));
+        op.MergeStats(*key, records[i].stats, MergeType::MergeSum);
     }
     op.commit();
-    op.publish();
-    if (left_out != 0)
-        print_to_console(std::to_string(left_out) + " of " + std::to_string(records.size()) + " records in " +
-                         legacy_file_name + " are of files that cannot be read; they were left out");
-    return before;
 }
 
-/// The player goes on trying to save what it could not, and the file stays: without this it would be added twice.
-void save_or_take_back(const record_map& before) try { PCDB::SaveNow(); } catch (...) {
+/// Returns how many records could not be put back to what they were.
+std::size_t take_back(const earlier_records& before) {
     StatsOp op;
-    for (const auto& [key, record] : before.entries()) op.SetByKey(key, record);
+    std::size_t failed = 0;
+    for (const auto& [key, record] : before) {
+        try {
+            if (op.Find(statistics_index_guid, key) == record) continue;
+            if (record) op.SetByKey(key, *record);
+            else op.Remove(statistics_index_guid, key);
+        } catch (const std::exception&) {
+            ++failed;
+        }
+    }
     op.commit();
-    op.publish();
-    throw;
+    return failed;
+}
+
+/// The file stays when this fails: what has been written by then, or what the player goes on trying to save, would be added
+/// a second time.
+void merge_and_save(const std::vector<legacy_record>& records) {
+    const auto tracks = tracks_of(records);
+    earlier_records before;
+    try {
+        merge(records, tracks, before);
+        PCDB::SaveNow();
+    } catch (const std::exception& e) {
+        const auto failed = take_back(before);
+        if (failed == 0) throw;
+        throw std::runtime_error(std::string(e.what()) + ". " + std::to_string(failed) +
+                                 " records have been added already, and will be once more at the next start");
+    }
+    std::vector<std::uint64_t> keys;
+    for (const auto& [key, record] : before) keys.push_back(key);
+    refresh_keys(std::move(keys));
+    if (const auto left_out = std::ranges::count_if(tracks, [](const auto& track) { return !track.key; }); left_out != 0)
+        print_to_console(std::to_string(left_out) + " of " + std::to_string(records.size()) + " records in " +
+                         legacy_file_name + " are of files that cannot be read; they were left out");
 }
 
 void import_file(filesystem& files, const std::string& path) {
@@ -82,7 +107,7 @@ void import_file(filesystem& files, const std::string& path) {
     // Without an index nothing would be written, and the file must not go then.
     if (opened_index() == nullptr) throw std::runtime_error("No active index");
     if (!records.empty()) back_up_index("legacy-import", path.c_str());
-    save_or_take_back(merge(records));
+    merge_and_save(records);
     files.remove_retrying(path.c_str());
 }
 

@@ -1,77 +1,106 @@
 #include "quorvel/store/migration.h"
 
 #include <algorithm>
+#include <compare>
 #include <exception>
-#include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "quorvel/common/console_line.h"
 #include "quorvel/store/backup.h"
+#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
 namespace {
 
-class older_records {
-public:
-    explicit older_records(ostrevan::index_manager& index) noexcept : index_(index) {}
+using ostrevan::metadb_handle_ptr;
 
-    /// Adds what the index holds for the tracks under an older mapping.
-    void gather(const nuv::guid& mapping, ostrevan::metadb_handle_list_cref tracks) {
-        const auto held = index_.keys(mapping);
-        if (held.empty()) return;
-        const auto key_function = FindMapping(mapping);
+/// A record under an older mapping, and the key of a track that it belongs to.
+struct older_record {
+    std::size_t mapping;  ///< position in the table
+    std::uint64_t older_key;
+    std::uint64_t key;
+    auto operator<=>(const older_record&) const = default;
+};
+
+struct older_records {
+    /// Each once, because to merge one twice would take the average of the ratings twice; and sorted, because tracks that
+    /// differ in what an older mapping leaves out share a record.
+    std::vector<older_record> found;
+    std::vector<metadb_handle_ptr> owners;
+};
+
+older_records find_older_records(const StatsOp& op, ostrevan::metadb_handle_list_cref tracks) {
+    older_records result;
+    const auto mappings = mapping_guids();
+    for (std::size_t i = 0; i < mappings.size(); ++i) {
+        if (mappings[i] == active_mapping_guid) continue;
+        const auto held = opened_index()->keys(mappings[i]);
+        if (held.empty()) continue;
+        const auto key_function = FindMapping(mappings[i]);
         for (const auto& track : tracks) {
             const auto snapshot = track->info();
             if (!snapshot) continue;
-            const std::uint64_t old_key = key_function->key_of(snapshot->info(), track->location());
-            if (!std::ranges::binary_search(held, old_key)) continue;
+            const std::uint64_t older_key = key_function->key_of(snapshot->info(), track->location());
+            if (!std::ranges::binary_search(held, older_key) || !op.Find(mappings[i], older_key)) continue;
             const auto key = KeyOf(snapshot->info(), track->location());
-            if (!key || *key == 0 || record_at(statistics_index_guid, *key)) continue;
-            if (const auto record = record_at(mapping, old_key)) add(*key, *record);
+            if (!key || *key == 0) continue;
+            result.found.push_back({i, older_key, *key});
+            result.owners.push_back(track);
         }
     }
+    std::ranges::sort(result.found);
+    const auto repeated = std::ranges::unique(result.found);
+    result.found.erase(repeated.begin(), repeated.end());
+    return result;
+}
 
-    [[nodiscard]] const record_map& found() const noexcept { return found_; }
-
-private:
-    [[nodiscard]] std::optional<t_playback_stats> record_at(const nuv::guid& index, std::uint64_t key) const {
-        record_blob blob;
-        if (index_.read(index, key, blob.data(), blob.size()) != blob.size()) return std::nullopt;
-        return decode_record(blob);
+/// An older record goes after it has been merged, which matters where there are no transactions.
+void take_over(StatsOp& op, const std::vector<older_record>& found) {
+    for (auto next = found.begin(); next != found.end();) {
+        const auto [mapping, older_key, first_key] = *next;
+        const auto& index = mapping_guids()[mapping];
+        const auto record = op.Find(index, older_key).value_or(t_playback_stats{});
+        for (; next != found.end() && next->mapping == mapping && next->older_key == older_key; ++next)
+            op.MergeStats(next->key, record, MergeType::MergeMax);
+        op.Remove(index, older_key);
     }
-
-    /// Several old records can meet under one key: nothing of them is to be lost, and nothing counted twice.
-    void add(std::uint64_t key, const t_playback_stats& record) {
-        const auto* const known = found_.find(key);
-        found_.set(key, known == nullptr ? record : merged(*known, record, MergeType::MergeMax));
-    }
-
-    ostrevan::index_manager& index_;
-    record_map found_;
-};
+    op.commit();
+    op.publish();
+}
 
 }  // namespace
 
-bool migrate_older_mappings(ostrevan::metadb_handle_list_cref tracks) {
-    auto* const index = opened_index();
-    if (index == nullptr) return true;
+bool may_hold_older_records() noexcept {
+    const auto* const index = opened_index();
+    if (index == nullptr) return false;
     try {
-        older_records older(*index);
-        for (const auto& mapping : mapping_guids())
-            if (mapping != active_mapping_guid) older.gather(mapping, tracks);
-        if (older.found().empty()) return true;
-        back_up_index("migration", nullptr);
-        StatsOp op;
-        for (const auto& [key, record] : older.found().entries()) op.SetByKey(key, record);
-        op.commit();
-        op.publish();
+        return std::ranges::any_of(mapping_guids(), [&](const nuv::guid& mapping) {
+            return mapping != active_mapping_guid && !index->keys_from(mapping, 0, 1).empty();
+        });
+    } catch (...) {
         return true;
+    }
+}
+
+std::vector<metadb_handle_ptr> take_over_older_records(ostrevan::metadb_handle_list_cref tracks) {
+    if (!may_hold_older_records()) return {};
+    std::vector<metadb_handle_ptr> waiting(tracks.begin(), tracks.end());
+    const char* failure = "Playback statistics: records under older keys could not be taken over";
+    try {
+        StatsOp op;
+        auto [found, owners] = find_older_records(op, tracks);
+        waiting = std::move(owners);
+        if (found.empty()) return {};
+        back_up_index("migration", nullptr);
+        failure = "Track information database save failure";
+        take_over(op, found);
+        return {};
     } catch (const std::exception& e) {
-        print_to_console(std::string("Track information database save failure: ") + e.what());
-        return false;
+        print_to_console(std::string(failure) + ": " + e.what());
+        return waiting;
     }
 }
 

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <vector>
+
 #include "ostrevan/track.h"
 
 namespace quorvel {
 
-/// Takes over what the player still holds for these tracks under the older mappings, as far as it holds no record under the
-/// active one: to run it again changes nothing. Costs next to nothing when no such records are held. A failure is written to
-/// the console; it answers false then, and nothing may be stored under the active mapping for tracks that have no record
-/// there, or the older ones would never be taken over. [main-thread]
-[[nodiscard]] bool migrate_older_mappings(ostrevan::metadb_handle_list_cref tracks);
+/// Whether the player holds anything under the older mappings; when that cannot be found out, it may. [main-thread]
+[[nodiscard]] bool may_hold_older_records() noexcept;
+
+/// Takes over what the player holds for these tracks under the older mappings. It is merged into the records under the
+/// active one with `MergeMax` and removed, in one transaction: a record that is there already does not keep it out, and
+/// nothing is taken over twice. A failure is written to the console. Returns the tracks that still have older records, or
+/// may have: these bring their own dates added, so none is to be set for them before. [main-thread]
+[[nodiscard]] std::vector<ostrevan::metadb_handle_ptr> take_over_older_records(ostrevan::metadb_handle_list_cref tracks);
 
 }  // namespace quorvel

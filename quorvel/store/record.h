@@ -5,8 +5,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
-#include <span>
 
 namespace quorvel {
 
@@ -60,12 +58,8 @@ constexpr t_playback_stats little_endian(const t_playback_stats& record) noexcep
     return std::bit_cast<record_blob>(detail::little_endian(record));
 }
 
-/// A blob of another size than 40 bytes reads as the default record.
-[[nodiscard]] inline t_playback_stats decode_record(std::span<const std::byte> blob) noexcept {
-    t_playback_stats stored;
-    if (blob.size() != record_blob_size) return stored;
-    std::memcpy(&stored, blob.data(), record_blob_size);
-    return detail::little_endian(stored);
+[[nodiscard]] inline t_playback_stats decode_record(const record_blob& blob) noexcept {
+    return detail::little_endian(std::bit_cast<t_playback_stats>(blob));
 }
 
 /// Stars of a rating that is set, for fields, menus and steps: 5 for everything beyond the scale.

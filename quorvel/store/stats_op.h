@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -14,11 +15,19 @@ namespace quorvel {
 /// has written itself. Destroyed before `commit` it writes nothing. Used by one thread. [any-thread]
 class StatsOp {
 public:
-    /// Throws when the record cannot be read inside the transaction.
+    /// Without an index records read as the default one, and writes are skipped.
+    [[nodiscard]] bool has_index() const noexcept { return writer_.has_index(); }
+
+    /// Throws when the record cannot be read.
     [[nodiscard]] t_playback_stats GetByKey(std::uint64_t key) const;
+    /// What one of the component's indexes held before this operation; nothing where there was no record. Throws likewise.
+    [[nodiscard]] std::optional<t_playback_stats> Find(const nuv::guid& index, std::uint64_t key) const {
+        return writer_.find(index, key);
+    }
 
     /// Key 0 is skipped.
     void SetByKey(std::uint64_t key, const t_playback_stats& record);
+    void Remove(const nuv::guid& index, std::uint64_t key);
 
     /// Writes only what `edit` changes. An edit that changes something outside a transaction is made again on what is read
     /// inside it, so that nothing written in between is lost.

@@ -1,13 +1,17 @@
 #include "quorvel/store/tag_sync.h"
 
 #include <map>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/filesystem.h"
+#include "quorvel/common/console_line.h"
 #include "quorvel/common/settings.h"
 #include "quorvel/common/shared_tracks.h"
 #include "quorvel/store/file_tags.h"
+#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/stats_op.h"
@@ -61,6 +65,14 @@ bool is_writable(const ostrevan::metadb_handle& track) {
     return owner == nullptr || !owner->is_remote(path);
 }
 
+/// To write the default record in their place would remove what the files say.
+void report_left_out(ostrevan::metadb_handle_list_cref tracks) {
+    const std::size_t others = tracks.get_count() - 1;
+    print_to_console("Playback statistics: the file tags of " + tracks[0]->location().path +
+                     (others == 0 ? "" : " and of " + std::to_string(others) + " more tracks") +
+                     " are left as they are, because their statistics cannot be read");
+}
+
 void take_over(t_playback_stats& record, const t_playback_stats& tags, std::uint32_t present) noexcept {
     if ((present & tag_field_play_count) != 0) record.play_count = tags.play_count;
     if ((present & tag_field_first_played) != 0) record.first_played = tags.first_played;
@@ -74,9 +86,18 @@ void take_over(t_playback_stats& record, const t_playback_stats& tags, std::uint
 void PCDB_stamp_tags(ostrevan::metadb_handle_list_cref tracks, unsigned updateFlags,
                      ostrevan::completion_notify_ptr notify) {
     try {
-        const auto held = share_tracks(tracks);
+        ostrevan::metadb_handle_list known;
+        ostrevan::metadb_handle_list unknown;
         record_of_track records;
-        for (const auto& track : *held) records.emplace(track, PCDB::Get(*track));
+        for (const auto& track : tracks) {
+            const auto key = KeyOfOnce(*track);
+            const auto record = key ? known_record(*key) : std::nullopt;
+            (record ? known : unknown).items().push_back(track);
+            if (record) records.emplace(track, *record);
+        }
+        if (!unknown.empty()) report_left_out(unknown);
+        if (known.empty()) return;
+        const auto held = share_tracks(known);
         ostrevan::get_service<tag_update_service>()->update_async(
             *held, ostrevan::service_new<StampTagsFilter>(held, std::move(records)), ostrevan::core_api::main_window(),
             updateFlags, std::move(notify));
@@ -106,6 +127,7 @@ ostrevan::metadb_handle_list writable_tracks(ostrevan::metadb_handle_list_cref t
 
 void PCDB::ImportFromTags(ostrevan::metadb_handle_list_cref tracks) {
     ostrevan::core_api::ensure_main_thread();
+    if (tracks.get_count() == 0) return;
     StatsOp op;
     for (const auto& track : tracks) {
         const auto snapshot = track->info();
@@ -118,6 +140,8 @@ void PCDB::ImportFromTags(ostrevan::metadb_handle_list_cref tracks) {
     }
     op.commit();
     op.publish();
+    print_to_console("Playback statistics: file tags have changed the statistics of " +
+                     std::to_string(op.changed_keys().size()) + " of " + std::to_string(tracks.get_count()) + " tracks");
 }
 
 }  // namespace quorvel

@@ -6,7 +6,8 @@
 namespace quorvel {
 
 /// Writes the statistics that the database holds now into the files' tags. Returns at once; a file whose tags say the same
-/// already is not written. `updateFlags` are those of the tag-update service, `notify` may be empty. When the request
+/// already is not written. Tracks whose statistics cannot be read are left out, which the console says; without any other no
+/// request is made. `updateFlags` are those of the tag-update service, `notify` may be empty. When the request
 /// cannot be made nothing is written, without a message. [main-thread]
 void PCDB_stamp_tags(ostrevan::metadb_handle_list_cref tracks, unsigned updateFlags, ostrevan::completion_notify_ptr notify);
 

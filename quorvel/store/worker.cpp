@@ -27,8 +27,11 @@ void run_on_worker(std::string failure, std::function<void()> task) {
             }
         });
     } catch (const std::exception& e) {
-        print_to_console(failure + ": " + e.what() + " (it is tried again with the next change of the library)");
+        print_to_console(failure + ": " + e.what() +
+                         " (it is tried again with the next change of the library, or at the end)");
     }
 }
+
+void finish_worker() noexcept { queue().finish(); }
 
 }  // namespace quorvel

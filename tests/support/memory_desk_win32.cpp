@@ -1,8 +1,6 @@
 #include <windows.h>
 
 #include <cstring>
-#include <future>
-#include <thread>
 
 #include "tests/support/memory_desk.h"
 
@@ -31,39 +29,24 @@ public:
 
 }  // namespace
 
-/// Another thread that keeps the clipboard open, as a rude program does.
+/// A window that keeps the clipboard open, as a rude program does; without one it could be opened a second time.
 struct memory_clipboard::state {
-    std::promise<void> release;
-    std::thread holder;
+    HWND window = CreateWindowW(L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    std::unique_ptr<opened_clipboard> held;
+    ~state() {
+        held.reset();
+        DestroyWindow(window);
+    }
 };
 
 memory_clipboard::memory_clipboard() : state_(std::make_unique<state>()) {
     const opened_clipboard opened;
     EmptyClipboard();
 }
-memory_clipboard::~memory_clipboard() { block(false); }
+memory_clipboard::~memory_clipboard() = default;
 
 void memory_clipboard::block(bool blocked) {
-    if (blocked == state_->holder.joinable()) return;
-    if (!blocked) {
-        state_->release.set_value();
-        state_->holder.join();
-        return;
-    }
-    state_->release = {};
-    std::promise<void> held;
-    auto is_held = held.get_future();
-    state_->holder = std::thread([this, held = std::move(held)]() mutable {
-        // Without a window it could be opened a second time.
-        const HWND window = CreateWindowW(L"STATIC", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-        {
-            const opened_clipboard opened(window);
-            held.set_value();
-            state_->release.get_future().wait();
-        }
-        DestroyWindow(window);
-    });
-    is_held.wait();
+    state_->held = blocked ? std::make_unique<opened_clipboard>(state_->window) : nullptr;
 }
 
 std::vector<std::uint8_t> memory_clipboard::bytes(const char* wanted) const {

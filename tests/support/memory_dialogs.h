@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "ostrevan/file_dialog.h"
 #include "ostrevan/library_search.h"
 #include "ostrevan/progress.h"
+#include "tests/support/main_thread_check.h"
 
 /// Dialogs, questions for files, searches and progress, drawn nowhere: the test looks at them and acts for the user.
 namespace support {
@@ -29,6 +31,8 @@ private:
     std::vector<ostrevan::registered_dialog*> open_;
 };
 
+using ostrevan::dialog_control_kind;
+
 /// Draws one dialog at a time. Keeps the rules of the contract: radio buttons that follow one another are a group, a dialog
 /// closes after its rules have returned, and an unknown id ends the test.
 class memory_dialogs : public ostrevan::dialog_service {
@@ -40,11 +44,40 @@ public:
     [[nodiscard]] bool is_open() const noexcept { return static_cast<bool>(window_.rules); }
     /// "[ ] text" or "[x] text" for boxes, "( )" and "(*)" for radio buttons, "--" for headings, "< >" for buttons; a "!"
     /// behind what is disabled.
-    [[nodiscard]] std::vector<std::string> picture() const;
+    std::vector<std::string> picture() const {
+        std::vector<std::string> lines;
+        for (const auto& control : window_.rules->layout().controls) {
+            const auto& [checked, enabled] = window_.states.at(control.id);
+            const char* mark = "--";
+            if (control.kind == dialog_control_kind::check_box) mark = checked ? "[x]" : "[ ]";
+            if (control.kind == dialog_control_kind::radio_button) mark = checked ? "(*)" : "( )";
+            if (control.kind == dialog_control_kind::button) mark = "< >";
+            lines.push_back(std::to_string(control.id) + ' ' + mark + ' ' + control.text + (enabled ? "" : " !"));
+        }
+        return lines;
+    }
+    /// What the dialog answers as its window.
+    void* native_window() const noexcept { return window_.native(); }
     void set_checked(int id, bool checked) { window_.set_checked(id, checked); }
-    void press(int id);
+    void press(int id) {
+        if (!is_open() || !window_.states.at(id).enabled) throw std::logic_error("this button cannot be pressed");
+        window_.rules->on_button(window_, id);
+        if (!window_.closing) return;
+        window_.registry.forget(window_);
+        window_.rules.reset();
+    }
 
-    void open(ostrevan::dialog_rules_ptr rules) override;
+    void open(ostrevan::dialog_rules_ptr rules) override {
+        require_main_thread("dialog_service::open");
+        if (fail) throw std::runtime_error("no dialog can be drawn");
+        if (is_open()) throw std::logic_error("a dialog is open already");
+        window_.states.clear();
+        for (const auto& control : rules->layout().controls) window_.states[control.id] = {};
+        window_.closing = false;
+        window_.rules = std::move(rules);
+        window_.registry.add(window_);
+        window_.rules->on_open(window_);
+    }
 
 private:
     struct control_state {
@@ -54,7 +87,19 @@ private:
     struct window final : ostrevan::dialog_window, ostrevan::registered_dialog {
         explicit window(memory_dialog_registry& known) noexcept : registry(known) {}
         bool is_checked(int id) const override { return states.at(id).checked; }
-        void set_checked(int id, bool checked) override;
+        void set_checked(int id, bool checked) override {
+            const auto controls = rules->layout().controls;
+            const auto is_radio = [&](std::size_t i) { return controls[i].kind == dialog_control_kind::radio_button; };
+            std::size_t at = 0;
+            while (controls[at].id != id)
+                if (++at == controls.size()) throw std::logic_error("there is no such control");
+            if (is_radio(at) && checked) {
+                std::size_t first = at;
+                while (first > 0 && is_radio(first - 1)) --first;
+                for (std::size_t i = first; i < controls.size() && is_radio(i); ++i) states[controls[i].id].checked = false;
+            }
+            states[id].checked = checked;
+        }
         void set_enabled(int id, bool enabled) override { states.at(id).enabled = enabled; }
         void close() override { closing = true; }
         void* native() const noexcept override { return const_cast<bool*>(&closing); }
@@ -66,10 +111,6 @@ private:
         bool closing = false;
     };
     window window_;
-
-public:
-    /// What the dialog answers as its window.
-    [[nodiscard]] void* native_window() const noexcept { return window_.native(); }
 };
 
 class recorded_file_questions : public ostrevan::file_dialog_service {
@@ -92,16 +133,31 @@ public:
     std::vector<std::string> queries;
     bool fail = false;
 
-    void show(const char* query) override;
+    void show(const char* query) override {
+        require_main_thread("library_search::show");
+        if (fail) throw std::runtime_error("the window is gone");
+        queries.emplace_back(query);
+    }
 };
 
 class recorded_progress : public ostrevan::progress_service {
+    struct display : ostrevan::progress_display {
+        explicit display(recorded_progress& progress) noexcept : owner(progress) {}
+        void set(std::size_t done, std::size_t total) override { owner.steps.emplace_back(done, total); }
+        bool is_aborting() const noexcept override { return owner.abort; }
+        recorded_progress& owner;
+    };
+
 public:
     std::vector<std::string> started;
     std::vector<std::pair<std::size_t, std::size_t>> steps;
     bool abort = false;
 
-    ostrevan::progress_display_ptr start(const char* what) override;
+    ostrevan::progress_display_ptr start(const char* what) override {
+        require_main_thread("progress_service::start");
+        started.emplace_back(what);
+        return ostrevan::service_new<display>(*this);
+    }
 };
 
 }  // namespace support

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "ostrevan/core_api.h"
+#include "ostrevan/exceptions.h"
 #include "ostrevan/input.h"
 #include "ostrevan/metadb.h"
 #include "ostrevan/playlist.h"
@@ -17,7 +19,11 @@ class memory_metadb : public ostrevan::metadb {
 public:
     std::map<ostrevan::playable_location, ostrevan::metadb_handle_ptr> tracks;
 
-    ostrevan::metadb_handle_ptr handle_create(const ostrevan::playable_location& location) override;
+    ostrevan::metadb_handle_ptr handle_create(const ostrevan::playable_location& location) override {
+        auto& known = tracks[location];
+        if (!known) known = ostrevan::service_new<memory_track>(location);
+        return known;
+    }
 };
 
 class memory_playlists : public ostrevan::playlist_manager {
@@ -35,7 +41,21 @@ public:
     std::vector<std::string> opened;
 
     bool is_our_path(const char*) const noexcept override { return true; }
-    ostrevan::service_ptr_t<ostrevan::input_info_reader> open_for_info_read(const char* path) override;
+    ostrevan::service_ptr_t<ostrevan::input_info_reader> open_for_info_read(const char* path) override {
+        if (ostrevan::core_api::is_main_thread()) ostrevan::uBugCheck("files are read on the main thread");
+        opened.emplace_back(path);
+        const auto first = files.lower_bound({path, 0});
+        if (first == files.end() || first->first.path != path) throw ostrevan_io::exception_io_not_found(path);
+        return ostrevan::service_new<reader>(*this, path);
+    }
+
+private:
+    struct reader : ostrevan::input_info_reader {
+        reader(const memory_decoders& owner, std::string path) : owner_(owner), path_(std::move(path)) {}
+        ostrevan::file_info get_info(std::uint32_t subsong) override { return owner_.files.at({path_, subsong}); }
+        const memory_decoders& owner_;
+        const std::string path_;
+    };
 };
 
 }  // namespace support

@@ -11,43 +11,17 @@
 namespace support {
 namespace {
 
-std::vector<ostrevan::initialisation_stage*> stages_in_order(const memory_player& player) {
-    std::vector<ostrevan::initialisation_stage*> stages;
-    const auto& wanted = ostrevan::initialisation_stage::class_guid;
-    for (std::size_t i = 0; i < player.service_count(wanted); ++i)
-        stages.push_back(static_cast<ostrevan::initialisation_stage*>(player.service_at(wanted, i)));
-    std::ranges::stable_sort(stages, {}, &ostrevan::initialisation_stage::stage);
-    return stages;
+template <typename... Services>
+std::vector<ostrevan::component_api::service_entry> entries_of(Services&... services) {
+    return {{Services::class_guid, &services}...};
 }
 
 }  // namespace
 
 memory_player::memory_player(ostrevan::get_interface_function entry, const char* library_path)
-    : services_{{index.class_guid, &index},
-                {main_queue.class_guid, &main_queue},
-                {threads.class_guid, &threads},
-                {popups.class_guid, &popups},
-                {console.class_guid, &console},
-                {crash_log.class_guid, &crash_log},
-                {clipboard.class_guid, &clipboard},
-                {beeps.class_guid, &beeps},
-                {configuration.class_guid, &configuration},
-                {library.class_guid, &library},
-                {metadb.class_guid, &metadb},
-                {playlists.class_guid, &playlists},
-                {decoders.class_guid, &decoders},
-                {titleformat.class_guid, &titleformat},
-                {local_files.class_guid, &local_files},
-                {remote_files.class_guid, &remote_files},
-                {tag_updates.class_guid, &tag_updates},
-                {reloads.class_guid, &reloads},
-                {open_dialogs.class_guid, &open_dialogs},
-                {dialogs.class_guid, &dialogs},
-                {file_dialog.class_guid, &file_dialog},
-                {searches.class_guid, &searches},
-                {progress.class_guid, &progress},
-                {ostrevan::hash_service::class_guid, &md5_hash()},
-                {ostrevan::text_helper_service::class_guid, &text_helper()}} {
+    : services_(entries_of(index, main_queue, threads, popups, console, crash_log, clipboard, beeps, configuration, library,
+                           metadb, playlists, decoders, titleformat, local_files, remote_files, tag_updates, reloads,
+                           open_dialogs, dialogs, file_dialog, searches, progress, md5_hash(), text_helper())) {
     const ostrevan::player_interface block{ostrevan::player_magic, ostrevan::interface_version, this};
     const auto* answer = entry(&block);
     if (answer == nullptr) throw std::runtime_error("the component refused the player");
@@ -71,7 +45,9 @@ void memory_player::withdraw(const nuv::guid& service_class) {
 
 void memory_player::start() {
     started_ = true;
-    const auto stages = stages_in_order(*this);
+    std::vector<ostrevan::initialisation_stage*> stages;
+    ostrevan::for_each_service<ostrevan::initialisation_stage>([&](auto& stage) { stages.push_back(&stage); });
+    std::ranges::stable_sort(stages, {}, &ostrevan::initialisation_stage::stage);
     const auto late = std::ranges::find_if(stages, [](auto* stage) { return stage->stage() >= 40; });
     std::for_each(stages.begin(), late, [](auto* stage) { stage->on_stage(); });
     ostrevan::for_each_service<ostrevan::startup_notification>([](auto& notification) { notification.on_startup(); });

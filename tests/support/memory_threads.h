@@ -3,30 +3,60 @@
 #include <atomic>
 #include <deque>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
-#include <vector>
+#include <utility>
 
 #include "ostrevan/main_thread.h"
 #include "ostrevan/thread_service.h"
 
 namespace support {
 
-/// Callbacks wait here until the test runs them.
-class main_thread_queue : public ostrevan::main_thread_callback_service {
+/// What is handed over from any thread, and taken in that order.
+template <typename T>
+class handed_over {
 public:
-    void add_callback(ostrevan::service_ptr_t<ostrevan::main_thread_callback> callback) override;
-
-    /// Runs callbacks, those that they add included, until none is left; answers how many ran.
-    std::size_t run();
+    void add(T item) {
+        const std::lock_guard guard(lock_);
+        items_.push_back(std::move(item));
+    }
+    /// Until nothing is left, also of what is added meanwhile; answers how many there were.
+    template <typename Work>
+    std::size_t take_all(Work&& work) {
+        for (std::size_t count = 0;; ++count) {
+            std::unique_lock guard(lock_);
+            if (items_.empty()) return count;
+            T next = std::move(items_.front());
+            items_.pop_front();
+            guard.unlock();
+            work(next);
+        }
+    }
 
 private:
     std::mutex lock_;
-    std::deque<ostrevan::service_ptr_t<ostrevan::main_thread_callback>> waiting_;
+    std::deque<T> items_;
+};
+
+/// Callbacks wait here until the test runs them.
+class main_thread_queue : public ostrevan::main_thread_callback_service {
+public:
+    using callback_ptr = ostrevan::service_ptr_t<ostrevan::main_thread_callback>;
+
+    void add_callback(callback_ptr callback) override { waiting_.add(std::move(callback)); }
+    /// Answers how many ran.
+    std::size_t run() {
+        return waiting_.take_all([](const callback_ptr& callback) { callback->callback_run(); });
+    }
+
+private:
+    handed_over<callback_ptr> waiting_;
 };
 
 /// Threads of their own for the component's tasks.
 class task_threads : public ostrevan::thread_service {
 public:
+    using task_ptr = ostrevan::service_ptr_t<ostrevan::thread_task>;
     enum class mode {
         on_demand,  ///< tasks wait for `run_waiting`
         at_once,    ///< tasks run beside the test
@@ -37,17 +67,24 @@ public:
 
     ~task_threads() override { join(); }
 
-    void start(ostrevan::service_ptr_t<ostrevan::thread_task> task) override;
-
+    void start(task_ptr task) override {
+        if (how == mode::refuse) throw std::runtime_error("no thread can be had");
+        ++started;
+        if (how == mode::on_demand) waiting_.add(std::move(task));
+        else running_.add(std::thread([task = std::move(task)] { task->run(); }));
+    }
     /// Runs the tasks that wait, one after another, each on a thread of its own; answers how many ran.
-    std::size_t run_waiting();
+    std::size_t run_waiting() {
+        return waiting_.take_all([](const task_ptr& task) { std::thread([&] { task->run(); }).join(); });
+    }
     /// Waits for the tasks that run beside the test.
-    void join();
+    void join() {
+        running_.take_all([](std::thread& thread) { thread.join(); });
+    }
 
 private:
-    std::mutex lock_;
-    std::deque<ostrevan::service_ptr_t<ostrevan::thread_task>> waiting_;
-    std::vector<std::thread> running_;
+    handed_over<task_ptr> waiting_;
+    handed_over<std::thread> running_;
 };
 
 }  // namespace support

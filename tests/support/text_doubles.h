@@ -9,4 +9,8 @@ namespace support {
 ostrevan::hash_service& md5_hash();
 ostrevan::text_helper_service& text_helper();
 
+/// What the system, or a library, has for these.
+ostrevan::hash_digest md5_of(const void* bytes, std::size_t size);
+std::uint32_t lower_case_of(std::uint32_t code_point) noexcept;
+
 }  // namespace support

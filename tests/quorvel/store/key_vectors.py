@@ -148,6 +148,7 @@ EVERY_MAPPING = [
     ("second disc number is 1", Track(changed(tracknumber=["3", "4"], discnumber=["2", "1"]))),
     ("track number twice, disc number once", Track(changed(tracknumber=["3", "4"]))),
     ("no track and no disc number", Track(changed(tracknumber=None, discnumber=None))),
+    ("disc numbers without a track number", Track(changed(tracknumber=None, discnumber=["2", "3"]))),
     ("no album", Track(changed(album=None))),
     ("no artist", Track(changed(artist=None, tracknumber=["1", "2"]), length=200.0)),
     ("no title, with track numbers", Track(changed(title=None, tracknumber=["1", "2"]), length=200.0)),
@@ -155,12 +156,10 @@ EVERY_MAPPING = [
     ("no tags at all", Track([], "C:\\Music\\a.mp3", 12.5)),
 ]
 
+OVER_LONG = b"\xc1\xbf", b"\xe0\x9f\xbf", b"\xf0\x8f\xbf\xbf", b"\xf8\x87\xbf\xbf\xbf", b"\xfc\x83\xbf\xbf\xbf\xbf"
+
 ACTIVE_MAPPING = [
-    ("disc number without track number", Track(changed(tracknumber=None))),
-    ("disc number 1", Track(changed(discnumber=["1"]))),
-    ("disc number 01", Track(changed(discnumber=["01"]))),
-    ("disc number 0", Track(changed(discnumber=["0"]))),
-    ("disc number 10", Track(changed(discnumber=["10"]))),
+    *((f"disc number {text}", Track(changed(discnumber=[text]))) for text in ("1", "01", "0", "10")),
     ("track number 000", Track(changed(tracknumber=["000"]))),
     ("track number with text", Track(changed(tracknumber=["07/12"]))),
     ("track number present without a value", Track(changed(tracknumber=[]))),
@@ -175,18 +174,9 @@ ACTIVE_MAPPING = [
     ("title present without a value", Track([("artist", ["a"]), ("title", [])], length=9.0)),
     ("several artists and titles", Track([("artist", ["a", "", "b"]), ("title", ["t", "u"])])),
     ("field names in capitals", Track([("ARTIST", ["a"]), ("Title", ["t"])])),
-    ("file name after a backslash", Track([], "C:\\Music\\a.mp3", 1.0)),
-    ("file name after a slash", Track([], "file:///music/a.mp3", 1.0)),
-    ("file name after a bar", Track([], "unpack://zip|a.mp3", 1.0)),
-    ("file name after a colon", Track([], "x:a.mp3", 1.0)),
-    ("file name without separator", Track([], "a.mp3", 1.0)),
-    ("file name empty", Track([], "/music/", 1.0)),
-    ("length unknown", Track([], "/a.mp3", 0.0)),
-    ("length negative", Track([], "/a.mp3", -1.0)),
-    ("length under half a frame", Track([], "/a.mp3", 0.006)),
-    ("length on half a frame after an even one", Track([], "/a.mp3", 0.06)),
-    ("length just under half a frame", Track([], "/a.mp3", math.nextafter(0.06, 0))),
-    ("length of ten hours", Track([], "/a.mp3", 36000.25)),
+    *((f"file name of {path}", Track([], path, 1.0)) for path in ("C:\\Music\\a.mp3", "file:///music/a.mp3", "unpack://zip|a.mp3", "x:a.mp3", "a.mp3", "/music/")),
+    # Frames: none, none, under a half, a half after an even number, just under it, many.
+    *((f"length {seconds}", Track([], "/a.mp3", seconds)) for seconds in (0.0, -1.0, 0.006, 0.06, math.nextafter(0.06, 0), 36000.25)),
     ("capitals", Track(titled("ABC"))),
     ("small letters", Track(titled("abc"))),
     ("sharp s", Track(titled("Straße"))),
@@ -200,18 +190,11 @@ ACTIVE_MAPPING = [
     ("byte FE", Track(titled(b"ab\xfecd"))),
     ("sequence cut by the end", Track(titled(b"ab\xe2\x82"))),
     ("sequence cut by a letter", Track(titled(b"ab\xe2\x82c"))),
-    ("two-byte over-long", Track(titled(b"ab\xc1\xbfcd"))),
-    ("three-byte over-long", Track(titled(b"ab\xe0\x9f\xbfcd"))),
-    ("four-byte over-long", Track(titled(b"ab\xf0\x8f\xbf\xbfcd"))),
-    ("five-byte over-long", Track(titled(b"ab\xf8\x87\xbf\xbf\xbfcd"))),
-    ("six-byte over-long", Track(titled(b"ab\xfc\x83\xbf\xbf\xbf\xbfcd"))),
+    *((f"over-long in {len(data)} bytes", Track(titled(b"ab" + data + b"cd"))) for data in OVER_LONG),
     ("smallest of each size", Track(titled(b"\x01\xc2\x80\xe0\xa0\x80\xf0\x90\x80\x80\xf8\x88\x80\x80\x80\xfc\x84\x80\x80\x80\x80"))),
     ("largest of each size", Track(titled(b"\x7f\xdf\xbf\xef\xbf\xbf\xf7\xbf\xbf\xbf\xfb\xbf\xbf\xbf\xbf\xfd\xbf\xbf\xbf\xbf\xbf"))),
     ("invalid value before a valid one", Track(titled(b"ab\xff", "cd"))),
-    ("254 characters", Track(titled("x" * 254))),
-    ("255 characters", Track(titled("x" * 255))),
-    ("256 characters", Track(titled("x" * 256))),
-    ("257 characters", Track(titled("x" * 257))),
+    *((f"{n} characters", Track(titled("x" * n))) for n in (254, 255, 256, 257)),
     ("1000 three-byte characters", Track(titled("漢" * 1000))),
     ("255 and an invalid byte", Track(titled(b"x" * 255 + b"\xff"))),
 ]
@@ -225,8 +208,8 @@ def c_text(data):
 
 def row(name, track, mapping):
     fields = ", ".join("{%s, {%s}}" % (c_text(n.encode()), ", ".join(map(c_text, v))) for n, v in track.fields)
-    return '{"%s", %d, %s, %s, {%s}, 0x%016XULL},' % (
-        name, mapping, c_text(track.path), float(track.length).hex(), fields, key(track, mapping))
+    return '{%s, %d, %s, %s, {%s}, 0x%016XULL},' % (
+        c_text(name.encode()), mapping, c_text(track.path), float(track.length).hex(), fields, key(track, mapping))
 
 
 def text():

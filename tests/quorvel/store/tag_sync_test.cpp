@@ -1,6 +1,6 @@
 #include "quorvel/store/tag_sync.h"
 
-#include "ostrevan/statistics_collector.h"
+#include "quorvel/store/index_writer.h"
 #include "quorvel/store/timestamp.h"
 #include "tests/support/statistics_test.h"
 
@@ -35,6 +35,8 @@ TEST_F(tag_sync, stamps_the_record_of_the_moment_of_the_request) {
     ASSERT_EQ(player.tag_updates.requests.size(), 1U);
     EXPECT_EQ(player.tag_updates.requests[0].options, 3U);
     EXPECT_EQ(player.tag_updates.requests[0].parent, player.main_window());
+    auto info = make_info({{"play_count", "9"}});
+    EXPECT_FALSE(player.tag_updates.requests[0].filter->apply_filter(support::make_track("/c", {}), info));
     EXPECT_EQ(player.tag_updates.run_next(), only_track) << "a file that says the same is not written";
     EXPECT_EQ(track->info()->info(), make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "1"}}));
     EXPECT_EQ(notify->calls, 1U);
@@ -49,11 +51,31 @@ TEST_F(tag_sync, compares_repaired_tags_with_the_record) {
     EXPECT_EQ(track->info()->info(), kept);
 }
 
-TEST_F(tag_sync, leaves_tracks_alone_that_were_not_in_the_request) {
-    put(other, {.play_count = 1});
-    quorvel::PCDB_stamp_tags(metadb_handle_list{track}, 0, nullptr);
-    auto info = make_info({{"play_count", "9"}});
-    EXPECT_FALSE(player.tag_updates.requests[0].filter->apply_filter(other, info));
+TEST_F(tag_sync, leaves_files_alone_whose_statistics_cannot_be_read) {
+    const auto kept = make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "9"}});
+    put(track, {.play_count = 1});
+    const auto key = key_of(track);
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"a blob that is no record", [&] { player.index.write(quorvel::statistics_index_guid, key, "x", 1); }},
+        {"an index that cannot be read", [&] { player.index.fail_read = true; }},
+        {"no key", [&] { player.index.fail_read = false, track->forget_info(); }},
+        {"no index", [&] { quorvel::statistics_index::close(); }},
+    };
+    for (const auto& [what, make] : cases) {
+        track->publish(kept);
+        make();
+        player.console.lines.clear();
+        quorvel::PCDB_stamp_tags(metadb_handle_list{track, track}, 0, nullptr);
+        EXPECT_TRUE(player.tag_updates.requests.empty()) << what;
+        EXPECT_EQ(player.console.lines,
+                  std::vector<std::string>{"Playback statistics: the file tags of /a and of 1 more tracks are left as they "
+                                           "are, because their statistics cannot be read"})
+            << what;
+    }
+    quorvel::statistics_index::open(player.index);
+    put(other, {.play_count = 2});
+    quorvel::PCDB_stamp_tags(metadb_handle_list{track, other}, 0, nullptr);
+    EXPECT_EQ(player.tag_updates.run_next(), std::vector<metadb_handle_ptr>{other}) << "the rest is written";
 }
 
 TEST_F(tag_sync, swallows_a_request_that_cannot_be_made) {
@@ -84,21 +106,6 @@ TEST_F(tag_sync, follows_a_change_only_when_wanted_and_only_on_this_machine) {
     }
 }
 
-TEST_F(tag_sync, follows_a_counted_play_in_the_background) {
-    auto& collector = player.component_service<ostrevan::playback_statistics_collector>();
-    collector.on_item_played(track);
-    player.settle();
-    EXPECT_TRUE(player.tag_updates.requests.empty());
-    quorvel::tag_sync_enabled.set(true);
-    collector.on_item_played(track);
-    player.settle();
-    ASSERT_EQ(player.tag_updates.requests.size(), 1U);
-    EXPECT_EQ(player.tag_updates.requests[0].options, 5U);
-    player.tag_updates.run_next();
-    t_playback_stats written;
-    EXPECT_NE(track->info()->info().meta_find("play_count"), ostrevan::file_info::npos);
-}
-
 TEST_F(tag_sync, imports_the_fields_that_tags_supply_and_keeps_the_others) {
     const std::string date = "2024-03-05 07:08:09";
     const auto unread = support::make_track("/c", {{"artist", "c"}, {"title", "t"}});
@@ -116,8 +123,8 @@ TEST_F(tag_sync, imports_the_fields_that_tags_supply_and_keeps_the_others) {
             .play_count = 2, .first_played = 5, .last_played = 6, .added = quorvel::ParseTimestamp(date), .rating = 149}));
     EXPECT_EQ(quorvel::PCDB::GetByKey(unread_key).play_count, 3U);
     EXPECT_EQ(player.index.refreshes, std::vector<std::vector<std::uint64_t>>{{key_of(track)}});
-    EXPECT_DEATH(std::thread([&] { quorvel::PCDB::ImportFromTags(metadb_handle_list{track}); }).join(),
-                 "^core_api::ensure_main_thread");
+    EXPECT_EQ(player.console.lines, std::vector<std::string>{"Playback statistics: file tags have changed the statistics of "
+                                                             "1 of 4 tracks"});
 }
 
 }  // namespace
