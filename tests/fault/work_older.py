@@ -43,7 +43,8 @@ class Migration(Work):
     def after_fault(self, result):
         """A failure is no matter of the command, which has its own end: it is told, and the next start tries again."""
         self.between()
-        if result.status == 0 and "Track information database save failure: " not in result.err:
+        failures = "Track information database save failure: ", "records under older keys could not be taken over: "
+        if result.status == 0 and not any(failure in result.err for failure in failures):
             self.complete()
 
     def __init__(self, box):
