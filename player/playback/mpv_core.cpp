@@ -17,10 +17,30 @@ struct option {
     const char* name;
     const char* value;
 };
-// Nothing is read from the user's own configuration, no pictures or lyrics beside the files are looked for, and the terminal
-// and the signals stay with the player.
-constexpr option common_options[] = {{"config", "no"},   {"vid", "no"},      {"idle", "yes"},         {"load-scripts", "no"},
-                                     {"terminal", "no"}, {"sub-auto", "no"}, {"cover-art-auto", "no"}};
+// Nothing is read from the user's own configuration, no pictures, sounds or lyrics beside the files are looked for, and the
+// terminal and the signals stay with the player.
+//
+// Music comes from anywhere, and only the file itself is opened. libmpv goes by content and not by name, so that a list of
+// addresses or of other files could come as an .mp3: it offers files to none of its own readers of such lists
+// (`demuxer`), and of those of libavformat only to the containers that the player knows (`format_whitelist`): others open
+// sockets by themselves. What even these may refer to is not followed (`access-references`, `ordered-chapters`).
+constexpr option common_options[] = {
+    {"config", "no"},
+    {"idle", "yes"},
+    {"terminal", "no"},
+    {"load-scripts", "no"},
+    {"ytdl", "no"},
+    {"resume-playback", "no"},
+    {"vid", "no"},
+    {"sid", "no"},
+    {"sub-auto", "no"},
+    {"audio-file-auto", "no"},
+    {"cover-art-auto", "no"},
+    {"demuxer", "lavf"},
+    {"demuxer-lavf-o", "format_whitelist=[aac,aiff,ape,asf,flac,mov,mp3,ogg,tta,wav,wv],protocol_whitelist=[none]"},
+    {"access-references", "no"},
+    {"ordered-chapters", "no"},
+};
 constexpr option device_options[] = {{"audio-fallback-to-null", "yes"}};
 constexpr option null_options[] = {{"ao", "null"}};
 constexpr option fast_options[] = {{"ao", "null"}, {"untimed", "yes"}, {"ao-null-untimed", "yes"}};
@@ -125,6 +145,7 @@ mpv_core::mpv_core(const play_options& options) : handle_(mpv_create()) {
     else set_options(handle_.get(), device_options);
     check(mpv_initialize(handle_.get()), "Cannot start the audio engine");
     check(mpv_observe_property(handle_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE), "Cannot follow the position");
+    check(mpv_observe_property(handle_.get(), 0, "current-ao", MPV_FORMAT_STRING), "Cannot follow the sound device");
 }
 
 std::int64_t mpv_core::append(const play_item& item) {

@@ -27,10 +27,10 @@ bool is_url(std::string_view path) {
     return scheme.size() < path.size() && !scheme.empty() && scheme.find('/') == std::string_view::npos;
 }
 
-/// Why a local file is not even offered to libmpv: it would wait for ever in a pipe, and take a folder for a list. Empty
-/// when nothing speaks against it.
+/// Why an item is not even offered to libmpv: it would reach into the network, wait for ever in a pipe, and take a folder
+/// for a list. Empty when nothing speaks against it.
 std::string refusal(const std::string& path) {
-    if (is_url(path)) return {};
+    if (is_url(path)) return "Only files of this machine are played";
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
     if (status.type() == std::filesystem::file_type::not_found) return "The file does not exist";
@@ -51,7 +51,11 @@ end_reason translate(mpv_end_file_reason reason) {
 class mpv_player::session {
 public:
     session(const play_options& options, const play_callbacks& callbacks, std::span<const play_item> items)
-        : callbacks_(callbacks), items_(items), core_(options), rule_(options.thresholds) {}
+        : callbacks_(callbacks),
+          items_(items),
+          wants_device_(options.audio == audio_output::automatic && !options.fast),
+          core_(options),
+          rule_(options.thresholds) {}
 
     bool run(const std::atomic<bool>& stop);
     void seek(double position);
@@ -65,6 +69,7 @@ private:
     void on_seek();
     void on_restart();
     void on_position(double seconds);
+    void on_device(std::string_view output);
     void on_end_file(const mpv_event_end_file& end);
     void finish(end_reason reason);
 
@@ -73,6 +78,7 @@ private:
 
     const play_callbacks& callbacks_;
     std::span<const play_item> items_;
+    const bool wants_device_;
     mpv_core core_;
     play_rule rule_;
 
@@ -81,6 +87,7 @@ private:
     std::vector<std::pair<std::size_t, std::string>> refused_;  // errors whose turn has not come
 
     std::optional<std::size_t> current_;
+    bool is_heard_ = true;
     double duration_ = 0;
     bool sounding_ = false;       // from the moment the file is open
     bool audible_ = false;        // from the first sound; positions before it are not from this item's start
@@ -112,7 +119,7 @@ void mpv_player::session::append_next() {
         std::string why = refusal(items_[index].path);
         if (why.empty()) {
             play_item absolute = items_[index];
-            if (!is_url(absolute.path)) absolute.path = std::filesystem::absolute(absolute.path).string();
+            absolute.path = std::filesystem::absolute(absolute.path).string();
             queued_.emplace(core_.append(absolute), index);
             return;
         }
@@ -138,6 +145,7 @@ void mpv_player::session::handle(const mpv_event& event) {
         case MPV_EVENT_PROPERTY_CHANGE: {
             const auto& property = *static_cast<const mpv_event_property*>(event.data);
             if (property.format == MPV_FORMAT_DOUBLE) on_position(*static_cast<const double*>(property.data));
+            if (property.format == MPV_FORMAT_STRING) on_device(*static_cast<const char* const*>(property.data));
             return;
         }
         case MPV_EVENT_END_FILE:
@@ -193,6 +201,12 @@ void mpv_player::session::on_position(double seconds) {
     const bool counts = rule_.position(position);
     report(callbacks_.on_progress, *current_, position, duration_);
     if (counts) report(callbacks_.on_counted, *current_);
+}
+
+/// libmpv falls back to the output that is none.
+void mpv_player::session::on_device(std::string_view output) {
+    const bool heard = !wants_device_ || output != "null";
+    if (heard != std::exchange(is_heard_, heard)) report(callbacks_.on_hearing, heard);
 }
 
 void mpv_player::session::on_end_file(const mpv_event_end_file& end) {

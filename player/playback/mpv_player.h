@@ -11,7 +11,7 @@
 
 namespace ostrevan::playback {
 
-/// What to play: a local path or `protocol://...`, and for a track of a CUE sheet the part of the file in seconds.
+/// What to play: a path, and for a track of a CUE sheet the part of the file in seconds.
 struct play_item {
     std::string path;
     std::optional<double> start;
@@ -44,6 +44,8 @@ struct play_callbacks {
     /// Both in seconds, counted from the start of the item; the duration is 0 when it is unknown.
     /// Comes first right after `on_started`.
     std::function<void(std::size_t index, double position, double duration)> on_progress;
+    /// What plays is not heard, since no device could be opened although one was wanted; or it is heard again.
+    std::function<void(bool is_heard)> on_hearing;
     /// Comes at least ten times a second, for whatever else this thread has to do.
     std::function<void()> on_turn;
 };
