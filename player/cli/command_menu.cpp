@@ -19,7 +19,7 @@ const front::menu_entry& entry_of(const std::vector<front::menu_entry>& menu, co
 
 /// The mark that the command has now.
 bool is_marked(run_context& context, const nuv::guid& id) {
-    const auto menu = front::main_menu_of(context.player.components());
+    const auto menu = front::main_menu_of(context.player.components(), context.player.services().guard());
     const auto* const entry = front::find_command(menu, id);
     return entry != nullptr && entry->is_checked;
 }
@@ -27,7 +27,7 @@ bool is_marked(run_context& context, const nuv::guid& id) {
 }  // namespace
 
 void run(run_context& context, const main_menu& arguments) {
-    const auto menu = front::main_menu_of(context.player.components());
+    const auto menu = front::main_menu_of(context.player.components(), context.player.services().guard());
     if (!arguments.command) return print_menu(menu);
     const auto& entry = entry_of(menu, *arguments.command);
     const bool before = entry.is_checked;

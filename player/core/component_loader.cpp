@@ -92,13 +92,6 @@ const component_version* version_of(const loaded_component& component) {
 }
 
 /// An object begins with the address of its functions.
-std::string module_of(const service_base& service) {
-    Dl_info found{};
-    const void* const functions = *reinterpret_cast<const void* const*>(&service);
-    if (::dladdr(functions, &found) == 0 || found.dli_fname == nullptr) return "unknown";
-    return std::filesystem::path(found.dli_fname).filename().string();
-}
-
 std::string name_of(const loaded_component& component) {
     const auto* const version = version_of(component);
     return version != nullptr ? version->name() : std::filesystem::path(component.path).stem().string();

@@ -26,8 +26,6 @@ std::vector<loaded_component> load_components(const std::string& folder, const p
 
 /// What a component says of itself; null when it says nothing. [main-thread]
 const component_version* version_of(const loaded_component& component);
-/// The name of the file that the code of a service comes from, such as "quorvel.dll". [any-thread]
-std::string module_of(const service_base& service);
 /// Its title, or else the name of its file. [main-thread]
 std::string name_of(const loaded_component& component);
 

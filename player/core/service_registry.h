@@ -6,6 +6,7 @@
 
 #include "nuv/guid.h"
 #include "ostrevan/service.h"
+#include "player/core/component_call.h"
 
 namespace ostrevan {
 
@@ -13,6 +14,8 @@ namespace ostrevan {
 /// another one, never changed afterwards, so lookups take no lock.
 class service_registry {
 public:
+    explicit service_registry(component_guard::failure_sink on_failure = {}) : guard_(std::move(on_failure)) {}
+
     /// The registry adds no reference: services live until the process ends or the session does.
     void add(const nuv::guid& service_class, service_base& service) { services_[service_class].push_back(&service); }
 
@@ -25,13 +28,23 @@ public:
     /// Null past the end.
     [[nodiscard]] service_base* at(const nuv::guid& service_class, std::size_t index) const noexcept;
 
-    /// Calls `visit` with every service of one class, in the order of registration.
+    /// Calls `visit` with every service of one class, in the order of registration. One that throws is reported, and the
+    /// others are visited all the same; false then. `doing` completes "failed at".
     template <typename T, typename Visitor>
-    void for_each(Visitor&& visit) const {
-        for (std::size_t i = 0, n = count(T::class_guid); i < n; ++i) visit(static_cast<T&>(*at(T::class_guid, i)));
+    bool for_each(Visitor&& visit, const char* doing = "its work") const {
+        bool all_well = true;
+        for (std::size_t i = 0, n = count(T::class_guid); i < n; ++i) {
+            auto& service = static_cast<T&>(*at(T::class_guid, i));
+            all_well &= guard_.call(service, doing, [&] { visit(service); });
+        }
+        return all_well;
     }
 
+    /// For calls of what components have handed over besides services.
+    [[nodiscard]] const component_guard& guard() const noexcept { return guard_; }
+
 private:
+    const component_guard guard_;
     std::unordered_map<nuv::guid, std::vector<service_base*>> services_;
 };
 

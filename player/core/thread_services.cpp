@@ -1,17 +1,16 @@
 #include "player/core/thread_services.h"
 
-#include <exception>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
 
-#include "player/core/failure_text.h"
+#include "player/core/component_call.h"
 
 namespace ostrevan {
 
 void main_thread_service_impl::add_callback(service_ptr_t<main_thread_callback> callback) {
-    loop_.post([callback = std::move(callback)] { callback->callback_run(); });
+    loop_.post([callback = std::move(callback)] { call_component(*callback, [&] { callback->callback_run(); }); });
 }
 
 void thread_service_impl::start(service_ptr_t<thread_task> task) {
@@ -20,13 +19,11 @@ void thread_service_impl::start(service_ptr_t<thread_task> task) {
         std::string failure;
         try {
             task->run();
-        } catch (const std::exception& error) {
-            failure = failure_text(error);
         } catch (...) {
-            failure = "unknown error";
+            failure = "A worker of " + module_of(typeid(*task)) + " failed: " + text_of_failure();
         }
         task.reset();
-        if (!failure.empty()) loop.post([failure] { throw std::runtime_error("A worker failed: " + failure); });
+        if (!failure.empty()) loop.post([failure] { throw std::runtime_error(failure); });
     }).detach();
 }
 

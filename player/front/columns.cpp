@@ -4,6 +4,7 @@
 
 #include "nuv/text.h"
 #include "ostrevan/library_columns.h"
+#include "player/titleformat/script.h"
 
 namespace ostrevan::front {
 namespace {
@@ -11,29 +12,41 @@ namespace {
 struct own_column {
     const char* name;
     const char* script;
+    const char* sort_script;  // null: what is shown
     bool align_right;
     bool shown_by_default;
 };
 
 constexpr own_column own_columns[] = {
-    {"Artist", "[%artist%]", false, true},
-    {"Album", "[%album%]", false, false},
-    {"Track", "[$num(%tracknumber%,2)]", true, false},
-    {"Title", "%title%", false, true},
-    {"Date", "[%date%]", false, false},
-    {"Genre", "[%genre%]", false, false},
-    {"Length", "[%length%]", true, false},
-    {"Codec", "[%codec%]", false, false},
-    {"Path", "%path%", false, false},
+    {"Artist", "[%artist%]", nullptr, false, true},
+    {"Album", "[%album%]", nullptr, false, false},
+    {"Track", "[$num(%tracknumber%,2)]", nullptr, true, false},
+    {"Title", "%title%", nullptr, false, true},
+    {"Date", "[%date%]", nullptr, false, false},
+    {"Genre", "[%genre%]", nullptr, false, false},
+    {"Length", "[%length%]", "[%length_seconds%]", true, false},
+    {"Codec", "[%codec%]", nullptr, false, false},
+    {"Path", "%path%", nullptr, false, false},
 };
 
-column made_of(const own_column& own) { return {own.name, own.script, own.script, own.align_right}; }
+column made_of(const own_column& own) {
+    return {own.name, own.script, own.sort_script == nullptr ? own.script : own.sort_script, own.align_right};
+}
+
+/// Throws when a script of the column has a mistake.
+column column_of(library_column_provider& provider, std::size_t index) {
+    column made{provider.get_column_name(index), provider.get_display_script(index), provider.get_sort_script(index),
+                (provider.get_column_flags(index) & column_align_right) != 0};
+    for (const auto& script : {made.display_script, made.sort_script}) (void)titleformat::compile(script);
+    return made;
+}
 
 void append_component_columns(const service_registry& services, std::vector<column>& out) {
     services.for_each<library_column_provider>([&](library_column_provider& provider) {
-        for (std::size_t i = 0; i < provider.get_column_count(); ++i)
-            out.push_back({provider.get_column_name(i), provider.get_display_script(i), provider.get_sort_script(i),
-                           (provider.get_column_flags(i) & column_align_right) != 0});
+        for (std::size_t i = 0; i < provider.get_column_count(); ++i) {
+            const auto doing = "column " + std::to_string(i + 1) + ", which is left out";
+            services.guard().call(provider, doing.c_str(), [&] { out.push_back(column_of(provider, i)); });
+        }
     });
 }
 

@@ -1,7 +1,6 @@
 #include "player/front/component_start.h"
 
 #include <algorithm>
-#include <exception>
 #include <filesystem>
 
 #include "ostrevan/component_version.h"
@@ -23,15 +22,6 @@ void for_each_variable(const std::vector<loaded_component>& components, Visitor&
         for (std::size_t i = 0; i < component.api->config_variable_count(); ++i) visit(component.api->config_variable_at(i));
 }
 
-template <typename Work>
-void guarded(const char* what, const component_failure& on_failure, Work&& work) {
-    try {
-        work();
-    } catch (const std::exception& error) {
-        on_failure(std::string("A component failed at ") + what + ": " + error.what());
-    }
-}
-
 }  // namespace
 
 void register_components(const std::vector<loaded_component>& components, service_registry& services,
@@ -39,7 +29,7 @@ void register_components(const std::vector<loaded_component>& components, servic
     for_each_entry(components, [&](const loaded_component&, const component_api::service_entry& entry) {
         services.add(entry.service_class, *entry.service);
     });
-    services.for_each<field_provider>([&](field_provider& provider) { fields.add(provider); });
+    services.for_each<field_provider>([&](field_provider& provider) { fields.add(provider); }, "its fields");
 }
 
 void check_installations(const std::vector<loaded_component>& components, const component_failure& on_failure) {
@@ -47,7 +37,7 @@ void check_installations(const std::vector<loaded_component>& components, const 
         if (entry.service_class != component_version::class_guid) return;
         auto& version = static_cast<component_version&>(*entry.service);
         bool is_whole = true;  // a check that fails to run is told by itself
-        guarded("its installation check", on_failure, [&] { is_whole = version.test_installation(); });
+        component_guard(on_failure).call(version, "its installation check", [&] { is_whole = version.test_installation(); });
         if (is_whole) return;
         const bool is_named_right = std::filesystem::path(component.path).filename() == version.file_name();
         on_failure("Component " + component.path + " (" + version.name() + ") " +
@@ -59,28 +49,28 @@ void check_installations(const std::vector<loaded_component>& components, const 
 
 void start_components(const std::vector<loaded_component>& components, const service_registry& services,
                       const component_failure& on_failure) {
+    const component_guard guard(on_failure);
     for_each_variable(
-        components, [&](config_variable& variable) { guarded("reading a setting", on_failure, [&] { variable.load(); }); });
+        components, [&](config_variable& variable) { guard.call(variable, "reading a setting", [&] { variable.load(); }); });
 
     std::vector<initialisation_stage*> stages;
     services.for_each<initialisation_stage>([&](initialisation_stage& stage) { stages.push_back(&stage); });
     std::ranges::stable_sort(stages, {}, [](const initialisation_stage* stage) { return stage->stage(); });
     constexpr unsigned last_before_startup = 30;
     const auto later = std::ranges::find_if(stages, [](const auto* stage) { return stage->stage() > last_before_startup; });
-    const auto run_stage = [&](initialisation_stage* stage) { guarded("starting", on_failure, [&] { stage->on_stage(); }); };
+    const auto run_stage = [&](initialisation_stage* stage) { guard.call(*stage, "starting", [&] { stage->on_stage(); }); };
 
     std::for_each(stages.begin(), later, run_stage);
-    services.for_each<startup_notification>(
-        [&](startup_notification& notified) { guarded("starting", on_failure, [&] { notified.on_startup(); }); });
+    services.for_each<startup_notification>([](startup_notification& notified) { notified.on_startup(); }, "starting");
     std::for_each(later, stages.end(), run_stage);
 }
 
 void end_components(const std::vector<loaded_component>& components, const service_registry& services,
                     const component_failure& on_failure) {
-    services.for_each<startup_notification>(
-        [&](startup_notification& notified) { guarded("ending", on_failure, [&] { notified.on_shutdown(); }); });
-    for_each_variable(components,
-                      [&](config_variable& variable) { guarded("saving a setting", on_failure, [&] { variable.save(); }); });
+    services.for_each<startup_notification>([](startup_notification& notified) { notified.on_shutdown(); }, "ending");
+    const component_guard guard(on_failure);
+    for_each_variable(
+        components, [&](config_variable& variable) { guard.call(variable, "saving a setting", [&] { variable.save(); }); });
 }
 
 }  // namespace ostrevan::front

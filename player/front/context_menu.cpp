@@ -1,7 +1,10 @@
 #include "player/front/context_menu.h"
 
+#include <functional>
 #include <memory>
 #include <utility>
+
+#include "player/core/component_call.h"
 
 namespace ostrevan::front {
 namespace {
@@ -20,7 +23,7 @@ bool append_node(std::vector<menu_entry>& level, const std::shared_ptr<context_m
     menu_entry entry{.id = node.id(), .description = node.description()};
     set_display(entry, display);
     for (std::size_t i = 0; i < node.child_count(); ++i) append_node(entry.children, owner, node.child(i));
-    if (entry.children.empty()) entry.run = [owner, &node] { node.execute(); };
+    if (entry.children.empty()) entry.run = [owner, &node] { call_component(node, [&] { node.execute(); }); };
     level.push_back(std::move(entry));
     return true;
 }
@@ -36,7 +39,9 @@ void append_item(std::vector<menu_entry>& menu, context_menu_item& item, std::si
     if (!item.item_get_display_data(display, index, tracks, context_caller::selection)) return;
     set_display(entry, display);
     item.get_item_description(index, entry.description);
-    entry.run = [&item, index, &tracks] { item.context_command(index, tracks, context_caller::selection); };
+    entry.run = [&item, index, &tracks] {
+        call_component(item, [&] { item.context_command(index, tracks, context_caller::selection); });
+    };
     level.push_back(std::move(entry));
 }
 
@@ -52,27 +57,29 @@ bool has_node(context_menu_node& node, const nuv::guid& id) {
 std::vector<menu_entry> context_menu_for(const service_registry& services, metadb_handle_list_cref tracks) {
     std::vector<menu_entry> menu;
     services.for_each<context_menu_item>([&](context_menu_item& item) {
-        for (std::size_t i = 0; i < item.get_item_count(); ++i) append_item(menu, item, i, tracks);
+        for (std::size_t i = 0; i < item.get_item_count(); ++i)
+            services.guard().call(item, "an entry of the menu", [&] { append_item(menu, item, i, tracks); });
     });
     return menu;
 }
 
 bool run_context_command(const service_registry& services, const nuv::guid& id, metadb_handle_list_cref tracks) {
     const metadb_handle_list nothing;
-    for (std::size_t s = 0, n = services.count(context_menu_item::class_guid); s < n; ++s) {
-        auto& item = static_cast<context_menu_item&>(*services.at(context_menu_item::class_guid, s));
-        for (std::size_t i = 0; i < item.get_item_count(); ++i) {
-            if (const auto root = item.make_node(i, nothing, context_caller::command_enumeration)) {
-                if (!has_node(*root, id)) continue;
-                item.context_command_by_node(i, id, tracks, context_caller::selection);
-                return true;
-            }
-            if (item.get_item_guid(i) != id) continue;
-            item.context_command(i, tracks, context_caller::selection);
-            return true;
+    std::function<void(context_menu_item&)> run;
+    context_menu_item* owner = nullptr;
+    services.for_each<context_menu_item>([&](context_menu_item& item) {
+        for (std::size_t i = 0; i < item.get_item_count() && owner == nullptr; ++i) {
+            const auto root = item.make_node(i, nothing, context_caller::command_enumeration);
+            if (root ? !has_node(*root, id) : item.get_item_guid(i) != id) continue;
+            owner = &item;
+            run = [&, i, by_node = root != nullptr](context_menu_item& found) {
+                if (by_node) found.context_command_by_node(i, id, tracks, context_caller::selection);
+                else found.context_command(i, tracks, context_caller::selection);
+            };
         }
-    }
-    return false;
+    });
+    if (owner != nullptr) call_component(*owner, [&] { run(*owner); });
+    return owner != nullptr;
 }
 
 }  // namespace ostrevan::front

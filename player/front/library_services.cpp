@@ -4,7 +4,6 @@
 #include <ctime>
 #include <span>
 
-#include "ostrevan/tag_edit.h"
 #include "player/front/interrupt.h"
 
 namespace ostrevan::front {
@@ -27,30 +26,7 @@ std::vector<library::track_edit> edits_between(std::span<const library::track_pt
     return edits;
 }
 
-/// A component works on each edit before it returns: in portions, between which the main loop serves others, a tool that has
-/// retagged the whole library stops nobody. Each portion is let go when it is done, since freeing all at once takes long
-/// too.
-void tell_from(main_loop& loop, const service_registry& services,
-               const std::shared_ptr<std::vector<library::track_edit>>& seen, std::size_t first) {
-    constexpr std::size_t portion = 1024;
-    const auto rest = std::span(*seen).subspan(first);
-    const auto now = rest.first(std::min(portion, rest.size()));
-    std::vector<tag_edit> edits;
-    for (const auto& [track, before, after] : now)
-        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr});
-    services.for_each<tag_edit_callback>(
-        [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
-    std::ranges::fill(now, library::track_edit{});
-    if (now.size() < rest.size())
-        loop.post([&loop, &services, seen, next = first + now.size()] { tell_from(loop, services, seen, next); });
-}
-
 }  // namespace
-
-void tell_of_edits(main_loop& loop, const service_registry& services, std::vector<library::track_edit> seen) {
-    if (seen.empty()) return;
-    tell_from(loop, services, std::make_shared<std::vector<library::track_edit>>(std::move(seen)), 0);
-}
 
 std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles) {
     std::vector<library::track_ptr> own;
@@ -62,16 +38,18 @@ std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_
 void library_manager_impl::get_all_items(metadb_handle_list& out) const { out = handles_of(library_.items()); }
 
 void library_events::on_library_changed(const library::library_changes& changes) {
-    tell_of_edits(loop_, services_, changes.edited);
+    news_.tell(changes.edited);
     const auto added = handles_of(changes.added);
     const auto removed = handles_of(changes.removed);
     const auto modified = handles_of(changes.modified);
     index_.mark_seen(removed, std::time(nullptr));
-    services_.for_each<library_callback>([&](library_callback& callback) {
-        if (!added.empty()) callback.on_items_added(added);
-        if (!removed.empty()) callback.on_items_removed(removed);
-        if (!modified.empty()) callback.on_items_modified(modified);
-    });
+    services_.for_each<library_callback>(
+        [&](library_callback& callback) {
+            if (!added.empty()) callback.on_items_added(added);
+            if (!removed.empty()) callback.on_items_removed(removed);
+            if (!modified.empty()) callback.on_items_modified(modified);
+        },
+        "following changes of the library");
 }
 
 struct info_reloads::job {
@@ -101,7 +79,7 @@ void info_reloads::step(const std::shared_ptr<job>& work) {
     std::vector<metadb_info_ptr> before;
     for (const auto& track : now) before.push_back(track->info());
     auto problems = library_.refresh_tracks(now, work->mode);
-    tell_of_edits(loop_, services_, edits_between(now, before));
+    news_.tell(edits_between(now, before));
     work->problems.insert(work->problems.end(), problems.begin(), problems.end());
     work->done += now.size();
     ui_.show_progress("files read", work->done, work->tracks.size());
@@ -119,9 +97,10 @@ void info_reloads::finish(const job& done) {
     const bool aborted = done.done < done.tracks.size();
     if (aborted) ui_.print_line("Interrupted: the tags of some tracks were not read, and the command ended there.");
     if (!done.notify) return;
-    done.notify->on_completion(aborted                 ? completion_notify::status_aborted
-                               : done.problems.empty() ? completion_notify::status_success
-                                                       : completion_notify::status_failed);
+    const auto status = aborted                 ? completion_notify::status_aborted
+                        : done.problems.empty() ? completion_notify::status_success
+                                                : completion_notify::status_failed;
+    call_component(*done.notify, [&] { done.notify->on_completion(status); });
 }
 
 }  // namespace ostrevan::front

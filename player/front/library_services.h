@@ -10,6 +10,7 @@
 #include "player/core/main_loop.h"
 #include "player/core/service_registry.h"
 #include "player/front/front_end.h"
+#include "player/front/tag_edit_news.h"
 #include "player/index/index_service.h"
 #include "player/library/media_library.h"
 
@@ -30,12 +31,12 @@ private:
 /// that leave are kept for their whole time from then on, however long ago the library was last gone through.
 class library_events final : public library::library_observer {
 public:
-    library_events(main_loop& loop, const service_registry& services, index_service& index)
-        : loop_(loop), services_(services), index_(index) {}
+    library_events(tag_edit_news& news, const service_registry& services, index_service& index)
+        : news_(news), services_(services), index_(index) {}
     void on_library_changed(const library::library_changes& changes) override;
 
 private:
-    main_loop& loop_;
+    tag_edit_news& news_;
     const service_registry& services_;
     index_service& index_;
 };
@@ -44,9 +45,9 @@ private:
 /// of tags that another program has edited.
 class info_reloads : public info_reload_service {
 public:
-    info_reloads(main_loop& loop, front_end& ui, const service_registry& services, library::media_library& library,
+    info_reloads(main_loop& loop, front_end& ui, tag_edit_news& news, library::media_library& library,
                  library::track_table& tracks)
-        : loop_(loop), ui_(ui), services_(services), library_(library), tracks_(tracks) {}
+        : loop_(loop), ui_(ui), news_(news), library_(library), tracks_(tracks) {}
 
     void reload_async(metadb_handle_list_cref tracks, unsigned mode, void* parent_window, unsigned options,
                       completion_notify_ptr notify) override;
@@ -58,16 +59,12 @@ private:
 
     main_loop& loop_;
     front_end& ui_;
-    const service_registry& services_;
+    tag_edit_news& news_;
     library::media_library& library_;
     library::track_table& tracks_;
 };
 
 /// The player's own handles of these tracks.
 std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_handle_list_cref handles);
-
-/// Tells the components of edits that the library has seen: of the first portion at once, of others as posted work. What is
-/// named must live until the loop is idle. [main-thread]
-void tell_of_edits(main_loop& loop, const service_registry& services, std::vector<library::track_edit> seen);
 
 }  // namespace ostrevan::front

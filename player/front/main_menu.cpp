@@ -17,7 +17,7 @@ std::vector<menu_entry> entries_of(main_menu_commands& group) {
                          .is_checked = (display.flags & main_menu_flag_checked) != 0,
                          .id = group.get_command(i)};
         group.get_description(i, entry.description);
-        entry.run = [&group, i] { group.execute(i); };
+        entry.run = [&group, i] { call_component(group, [&] { group.execute(i); }); };
         entries.push_back(std::move(entry));
     }
     return entries;
@@ -25,13 +25,15 @@ std::vector<menu_entry> entries_of(main_menu_commands& group) {
 
 }  // namespace
 
-std::vector<menu_entry> main_menu_of(const std::vector<loaded_component>& components) {
+std::vector<menu_entry> main_menu_of(const std::vector<loaded_component>& components, const component_guard& guard) {
     std::vector<menu_entry> menu;
     for (const auto& component : components) {
         for (std::size_t i = 0; i < component.api->service_count(); ++i) {
             const auto entry = component.api->service_at(i);
             if (entry.service_class != main_menu_commands::class_guid) continue;
-            auto entries = entries_of(static_cast<main_menu_commands&>(*entry.service));
+            auto& group = static_cast<main_menu_commands&>(*entry.service);
+            std::vector<menu_entry> entries;
+            guard.call(group, "its menu", [&] { entries = entries_of(group); });
             if (entries.empty()) continue;
             auto& level = submenu_at(menu, "Library/" + name_of(component));
             level.insert(level.end(), std::make_move_iterator(entries.begin()), std::make_move_iterator(entries.end()));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "player/core/component_call.h"
+
 namespace ostrevan::front {
 
 void dialog_registry_impl::poke_existing() {
@@ -15,6 +17,10 @@ open_dialog::open_dialog(dialog_rules_ptr rules, dialog_registry& registry, play
 }
 
 open_dialog::~open_dialog() { registry_.forget(*this); }
+
+void open_dialog::press(int button) {
+    call_component(*rules_, [&] { rules_->on_button(*this, button); });
+}
 
 std::size_t open_dialog::index_of(int id) const {
     const auto controls = layout().controls;

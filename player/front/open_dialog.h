@@ -31,8 +31,8 @@ public:
     [[nodiscard]] const dialog_layout& layout() const noexcept { return rules_->layout(); }
     [[nodiscard]] bool is_open() const noexcept { return is_open_; }
     [[nodiscard]] bool is_enabled(int id) const { return states_[index_of(id)].is_enabled; }
-    /// Presses a button; the rules decide what follows, and may throw.
-    void press(int button) { rules_->on_button(*this, button); }
+    /// Presses a button; the rules decide what follows. What they throw arrives with the component's name.
+    void press(int button);
 
     [[nodiscard]] bool is_checked(int id) const override { return states_[index_of(id)].is_checked; }
     void set_checked(int id, bool checked) override;

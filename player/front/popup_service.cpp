@@ -2,13 +2,15 @@
 
 #include <utility>
 
+#include "player/core/component_call.h"
+
 namespace ostrevan::front {
 
 void question_service::messageBoxAsync(query_t query) {
     check_main_thread(loop_, "messageBoxAsync");
     loop_.post([&ui = ui_, query = std::move(query)] {
         const unsigned answer = ui.ask(query);
-        if (query.reply) query.reply(answer);
+        if (query.reply) call_component(query.reply.target_type(), [&] { query.reply(answer); });
     });
 }
 

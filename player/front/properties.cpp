@@ -33,7 +33,8 @@ private:
 std::vector<property_section> track_properties(const service_registry& services, metadb_handle_list_cref tracks) {
     section_collector collector;
     services.for_each<track_property_provider>(
-        [&](track_property_provider& provider) { provider.enumerate_groups(tracks, collector, collector); });
+        [&](track_property_provider& provider) { provider.enumerate_groups(tracks, collector, collector); },
+        "the track properties");
     return collector.finish();
 }
 

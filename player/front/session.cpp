@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "ostrevan/startup.h"
-#include "ostrevan/tag_edit.h"
 #include "player/core/configuration_file.h"
 #include "player/core/failure_text.h"
 #include "player/core/filesystems.h"
@@ -58,7 +57,13 @@ struct session::parts {
     const bool quiet;
 
     main_loop loop{[this](const char* what) { report(what); }};
-    service_registry services;
+    /// For failures of components, on any thread.
+    void report_component(const std::string& message) {
+        if (loop.on_main_thread()) report(message);
+        else loop.post([this, message] { report(message); });
+    }
+
+    service_registry services{[this](const std::string& message) { report_component(message); }};
     lasting_service<crash_log_impl> crash_log{file("crash.log")};
     lasting_service<console_impl> console{[this](const std::string& line) { ui.print_line(line); }};
     host player{loop, services, crash_log, profile, quiet};
@@ -70,14 +75,18 @@ struct session::parts {
     index_store records{file("index.sqlite"),
                         [this](const std::string& message) { loop.post([this, message] { report(message); }); },
                         {.daily_copies = true}};
-    lasting_service<index_service> index{records, module_of, index_service::redraw{}};
+    lasting_service<index_service> index{records, [](const service_base& service) { return module_of(typeid(service)); },
+                                         index_service::redraw{}};
 
-    library_events events{loop, services, index};
+    tag_edit_news news{loop, services};
+    library_events events{news, services, index};
     library::track_table tracks;
     library::media_library library{file("library.sqlite"), tracks, tags::read_file, events};
     lasting_service<library_manager_impl> library_service{library};
 
-    titleformat::component_fields fields;
+    titleformat::component_fields fields{[this](const field_provider& provider, const std::string& doing) {
+        services.guard().report(typeid(provider), doing);
+    }};
     lasting_service<titleformat::titleformat_service_impl> titleformat{fields};
     lasting_service<main_thread_service_impl> main_thread{loop};
     lasting_service<thread_service_impl> threads{loop};
@@ -87,7 +96,7 @@ struct session::parts {
     lasting_service<beep_service_impl> beep{ui};
     lasting_service<clipboard_file> clipboard;
     lasting_service<tag_updates> tag_update{loop, ui, [this](const auto& files) { publish_rewritten(files); }};
-    lasting_service<info_reloads> reload{loop, ui, services, library, tracks};
+    lasting_service<info_reloads> reload{loop, ui, news, library, tracks};
     lasting_service<metadb_impl> handles{tracks};
     lasting_service<playlist_manager_impl> playlists{loop, library.playlists(), tracks};
     lasting_service<input_entry_impl> decoders;
@@ -112,8 +121,7 @@ void session::parts::publish_rewritten(const std::vector<tag_rewrite>& files) {
     }
     for (const auto& [path, reason] : library.refresh_tracks(changed, library::refresh_mode::always))
         report(path + ": " + reason);
-    services.for_each<tag_edit_callback>(
-        [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); });
+    news.tell(edits);
 }
 
 session::session(const session_options& options, front_end& ui) : parts_(std::make_unique<parts>(options, ui)) {
@@ -152,7 +160,7 @@ session::session(const session_options& options, front_end& ui) : parts_(std::ma
     check_installations(p.components, report);
     start_components(p.components, services, report);
     // What the process before was killed at. That they are told of some a second time changes nothing.
-    tell_of_edits(p.loop, services, p.library.unfinished_edits());
+    p.news.tell(p.library.unfinished_edits());
 }
 
 session::~session() {
@@ -162,7 +170,7 @@ session::~session() {
         p.player.begin_shutdown();
         end_components(p.components, p.services, [&p](const std::string& message) { p.report(message); });
         p.records.flush();
-        bool all_followed = !p.records.is_read_only();  // nothing can have followed then
+        bool all_followed = p.news.all_told() && !p.records.is_read_only();  // nothing can have followed then
         p.services.for_each<tag_edit_callback>([&](tag_edit_callback& callback) {
             if (const auto outcome = query_service<tag_edit_outcome>(callback)) all_followed &= outcome->all_followed();
         });

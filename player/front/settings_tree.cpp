@@ -21,7 +21,12 @@ namespace {
 
 std::vector<setting_entry> settings_tree(const service_registry& services) {
     std::vector<advanced_setting*> all;
-    services.for_each<advanced_setting>([&](advanced_setting& setting) { all.push_back(&setting); });
+    services.for_each<advanced_setting>(
+        [&](advanced_setting& setting) {
+            (void)setting.label();  // the only part of it that may throw
+            all.push_back(&setting);
+        },
+        "its settings");
     std::ranges::sort(all, [](const advanced_setting* a, const advanced_setting* b) {
         return std::pair(a->sort_priority(), a->label()) < std::pair(b->sort_priority(), b->label());
     });

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
+#include <unordered_set>
 
+#include "player/core/component_call.h"
 #include "player/front/interrupt.h"
 #include "player/library/cue_files.h"
 #include "player/tags/rewrite.h"
@@ -18,11 +21,24 @@ void tag_updates::update_async(metadb_handle_list_cref tracks, service_ptr_t<fil
         .tracks = metadb_handle_list(tracks), .filter = std::move(filter), .options = options, .notify = std::move(notify)};
 
     const std::lock_guard lock(mutex_);
-    const auto place = fresh.is_background() ? waiting_.end() : std::ranges::find_if(waiting_, &batch::is_background);
-    waiting_.insert(place, std::move(fresh));
+    waiting_.insert(place_of(fresh), std::move(fresh));
     if (is_working_) return;
     std::thread([this, busy = main_loop::activity(loop_)] { work(); }).detach();
     is_working_ = true;
+}
+
+/// After every other batch of the user's, and after those of the background that are for one of the same files: what was
+/// asked for last is what a file says in the end.
+std::deque<tag_updates::batch>::iterator tag_updates::place_of(const batch& fresh) {
+    if (fresh.is_background()) return waiting_.end();
+    std::unordered_set<std::string_view> files;
+    for (const auto& track : fresh.tracks) files.insert(track->location().path);
+    const auto comes_first = [&](const batch& earlier) {
+        return !earlier.is_background() ||
+               std::any_of(earlier.tracks.begin(), earlier.tracks.end(),
+                           [&](const metadb_handle_ptr& track) { return files.contains(track->location().path); });
+    };
+    return std::find_if(waiting_.rbegin(), waiting_.rend(), comes_first).base();
 }
 
 void tag_updates::work() {
@@ -61,7 +77,7 @@ void tag_updates::rewrite(batch& work, const metadb_handle_ptr& track) const {
         file_info before;
         auto result = tags::rewrite_file(path, [&](file_info& info) {
             before = info;
-            return work.filter->apply_filter(track, info);
+            return call_component(*work.filter, [&] { return work.filter->apply_filter(track, info); });
         });
         for (const auto& note : result.notes) work.notes.push_back(path + ": " + note);
         if (result.outcome == tags::rewrite_outcome::rewritten)
@@ -86,9 +102,10 @@ void tag_updates::finish(const batch& done) const {
                        " files were rewritten, the rest are as they were.");
     if (!done.notify) return;
     const bool failed = !done.problems.empty();
-    done.notify->on_completion(done.is_aborted ? completion_notify::status_aborted
-                               : failed        ? completion_notify::status_failed
-                                               : completion_notify::status_success);
+    const auto status = done.is_aborted ? completion_notify::status_aborted
+                        : failed        ? completion_notify::status_failed
+                                        : completion_notify::status_success;
+    call_component(*done.notify, [&] { done.notify->on_completion(status); });
 }
 
 }  // namespace ostrevan::front

@@ -21,7 +21,7 @@ struct tag_rewrite {
 };
 
 /// The tag-update service: batches of files, rewritten one after another on one worker. What the user asked for goes before
-/// what runs in the background, so that a batch of his never waits for more than the one in hand.
+/// what runs in the background, but the requests for one file are carried out in the order in which they were made.
 class tag_updates : public tag_update_service {
 public:
     /// Told of the files of a finished batch. [main-thread]
@@ -49,6 +49,7 @@ private:
         [[nodiscard]] bool is_background() const noexcept { return (options & option_background) != 0; }
     };
 
+    std::deque<batch>::iterator place_of(const batch& fresh);
     void work();
     void rewrite_all(batch& work) const;
     void rewrite(batch& work, const metadb_handle_ptr& track) const;

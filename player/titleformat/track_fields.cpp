@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
+#include <stdexcept>
 
 namespace ostrevan::titleformat {
 namespace {
@@ -102,7 +103,40 @@ auto find_named(const Table& table, std::string_view name) {
     return it;
 }
 
+/// One component's field of one track while it is being asked for, on this thread. A field may format others on its way, and
+/// through them itself.
+class field_in_work {
+public:
+    field_in_work(const component_fields::entry& field, const metadb_handle& track)
+        : field_(field), track_(track), outer_(innermost) {
+        std::size_t depth = 0;
+        for (const auto* each = outer_; each != nullptr; each = each->outer_, ++depth)
+            if (depth == max_depth || (&each->field_ == &field && &each->track_ == &track))
+                throw std::logic_error("the field leads back to itself");
+        innermost = this;
+    }
+    ~field_in_work() { innermost = outer_; }
+    field_in_work(const field_in_work&) = delete;
+    field_in_work& operator=(const field_in_work&) = delete;
+
+private:
+    static constexpr std::size_t max_depth = 32;  // fields that lead from track to track without end
+    static inline thread_local const field_in_work* innermost = nullptr;
+
+    const component_fields::entry& field_;
+    const metadb_handle& track_;
+    const field_in_work* const outer_;
+};
+
 }  // namespace
+
+void component_fields::report(std::string_view name, const entry& failed) const {
+    {
+        const std::lock_guard lock(mutex_);
+        if (!reported_.emplace(name).second) return;  // not for each of a hundred thousand tracks
+    }
+    if (on_failure_) on_failure_(*failed.provider, "the field %" + std::string(name) + "%");
+}
 
 void component_fields::add(field_provider& provider) {
     for (std::size_t i = 0; i < provider.get_field_count(); ++i)
@@ -117,14 +151,28 @@ const component_fields::entry* component_fields::find(std::string_view name) con
 std::optional<std::uint64_t> track_fields::sort_value(std::string_view name) const {
     const auto* const published = published_.find(name);
     if (published == nullptr) return std::nullopt;
-    const auto values = query_service<field_sort_values>(*published->provider);
-    return values ? values->sort_value(published->index, track_) : std::nullopt;
+    try {
+        const field_in_work once(*published, track_);
+        const auto values = query_service<field_sort_values>(*published->provider);
+        return values ? values->sort_value(published->index, track_) : std::nullopt;
+    } catch (...) {
+        published_.report(name, *published);
+        return std::nullopt;
+    }
 }
 
 bool track_fields::field(std::string_view name, std::string& out) const {
     if (const auto* published = published_.find(name)) {
-        string_out sink(out);
-        return published->provider->process_field(published->index, &track_, sink);
+        const auto before = out.size();
+        try {
+            const field_in_work once(*published, track_);
+            string_out sink(out);
+            return published->provider->process_field(published->index, &track_, sink);
+        } catch (...) {
+            published_.report(name, *published);
+            out.resize(before);
+            return false;
+        }
     }
     if (const auto it = find_named(location_fields, name); it != location_fields.end()) {
         out += it->value(track_.location());

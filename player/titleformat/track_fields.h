@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -16,18 +19,29 @@ public:
         field_provider* provider;
         std::size_t index;
     };
+    /// Told once of a field that throws, inside the handler; `doing` names the field. [any-thread]
+    using failure_sink = std::function<void(const field_provider& provider, const std::string& doing)>;
+
+    explicit component_fields(failure_sink on_failure = {}) : on_failure_(std::move(on_failure)) {}
 
     /// The first provider of a name keeps it.
     void add(field_provider& provider);
     [[nodiscard]] const entry* find(std::string_view name) const noexcept;
     [[nodiscard]] const std::unordered_map<std::string, entry>& all() const noexcept { return entries_; }
 
+    /// Inside the handler of what a field has thrown.
+    void report(std::string_view name, const entry& failed) const;
+
 private:
+    const failure_sink on_failure_;
     std::unordered_map<std::string, entry> entries_;
+    mutable std::mutex mutex_;
+    mutable std::set<std::string, std::less<>> reported_;
 };
 
 /// The fields of one track, for one run of a script: first those of components, then what the player derives from the
-/// location and the sound (`path`, `length`, ...), then the tags. Several values of a tag are joined by ", ".
+/// location and the sound (`path`, `length`, ...), then the tags. Several values of a tag are joined by ", ". A component's
+/// field that throws, or that needs its own text of the same track, is one that the track does not have.
 class track_fields final : public field_source {
 public:
     track_fields(const component_fields& published, metadb_handle& track)

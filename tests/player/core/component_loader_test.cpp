@@ -63,7 +63,7 @@ TEST_F(component_loading, goes_on_past_broken_components) {
     const auto entry = loaded[0].api->service_at(0);
     ASSERT_EQ(entry.service_class, component_version::class_guid);
     EXPECT_STREQ(static_cast<component_version*>(entry.service)->name(), "Whole");
-    EXPECT_EQ(module_of(*entry.service), "whole.dll");
+    EXPECT_EQ(module_of(typeid(*entry.service)), "whole.dll");
 }
 
 TEST_F(component_loading, of_a_folder_that_is_not_there_is_told) {

@@ -47,7 +47,7 @@ TEST(main_loop, is_not_idle_while_a_worker_runs) {
     threads.start(service_new<task_of>([] { throw std::runtime_error("lost"); }));
     loop.run_until_idle();
     EXPECT_EQ(done, 20);
-    EXPECT_EQ(failures, std::vector<std::string>{"A worker failed: lost"});
+    EXPECT_EQ(failures, std::vector<std::string>{"A worker of core_tests failed: lost"});
 }
 
 }  // namespace

@@ -1,0 +1,36 @@
+#include "player/core/component_call.h"
+
+#include <dlfcn.h>
+
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+
+#include "player/core/failure_text.h"
+
+namespace ostrevan {
+
+std::string module_of(const std::type_info& type) {
+    Dl_info where{};
+    // Modules are loaded apart from each other, so that each describes its classes itself.
+    if (::dladdr(&type, &where) == 0 || where.dli_fname == nullptr) return "a component";
+    return std::filesystem::path(where.dli_fname).filename().string();
+}
+
+std::string text_of_failure() {
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return failure_text(error);
+    } catch (...) {
+        return "unknown error";
+    }
+}
+
+void rethrow_as_of(const std::type_info& type) { throw std::runtime_error(module_of(type) + ": " + text_of_failure()); }
+
+void component_guard::report(const std::type_info& type, const std::string& doing) const {
+    if (on_failure_) on_failure_("Component " + module_of(type) + " failed at " + doing + ": " + text_of_failure());
+}
+
+}  // namespace ostrevan

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <typeinfo>
+#include <utility>
+
+namespace ostrevan {
+
+/// The file that a class comes from, such as "quorvel.dll"; tells whose object it is. [any-thread]
+std::string module_of(const std::type_info& type);
+
+/// What the exception says that is being handled, whatever it is. Only inside a handler.
+std::string text_of_failure();
+
+/// Throws a std::runtime_error that says the same as the exception being handled, with the name of the module in front. Only
+/// inside a handler.
+[[noreturn]] void rethrow_as_of(const std::type_info& type);
+
+/// Calls into the component that `type` comes from. What it throws, of any type, arrives as a std::exception that names the
+/// component.
+template <typename Work>
+auto call_component(const std::type_info& type, Work&& work) {
+    try {
+        return work();
+    } catch (...) {
+        rethrow_as_of(type);
+    }
+}
+
+/// The same for a call of a method of `object`.
+template <typename T, typename Work>
+requires std::is_polymorphic_v<T>
+auto call_component(const T& object, Work&& work) { return call_component(typeid(object), std::forward<Work>(work)); }
+
+/// Calls that keep to themselves what goes wrong: it is reported, and the caller goes on with other components.
+class component_guard {
+public:
+    /// Called on the thread of the call.
+    using failure_sink = std::function<void(const std::string& message)>;
+
+    explicit component_guard(failure_sink on_failure) : on_failure_(std::move(on_failure)) {}
+
+    /// `doing` says what the component failed at. False when it failed.
+    template <typename T, typename Work>
+    bool call(const T& object, const char* doing, Work&& work) const {
+        try {
+            work();
+            return true;
+        } catch (...) {
+            report(typeid(object), doing);
+            return false;
+        }
+    }
+
+    /// For an exception that is being handled.
+    void report(const std::type_info& type, const std::string& doing) const;
+
+private:
+    const failure_sink on_failure_;
+};
+
+}  // namespace ostrevan
