@@ -57,10 +57,10 @@ void PCDB::Update(std::uint64_t key, const Edit& edit) {
     op.publish();
 }
 
-void PCDB::ItemPlayed(ostrevan::metadb_handle& track) {
+bool PCDB::ItemPlayed(ostrevan::metadb_handle& track) {
     ostrevan::core_api::ensure_main_thread();
     const auto key = KeyOf(track);
-    if (!key) return;
+    if (!key || opened_index() == nullptr) return false;
     StatsOp op;
     op.begin();
     auto record = op.GetByKey(*key);
@@ -70,6 +70,7 @@ void PCDB::ItemPlayed(ostrevan::metadb_handle& track) {
     op.SetByKey(*key, record);
     op.commit();
     op.publish();
+    return true;
 }
 
 void PCDB::Reset(ostrevan::metadb_handle_list_cref tracks) {

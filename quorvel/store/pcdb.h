@@ -31,8 +31,8 @@ public:
 
     /// `edit` may be called twice, and the second time with another record.
     static void Update(std::uint64_t key, const Edit& edit);
-    /// Always writes.
-    static void ItemPlayed(ostrevan::metadb_handle& track);
+    /// Writes whatever the record says. False when there is nowhere to count: the track has no key, or the player no index.
+    static bool ItemPlayed(ostrevan::metadb_handle& track);
     /// Clears everything but the date added.
     static void Reset(ostrevan::metadb_handle_list_cref tracks);
     /// `rating` as stored, or `rating_not_set`.
