@@ -30,6 +30,8 @@ struct list_tracks {
     std::vector<std::string> query;
     std::vector<std::string> columns;
     std::optional<std::string> format;
+    std::optional<std::string> sort;
+    bool descending = false;
     bool json = false;
 };
 struct play_tracks {

@@ -7,22 +7,33 @@
 #include "player/cli/exit_status.h"
 #include "player/cli/key_text.h"
 #include "player/front/track_listing.h"
+#include "player/front/track_order.h"
 #include "player/front/track_selection.h"
 #include "player/titleformat/integer.h"
 
 namespace ostrevan::cli {
 namespace {
 
+front::column column_named(const std::vector<front::column>& columns, const std::string& name) {
+    try {
+        return front::find_column(columns, name);
+    } catch (const std::invalid_argument& error) {
+        throw usage_error(error.what());
+    }
+}
+
+std::optional<query::sort_order> order_of(const run_context& context, const list_tracks& arguments) {
+    if (!arguments.sort) return std::nullopt;
+    const auto column = column_named(front::all_columns(context.player.services()), *arguments.sort);
+    return query::sort_order{titleformat::compile(column.sort_script), arguments.descending};
+}
+
 std::vector<front::column> columns_of(const run_context& context, const std::vector<std::string>& names) {
     const auto& services = context.player.services();
     if (names.empty()) return front::default_columns(services);
     const auto all = front::all_columns(services);
     std::vector<front::column> chosen;
-    try {
-        for (const auto& name : names) chosen.push_back(front::find_column(all, name));
-    } catch (const std::invalid_argument& error) {
-        throw usage_error(error.what());
-    }
+    for (const auto& name : names) chosen.push_back(column_named(all, name));
     return chosen;
 }
 
@@ -102,8 +113,10 @@ std::string joined(const std::vector<std::string>& words) {
 
 void run(run_context& context, const list_tracks& arguments) {
     const auto columns = columns_of(context, arguments.columns);
+    const auto order = order_of(context, arguments);
     const auto query = joined(arguments.query);
-    const auto tracks = front::find_tracks(context.player, query);
+    auto tracks = front::find_tracks(context.player, query);
+    if (order) tracks = front::sorted_by(*order, tracks, context.player.fields());
     if (arguments.json) print_json(context, tracks);
     else if (arguments.format) print_lines(context, tracks, *arguments.format);
     else context.screen.show_listing(front::listing_of(tracks, columns, context.player.fields()));
@@ -113,7 +126,7 @@ void run(run_context& context, const list_tracks& arguments) {
 }
 
 void run(run_context& context, const format_tracks& arguments) {
-    print_lines(context, tracks_of(context, arguments.tracks), arguments.script);
+    print_lines(context, tracks_of(context, arguments.tracks, on_missing::go_on), arguments.script);
 }
 
 }  // namespace ostrevan::cli

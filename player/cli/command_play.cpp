@@ -1,10 +1,12 @@
 #include <iostream>
 #include <thread>
+#include <utility>
 
-#include "ostrevan/statistics_collector.h"
 #include "player/cli/commands.h"
 #include "player/front/interrupt.h"
+#include "player/front/play_counting.h"
 #include "player/library/cue_files.h"
+#include "player/library/read_files.h"
 #include "player/playback/mpv_player.h"
 #include "player/tags/reader.h"
 
@@ -16,25 +18,32 @@ namespace {
 class play_run {
 public:
     play_run(run_context& context, const play_tracks& arguments)
-        : context_(context), arguments_(arguments), tracks_(tracks_of(context, arguments.tracks)) {}
+        : context_(context), arguments_(arguments), tracks_(tracks_of(context, arguments.tracks, on_missing::go_on)) {}
 
     void run();
 
 private:
-    std::vector<playback::play_item> items();
+    void take_items();
     playback::play_callbacks callbacks();
-    void play(const std::vector<playback::play_item>& list);
+    void play();
     void count(std::size_t index);
+    void settle(std::size_t index, const front::play_verdict& verdict);
     void acknowledge();
+    void give_up();
+    void say_not_counted(std::size_t index, const std::string& reason);
     [[nodiscard]] std::string title_of(std::size_t index) const;
     void post(main_loop::task work) { context_.player.loop().post(std::move(work)); }
 
     run_context& context_;
     const play_tracks& arguments_;
-    const metadb_handle_list tracks_;
+    metadb_handle_list tracks_;
+    std::vector<playback::play_item> items_;
     const titleformat::script title_ = titleformat::compile("[%artist% - ]%title%");
     // Main thread only.
-    std::vector<std::size_t> counted_;
+    bool is_heard_ = true;
+    bool is_saving_ = false;
+    std::string save_problem_;
+    std::vector<std::size_t> counted_;  // and not known to be on the disk
     std::size_t acknowledged_ = 0;
 };
 
@@ -42,33 +51,56 @@ std::string play_run::title_of(std::size_t index) const {
     return title_.run(titleformat::track_fields(context_.player.fields(), *tracks_[index])).text;
 }
 
-std::vector<playback::play_item> play_run::items() {
-    std::vector<playback::play_item> list;
+/// A track whose sheet has changed is left out.
+void play_run::take_items() {
+    metadb_handle_list there;
     for (const auto& track : tracks_) {
         const auto& [path, subsong] = track->location();
-        auto part = library::resolve_playable(path, subsong, tags::read_file);
-        list.push_back({std::move(part.path), subsong == 0 ? std::nullopt : std::optional(part.start), part.end});
+        try {
+            auto part = library::resolve_playable(path, subsong, tags::read_file);
+            items_.push_back({std::move(part.path), subsong == 0 ? std::nullopt : std::optional(part.start), part.end});
+            there.items().push_back(track);
+        } catch (const std::exception& error) {
+            context_.screen.error(path + " cannot be played: " + library::reason_of(error, path));
+        }
     }
-    return list;
+    tracks_ = std::move(there);
 }
 
-void play_run::acknowledge() {
-    if (counted_.empty()) return;
+void play_run::say_not_counted(std::size_t index, const std::string& reason) {
+    std::cout << "Played, not counted: " << title_of(index) << ": " << reason << std::endl;
+}
+
+/// The index tells of a failure itself; what it keeps in memory may be saved with a later play.
+void play_run::acknowledge() try {
+    is_saving_ = false;
     context_.player.save();
     for (const auto index : counted_) std::cout << "Counted: " << title_of(index) << '\n';
     std::cout.flush();
     acknowledged_ += counted_.size();
     counted_.clear();
+} catch (const std::exception& error) {
+    save_problem_ = error.what();
+}
+
+void play_run::give_up() {
+    if (!counted_.empty()) acknowledge();
+    for (const auto index : counted_) say_not_counted(index, "it could not be saved");
+    if (!counted_.empty()) context_.screen.error(save_problem_);
+}
+
+void play_run::settle(std::size_t index, const front::play_verdict& verdict) {
+    if (verdict.has_failed)
+        context_.screen.error(tracks_[index]->location().path + ": the play could not be counted: " + verdict.reason());
+    if (!verdict.is_counted) return say_not_counted(index, verdict.reason());
+    counted_.push_back(index);
+    if (!std::exchange(is_saving_, true)) post([this] { acknowledge(); });  // with the plays that are counted meanwhile
 }
 
 void play_run::count(std::size_t index) {
-    context_.player.services().for_each<playback_statistics_collector>(
-        [&](playback_statistics_collector& collector) { collector.on_item_played(tracks_[index]); });
-    // What the collectors have posted runs before this, and plays counted meanwhile before the second step.
-    post([this, index] {
-        counted_.push_back(index);
-        if (counted_.size() == 1) post([this] { acknowledge(); });
-    });
+    if (!is_heard_) return say_not_counted(index, "there is no sound device");
+    front::tell_of_play(context_.player.loop(), context_.player.services(), tracks_[index],
+                        [this, index](const front::play_verdict& verdict) { settle(index, verdict); });
 }
 
 playback::play_callbacks play_run::callbacks() {
@@ -79,7 +111,16 @@ playback::play_callbacks play_run::callbacks() {
                                  ": " + title_of(index));
         });
     };
-    out.on_counted = [this](std::size_t index) { count(index); };
+    out.on_counted = [this](std::size_t index) { post([this, index] { count(index); }); };
+    out.on_hearing = [this](bool is_heard) {
+        post([this, is_heard] {
+            is_heard_ = is_heard;
+            if (!is_heard)
+                context_.screen.error(
+                    "There is no sound device: nothing is heard, and no play is counted. Connect one, or use --audio null "
+                    "to count plays without sound.");
+        });
+    };
     out.on_error = [this](std::size_t index, const std::string& text) {
         post([this, index, text] {
             context_.screen.error(tracks_[index]->location().path + " cannot be played: " + text +
@@ -95,26 +136,27 @@ playback::play_callbacks play_run::callbacks() {
     return out;
 }
 
-void play_run::play(const std::vector<playback::play_item>& list) {
+void play_run::play() {
     try {
         playback::mpv_player player(
             {.audio = arguments_.null_audio ? playback::audio_output::null : playback::audio_output::automatic,
              .fast = arguments_.fast},
             callbacks());
-        player.run(list, front::interrupted());
+        player.run(items_, front::interrupted());
     } catch (const std::exception& error) {
         post([this, text = std::string(error.what())] { context_.screen.error(text); });
     }
 }
 
 void play_run::run() {
-    const auto list = items();
-    std::thread worker([this, &list, busy = std::optional<main_loop::activity>(context_.player.loop())]() mutable {
-        play(list);
+    take_items();
+    std::thread worker([this, busy = std::optional<main_loop::activity>(context_.player.loop())]() mutable {
+        play();
         busy.reset();
     });
     context_.player.run_until_idle();
     worker.join();
+    give_up();
     context_.screen.end_progress();
     if (front::interrupted())
         context_.screen.note("Interrupted: plays counted so far (" + std::to_string(acknowledged_) + ") are kept.");

@@ -35,7 +35,11 @@ void run(run_context& context, const index_dump& arguments);
 void run(run_context& context, const index_prune& arguments);
 void run(run_context& context, const list_components& arguments);
 
-/// The tracks that a command line names. Throws `usage_error` when it names none, or its query has a mistake.
-metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments);
+/// What becomes of a command one of whose tracks is not there: one that changes something had better not run at all.
+enum class on_missing { stop, go_on };
+
+/// The tracks that a command line names, without files that are no audio by their names. Throws `usage_error` when it names
+/// none, or its query has a mistake.
+metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments, on_missing missing = on_missing::stop);
 
 }  // namespace ostrevan::cli

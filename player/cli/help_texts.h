@@ -27,7 +27,7 @@ inline constexpr const char* list_examples =
     "Examples:\n"
     "  ostrevan list low water\n"
     "  ostrevan list '%artist% HAS bach AND %rating% GREATER 3 LIMIT 20'\n"
-    "  ostrevan list --column Title --column \"Last Played\"\n"
+    "  ostrevan list --column Title --column \"Last Played\" --sort \"Last Played\" --descending\n"
     "  ostrevan list --format '%artist% - %title%[ (%play_count%)]'\n"
     "  ostrevan list --json | jq '.[].path'";
 

@@ -1,5 +1,13 @@
 #include "player/front/disk_tracks.h"
 
+#include <algorithm>
+#include <exception>
+#include <unordered_set>
+#include <utility>
+
+#include "player/front/interrupt.h"
+#include "player/library/folder_walk.h"
+#include "player/library/name_filter.h"
 #include "player/library/read_files.h"
 #include "player/tags/reader.h"
 
@@ -12,6 +20,38 @@ std::vector<library::track_ptr> tracks_on_disk(library::track_table& tracks, con
         found.back()->publish(read.info);
     }
     return found;
+}
+
+folder_on_disk folder_tracks_on_disk(library::track_table& tracks, const std::string& folder) {
+    constexpr std::size_t workers_of_walk = 1;
+    library::worker_group workers(workers_of_walk, &interrupted());
+    const library::name_filter names;
+    auto found = library::walk_folder(folder,
+                                      {.is_wanted = [&](std::string_view name) { return names.is_wanted(name); },
+                                       .is_of_interest = [](const auto&, const auto&) { return true; },
+                                       .on_progress = [](const auto&) {}},
+                                      workers);
+    folder_on_disk result;
+    if (!found.root_reason.empty()) result.problems.push_back({folder, found.root_reason});
+    for (auto& place : found.hidden) result.problems.push_back({std::move(place.path), std::move(place.reason)});
+
+    // Sheets first: they say which audio is theirs.
+    std::ranges::sort(found.files, {}, [](const library::found_file& file) {
+        return std::pair<bool, const std::string&>(!library::is_cue_path(file.path), file.path);
+    });
+    std::unordered_set<std::string> claimed;
+    for (const auto& [path, stamp] : found.files) {
+        if (interrupted()) break;
+        try {
+            if (library::is_cue_path(path))
+                for (auto& audio : library::locate_sheet(path).audio) claimed.insert(std::move(audio));
+            if (claimed.contains(path)) continue;
+            for (auto& track : tracks_on_disk(tracks, path)) result.tracks.push_back(std::move(track));
+        } catch (const std::exception& error) {
+            result.problems.push_back({path, library::reason_of(error, path)});
+        }
+    }
+    return result;
 }
 
 }  // namespace ostrevan::front

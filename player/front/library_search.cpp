@@ -6,10 +6,11 @@
 
 #include "player/front/known_fields.h"
 #include "player/front/track_listing.h"
+#include "player/front/track_order.h"
 #include "player/query/query.h"
-#include "player/query/sort.h"
 
 namespace ostrevan::front {
+
 metadb_handle_list find_tracks(const library::media_library& library, const titleformat::component_fields& fields,
                                const std::string& text) {
     const auto wanted = query::parse(text);
@@ -23,18 +24,10 @@ metadb_handle_list find_tracks(const library::media_library& library, const titl
         if (wanted.matches(titleformat::track_fields(fields, *track), clock)) found.emplace_back(track);
     }
 
-    if (!wanted.sort()) return metadb_handle_list(std::move(found));
-
-    std::vector<query::sort_entry> entries;
-    entries.reserve(found.size());
-    for (std::size_t i = 0; i < found.size(); ++i)
-        entries.push_back(query::entry_of(*wanted.sort(), i, titleformat::track_fields(fields, *found[i])));
-    query::sort_naturally(entries, wanted.sort()->descending);
-    metadb_handle_list sorted;
-    entries.resize(std::min(entries.size(), limit));
-    sorted.items().reserve(entries.size());
-    for (const auto& entry : entries) sorted.items().push_back(found[entry.index]);
-    return sorted;
+    metadb_handle_list tracks(std::move(found));
+    if (wanted.sort()) tracks = sorted_by(*wanted.sort(), tracks, fields);
+    tracks.items().resize(std::min(tracks.items().size(), limit));
+    return tracks;
 }
 
 void library_search_impl::show(const char* query) {

@@ -1,12 +1,17 @@
 #include "player/front/track_selection.h"
 
 #include <algorithm>
+#include <exception>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 
 #include "player/front/disk_tracks.h"
 #include "player/front/library_search.h"
 #include "player/front/locations.h"
+#include "player/front/track_order.h"
+#include "player/library/cue_files.h"
+#include "player/tags/formats.h"
 
 namespace ostrevan::front {
 namespace {
@@ -17,28 +22,48 @@ auto items_of_file(const std::vector<library::track_ptr>& items, const std::stri
         items, path, {}, [](const library::track_ptr& track) -> const std::string& { return track->location().path; });
 }
 
-void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out) {
+/// Told of what is left out.
+using problem_sink = std::function<void(const std::string& message)>;
+
+void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,
+                         const problem_sink& on_problem) {
     const auto prefix = folder == "/" ? folder : folder + "/";
-    const auto before = out.size();
+    std::vector<metadb_handle_ptr> found;
     for (const auto& track : player.library().items())
-        if (track->location().path.starts_with(prefix)) out.emplace_back(track);
-    if (out.size() == before)
-        throw std::runtime_error("The library holds no track below " + folder +
-                                 ". Add the folder with 'ostrevan library add'.");
+        if (track->location().path.starts_with(prefix)) found.emplace_back(track);
+    if (found.empty()) {
+        const auto on_disk = folder_tracks_on_disk(player.tracks(), folder);
+        for (const auto& [path, reason] : on_disk.problems) on_problem(path + ": " + reason);
+        found.assign(on_disk.tracks.begin(), on_disk.tracks.end());
+    }
+    if (found.empty()) throw std::runtime_error("There is no track below " + folder + ".");
+    sort_for_listening(found);
+    out.insert(out.end(), found.begin(), found.end());
 }
 
-void append_tracks_at(session& player, const std::string& place, std::vector<metadb_handle_ptr>& out) {
+void append_tracks_at(session& player, const std::string& place, std::vector<metadb_handle_ptr>& out,
+                      const problem_sink& on_problem) {
     const auto named = parse_location(place);
     const auto path = normal_path(named.path);
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) return append_tracks_below(player, path, out);
+    if (std::filesystem::is_directory(path, error)) return append_tracks_below(player, path, out, on_problem);
 
     const auto held = items_of_file(player.library().items(), path);
     const auto tracks =
         held.empty() ? tracks_on_disk(player.tracks(), path) : std::vector<library::track_ptr>(held.begin(), held.end());
+    const auto before = out.size();
     const bool whole_file = named.path.size() == place.size();
     for (const auto& track : tracks)
         if (whole_file || track->location().subsong == named.subsong) out.emplace_back(track);
+    if (out.size() == before) throw std::runtime_error(place + " has no such part.");
+}
+
+/// The picture and the booklet of an album, which `album/*` names as well.
+bool is_no_audio(const std::string& place) {
+    const auto path = parse_location(place).path;
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && !tags::has_supported_extension(path) &&
+           !library::is_cue_path(path);
 }
 
 }  // namespace
@@ -47,14 +72,21 @@ metadb_handle_list find_tracks(session& player, const std::string& query) {
     return find_tracks(player.library(), player.fields(), query);
 }
 
-metadb_handle_list tracks_at(session& player, const std::vector<std::string>& places) {
-    metadb_handle_list out;
+selection tracks_at(session& player, const std::vector<std::string>& places) {
+    selection chosen;
+    const auto on_problem = [&](const std::string& message) { chosen.problems.push_back(message); };
     for (const auto& place : places) {
-        const auto before = out.get_count();
-        append_tracks_at(player, place, out.items());
-        if (out.get_count() == before) throw std::runtime_error(place + " has no such part.");
+        if (is_no_audio(place)) {
+            chosen.no_audio.push_back(place);
+            continue;
+        }
+        try {
+            append_tracks_at(player, place, chosen.tracks.items(), on_problem);
+        } catch (const std::exception& error) {
+            on_problem(error.what());
+        }
     }
-    return out;
+    return chosen;
 }
 
 }  // namespace ostrevan::front
