@@ -27,6 +27,7 @@ class WrongInput(PlayerTest):
             (2, "^", "list", "%title% IS"),
             (2, "^", "list", "--format", "$nosuch(%title%)"),
             (2, "Play Count", "list", "--column", "Nosuch"),
+            (2, "Play Count", "list", "--sort", "Nosuch"),
             (2, "FIELD=VALUE", "edit", self.first, "--set", "title"),
             (2, "--set", "edit", self.first),
             (2, "at least one track", "play"),
@@ -58,8 +59,13 @@ class WrongInput(PlayerTest):
         self.assertIn("garbage.flac", scanned.stderr)
         self.assertIn("empty.mp3", scanned.stderr)
         self.assertNotIn("garbage", self.run_player("list").stdout)
-        played = self.play(self.music / "garbage.flac", self.first, status=1)
-        self.assertNotIn("Counted", played.stdout)
+        cover = self.music / "cover.jpg"
+        cover.touch()
+        played = self.play(cover, self.music / "garbage.flac", self.first, status=1)
+        self.assertEqual(played.stdout.count("Counted"), 1)
+        self.assertIn("cover.jpg is no audio file", played.stderr)
+        self.run_player("edit", self.first, self.music / "garbage.flac", "--set", "title=x", status=1)
+        self.assertEqual(self.run_player("format", "%title%", cover, self.first).stdout, "Opening Hour\n")
 
     def test_broken_components_are_named_and_the_rest_works(self):
         folder = self.folder / "components"

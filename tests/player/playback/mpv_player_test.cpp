@@ -1,12 +1,17 @@
 #include "player/playback/mpv_player.h"
 
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/inotify.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -30,7 +35,6 @@ protected:
         ASSERT_EQ(std::system(command.c_str()), 0) << command;
         std::ofstream(path("noise.mp3")) << "this is no music\n";
         std::ofstream(path("empty.flac")).flush();
-        std::ofstream(path("list.mp3")) << "#EXTM3U\n" << path("a.wav") << '\n' << path("a.flac") << '\n';
         ASSERT_EQ(mkfifo(path("pipe.mp3").c_str(), 0600), 0);
     }
     static void TearDownTestSuite() { fs::remove_all(folder_); }
@@ -46,6 +50,7 @@ protected:
                         EXPECT_FALSE(text.empty());
                     },
                 .on_progress = {},
+                .on_hearing = [this](bool heard) { log_.push_back(heard ? "heard" : "not heard"); },
                 .on_turn = {}};
     }
     bool play(const std::vector<play_item>& items, const play_callbacks& callbacks) {
@@ -73,7 +78,7 @@ TEST_F(mpv_player_test, counts_a_file_of_each_format_once_in_the_order_of_the_li
 
 TEST_F(mpv_player_test, goes_on_after_what_cannot_be_played) {
     std::vector<play_item> items{{path("a.flac"), {}, {}}};
-    for (const char* name : {"missing.flac", "noise.mp3", "empty.flac", "list.mp3", "pipe.mp3", "."})
+    for (const char* name : {"missing.flac", "noise.mp3", "empty.flac", "http://127.0.0.1/a.mp3", "pipe.mp3", "."})
         items.push_back({path(name), {}, {}});
     items.push_back({path("a.mp3"), {}, {}});
     items.push_back({path("a.wav"), 5.0, {}});
@@ -136,6 +141,79 @@ TEST_F(mpv_player_test, passes_on_what_a_callback_throws_and_can_play_again) {
     EXPECT_THROW(player.run(items, stop_), std::runtime_error);
     EXPECT_TRUE(player.run(items, stop_));
     EXPECT_EQ(log_, (lines{"started 0", "started 0", "finished 0"}));
+}
+
+/// Says which files of a folder are opened.
+class open_watch {
+public:
+    explicit open_watch(const fs::path& folder) { inotify_add_watch(notify_, folder.c_str(), IN_OPEN); }
+    ~open_watch() { close(notify_); }
+    std::set<std::string> opened() const {
+        std::set<std::string> names;
+        alignas(inotify_event) char buffer[65536];
+        for (auto size = read(notify_, buffer, sizeof buffer), at = ssize_t{0}; at < size;) {
+            const auto* const event = reinterpret_cast<const inotify_event*>(buffer + at);
+            if (event->len != 0) names.insert(event->name);
+            at += static_cast<ssize_t>(sizeof *event + event->len);
+        }
+        return names;
+    }
+
+private:
+    const int notify_ = inotify_init1(IN_NONBLOCK);
+};
+
+TEST_F(mpv_player_test, opens_nothing_that_a_file_refers_to_neither_on_disk_nor_in_the_network) {
+    // A listening socket sees the attempt to connect even if nobody accepts.
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    sockaddr_in address{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+    socklen_t size = sizeof address;
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), size), 0);
+    ASSERT_EQ(listen(listener, 8), 0);
+    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+    const std::string url = "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/a";
+    const std::string hls = "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:5\n#EXTINF:5,\n";
+    const std::string scripts[] = {
+        "# mpv EDL v0\n" + url + ",0,5\n",
+        "# mpv EDL v0\n" + path("a.wav") + ",0,5\n",
+        "#EXTM3U\n" + path("a.wav") + '\n' + url + '\n',
+        hls + path("a.mp3") + "\n#EXT-X-ENDLIST\n",
+        hls + url + "\n#EXT-X-ENDLIST\n",
+        "ffconcat version 1.0\nfile a.wav\n",
+        "[playlist]\nFile1=" + path("a.wav") + "\nNumberOfEntries=1\nVersion=2\n",
+        "FILE \"" + path("a.wav") + "\" WAVE\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n",
+        // Opens a port and waits for sound to come.
+        "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio 5004 RTP/AVP 0\n",
+    };
+    const open_watch watch(folder_);
+    std::ofstream(path("side.srt")) << "1\n00:00:00,000 --> 00:00:05,000\nx\n";
+    fs::copy_file(path("a.mp3"), path("side.mp3"));
+    fs::copy_file(path("a.mp3"), path("cover.jpg"));
+    (void)watch.opened();
+    for (const auto& script : scripts) {
+        std::ofstream(path("script.mp3")) << script;
+        EXPECT_TRUE(play({{path("script.mp3"), {}, {}}}, recording()));
+        EXPECT_EQ(std::exchange(log_, {}), lines{"error 0"}) << script;
+        EXPECT_EQ(watch.opened(), std::set<std::string>{"script.mp3"}) << script;
+        EXPECT_EQ(accept(listener, nullptr, nullptr), -1) << "connected: " << script;
+    }
+    EXPECT_TRUE(play({{path("side.mp3"), {}, {}}}, recording()));
+    EXPECT_EQ(watch.opened(), std::set<std::string>{"side.mp3"}) << "what lies beside it is left alone";
+    close(listener);
+}
+
+TEST_F(mpv_player_test, tells_that_nothing_is_heard_when_no_device_can_be_opened) {
+    for (const char* name : {"PULSE_SERVER", "PIPEWIRE_REMOTE", "ALSA_CONFIG_PATH"}) setenv(name, "/nowhere", 1);
+    auto callbacks = recording();
+    callbacks.on_counted = {};
+    mpv_player player({.audio = audio_output::automatic, .fast = false}, callbacks);
+    EXPECT_TRUE(player.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}, {path("a.wav"), 1.8, {}}}, stop_));
+    EXPECT_EQ(std::ranges::count(log_, "not heard"), 1);
+    EXPECT_EQ(std::ranges::count(log_, "heard"), 0);
+    mpv_player asked({.audio = audio_output::null, .fast = false}, callbacks);
+    log_.clear();
+    EXPECT_TRUE(asked.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}}, stop_));
+    EXPECT_EQ(log_, (lines{"started 0", "finished 0"}));
 }
 
 }  // namespace
