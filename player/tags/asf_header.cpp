@@ -157,8 +157,8 @@ void set_body(std::vector<asf_object>& objects, std::string_view id, const std::
         return;
     }
     first->body = body;
-    const auto others = std::ranges::remove(first + 1, objects.end(), id, &asf_object::id);
-    objects.erase(others.begin(), others.end());
+    objects.erase(std::remove_if(first + 1, objects.end(), [&](const asf_object& each) { return each.id == id; }),
+                  objects.end());
 }
 
 /// The same inside the first extension of the header; later ones keep none.

@@ -36,10 +36,13 @@ void move_offsets(file_stream& stream, const mp4_atom& atom, long at, std::uint6
 /// Containers on the way to tables of offsets.
 constexpr std::string_view ways[] = {"moov", "trak", "mdia", "minf", "stbl", "moof", "traf"};
 
-void move_offsets_in(file_stream& stream, const std::vector<mp4_atom>& atoms, long place, long by) {
-    for (const auto& atom : atoms) {
+void move_offsets_in(file_stream& stream, std::vector<mp4_atom> atoms, long place, long by) {
+    while (!atoms.empty()) {
+        const mp4_atom atom = std::move(atoms.back());
+        atoms.pop_back();
         if (std::ranges::find(ways, atom.name) != std::end(ways)) {
-            move_offsets_in(stream, children_of(stream, atom), place, by);
+            const auto inner = children_of(stream, atom);
+            atoms.insert(atoms.end(), inner.begin(), inner.end());
         } else if (atom.name == "stco" || atom.name == "co64") {
             const auto count = big_endian(read_bytes(stream, atom.body() + 4, 4), 0, 4);
             const std::size_t size = atom.name == "co64" ? 8 : 4;

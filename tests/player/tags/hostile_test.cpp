@@ -52,6 +52,20 @@ TEST_F(hostile_file, with_bytes_changed_at_random_is_read_or_refused_and_never_d
     }
 }
 
+TEST_F(hostile_file, may_have_as_many_entries_as_a_tag_can_need_and_no_more) {
+    const auto whole = bytes_of(copy("flac.flac"));
+    for (const auto& [count, refused] : {std::pair(5000, false), std::pair(5001, true)}) {
+        std::string comment(4, '\0');
+        comment += {static_cast<char>(count & 0xFF), static_cast<char>(count >> 8), '\0', '\0'};
+        for (int i = 0; i < count; ++i) comment += std::string("\3\0\0\0A=b", 7);
+        const std::string head = {'\x84', '\0', static_cast<char>(comment.size() >> 8),
+                                  static_cast<char>(comment.size() & 0xFF)};
+        put_bytes(folder_ / "many.flac", whole.substr(0, 4) + '\0' + whole.substr(5, 37) + head + comment + "sound");
+        const auto message = message_of([&] { read_file((folder_ / "many.flac").string()); });
+        EXPECT_EQ(message.find("more than 5,000 entries") != message.npos, refused) << message;
+    }
+}
+
 TEST_F(hostile_file, of_garbage_is_refused_under_every_extension) {
     std::mt19937 random(7);
     std::string noise(100000, '\0');
