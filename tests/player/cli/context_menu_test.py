@@ -1,6 +1,4 @@
 """Ratings, copy and paste, the menu as a user sees it."""
-import os
-import struct
 import unittest
 
 from player import PlayerTest
@@ -8,7 +6,6 @@ from player import PlayerTest
 RATING = "Playback Statistics/Rating/"
 COPY = "Playback Statistics/Copy statistics"
 PASTE = "Playback Statistics/Paste statistics"
-FORMAT = b"{9B7A2C92-BC1E-4a96-BB97-B19884AB2141}"
 
 
 class ContextMenu(PlayerTest):
@@ -22,13 +19,6 @@ class ContextMenu(PlayerTest):
 
     def ratings(self, *paths):
         return [self.track(path)["rating"] for path in paths]
-
-    def clipboard(self, block):
-        folder = self.folder / "run" / "ostrevan"
-        folder.mkdir(mode=0o700, exist_ok=True)
-        file = folder / "clipboard"
-        file.write_bytes(struct.pack("<I", len(FORMAT)) + FORMAT + block)
-        os.chmod(file, 0o600)
 
     def test_ratings_by_name_by_step_and_by_identifier(self):
         self.rate("3", self.one, self.two)
@@ -69,19 +59,6 @@ class ContextMenu(PlayerTest):
         pasted, copied = self.track(self.two, profile=other), self.track(self.one)
         for field in ("play_count", "first_played", "last_played", "added", "rating"):
             self.assertEqual(pasted[field], copied[field])
-
-    def test_blocks_that_are_no_copy_of_statistics_do_no_harm(self):
-        before = self.tracks()
-        record = struct.pack("<QQQQI", 7, 0, 0, 0, 149)
-        for block, status in ((b"", 1), (b"\x01", 1), (struct.pack("<I", 1), 1), (struct.pack("<I", 1) + record[:-1], 1),
-                              (struct.pack("<I", 0xFFFFFFFF), 1), (struct.pack("<I", 2) + record, 1)):
-            with self.subTest(block=block):
-                self.clipboard(block)
-                self.run_player("--yes", "context", PASTE, self.one, status=status)
-                self.assertEqual(self.tracks(), before)
-        self.clipboard(struct.pack("<I", 1) + record)
-        self.run_player("--yes", "context", PASTE, self.one)
-        self.assertEqual(self.play_count(self.one), 7)
 
 
 if __name__ == "__main__":

@@ -38,15 +38,6 @@ class FirstLight(PlayerTest):
         self.run_player("library", "rescan")
         self.assertEqual(len(self.tracks()), count - 1)
 
-    def test_statistics_are_shared_with_a_copy_in_another_format(self):
-        self.play(self.flac)
-        copy = self.music / "copy.mp3"
-        subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", str(self.flac), str(copy)], check=True)
-        self.run_player("library", "rescan")
-        self.assertEqual(self.track(copy)["key"], self.track(self.flac)["key"])
-        self.play(copy)
-        self.assertEqual(self.play_count(self.flac), 2)
-
     def test_statistics_follow_an_edit_of_the_title_and_back(self):
         self.play(self.flac)
         key, title = self.track(self.flac)["key"], self.track(self.flac)["title"]

@@ -61,16 +61,6 @@ class MainMenu(PlayerTest):
                 self.set_times("Added", {**ages, **others})
                 self.assertEqual(self.titles(ADDED), recent)
 
-    def test_an_hour_that_comes_twice_is_in_order(self):
-        midnight = (time.time() - 3 * DAY) // DAY * DAY
-        day = time.gmtime(midnight).tm_yday
-        self.env["TZ"] = f"AAA0BBB-1,{(day + 100) % 365}/0,{day - 1}/0"
-        set_back = time.time() - (midnight - HOUR)
-        # By the clock on the wall Low Water was played before Last Tram.
-        self.set_times("LastPlayed", {"First Ferry": set_back + 2 * HOUR, "Last Tram": set_back + HOUR // 2,
-                                      "Low Water": set_back - HOUR // 6})
-        self.assertEqual(self.titles(PLAYED), ["Low Water", "Last Tram", "First Ferry"])
-
     def test_wrong_paths_name_what_there_is(self):
         for path, named in (("Library/Nosuch", "Playback Statistics"), (MENU + "Nosuch", "Show recently played"),
                             ("Library", "submenu"), ("{00000000-0000-0000-0000-000000000000}", "no command"), ("", "Library")):
