@@ -1,6 +1,8 @@
 """Files that are made to do harm: no signal, no hang, bounded memory; the bad one is named, the good one beside it works."""
+import os
 import resource
 import shutil
+import socket
 import subprocess
 import unittest
 
@@ -67,6 +69,26 @@ class HostileFiles(PlayerTest):
         size = twice.stat().st_size
         self.assertEqual(self.limited("edit", "--set", "play_count=4", twice, short)[0], 0)
         self.assertLess(twice.stat().st_size, size + 100)
+
+    def test_a_script_named_as_music_reaches_nothing(self):
+        listener = socket.create_server(("127.0.0.1", 0))
+        self.addCleanup(listener.close)
+        listener.setblocking(False)
+        address = "http://127.0.0.1:%d/x.mp3" % listener.getsockname()[1]
+        pipe = self.folder / "pipe.flac"  # opening it would wait for ever
+        os.mkfifo(pipe)
+        sound = (AUDIO / "id3v24.mp3").read_bytes()[-20000:]  # or the reader of tags would refuse them first
+        scripts = []
+        for number, target in enumerate((address, str(pipe))):
+            for name, text in (("edl", "# mpv EDL v0\n%s,0,5\n"), ("m3u", "#EXTM3U\n#EXTINF:5,x\n%s\n"),
+                               ("hls", "#EXTM3U\n#EXT-X-TARGETDURATION:5\n#EXTINF:5,\n%s\n#EXT-X-ENDLIST\n"),
+                               ("concat", "ffconcat version 1.0\nfile '%s'\n"), ("pls", "[playlist]\nFile1=%s\n")):
+                scripts.append(self.music / f"{name}{number}.mp3")
+                scripts[-1].write_bytes((text % target).encode() + sound)
+        out = self.limited("play", "--audio", "null", "--fast", *scripts, self.good)[1]
+        self.assertIn("Number flac", out)  # the last one is reached
+        with self.assertRaises(BlockingIOError):
+            listener.accept()
 
 
 if __name__ == "__main__":
