@@ -19,6 +19,7 @@
 #include "player/tags/edit_bytes.h"
 #include "player/tags/errors.h"
 #include "player/tags/field_names.h"
+#include "player/tags/sound_mark.h"
 #include "player/tags/tag_entries.h"
 #include "player/tags/tag_fields.h"
 #include "player/tags/xiph_reader.h"
@@ -114,6 +115,11 @@ file_info info_of(const opened_file& opened) {
 
 file_info read_file(const std::string& path) try { return info_of(open_audio(path)); } catch (const std::bad_alloc&) {
     throw tag_error(path, "needs more memory than there is; it may be damaged");
+}
+
+audio_reading read_audio(const std::string& path) {
+    const auto opened = open_audio(path);
+    return {info_of(opened), sound_mark(opened)};
 }
 
 }  // namespace ostrevan::tags

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <utility>
 
 #include "ostrevan/file_info.h"
 
@@ -11,5 +13,14 @@ namespace ostrevan::tags {
 /// [any-thread] Several files may be read at once. Never waits for a pipe or device.
 /// @throws tag_error with the file and the reason.
 file_info read_file(const std::string& path);
+
+/// What `read_file` reads, with the mark of the encoded audio (player/tags/sound_mark.h); 0 when none was taken.
+struct audio_reading {
+    audio_reading(file_info read, std::uint64_t mark = 0) : info(std::move(read)), sound(mark) {}
+
+    file_info info;
+    std::uint64_t sound;
+};
+audio_reading read_audio(const std::string& path);
 
 }  // namespace ostrevan::tags
