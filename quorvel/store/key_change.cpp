@@ -11,10 +11,12 @@ std::vector<key_change> key_changes(const nuv::list_base_const_t<ostrevan::tag_e
     std::vector<key_change> changes;
     for (const auto& edit : edits) {
         if (!edit.track || edit.after == nullptr) continue;
+        const auto& now = edit.track->location();
+        const auto& then = edit.location_before != nullptr ? *edit.location_before : now;
         const auto key_from = [&](const ostrevan::file_info* info) {
-            return info == nullptr ? std::nullopt : KeyOf(*info, edit.track->location());
+            return info == nullptr ? std::nullopt : KeyOf(*info, then);
         };
-        const auto to = key_from(edit.after);
+        const auto to = KeyOf(*edit.after, now);
         const auto from = key_from(edit.before);
         const auto from_file = key_from(edit.before_in_file);
         if (!to) continue;

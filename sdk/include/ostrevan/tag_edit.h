@@ -4,7 +4,7 @@
 
 namespace ostrevan {
 
-/// One track whose tags were edited. Pointers are valid for the duration of the call.
+/// One track whose tags were edited, or whose file was renamed. Pointers are valid for the duration of the call.
 struct tag_edit {
     metadb_handle_ptr track;
     const file_info* before = nullptr;
@@ -12,6 +12,8 @@ struct tag_edit {
     /// A second view of what was there before, when the player holds one: what the file itself said when it differs from
     /// what the player had cached. May be null.
     const file_info* before_in_file = nullptr;
+    /// Where the track was when it said what is before, if the file has been moved or renamed since; else null.
+    const playable_location* location_before = nullptr;
 };
 
 /// Told after tags were edited through the player, when the files have been written. [main-thread]
