@@ -67,7 +67,7 @@ void open_parts(const std::filesystem::path& profile) {
     parts.note("records of the index");
     ostrevan::library::track_table tracks;
     nobody observer;
-    const ostrevan::library::media_library library((profile / "library.sqlite").string(), tracks, ostrevan::tags::read_file,
+    const ostrevan::library::media_library library((profile / "library.sqlite").string(), tracks, ostrevan::tags::read_audio,
                                                    observer);
     parts.note("tracks, tags in their stored form");
     const auto& items = library.items();

@@ -107,7 +107,7 @@ class fresh_library {
 public:
     fresh_library() : database_(the_music().folder() / "library.sqlite") {
         remove_database();
-        library_ = std::make_unique<media_library>(database_.string(), tracks_, ostrevan::tags::read_file, observer_);
+        library_ = std::make_unique<media_library>(database_.string(), tracks_, ostrevan::tags::read_audio, observer_);
     }
     ~fresh_library() {
         library_.reset();

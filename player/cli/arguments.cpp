@@ -41,6 +41,7 @@ private:
     library_add library_add_;
     library_remove library_remove_;
     library_rescan library_rescan_;
+    library_ignore library_ignore_;
     library_folders library_folders_;
     list_tracks list_;
     play_tracks play_;
@@ -85,7 +86,13 @@ void command_line::add_library() {
     auto* const removed = add(*library, "remove", "Forget folders; files and statistics stay", "");
     removed->add_option("FOLDER", library_remove_.folders)->required();
     choose(removed, library_remove_);
-    choose(add(*library, "rescan", "Look for new, changed and removed files", ""), library_rescan_);
+    auto* const rescan = add(*library, "rescan", "Look for new, changed and removed files", "");
+    rescan->add_option("FOLDER", library_rescan_.folders, "Only the folder of the library that this is or lies in");
+    choose(rescan, library_rescan_);
+    auto* const ignore = add(*library, "ignore", "Leave files or folders out, or list those that are", "");
+    auto* const ignored = ignore->add_option("PATH", library_ignore_.paths, "A file or folder inside the library");
+    ignore->add_flag("--undo", library_ignore_.undo, "Take them in again at the next rescan")->needs(ignored);
+    choose(ignore, library_ignore_);
     choose(add(*library, "folders", "List the folders", ""), library_folders_);
 }
 

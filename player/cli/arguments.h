@@ -22,7 +22,13 @@ struct library_add {
 struct library_remove {
     std::vector<std::string> folders;
 };
-struct library_rescan {};
+struct library_rescan {
+    std::vector<std::string> folders;  // all without any
+};
+struct library_ignore {
+    std::vector<std::string> paths;  // lists without any
+    bool undo = false;
+};
 struct library_folders {};
 
 struct list_tracks {
@@ -88,10 +94,10 @@ struct index_dump {
 struct index_prune {};
 struct list_components {};
 
-using command =
-    std::variant<library_add, library_remove, library_rescan, library_folders, list_tracks, play_tracks, format_tracks,
-                 show_properties, edit_tags, main_menu, context_menu, rate_tracks, show_settings, playlist_list,
-                 playlist_show, playlist_create, playlist_remove, show_keys, index_dump, index_prune, list_components>;
+using command = std::variant<library_add, library_remove, library_rescan, library_ignore, library_folders, list_tracks,
+                             play_tracks, format_tracks, show_properties, edit_tags, main_menu, context_menu, rate_tracks,
+                             show_settings, playlist_list, playlist_show, playlist_create, playlist_remove, show_keys,
+                             index_dump, index_prune, list_components>;
 
 struct arguments {
     std::string profile;

@@ -16,6 +16,7 @@ struct run_context {
 void run(run_context& context, const library_add& arguments);
 void run(run_context& context, const library_remove& arguments);
 void run(run_context& context, const library_rescan& arguments);
+void run(run_context& context, const library_ignore& arguments);
 void run(run_context& context, const library_folders& arguments);
 void run(run_context& context, const list_tracks& arguments);
 void run(run_context& context, const play_tracks& arguments);

@@ -21,7 +21,10 @@ inline constexpr const char* library_examples =
     "Examples:\n"
     "  ostrevan library add ~/Music /mnt/disk/Music\n"
     "  ostrevan library rescan\n"
-    "A folder that is not there keeps its tracks and their statistics.";
+    "  ostrevan library ignore ~/Music/broken.mp3\n"
+    "  ostrevan library ignore --undo ~/Music/broken.mp3\n"
+    "A folder that is not there keeps its tracks and their statistics. What is ignored stays on the disk and keeps its\n"
+    "statistics.";
 
 inline constexpr const char* list_examples =
     "Examples:\n"

@@ -28,7 +28,8 @@ folder_on_disk folder_tracks_on_disk(library::track_table& tracks, const std::st
     const library::name_filter names;
     auto found = library::walk_folder(folder,
                                       {.is_wanted = [&](std::string_view name) { return names.is_wanted(name); },
-                                       .is_of_interest = [](const auto&, const auto&) { return true; },
+                                       .is_ignored = [](const auto&) { return false; },
+                                       .is_of_interest = [](const auto&) { return true; },
                                        .on_progress = [](const auto&) {}},
                                       workers);
     folder_on_disk result;
@@ -40,7 +41,7 @@ folder_on_disk folder_tracks_on_disk(library::track_table& tracks, const std::st
         return std::pair<bool, const std::string&>(!library::is_cue_path(file.path), file.path);
     });
     std::unordered_set<std::string> claimed;
-    for (const auto& [path, stamp] : found.files) {
+    for (const auto& [path, stamp, device] : found.files) {
         if (interrupted()) break;
         try {
             if (library::is_cue_path(path))

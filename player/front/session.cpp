@@ -81,7 +81,7 @@ struct session::parts {
     tag_edit_news news{loop, services};
     library_events events{news, services, index};
     library::track_table tracks;
-    library::media_library library{file("library.sqlite"), tracks, tags::read_file, events};
+    library::media_library library{file("library.sqlite"), tracks, tags::read_audio, events};
     lasting_service<library_manager_impl> library_service{library};
 
     titleformat::component_fields fields{[this](const field_provider& provider, const std::string& doing) {

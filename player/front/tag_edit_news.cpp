@@ -24,8 +24,9 @@ void tag_edit_news::tell_from(const std::shared_ptr<std::vector<library::track_e
     const auto rest = std::span(*seen).subspan(first);
     const auto now = rest.first(std::min(portion, rest.size()));
     std::vector<tag_edit> edits;
-    for (const auto& [track, before, after] : now)
-        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr});
+    for (const auto& [track, before, after, location_before] : now)
+        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr,
+                         location_before ? &*location_before : nullptr});
     tell(edits);
     std::ranges::fill(now, library::track_edit{});
     if (now.size() < rest.size()) loop_.post([this, seen, next = first + now.size()] { tell_from(seen, next); });

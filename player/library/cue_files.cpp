@@ -71,12 +71,18 @@ private:
     bool is_only_;
 };
 
+/// A name that leads out of the sheet's folder is not followed: a sheet comes from anywhere, and what it names is opened.
+bool stays_inside(const std::filesystem::path& relative) {
+    return relative.is_relative() && !relative.empty() && *relative.begin() != "..";
+}
+
 std::string locate_audio(const std::string& cue_path, const std::string& name, bool is_only) {
     const std::string folder = folder_of(cue_path);
     std::string relative = name;
     std::ranges::replace(relative, '\\', '/');
-    if (tags::has_supported_extension(relative)) {
-        const auto direct = (std::filesystem::path(folder) / relative).lexically_normal().string();
+    if (const auto inside = std::filesystem::path(relative).lexically_normal();
+        stays_inside(inside) && tags::has_supported_extension(relative)) {
+        const auto direct = join(folder, inside.string());
         if (is_file(direct)) return direct;
     }
     const audio_search search(nuv::file_name_of(relative), nuv::file_name_of(cue_path), is_only);
@@ -90,7 +96,7 @@ std::string locate_audio(const std::string& cue_path, const std::string& name, b
         best = entry->name;
         best_rank = rank;
     }
-    if (best.empty()) throw cue_error("the CUE sheet refers to \"" + name + "\", which is not there");
+    if (best.empty()) throw cue_error("the CUE sheet refers to \"" + name + "\", which is not in its folder");
     return join(folder, best);
 }
 
@@ -100,6 +106,13 @@ void overlay(file_info& info, const cue_fields& fields, bool is_disc) {
         info.meta_set(field, value);
         if (is_disc && name == "artist") info.meta_set("artist", value);
     }
+}
+
+/// Whether a field may be stored with every track of the file.
+bool is_short(const std::vector<std::string>& values) {
+    std::size_t size = 0;
+    for (const auto& value : values) size += value.size() + 1;
+    return size <= longest_cue_value + 1;
 }
 
 /// `owns_file` when no other track is in the same file: then all that the file says is about this track.
@@ -114,7 +127,7 @@ file_info info_of_track(const cue_sheet& sheet, const cue_track& track, const fi
         info.channels = audio.channels;
         info.set_codec(audio.codec());
         for (const auto name : shared_fields)
-            if (const auto index = audio.meta_find(name); index != file_info::npos)
+            if (const auto index = audio.meta_find(name); index != file_info::npos && is_short(audio.meta_values(index)))
                 info.meta_set_values(name, audio.meta_values(index));
     }
     overlay(info, sheet.fields, true);
@@ -132,6 +145,16 @@ std::vector<read_track> tracks_of(const cue_sheet& sheet, const std::vector<file
     for (const auto& track : sheet.tracks)
         tracks.push_back({track.number, info_of_track(sheet, track, audio[track.file], tracks_in_file[track.file] == 1)});
     return tracks;
+}
+
+/// Never that of one of its files, since its tracks are not theirs.
+std::uint64_t mark_of_sheet(const std::vector<std::uint64_t>& audio) {
+    std::uint64_t mark = audio.size();
+    for (const auto each : audio) {
+        if (each == 0) return 0;
+        mark = (mark ^ each) * 0x9E3779B97F4A7C15;
+    }
+    return mark;
 }
 
 /// The sheet inside an audio file. It speaks of that file alone, whatever names it gives. Nothing when there is none that
@@ -164,8 +187,16 @@ bool is_cue_path(std::string_view path) noexcept {
 
 located_sheet locate_sheet(const std::string& cue_path) {
     located_sheet result{parse_cue(read_sheet(cue_path)), {}};
-    const auto& files = result.sheet.files;
-    for (const auto& name : files) result.audio.push_back(locate_audio(cue_path, name, files.size() == 1));
+    auto& [sheet, audio] = result;
+    // A sheet may name one file several times, or under several names.
+    std::vector<std::size_t> position;
+    for (const auto& name : sheet.files) {
+        const auto path = locate_audio(cue_path, name, sheet.files.size() == 1);
+        const auto found = std::ranges::find(audio, path);
+        position.push_back(static_cast<std::size_t>(found - audio.begin()));
+        if (found == audio.end()) audio.push_back(path);
+    }
+    for (auto& track : sheet.tracks) track.file = position[track.file];
     return result;
 }
 
@@ -173,10 +204,14 @@ cue_contents read_cue(const std::string& cue_path, const info_reader& reader) {
     const auto [sheet, audio] = locate_sheet(cue_path);
     cue_contents contents;
     std::vector<file_info> infos;
+    std::vector<std::uint64_t> marks;
     for (const auto& path : audio) {
         contents.sources.push_back({path, status_of(path).stamp});
-        infos.push_back(reader(path));
+        auto [info, mark] = reader(path);
+        infos.push_back(std::move(info));
+        marks.push_back(mark);
     }
+    contents.sound = mark_of_sheet(marks);
     contents.tracks = tracks_of(sheet, infos);
     return contents;
 }
@@ -199,7 +234,7 @@ playable resolve_playable(const std::string& path, std::uint32_t subsong, const 
         return {audio[track.file], track.start, track.end};
     }
     if (subsong == 0) return {path, 0, std::nullopt};
-    const auto sheet = embedded_sheet(reader(path));
+    const auto sheet = embedded_sheet(reader(path).info);
     if (!sheet) throw cue_error(path + ": there is no CUE sheet inside the file any more. Rescan the library.");
     const auto& track = track_in(*sheet, subsong, path);
     return {path, track.start, track.end};

@@ -10,11 +10,12 @@
 #include "ostrevan/file_info.h"
 #include "player/library/cue_sheet.h"
 #include "player/library/file_stamp.h"
+#include "player/tags/reader.h"
 
 namespace ostrevan::library {
 
 /// Reads the fields and the sound of one audio file; throws with the reason when it cannot. Called by several threads.
-using info_reader = std::function<file_info(const std::string& path)>;
+using info_reader = std::function<tags::audio_reading(const std::string& path)>;
 
 struct read_track {
     std::uint32_t subsong = 0;
@@ -26,19 +27,20 @@ bool is_cue_path(std::string_view path) noexcept;
 
 /// A CUE sheet with the paths of its audio in place of the names that it gives them.
 struct located_sheet {
-    cue_sheet sheet;
-    std::vector<std::string> audio;  // one for each of sheet.files
+    cue_sheet sheet;                 // cue_track::file is a position in `audio`
+    std::vector<std::string> audio;  // each once
 };
 
-/// Reads a sheet and looks for its audio: the file named, in the folder of the sheet; one whose name differs in case or
-/// extension only, since sheets outlive a conversion; and for a sheet with one file, one that is named as the sheet. Throws
-/// with the reason when the sheet cannot be read or its audio is not there.
+/// Reads a sheet and looks for its audio: the file named, in the folder of the sheet or below; one there whose name differs
+/// in case or extension only, since sheets outlive a conversion; and for a sheet with one file, one that is named as the
+/// sheet. Throws with the reason when the sheet cannot be read or its audio is not there.
 located_sheet locate_sheet(const std::string& cue_path);
 
 /// The tracks of a sheet, and the audio that they were made from.
 struct cue_contents {
     std::vector<source_file> sources;
     std::vector<read_track> tracks;
+    std::uint64_t sound = 0;  // made of the marks of the audio; 0 when one of them has none
 };
 cue_contents read_cue(const std::string& cue_path, const info_reader& reader);
 

@@ -119,9 +119,11 @@ private:
 
     void set(std::string_view field, std::string_view text) {
         const auto value = trim(unquote(text));
-        if (value.empty()) return;
+        if (value.empty() || value.size() > longest_cue_value) return;
         auto& fields = !is_in_track_ ? sheet_.fields : current_ != nullptr ? current_->fields : track_.fields;
-        fields.emplace_back(field, value);
+        const auto present = std::ranges::find(fields, field, &cue_fields::value_type::first);
+        if (present == fields.end()) fields.emplace_back(field, value);
+        else present->second = value;
     }
     void on_title(std::string_view rest) { set("title", rest); }
     void on_performer(std::string_view rest) { set("artist", rest); }

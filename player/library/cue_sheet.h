@@ -10,7 +10,12 @@
 
 namespace ostrevan::library {
 
-/// Fields in the order of the sheet, under the names that tags have: "title", "artist", "date", "genre", "isrc".
+/// The longest text, in bytes, that becomes a field of the tracks. What holds for the disc is stored with each of its
+/// tracks, up to 999 times.
+inline constexpr std::size_t longest_cue_value = 1024;
+
+/// Fields in the order of the sheet, under the names that tags have: "title", "artist", "date", "genre", "isrc". Of several
+/// lines for one field the last one counts.
 using cue_fields = std::vector<std::pair<std::string_view, std::string>>;
 
 struct cue_track {
@@ -35,8 +40,8 @@ public:
 };
 
 /// Reads a sheet in UTF-8, UTF-16 with a byte order mark, or Latin-1. Commands that do not matter here are passed over, as
-/// are data tracks and tracks without INDEX 01. Throws cue_error when times run backwards, a number occurs twice, or a line
-/// that matters is not of its form.
+/// are data tracks, tracks without INDEX 01 and texts longer than `longest_cue_value`. Throws cue_error when times run
+/// backwards, a number occurs twice, or a line that matters is not of its form.
 cue_sheet parse_cue(std::string_view bytes);
 
 }  // namespace ostrevan::library

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "player/library/directory.h"
@@ -11,6 +12,8 @@ namespace ostrevan::library {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::string_view see_folders = "'ostrevan library folders' shows those there are.";
 
 bool is_inside(const fs::path& inner, const fs::path& outer) {
     return std::ranges::mismatch(outer, inner).in1 == outer.end();
@@ -45,45 +48,79 @@ std::optional<std::string> why_overlapping(const std::string& path, const std::s
     return std::nullopt;
 }
 
-void add_line(std::string& lines, const std::string& path, const std::string& why) {
-    if (!lines.empty()) lines += '\n';
-    lines += path + ' ' + why;
+/// Nothing when it is inside none of them.
+const library_folder* folder_around(const std::string& path, std::span<const library_folder> present) {
+    const auto holds = [&](const library_folder& each) {
+        return is_inside(path, each.path) || is_inside(real_path(path), real_path(each.path));
+    };
+    const auto found = std::ranges::find_if(present, holds);
+    return found != present.end() ? &*found : nullptr;
+}
+
+void add_once(std::vector<library_folder>& folders, const library_folder& folder) {
+    if (std::ranges::find(folders, folder.id, &library_folder::id) == folders.end()) folders.push_back(folder);
 }
 
 }  // namespace
 
 std::string normal_path(const std::string& path) {
-    auto normal = fs::absolute(path).lexically_normal().string();
+    std::error_code failed;
+    auto normal = fs::absolute(path, failed).lexically_normal().string();
+    if (failed) return path;
     while (normal.size() > 1 && normal.back() == '/') normal.pop_back();
     return normal;
 }
 
-std::vector<std::string> check_new_folders(std::span<const std::string> paths, std::span<const library_folder> present) {
+std::vector<std::string> check_new_folders(std::span<const std::string> paths, std::span<const library_folder> present,
+                                           std::vector<file_problem>& refused) {
     std::vector<std::string> result;
-    std::string problems;
     for (const auto& given : paths) {
         const auto path = normal_path(given);
         auto why = why_not_readable(path);
         for (std::size_t i = 0; !why && i < present.size(); ++i) why = why_overlapping(path, present[i].path);
         for (std::size_t i = 0; !why && i < result.size(); ++i) why = why_overlapping(path, result[i]);
-        if (why) add_line(problems, path, *why);
+        if (why) refused.push_back({path, *why});
         else result.push_back(path);
     }
-    if (!problems.empty()) throw library_error(problems);
     return result;
 }
 
-std::vector<library_folder> check_known_folders(std::span<const std::string> paths,
-                                                std::span<const library_folder> present) {
+std::vector<library_folder> check_known_folders(std::span<const std::string> paths, std::span<const library_folder> present,
+                                                std::vector<file_problem>& refused) {
     std::vector<library_folder> result;
-    std::string problems;
     for (const auto& given : paths) {
         const auto path = normal_path(given);
         const auto found = std::ranges::find(present, path, &library_folder::path);
-        if (found == present.end()) add_line(problems, path, "is not a folder of the library.");
-        else if (std::ranges::find(result, path, &library_folder::path) == result.end()) result.push_back(*found);
+        if (found == present.end()) refused.push_back({path, "is not a folder of the library. " + std::string(see_folders)});
+        else add_once(result, *found);
     }
-    if (!problems.empty()) throw library_error(problems);
+    return result;
+}
+
+std::vector<library_folder> folders_around(std::span<const std::string> paths, std::span<const library_folder> present,
+                                           std::vector<file_problem>& refused) {
+    std::vector<library_folder> result;
+    for (const auto& given : paths) {
+        const auto path = normal_path(given);
+        const auto* found = folder_around(path, present);
+        if (found == nullptr) refused.push_back({path, "lies in no folder of the library. " + std::string(see_folders)});
+        else add_once(result, *found);
+    }
+    return result;
+}
+
+std::vector<std::string> check_ignored(std::span<const std::string> paths, std::span<const library_folder> present,
+                                       std::vector<file_problem>& refused) {
+    std::vector<std::string> result;
+    for (const auto& given : paths) {
+        const auto path = normal_path(given);
+        const auto is_above = [&](const library_folder& each) { return each.path != path && is_inside(path, each.path); };
+        if (std::ranges::find(present, path, &library_folder::path) != present.end())
+            refused.push_back({path, "is a whole folder of the library. Use 'ostrevan library remove'."});
+        else if (std::ranges::none_of(present, is_above))
+            refused.push_back({path, "lies in no folder of the library. " + std::string(see_folders)});
+        else result.push_back(path);
+    }
     return result;
 }
 

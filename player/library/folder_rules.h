@@ -1,28 +1,34 @@
 #pragma once
 
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "player/library/library_store.h"
+#include "player/library/scan_types.h"
 
 namespace ostrevan::library {
-
-/// The user asked for something that cannot be; the text says why, one line for each path.
-class library_error : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Absolute and lexically normal, without a final separator. Symbolic links stay as they are given.
 std::string normal_path(const std::string& path);
 
-/// The normal paths of folders that may be added beside those that are there. Throws library_error for a path that does not
-/// exist, is no folder, cannot be read, or is, holds or lies inside a folder of the library, also by way of links.
-std::vector<std::string> check_new_folders(std::span<const std::string> paths, std::span<const library_folder> present);
+// What does not fit goes to `refused` with the reason.
 
-/// The folders of these paths. Throws library_error for a path that is none of the library's.
-std::vector<library_folder> check_known_folders(std::span<const std::string> paths, std::span<const library_folder> present);
+/// The normal paths of folders that may be added beside those that are there. Refused is what does not exist, is no folder,
+/// cannot be read, or is, holds or lies inside a folder of the library, also by way of links.
+std::vector<std::string> check_new_folders(std::span<const std::string> paths, std::span<const library_folder> present,
+                                           std::vector<file_problem>& refused);
+
+/// The folders of these paths.
+std::vector<library_folder> check_known_folders(std::span<const std::string> paths, std::span<const library_folder> present,
+                                                std::vector<file_problem>& refused);
+
+/// The folders that these paths are or lie in, each once.
+std::vector<library_folder> folders_around(std::span<const std::string> paths, std::span<const library_folder> present,
+                                           std::vector<file_problem>& refused);
+
+/// The normal paths of what may be left out of the library: what lies below one of its folders, there or not.
+std::vector<std::string> check_ignored(std::span<const std::string> paths, std::span<const library_folder> present,
+                                       std::vector<file_problem>& refused);
 
 }  // namespace ostrevan::library

@@ -21,6 +21,7 @@ struct listing {
     std::vector<std::string> links;  // to directories
     std::vector<hidden_place> hidden;
     bool is_empty = true;
+    bool is_partly_hidden = false;  // something in it cannot be looked at, and it is among the hidden places
 };
 
 constexpr std::size_t unknown_number = std::numeric_limits<std::size_t>::max();
@@ -38,7 +39,7 @@ public:
     explicit reader(const walk_rules& rules) noexcept : rules_(rules) {}
 
     /// Throws std::system_error when the directory cannot be read to its end.
-    listing read(directory& opened, const std::string& path) {
+    listing read(directory& opened, const std::string& path, std::uint64_t device) {
         listing result;
         std::string entry_path = path == "/" ? path : path + '/';
         const std::size_t prefix = entry_path.size();
@@ -46,29 +47,35 @@ public:
             if (entry->name.front() == '.') continue;
             result.is_empty = false;
             entry_path.replace(prefix, entry_path.npos, entry->name);
+            const bool is_file = entry->kind == entry_kind::file;
+            if (entry->kind == entry_kind::other || (is_file && !rules_.is_wanted(entry->name)) ||
+                rules_.is_ignored(entry_path))
+                continue;
             if (entry->kind == entry_kind::directory) result.directories.push_back(entry_path);
-            if (entry->kind == entry_kind::file && rules_.is_wanted(entry->name))
-                look_at(opened, *entry, entry_path, result);
-            if (entry->kind == entry_kind::link) look_at(opened, *entry, entry_path, result);
+            else look_at(opened, *entry, {entry_path, {}, device}, result);
         }
         return result;
     }
 
 private:
-    void look_at(const directory& opened, const directory::entry& entry, const std::string& path, listing& result) const {
+    void look_at(const directory& opened, const directory::entry& entry, found_file file, listing& result) const {
         file_status status;
         try {
             status = opened.status(entry.name);
         } catch (const std::system_error& failure) {
-            // A plain file that is gone by now is gone; what a link means is unknown.
+            // A plain file that is gone by now is gone; what a link means is unknown, and so is what cannot be looked at.
+            const bool is_missing = failure.code() == std::errc::no_such_file_or_directory;
             if (entry.kind == entry_kind::link)
-                result.hidden.push_back(
-                    {path, failure.code().message(), failure.code() == std::errc::no_such_file_or_directory});
+                result.hidden.push_back({std::move(file.path), failure.code().message(), is_missing});
+            else if (!is_missing && !result.is_partly_hidden)
+                result.hidden.push_back({file.path.substr(0, file.path.rfind('/')), failure.code().message(), false});
+            result.is_partly_hidden |= entry.kind != entry_kind::link && !is_missing;
             return;
         }
-        if (status.kind == entry_kind::directory) result.links.push_back(path);
-        if (status.kind == entry_kind::file && rules_.is_wanted(entry.name) && rules_.is_of_interest(path, status.stamp))
-            result.files.push_back({path, status.stamp});
+        file.stamp = status.stamp;
+        if (status.kind == entry_kind::directory) result.links.push_back(std::move(file.path));
+        else if (status.kind == entry_kind::file && rules_.is_wanted(entry.name) && rules_.is_of_interest(file))
+            result.files.push_back(std::move(file));
     }
 
     const walk_rules& rules_;
@@ -84,7 +91,7 @@ public:
             directory opened(root);
             identity = opened.status().identity;
             visited_.insert(identity);
-            auto top = reader(rules_).read(opened, root);
+            auto top = reader(rules_).read(opened, root, identity.first);
             result_.is_empty = top.is_empty;
             take(std::move(top));
         } catch (const std::system_error& failure) {
@@ -163,11 +170,12 @@ private:
     listing visit(reader& here, const std::string& path) {
         try {
             directory opened(path);
+            const auto identity = opened.status().identity;
             {
                 const std::lock_guard guard(visited_mutex_);
-                if (!visited_.insert(opened.status().identity).second) return {};
+                if (!visited_.insert(identity).second) return {};
             }
-            return here.read(opened, path);
+            return here.read(opened, path, identity.first);
         } catch (const std::system_error& failure) {
             listing result;
             if (failure.code() != std::errc::no_such_file_or_directory)

@@ -13,6 +13,7 @@ namespace ostrevan::library {
 struct found_file {
     std::string path;
     file_stamp stamp;
+    std::uint64_t device = 0;  // of the directory that it is in
 };
 
 /// A directory that could not be read, or a link that leads nowhere: what lies behind it is unknown.
@@ -33,12 +34,14 @@ struct walk_result {
     bool is_complete = false;
 };
 
-/// What a walk looks for. The first two are called by several threads.
+/// What a walk looks for. The first three are called by several threads.
 struct walk_rules {
     /// By name alone.
     std::function<bool(std::string_view name)> is_wanted;
+    /// Whether a file or directory is passed over.
+    std::function<bool(const std::string& path)> is_ignored;
     /// Whether the result has to list the file.
-    std::function<bool(const std::string& path, const file_stamp& stamp)> is_of_interest;
+    std::function<bool(const found_file& file)> is_of_interest;
     /// Told a directory that is being read, on the calling thread, about ten times a second.
     std::function<void(const std::string& directory)> on_progress;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -7,15 +8,16 @@
 
 namespace ostrevan::library {
 
-/// A track whose tags another program has changed, while the sound stayed the same.
+/// A track whose tags or place another program has changed, while the sound stayed the same.
 struct track_edit {
     track_ptr track;
     metadb_info_ptr before;
     metadb_info_ptr after;
+    std::optional<playable_location> location_before{};  // when it has moved
 };
 
 /// What a scan did to the library. A track is in one of the first three lists at most; every edited track is a modified one
-/// as well.
+/// as well, or an added one that was somewhere else before.
 struct library_changes {
     std::vector<track_ptr> added;
     std::vector<track_ptr> removed;

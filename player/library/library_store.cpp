@@ -5,22 +5,34 @@ namespace {
 
 constexpr const char* upgrades[] = {
     "CREATE TABLE edits(path BLOB NOT NULL, subsong INTEGER NOT NULL, info BLOB NOT NULL)",
+    R"(
+ALTER TABLE folders ADD COLUMN scanned INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE files ADD COLUMN device INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE files ADD COLUMN sound INTEGER;
+ALTER TABLE files ADD COLUMN arrived INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE edits ADD COLUMN path_before BLOB;
+CREATE TABLE ignored(path BLOB NOT NULL PRIMARY KEY) WITHOUT ROWID;
+)",
 };
 
 // Files and tracks are only ever appended during a scan: no index on the path has to be kept, since the library knows all
 // of them in memory.
 constexpr sqlite::format library_format{0x4F4C4942,  // "OLIB"
-                                        2,
+                                        3,
                                         R"(
 CREATE TABLE folders(
     id INTEGER PRIMARY KEY,
-    path BLOB NOT NULL UNIQUE);
+    path BLOB NOT NULL UNIQUE,
+    scanned INTEGER NOT NULL DEFAULT 0);
 CREATE TABLE files(
     id INTEGER PRIMARY KEY,
     folder INTEGER NOT NULL REFERENCES folders(id) ON DELETE CASCADE,
     path BLOB NOT NULL,
     size INTEGER NOT NULL,
-    mtime INTEGER NOT NULL);
+    mtime INTEGER NOT NULL,
+    device INTEGER NOT NULL DEFAULT 0,
+    sound INTEGER,
+    arrived INTEGER NOT NULL DEFAULT 0);
 CREATE TABLE tracks(
     file INTEGER NOT NULL REFERENCES files(id) ON DELETE CASCADE,
     subsong INTEGER NOT NULL,
@@ -45,53 +57,86 @@ CREATE TABLE playlist_entries(
 CREATE TABLE edits(
     path BLOB NOT NULL,
     subsong INTEGER NOT NULL,
-    info BLOB NOT NULL);
+    info BLOB NOT NULL,
+    path_before BLOB);
+CREATE TABLE ignored(path BLOB NOT NULL PRIMARY KEY) WITHOUT ROWID;
 )",
                                         "library", upgrades};
 
-std::int64_t as_integer(std::size_t number) noexcept { return static_cast<std::int64_t>(number); }
+std::int64_t as_integer(std::uint64_t number) noexcept { return static_cast<std::int64_t>(number); }
+std::uint64_t as_number(std::int64_t integer) noexcept { return static_cast<std::uint64_t>(integer); }
 
 }  // namespace
 
 library_store::library_store(std::string path)
     : database_(std::move(path), library_format),
-      insert_file_(database_.prepare("INSERT INTO files(folder, path, size, mtime) VALUES(?1, ?2, ?3, ?4)")),
-      update_file_(database_.prepare("UPDATE files SET folder=?1, path=?2, size=?3, mtime=?4 WHERE id=?5")),
+      insert_file_(database_.prepare("INSERT INTO files(folder, path, size, mtime, device, sound, arrived) "
+                                     "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)")),
+      update_file_(
+          database_.prepare("UPDATE files SET folder=?1, path=?2, size=?3, mtime=?4, device=?5, sound=?6, arrived=?7 "
+                            "WHERE id=?8")),
       delete_file_(database_.prepare("DELETE FROM files WHERE id=?1")),
       insert_track_(database_.prepare("INSERT OR REPLACE INTO tracks(file, subsong, info) VALUES(?1, ?2, ?3)")),
       delete_tracks_(database_.prepare("DELETE FROM tracks WHERE file=?1")),
       insert_edit_(database_.prepare(
           "INSERT INTO edits(path, subsong, info) SELECT path, subsong, info FROM tracks JOIN files ON id=file "
           "WHERE file=?1 AND subsong=?2 AND info<>?3")),
+      delete_edits_(database_.prepare("DELETE FROM edits WHERE path=?1")),
+      update_device_(database_.prepare("UPDATE files SET device=?2 WHERE id=?1")),
       insert_source_(database_.prepare("INSERT INTO sources(file, position, path, size, mtime) VALUES(?1, ?2, ?3, ?4, ?5)")),
       delete_sources_(database_.prepare("DELETE FROM sources WHERE file=?1")) {}
 
 std::vector<library_folder> library_store::folders() const {
     std::vector<library_folder> result;
-    auto query = database_.prepare("SELECT id, path FROM folders ORDER BY id");
-    while (query.step()) result.push_back({query.integer(0), from_blob(query.blob(1))});
+    auto query = database_.prepare("SELECT id, path, scanned FROM folders ORDER BY id");
+    while (query.step()) result.push_back({query.integer(0), from_blob(query.blob(1)), as_number(query.integer(2))});
     return result;
 }
 
 library_folder library_store::add_folder(const std::string& path) {
     database_.prepare("INSERT INTO folders(path) VALUES(?1)").bind(1, to_blob(path)).run();
-    return {database_.last_insert_id(), path};
+    return {database_.last_insert_id(), path, 0};
 }
 
 void library_store::remove_folder(std::int64_t id) {
     database_.prepare("DELETE FROM folders WHERE id=?1").bind(1, id).run();
 }
 
+void library_store::set_scanned(const library_folder& folder) {
+    auto update = database_.prepare("UPDATE folders SET scanned=?2 WHERE id=?1");
+    update.bind(1, folder.id).bind(2, as_integer(folder.scanned)).run();
+}
+
+std::vector<std::string> library_store::ignored() const {
+    std::vector<std::string> result;
+    auto query = database_.prepare("SELECT path FROM ignored");
+    while (query.step()) result.push_back(from_blob(query.blob(0)));
+    return result;
+}
+
+void library_store::add_ignored(const std::string& path) {
+    database_.prepare("INSERT OR IGNORE INTO ignored(path) VALUES(?1)").bind(1, to_blob(path)).run();
+}
+
+void library_store::remove_ignored(const std::string& path) {
+    database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
+}
+
 void library_store::load(const std::function<void(stored_file&&, std::vector<stored_track>&&)>& on_file) const {
     // Three tables in the order of the file ids, read side by side.
-    auto files = database_.prepare("SELECT id, folder, path, size, mtime FROM files ORDER BY id");
+    auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
     auto tracks = database_.prepare("SELECT file, subsong, info FROM tracks ORDER BY file, subsong");
     auto sources = database_.prepare("SELECT file, path, size, mtime FROM sources ORDER BY file, position");
     bool has_track = tracks.step();
     bool has_source = sources.step();
     while (files.step()) {
-        stored_file file{
-            files.integer(0), files.integer(1), from_blob(files.blob(2)), {files.integer(3), files.integer(4)}, {}};
+        stored_file file{.id = files.integer(0),
+                         .folder = files.integer(1),
+                         .path = from_blob(files.blob(2)),
+                         .stamp = {files.integer(3), files.integer(4)},
+                         .device = as_number(files.integer(5)),
+                         .arrived = as_number(files.integer(7))};
+        if (!files.is_null(6)) file.sound = as_number(files.integer(6));
         std::vector<stored_track> of_file;
         for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step())
             of_file.push_back({static_cast<std::uint32_t>(tracks.integer(1)), from_blob(tracks.blob(2))});
@@ -104,10 +149,13 @@ void library_store::load(const std::function<void(stored_file&&, std::vector<sto
 std::int64_t library_store::put_file(const stored_file& file, std::span<const stored_track> tracks) {
     auto& put = file.id == 0 ? insert_file_ : update_file_;
     put.bind(1, file.folder).bind(2, to_blob(file.path)).bind(3, file.stamp.size).bind(4, file.stamp.mtime);
+    put.bind(5, as_integer(file.device)).bind(7, as_integer(file.arrived));
+    if (file.sound) put.bind(6, as_integer(*file.sound));
+    else put.bind_null(6);
     if (file.id != 0) {
         for (const auto& track : tracks)
             insert_edit_.bind(1, file.id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.encoded)).run();
-        put.bind(5, file.id);
+        put.bind(8, file.id);
         clear_file(file.id);
     }
     put.run();
@@ -134,14 +182,29 @@ void library_store::clear_file(std::int64_t id) {
 
 void library_store::remove_file(std::int64_t id) { delete_file_.bind(1, id).run(); }
 
+void library_store::set_device(std::int64_t file, std::uint64_t device) {
+    update_device_.bind(1, file).bind(2, as_integer(device)).run();
+}
+
 std::vector<stored_edit> library_store::edits() const {
     std::vector<stored_edit> result;
-    auto query = database_.prepare("SELECT path, subsong, info FROM edits ORDER BY rowid");
-    while (query.step())
+    auto query = database_.prepare("SELECT path, subsong, info, path_before FROM edits ORDER BY rowid");
+    while (query.step()) {
         result.push_back(
-            {from_blob(query.blob(0)), {static_cast<std::uint32_t>(query.integer(1)), from_blob(query.blob(2))}});
+            {from_blob(query.blob(0)), {static_cast<std::uint32_t>(query.integer(1)), from_blob(query.blob(2))}, {}});
+        if (!query.is_null(3)) result.back().path_before = from_blob(query.blob(3));
+    }
     return result;
 }
+
+void library_store::put_edit(const stored_edit& edit) {
+    auto insert = database_.prepare("INSERT INTO edits(path, subsong, info, path_before) VALUES(?1, ?2, ?3, ?4)");
+    insert.bind(1, to_blob(edit.path)).bind(2, std::int64_t{edit.before.subsong}).bind(3, to_blob(edit.before.encoded));
+    if (edit.path_before) insert.bind(4, to_blob(*edit.path_before));
+    insert.run();
+}
+
+void library_store::forget_edits(const std::string& path) { delete_edits_.bind(1, to_blob(path)).run(); }
 
 void library_store::forget_edits() {
     if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM edits)") != 0) database_.execute("DELETE FROM edits");

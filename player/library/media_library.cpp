@@ -1,6 +1,7 @@
 #include "player/library/media_library.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "player/library/audio_claims.h"
 #include "player/library/directory.h"
 #include "player/library/info_codec.h"
+#include "player/library/moved_files.h"
 #include "player/library/read_files.h"
 #include "player/library/scanner.h"
 
@@ -20,16 +22,15 @@ bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcep
 
 }  // namespace
 
-std::string describe(const absent_place& place) {
-    std::string text = place.path;
-    const std::string kept =
-        place.tracks_kept == 0 ? "" : " Its " + std::to_string(place.tracks_kept) + " tracks were kept in the library.";
-    if (!place.is_library_folder)
-        return text + " cannot be looked into: " + place.reason + "." + kept +
-               " Make it readable, or delete it if it is not needed.";
-    return text + " is not there: " + place.reason + "." + kept +
-           " Connect the disk that it is on, or remove this folder from the library to drop its tracks.";
-}
+/// What has been gathered while the library changes.
+struct media_library::outcome {
+    library_changes changes;
+    std::size_t tracks_unchanged = 0;
+    std::vector<placed_sound> displaced;  // what was at a path that holds another sound now
+    std::vector<track_edit> assumed;      // where the length alone speaks for the same sound
+    std::size_t tracks_moved = 0;
+    std::vector<unclear_move> unclear;
+};
 
 media_library::media_library(const std::string& database_path, track_table& tracks, info_reader reader,
                              library_observer& observer)
@@ -43,11 +44,19 @@ media_library::media_library(const std::string& database_path, track_table& trac
 
 void media_library::load() {
     folders_ = store_.folders();
+    for (auto& path : store_.ignored()) ignored_.insert(std::move(path));
     const auto count = static_cast<std::size_t>(store_.database().query_integer("SELECT count(*) FROM files"));
     files_.reserve(count);
     tracks_.reserve(count);
     store_.load([this](stored_file&& file, std::vector<stored_track>&& tracks) {
-        library_file known{file.id, file.folder, file.stamp, {}, std::move(file.sources), 0};
+        library_file known{.id = file.id,
+                           .folder = file.folder,
+                           .stamp = file.stamp,
+                           .device = file.device,
+                           .sound = file.sound,
+                           .arrived = file.arrived,
+                           .sources = std::move(file.sources)};
+        last_arrival_ = std::max(last_arrival_, file.arrived);
         known.tracks.reserve(tracks.size());
         for (auto& [subsong, encoded] : tracks) {
             known.tracks.push_back(tracks_.obtain(file.path, subsong));
@@ -55,6 +64,8 @@ void media_library::load() {
         }
         files_.emplace(std::move(file.path), std::move(known));
     });
+    scan_number_ = last_arrival_;
+    for (const auto& folder : folders_) scan_number_ = std::max(scan_number_, folder.scanned);
 }
 
 const std::vector<track_ptr>& media_library::items() const {
@@ -68,137 +79,214 @@ const std::vector<track_ptr>& media_library::items() const {
 }
 
 scan_summary media_library::add_folders(std::span<const std::string> paths, const scan_options& options) {
-    const auto fresh = check_new_folders(paths, folders_);
+    std::vector<file_problem> refused;
+    const auto fresh = check_new_folders(paths, folders_, refused);
     std::vector<library_folder> added;
     sqlite::transaction adding(store_.database());
     for (const auto& path : fresh) added.push_back(store_.add_folder(path));
     adding.commit();
     folders_.insert(folders_.end(), added.begin(), added.end());
-    return scan(added, options);
+    auto summary = scan(added, options);
+    summary.refused = std::move(refused);
+    return summary;
 }
 
-std::size_t media_library::remove_folders(std::span<const std::string> paths) {
-    const auto leaving = check_known_folders(paths, folders_);
-    sqlite::transaction removing(store_.database());
-    for (const auto& folder : leaving) store_.remove_folder(folder.id);
-    removing.commit();
-
+path_changes media_library::remove_folders(std::span<const std::string> paths) {
+    path_changes result;
+    const auto leaving = check_known_folders(paths, folders_, result.refused);
     const auto is_leaving = [&](std::int64_t id) {
         return std::ranges::find(leaving, id, &library_folder::id) != leaving.end();
     };
-    library_changes changes;
-    std::erase_if(files_, [&](const auto& each) {
-        const auto& file = each.second;
-        if (!is_leaving(file.folder)) return false;
-        changes.removed.insert(changes.removed.end(), file.tracks.begin(), file.tracks.end());
-        return true;
+    std::vector<std::string> gone;
+    for (const auto& [path, file] : files_)
+        if (is_leaving(file.folder)) gone.push_back(path);
+    outcome done;
+    drop(gone, done, [&] {
+        for (const auto& folder : leaving) store_.remove_folder(folder.id);
     });
     std::erase_if(folders_, [&](const library_folder& each) { return is_leaving(each.id); });
-    notify(changes);
-    return changes.removed.size();
+    result.tracks_removed = done.changes.removed.size();
+    notify(done);
+    return result;
 }
 
 scan_summary media_library::rescan(const scan_options& options) { return scan(folders_, options); }
 
-scan_summary media_library::scan(std::span<const library_folder> folders, const scan_options& options) {
-    scan_summary summary;
-    library_changes changes;
-    scan_report report;
-    try {
-        report = scan_folders(folders, files_, reader_, options, [&](std::vector<scanned_file>&& files) {
-            summary.tracks_unchanged += save(std::move(files), changes);
-        });
-        drop(report.gone, changes);
-    } catch (...) {
-        notify(changes);
-        throw;
-    }
-    notify(changes);
-
-    summary.tracks_added = changes.added.size();
-    summary.tracks_updated = changes.modified.size();
-    summary.tracks_removed = changes.removed.size();
-    summary.tracks_unchanged += report.tracks_unchanged;
-    summary.absent = std::move(report.absent);
-    summary.problems = std::move(report.problems);
-    summary.is_stopped = report.is_stopped;
+scan_summary media_library::rescan(std::span<const std::string> paths, const scan_options& options) {
+    std::vector<file_problem> refused;
+    auto summary = scan(folders_around(paths, folders_, refused), options);
+    summary.refused = std::move(refused);
     return summary;
 }
 
-std::size_t media_library::save(std::vector<scanned_file>&& files, library_changes& changes) {
+path_changes media_library::ignore(std::span<const std::string> paths) {
+    path_changes result;
+    const auto fresh = check_ignored(paths, folders_, result.refused);
+    const auto is_leaving = [&](const std::string& path) {
+        return std::ranges::any_of(fresh, [&](const std::string& place) { return is_below(path, place); });
+    };
+    std::vector<std::string> gone;
+    for (const auto& [path, file] : files_)
+        if (is_leaving(path)) gone.push_back(path);
+    outcome done;
+    drop(gone, done, [&] {
+        for (const auto& path : fresh) store_.add_ignored(path);
+    });
+    ignored_.insert(fresh.begin(), fresh.end());
+    result.tracks_removed = done.changes.removed.size();
+    notify(done);
+    return result;
+}
+
+path_changes media_library::stop_ignoring(std::span<const std::string> paths) {
+    path_changes result;
+    for (const auto& given : paths) {
+        const auto path = normal_path(given);
+        if (!ignored_.contains(path)) {
+            result.refused.push_back({path, "is not ignored. 'ostrevan library ignore' shows what is."});
+            continue;
+        }
+        store_.remove_ignored(path);
+        ignored_.erase(path);
+    }
+    return result;
+}
+
+scan_summary media_library::scan(std::span<const library_folder> folders, const scan_options& options) {
+    scan_summary summary;
+    outcome done;
+    ++scan_number_;
+    try {
+        auto report = scan_folders({scan_number_, folders, ignored_}, files_, reader_, options,
+                                   [&](std::vector<scanned_file>&& files) { save(std::move(files), scan_number_, done); });
+        if (report.is_stopped) done.displaced.clear();  // what else there may be is not known
+        drop(report.gone, done, [&] { note_scan(report); });
+        summary.tracks_unchanged = done.tracks_unchanged + report.tracks_unchanged;
+        summary.absent = std::move(report.absent);
+        summary.problems = std::move(report.problems);
+        summary.is_stopped = report.is_stopped;
+    } catch (...) {
+        notify(done);
+        throw;
+    }
+    summary.tracks_added = done.changes.added.size();
+    summary.tracks_updated = done.changes.modified.size();
+    summary.tracks_removed = done.changes.removed.size();
+    summary.tracks_moved = done.tracks_moved;
+    summary.unclear = std::move(done.unclear);
+    notify(done);
+    return summary;
+}
+
+void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done) {
+    std::vector<bool> is_other_sound;
     sqlite::transaction saving(store_.database());
     for (auto& [file, tracks, seen] : files) {
         const auto known = files_.find(file.path);
         if (known != files_.end()) file.id = known->second.id;
+        const auto before = known != files_.end() ? known->second.sound.value_or(0) : 0;
+        is_other_sound.push_back(before != 0 && file.sound.value_or(0) != 0 && before != file.sound);
+        file.arrived = known != files_.end() && !is_other_sound.back() ? known->second.arrived : scan;
+        last_arrival_ = std::max(last_arrival_, file.arrived);
         file.id = store_.put_file(file, tracks);
     }
     saving.commit();
-    std::size_t unchanged = 0;
-    for (auto& file : files) unchanged += apply(std::move(file), changes);
-    return unchanged;
+    for (std::size_t i = 0; i < files.size(); ++i) apply(std::move(files[i]), is_other_sound[i], done);
 }
 
-std::size_t media_library::apply(scanned_file&& scanned, library_changes& changes) {
+void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& done) {
     items_valid_ = false;
     auto& known = files_[scanned.file.path];
+    if (is_other_sound) done.displaced.push_back(sound_at(scanned.file.path, known, scan_of(folders_, known.folder)));
     std::vector<track_ptr> tracks;
     tracks.reserve(scanned.tracks.size());
-    std::size_t unchanged = 0;
     for (auto& fresh : scanned.tracks) {
         const auto old =
             std::ranges::find_if(known.tracks, [&](const track_ptr& each) { return is_same_track(each, fresh); });
         if (old != known.tracks.end()) {
             tracks.push_back(*old);
-            unchanged += update(*old, fresh.encoded, changes) ? 0 : 1;
+            update(*old, fresh.encoded, is_other_sound, done);
         } else {
             tracks.push_back(tracks_.obtain(scanned.file.path, fresh.subsong));
             tracks.back()->publish_encoded(std::move(fresh.encoded));
-            changes.added.push_back(tracks.back());
+            done.changes.added.push_back(tracks.back());
         }
     }
     for (const auto& old : known.tracks)
-        if (std::ranges::find(tracks, old) == tracks.end()) changes.removed.push_back(old);
-    auto& [file, unused, seen] = scanned;
-    known = {file.id, file.folder, file.stamp, std::move(tracks), std::move(file.sources), seen};
-    return unchanged;
+        if (std::ranges::find(tracks, old) == tracks.end()) done.changes.removed.push_back(old);
+    auto& file = scanned.file;
+    known = {file.id,      file.folder,  file.stamp,        file.device,
+             file.sound,   file.arrived, std::move(tracks), std::move(file.sources),
+             scanned.seen, file.device};
 }
 
-bool media_library::update(const track_ptr& track, std::string_view encoded, library_changes& changes) {
+void media_library::update(const track_ptr& track, std::string_view encoded, bool is_other_sound, outcome& done) {
     const auto before = track->info();
     const auto after = make_snapshot(decode_info(encoded));
-    if (before && before->info() == after->info()) return false;
+    if (before && before->info() == after->info()) {
+        ++done.tracks_unchanged;
+        return;
+    }
     track->publish(after);
-    changes.modified.push_back(track);
-    if (before && is_same_sound(before->info(), after->info())) changes.edited.push_back({track, before, after});
-    return true;
+    done.changes.modified.push_back(track);
+    if (before && is_same_sound(before->info(), after->info()))
+        (is_other_sound ? done.assumed : done.changes.edited).push_back({track, before, after});
 }
 
-void media_library::drop(std::span<const std::string> paths, library_changes& changes) {
-    if (paths.empty()) return;
-    sqlite::transaction removing(store_.database());
-    for (const auto& path : paths) store_.remove_file(files_.at(path).id);
-    removing.commit();
-    for (const auto& path : paths) {
+void media_library::drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more) {
+    auto moved = find_moved_files(files_, folders_, gone, std::move(done.displaced));
+    sqlite::transaction dropping(store_.database());
+    for (const auto& path : gone) store_.remove_file(files_.at(path).id);
+    for (const auto& path : moved.paths) store_.forget_edits(path);
+    for (const auto& [track, before, after, from] : moved.edits)
+        store_.put_edit({track->location().path, {from->subsong, encode_info(before->info())}, from->path});
+    more();
+    dropping.commit();
+
+    for (const auto& path : gone) {
         const auto found = files_.find(path);
-        changes.removed.insert(changes.removed.end(), found->second.tracks.begin(), found->second.tracks.end());
+        done.changes.removed.insert(done.changes.removed.end(), found->second.tracks.begin(), found->second.tracks.end());
         files_.erase(found);
+    }
+    // What looked like a new coding of the same sound is another one if either of the two is found elsewhere.
+    std::erase_if(done.assumed, [&](const track_edit& each) { return moved.paths.contains(each.track->location().path); });
+    done.tracks_moved = moved.edits.size();
+    std::ranges::move(moved.edits, std::back_inserter(done.changes.edited));
+    done.unclear = std::move(moved.unclear);
+}
+
+void media_library::note_scan(const scan_report& report) {
+    for (const auto& path : report.on_other_device) {
+        const auto found = files_.find(path);
+        if (found == files_.end() || found->second.device == found->second.seen_on) continue;
+        store_.set_device(found->second.id, found->second.seen_on);
+        found->second.device = found->second.seen_on;
+    }
+    if (report.is_stopped) return;
+    for (auto& folder : folders_) {
+        const bool is_seen = std::ranges::find(report.folders_seen, folder.id) != report.folders_seen.end();
+        if (!is_seen || folder.scanned >= last_arrival_) continue;
+        folder.scanned = scan_number_;
+        store_.set_scanned(folder);
     }
 }
 
-void media_library::notify(const library_changes& changes) {
+void media_library::notify(outcome& done) {
     items_valid_ = false;
-    if (!changes.empty()) observer_.on_library_changed(changes);
+    std::ranges::move(done.assumed, std::back_inserter(done.changes.edited));
+    if (!done.changes.empty()) observer_.on_library_changed(done.changes);
 }
 
 std::vector<file_problem> media_library::refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode) {
     std::vector<file_problem> problems;
-    library_changes changes;
+    outcome done;
+    auto& changes = done.changes;
     std::vector<scanned_file> of_library;
-    std::set<std::string_view> done;
+    std::set<std::string_view> seen;
     for (const auto& track : tracks) {
         const auto& path = track->location().path;
         if (mode == refresh_mode::unknown_only && track->has_info()) continue;
-        if (!done.insert(path).second) continue;
+        if (!seen.insert(path).second) continue;
         try {
             const auto stamp = status_of(path).stamp;
             const auto known = files_.find(path);
@@ -208,21 +296,22 @@ std::vector<file_problem> media_library::refresh_tracks(std::span<const track_pt
                     changes.modified.back()->publish(info);
                 }
             } else if (mode != refresh_mode::if_changed || !is_unchanged(known->second, stamp)) {
-                of_library.push_back(scan_file({path, stamp, known->second.folder}, reader_));
+                of_library.push_back(scan_file({path, stamp, known->second.folder, known->second.device}, reader_));
             }
         } catch (const std::exception& failure) {
             problems.push_back({path, reason_of(failure, path)});
         }
     }
-    if (!of_library.empty()) save(std::move(of_library), changes);
+    if (!of_library.empty()) save(std::move(of_library), scan_number_ + 1, done);
     changes.edited.clear();
-    notify(changes);
+    done.assumed.clear();
+    notify(done);
     return problems;
 }
 
 std::vector<track_edit> media_library::unfinished_edits() const {
     std::vector<track_edit> edits;
-    for (const auto& [path, before] : store_.edits()) {
+    for (const auto& [path, before, path_before] : store_.edits()) {
         const auto known = files_.find(path);
         if (known == files_.end()) continue;
         const auto& tracks = known->second.tracks;
@@ -232,8 +321,11 @@ std::vector<track_edit> media_library::unfinished_edits() const {
         if (track == tracks.end()) continue;
         auto old = make_snapshot(decode_info(before.encoded));
         auto now = (*track)->info();
-        if (now && !(old->info() == now->info()) && is_same_sound(old->info(), now->info()))
-            edits.push_back({*track, std::move(old), std::move(now)});
+        const bool is_edit =
+            now && (path_before || !(old->info() == now->info())) && is_same_sound(old->info(), now->info());
+        if (!is_edit) continue;
+        edits.push_back({*track, std::move(old), std::move(now)});
+        if (path_before) edits.back().location_before = {*path_before, before.subsong};
     }
     return edits;
 }

@@ -8,28 +8,21 @@
 
 #include "player/library/cue_files.h"
 #include "player/library/folder_rules.h"
+#include "player/library/ignored_paths.h"
 #include "player/library/library_changes.h"
 #include "player/library/library_files.h"
 #include "player/library/library_store.h"
 #include "player/library/playlists.h"
-#include "player/library/scan_types.h"
+#include "player/library/scan_summary.h"
 #include "player/library/track_table.h"
 
 namespace ostrevan::library {
 
-/// What a scan did, for the user.
-struct scan_summary {
-    std::size_t tracks_added = 0;
-    std::size_t tracks_updated = 0;
-    std::size_t tracks_unchanged = 0;
+/// What became of a request for several paths.
+struct path_changes {
     std::size_t tracks_removed = 0;
-    std::vector<absent_place> absent;
-    std::vector<file_problem> problems;
-    bool is_stopped = false;  // what was read before is saved; the next scan goes on
+    std::vector<file_problem> refused;
 };
-
-/// Sentences for the user: what could not be looked at, that its tracks were kept, and what to do.
-std::string describe(const absent_place& place);
 
 /// Whose information `refresh_tracks` reads from the file.
 enum class refresh_mode { unknown_only, if_changed, always };
@@ -48,14 +41,23 @@ public:
     /// By path, then subsong. Valid until the library changes.
     [[nodiscard]] const std::vector<track_ptr>& items() const;
 
-    // The observer is told before these return or throw; what they throw is library_error before anything has changed, or
-    // sqlite::error, after which the library is as far as the last portion that could be saved.
+    // The observer is told before these return or throw; what they throw is sqlite::error, after which the library is as far
+    // as the last portion that could be saved. A path that does not fit is refused with the reason; the others are served.
 
-    /// Adds all of the folders or none, and scans them.
+    /// Adds the folders and scans them.
     scan_summary add_folders(std::span<const std::string> paths, const scan_options& options = {});
-    /// Answers the number of tracks that have left the library. Nothing happens to the files.
-    std::size_t remove_folders(std::span<const std::string> paths);
+    /// Nothing happens to the files.
+    path_changes remove_folders(std::span<const std::string> paths);
+    /// Scans all folders.
     scan_summary rescan(const scan_options& options = {});
+    /// Scans the folders of the library that these paths are, or lie in.
+    scan_summary rescan(std::span<const std::string> paths, const scan_options& options = {});
+
+    /// Files and folders inside the library that are not to be part of it.
+    [[nodiscard]] const ignored_paths& ignored() const noexcept { return ignored_; }
+    path_changes ignore(std::span<const std::string> paths);
+    /// The next scan looks at them again.
+    path_changes stop_ignoring(std::span<const std::string> paths);
 
     /// Reads files again, also of tracks that are not in the library: new snapshots are published, those of the library
     /// stored, and the observer told of what is modified, added or removed; never of edits, since they are the caller's.
@@ -70,15 +72,17 @@ public:
     [[nodiscard]] library::playlists& playlists() noexcept { return playlists_; }
 
 private:
+    struct outcome;
+
     void load();
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
-    // Both answer the number of tracks whose information is what it was.
-    std::size_t save(std::vector<scanned_file>&& files, library_changes& changes);
-    std::size_t apply(scanned_file&& file, library_changes& changes);
-    /// False when the track says what it said before.
-    static bool update(const track_ptr& track, std::string_view encoded, library_changes& changes);
-    void drop(std::span<const std::string> paths, library_changes& changes);
-    void notify(const library_changes& changes);
+    void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done);
+    void apply(scanned_file&& file, bool is_other_sound, outcome& done);
+    static void update(const track_ptr& track, std::string_view encoded, bool is_other_sound, outcome& done);
+    /// Drops files, after what else is to be done in the same transaction, and lets those that have moved follow.
+    void drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more);
+    void note_scan(const scan_report& report);
+    void notify(outcome& done);
 
     library_store store_;
     track_table& tracks_;
@@ -87,6 +91,9 @@ private:
     library::playlists playlists_;
     std::vector<library_folder> folders_;
     library_files files_;
+    ignored_paths ignored_;
+    std::uint64_t scan_number_ = 0;  // of the last scan
+    std::uint64_t last_arrival_ = 0;
     mutable std::vector<track_ptr> items_;
     mutable bool items_valid_ = false;
 };

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
+#include <new>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -20,7 +22,8 @@ constexpr auto longest_portion = std::chrono::seconds(1);
 /// An audio file is like a sheet without sources.
 cue_contents contents_of(const std::string& path, const info_reader& reader) {
     if (is_cue_path(path)) return read_cue(path, reader);
-    return {{}, split_embedded(reader(path))};
+    auto [info, sound] = reader(path);
+    return {{}, split_embedded(std::move(info)), sound};
 }
 
 class reading {
@@ -52,8 +55,6 @@ private:
             last_ = &job;
             read_.push_back(std::move(file));
             if (read_.size() % files_a_portion == 0) workers_.wake();
-        } catch (const std::bad_alloc&) {
-            throw;  // says nothing about the file
         } catch (const std::exception& failure) {
             const std::lock_guard guard(mutex_);
             last_ = &job;
@@ -97,9 +98,14 @@ private:
 }  // namespace
 
 scanned_file scan_file(const read_job& job, const info_reader& reader) {
-    auto [sources, tracks] = contents_of(job.path, reader);
-    scanned_file result{{0, job.folder, job.path, job.stamp, std::move(sources)}, {}, 0};
-    for (const auto& [subsong, info] : tracks) result.tracks.push_back({subsong, encode_info(info)});
+    auto contents = contents_of(job.path, reader);
+    scanned_file result{.file = {.folder = job.folder,
+                                 .path = job.path,
+                                 .stamp = job.stamp,
+                                 .device = job.device,
+                                 .sound = contents.sound,
+                                 .sources = std::move(contents.sources)}};
+    for (const auto& [subsong, info] : contents.tracks) result.tracks.push_back({subsong, encode_info(info)});
     return result;
 }
 
@@ -116,6 +122,10 @@ void read_files(std::span<const read_job> jobs, const info_reader& reader, worke
 }
 
 std::string reason_of(const std::exception& failure, const std::string& path) {
+    // What a file asks for that gives its own size wrongly.
+    if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ||
+        dynamic_cast<const std::length_error*>(&failure) != nullptr)
+        return "reading it takes more memory than there is; the file is probably damaged";
     std::string_view text = failure.what();
     if (text.starts_with(path) && text.substr(path.size()).starts_with(": ")) text.remove_prefix(path.size() + 2);
     return std::string(text);

@@ -21,6 +21,7 @@ struct read_job {
     std::string path;
     file_stamp stamp;
     std::int64_t folder = 0;
+    std::uint64_t device = 0;  // of the folder that it is in
 };
 
 /// Reads the tracks of one file of the library; throws with the reason. [any-thread]

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <atomic>
 #include <iterator>
+#include <map>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 
 #include "player/library/audio_claims.h"
+#include "player/library/disk_check.h"
 #include "player/library/folder_walk.h"
 #include "player/library/name_filter.h"
 #include "player/library/read_files.h"
@@ -16,22 +18,13 @@
 namespace ostrevan::library {
 namespace {
 
-std::uint64_t next_scan_number() noexcept {
-    static std::atomic<std::uint64_t> last = 0;
-    return ++last;
-}
-
-bool is_below(std::string_view path, std::string_view place) noexcept {
-    return path.starts_with(place) && (path.size() == place.size() || path[place.size()] == '/' || place == "/");
-}
-
 std::string folder_of(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
 class scan {
 public:
-    scan(std::span<const library_folder> folders, library_files& files, const info_reader& reader,
-         const scan_options& options, const scan_sink& sink)
-        : folders_(folders),
+    scan(const scan_request& request, library_files& files, const info_reader& reader, const scan_options& options,
+         const scan_sink& sink)
+        : request_(request),
           files_(files),
           reader_(reader),
           options_(options),
@@ -39,16 +32,18 @@ public:
           workers_(options.workers, options.stop) {}
 
     scan_report run() {
-        for (const auto& folder : folders_)
+        for (const auto& folder : request_.folders)
             if (!workers_.is_stopped()) walk(folder);
         // Only a walk that has seen everything can tell what is gone.
         if (!workers_.is_stopped()) {
             unseen_ = files_.size() - seen_;
+            note_devices();
             read_sheets();
             read_audio();
-            find_gone();
         }
         report_.is_stopped = workers_.is_stopped();
+        // Nor can the tracks of a file that has moved be told from those of a deleted one before everything was read.
+        if (!report_.is_stopped) find_gone();
         report_.tracks_unchanged = tracks_unchanged_;
         std::ranges::sort(report_.problems, {}, &file_problem::path);
         tell({});
@@ -57,20 +52,20 @@ public:
 
 private:
     void walk(const library_folder& folder) {
-        const walk_rules rules{
-            [this](std::string_view name) { return names_.is_wanted(name); },
-            [this](const std::string& path, const file_stamp& stamp) { return is_of_interest(path, stamp); },
-            [this](const std::string& directory) { tell(directory); }};
+        const walk_rules rules{[this](std::string_view name) { return names_.is_wanted(name); },
+                               [this](const std::string& path) { return request_.ignored.contains(path); },
+                               [this](const found_file& file) { return is_of_interest(file); },
+                               [this](const std::string& directory) { tell(directory); }};
         tell(folder.path);
         auto found = walk_folder(folder.path, rules, workers_);
-        for (auto& [path, stamp] : found.files)
-            (is_cue_path(path) ? sheets_ : audio_).push_back({std::move(path), stamp, folder.id});
+        for (auto& [path, stamp, device] : found.files)
+            (is_cue_path(path) ? sheets_ : audio_).push_back({std::move(path), stamp, folder.id, device});
         if (found.root_reason.empty() && found.is_empty && holds_files(folder.id)) found.root_reason = "it is empty";
-        if (found.root_reason.empty()) folders_seen_.insert(folder.id);
-        else report_.absent.push_back({folder.path, std::move(found.root_reason), 0, true});
+        if (found.root_reason.empty()) report_.folders_seen.push_back(folder.id);
+        else report_.absent.push_back({folder.path, std::move(found.root_reason), 0, absence::library_folder});
         for (auto& [path, reason, leads_nowhere] : found.hidden) {
             if (leads_nowhere) dead_links_.insert(path);
-            report_.absent.push_back({std::move(path), std::move(reason), 0, false});
+            report_.absent.push_back({std::move(path), std::move(reason), 0, absence::hidden});
         }
     }
 
@@ -79,16 +74,27 @@ private:
     }
 
     /// Called by the walk's threads. Each path is met by one of them, and so is its record.
-    bool is_of_interest(const std::string& path, const file_stamp& stamp) {
+    bool is_of_interest(const found_file& there) {
         known_.fetch_add(1, std::memory_order_relaxed);
-        const auto found = files_.find(path);
+        const auto found = files_.find(there.path);
         if (found == files_.end()) return true;
         auto& file = found->second;
-        file.seen = number_;
+        file.seen = request_.number;
+        file.seen_on = there.device;
+        if (file.device != there.device) devices_changed_.store(true, std::memory_order_relaxed);
         seen_.fetch_add(1, std::memory_order_relaxed);
-        if (!(file.stamp == stamp) || is_cue_path(path)) return true;
+        if (!(file.stamp == there.stamp) || !file.sound || is_cue_path(there.path)) return true;
         note_unchanged(file);
         return false;
+    }
+
+    void note_devices() {
+        if (!devices_changed_ && unseen_ == 0) return;
+        for (const auto& [path, file] : files_) {
+            if (file.seen != request_.number) continue;
+            disks_.note(file.device, file.seen_on);
+            if (file.device != file.seen_on) report_.on_other_device.push_back(path);
+        }
     }
 
     void note_unchanged(const library_file& file) {
@@ -123,7 +129,7 @@ private:
             std::erase_if(audio_, [this](const read_job& each) { return claims_.contains(each.path) && drop(each.path); });
         // What was listed by itself so far, and has not changed.
         for (const auto& path : claims_.paths())
-            if (const auto known = files_.find(path); known != files_.end() && known->second.seen == number_) {
+            if (const auto known = files_.find(path); known != files_.end() && known->second.seen == request_.number) {
                 tracks_unchanged_ -= known->second.tracks.size();
                 drop(path);
             }
@@ -132,7 +138,7 @@ private:
     }
 
     void deliver(std::vector<scanned_file>&& files) {
-        for (auto& file : files) file.seen = number_;
+        for (auto& file : files) file.seen = request_.number;
         sink_(std::move(files));
     }
 
@@ -145,22 +151,39 @@ private:
         return true;
     }
 
-    [[nodiscard]] bool is_gone(std::string_view path, const library_file& file) const {
-        return file.seen != number_ && folders_seen_.contains(file.folder) &&
-               std::ranges::none_of(report_.absent, [&](const absent_place& place) { return is_below(path, place.path); });
+    [[nodiscard]] bool is_gone(const std::string& path, const library_file& file) const {
+        return file.seen != request_.number && is_in_seen_folder(file) && absent_place_of(path) == report_.absent.size() &&
+               !place_without_disk(path, file);
     }
 
-    /// What lies below an absent place is kept, and counted there.
+    [[nodiscard]] bool is_in_seen_folder(const library_file& file) const {
+        return std::ranges::find(report_.folders_seen, file.folder) != report_.folders_seen.end();
+    }
+
+    /// Audio that a sheet has claimed and files that the user ignores have left, wherever they are.
+    [[nodiscard]] std::optional<std::string> place_without_disk(const std::string& path, const library_file& file) const {
+        if (claims_.contains(path)) return std::nullopt;
+        return disks_.place_without_disk(path, file.device);
+    }
+
+    [[nodiscard]] std::size_t absent_place_of(std::string_view path) const {
+        const auto place =
+            std::ranges::find_if(report_.absent, [&](const absent_place& each) { return is_below(path, each.path); });
+        return static_cast<std::size_t>(place - report_.absent.begin());
+    }
+
+    /// What lies below an absent place, or on a disk that is away, is kept and counted there.
     void find_gone() {
         if (unseen_ == 0 && report_.absent.empty()) return;
+        std::map<std::string, std::size_t> on_other_disk;
         for (const auto& [path, file] : files_) {
-            if (file.seen == number_) continue;
-            // clang 14 lets a lambda capture a structured binding only under another name.
-            const auto place = std::ranges::find_if(
-                report_.absent, [&gone = path](const absent_place& each) { return is_below(gone, each.path); });
-            if (place != report_.absent.end()) place->tracks_kept += file.tracks.size();
+            if (file.seen == request_.number) continue;
+            if (const auto place = absent_place_of(path); place != report_.absent.size())
+                report_.absent[place].tracks_kept += file.tracks.size();
             else if (is_gone(path, file)) report_.gone.push_back(path);
+            else if (is_in_seen_folder(file)) on_other_disk[*place_without_disk(path, file)] += file.tracks.size();
         }
+        for (const auto& [path, kept] : on_other_disk) report_.absent.push_back({path, {}, kept, absence::other_disk});
         // A link that leads nowhere matters only when it led to something before.
         std::erase_if(report_.absent,
                       [&](const absent_place& each) { return each.tracks_kept == 0 && dead_links_.contains(each.path); });
@@ -175,14 +198,13 @@ private:
         if (options_.on_progress) options_.on_progress({done_, known_, folder});
     }
 
-    const std::span<const library_folder> folders_;
+    const scan_request& request_;
     library_files& files_;
     const info_reader& reader_;
     const scan_options& options_;
     const scan_sink& sink_;
     worker_group workers_;
     const name_filter names_;
-    const std::uint64_t number_ = next_scan_number();
 
     std::atomic<std::size_t> done_ = 0;
     std::atomic<std::size_t> known_ = 0;
@@ -192,16 +214,17 @@ private:
     std::vector<read_job> sheets_;
     std::vector<read_job> audio_;
     audio_claims claims_;
-    std::unordered_set<std::int64_t> folders_seen_;
+    disk_check disks_;
+    std::atomic<bool> devices_changed_ = false;
     std::unordered_set<std::string> dead_links_;
     scan_report report_;
 };
 
 }  // namespace
 
-scan_report scan_folders(std::span<const library_folder> folders, library_files& files, const info_reader& reader,
+scan_report scan_folders(const scan_request& request, library_files& files, const info_reader& reader,
                          const scan_options& options, const scan_sink& sink) {
-    return scan(folders, files, reader, options, sink).run();
+    return scan(request, files, reader, options, sink).run();
 }
 
 }  // namespace ostrevan::library

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,11 @@ struct stored_file {
     std::int64_t folder = 0;
     std::string path;
     file_stamp stamp;
-    std::vector<source_file> sources;  // for a CUE sheet: the audio it refers to
+    std::uint64_t device = 0;  // of the folder that it was found in; 0 when not known
+    /// Mark of the encoded audio, 0 when there is none. Nothing when the file was read by a version that took no marks.
+    std::optional<std::uint64_t> sound{};
+    std::uint64_t arrived = 0;           // number of the scan that first found this sound at this path
+    std::vector<source_file> sources{};  // for a CUE sheet: the audio it refers to
 };
 
 struct stored_track {
@@ -22,10 +27,11 @@ struct stored_track {
     std::string encoded;  // by encode_info
 };
 
-/// What a track of the library said before it was changed.
+/// What a track of the library said before it was changed, and where it was then if it has moved.
 struct stored_edit {
     std::string path;
     stored_track before;
+    std::optional<std::string> path_before;
 };
 
 }  // namespace ostrevan::library

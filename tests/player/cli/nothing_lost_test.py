@@ -40,7 +40,7 @@ class NothingLost(PlayerTest):
                 title = self.track(path)["title"].encode()
                 [(file, info)] = database.execute("SELECT file, info FROM tracks JOIN files ON id = file WHERE path = ?",
                                                   (str(path).encode(),))
-                database.executemany("INSERT INTO edits VALUES(?, 0, ?)", [(str(path).encode(), info)] * times)
+                database.executemany("INSERT INTO edits(path, subsong, info) VALUES(?, 0, ?)", [(str(path).encode(), info)] * times)
                 database.execute("UPDATE tracks SET info = ? WHERE file = ?", (info.replace(title, b"Z" + title[1:]), file))
         database.close()
         self.run_player("components")  # they follow while it starts

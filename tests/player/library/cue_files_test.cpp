@@ -73,20 +73,24 @@ TEST_F(cue_files, a_sheet_inside_the_file_makes_subsongs_of_it) {
     put("b.flac", "title=Plain\ncuesheet=nonsense\n");
     add_music();
     EXPECT_EQ(listing(), "a.flac|1:One\na.flac|2:Two\nb.flac:Plain\n");
-    const auto second = resolve_playable(path, 2, reader_);
-    EXPECT_EQ(second.path, path);
-    EXPECT_EQ(second.start, 60);
-    EXPECT_FALSE(second.end);
+    for (const auto& [subsong, start, end] : {std::tuple(1U, 0, std::optional(60.0)), {2U, 60, std::nullopt}}) {
+        const auto part = resolve_playable(path, subsong, reader_);
+        EXPECT_EQ(part.path, path);
+        EXPECT_EQ(part.start, start);
+        EXPECT_EQ(part.end, end);
+    }
     EXPECT_THROW(static_cast<void>(resolve_playable(path, 3, reader_)), cue_error);
 }
 
 TEST_F(cue_files, find_audio_that_was_converted_or_renamed) {
+    const auto outside = put("../outside.mp3", "title=Not of this folder\n").string();
     for (const auto* name : {"Track.FLAC", "other.mp3", "sheet.opus", "text.txt", "sub/deep.flac"})
         put(name, "length=100\n");
-    const std::pair<const char*, const char*> cases[] = {
+    const std::pair<std::string, const char*> cases[] = {
         {"Track.FLAC", "Track.FLAC"}, {"track.flac", "Track.FLAC"},         {"Track.wav", "Track.FLAC"},
         {"OTHER.wav", "other.mp3"},   {"C:\\rips\\other.wav", "other.mp3"}, {"sub\\deep.flac", "sub/deep.flac"},
-        {"gone.wav", "sheet.opus"},   {"text.txt", "sheet.opus"},
+        {"gone.wav", "sheet.opus"},   {"text.txt", "sheet.opus"},           {"../outside.mp3", "sheet.opus"},
+        {outside, "sheet.opus"},      {"sub/../other.mp3", "other.mp3"},
     };
     for (const auto& [named, found] : cases) {
         const auto cue = put("sheet.cue", sheet_of(named)).string();
@@ -97,6 +101,20 @@ TEST_F(cue_files, find_audio_that_was_converted_or_renamed) {
     fs::remove(music_ / "sheet.opus");
     const auto cue = put("sheet.cue", sheet_of("gone.wav")).string();
     EXPECT_THROW(static_cast<void>(resolve_playable(cue, 1, reader_)), cue_error);
+}
+
+TEST_F(cue_files, copy_no_long_text_into_each_of_their_tracks) {
+    const std::string longest(longest_cue_value, 'x'), longer = longest + 'x';
+    put("a.flac", "comment=" + longer + "\nlabel=" + longest + "\ngenre=" + longest + "\ngenre=x\nlyrics=Words\n");
+    // That each names the file for itself does not make it a file with one track.
+    put("a.cue", "TITLE " + longer + "\nPERFORMER " + longest + "\nFILE a.flac WAVE\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n" +
+                     "FILE A.wav WAVE\nTRACK 02 AUDIO\nTITLE " + longer + "\nTITLE B\nTITLE Two\nINDEX 01 00:00:00\n");
+    add_music();
+    EXPECT_EQ(listing(), "a.cue|1\na.cue|2:Two\n");
+    const auto& info = library_->items()[1]->info()->info();
+    const std::pair<const char*, bool> fields[] = {{"comment", false}, {"label", true},  {"genre", false},
+                                                   {"lyrics", false},  {"album", false}, {"artist", true}};
+    for (const auto& [name, is_there] : fields) EXPECT_EQ(info.meta_exists(name), is_there) << name;
 }
 
 }  // namespace

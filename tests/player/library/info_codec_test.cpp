@@ -22,23 +22,16 @@ ostrevan::file_info sample() {
     return info;
 }
 
-TEST(info_codec, gives_back_what_it_took) {
+TEST(info_codec, gives_back_what_it_took_and_survives_every_changed_byte) {
     for (const auto& info : {ostrevan::file_info(), sample()}) EXPECT_EQ(decode_info(encode_info(info)), info);
-}
-
-TEST(info_codec, survives_every_truncation_and_every_changed_byte) {
-    const std::string whole = encode_info(sample());
     EXPECT_THROW(decode_info(""), ostrevan_io::exception_io_data);
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        for (const auto value : {'\0', '\x7F', '\xFF'}) {
-            std::string changed = whole;
-            changed[i] = value;
-            for (const auto& bytes : {changed, changed.substr(0, i + 1)}) {
-                try {
-                    static_cast<void>(decode_info(bytes));
-                } catch (const ostrevan_io::exception_io_data&) {
-                }
-            }
+    const std::string whole = encode_info(sample());
+    for (std::size_t i = 0; i < 2 * whole.size(); ++i) {
+        std::string changed = whole.substr(0, i < whole.size() ? whole.size() : i - whole.size());
+        if (i < whole.size()) changed[i] ^= '\x7F';
+        try {
+            static_cast<void>(decode_info(changed));
+        } catch (const ostrevan_io::exception_io_data&) {
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <stdlib.h>
 
 #include <algorithm>
@@ -11,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -24,16 +24,12 @@ namespace library_test {
 namespace fs = std::filesystem;
 using namespace ostrevan::library;
 
-inline std::string contents_of(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// Reads "name=value" lines where a tag reader would read audio; "length" and "codec" are the sound.
-inline ostrevan::file_info read_lines(const std::string& path) {
+/// Reads "name=value" lines where a tag reader would read audio; "length", "codec" and the mark "sound" are the sound.
+inline ostrevan::tags::audio_reading read_lines(const std::string& path) {
     std::ifstream file(path);
     if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
     ostrevan::file_info info;
+    std::uint64_t sound = 0;
     for (std::string line; std::getline(file, line);) {
         const auto equals = line.find('=');
         if (equals == line.npos) throw std::runtime_error("the file is damaged");
@@ -43,9 +39,10 @@ inline ostrevan::file_info read_lines(const std::string& path) {
             if (each == ';') each = '\n';  // for a sheet in a field
         if (name == "length") info.set_length(std::stod(value));
         else if (name == "codec") info.set_codec(value);
+        else if (name == "sound") sound = std::stoull(value);
         else info.meta_add(name, value);
     }
-    return info;
+    return {std::move(info), sound};
 }
 
 /// A music folder and a database of their own.
@@ -71,6 +68,15 @@ protected:
         return full;
     }
 
+    /// Does something to the database behind the library's back.
+    void change_database(const char* sql) {
+        library_.reset();
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open((folder_ / "library.sqlite").c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+        sqlite3_close(database);
+    }
+
     /// The library as a new process sees it.
     media_library& reopen() {
         library_.reset();
@@ -93,12 +99,14 @@ protected:
         return summary;
     }
 
-    /// Path below the music folder, "|subsong" if it is not 0, and the title, in order.
+    /// Path below the music folder, the name after a slash if it lies elsewhere, "|subsong" if it is not 0, and the title,
+    /// in order.
     std::string listing() {
         std::string text;
         for (const auto& track : library_->items()) {
             const auto& [path, subsong] = track->location();
-            text += path.substr(music_.string().size() + 1);
+            const auto inside = path.starts_with(music_.string()) ? music_.string().size() + 1 : path.rfind('/');
+            text += path.substr(inside);
             if (subsong != 0) text += "|" + std::to_string(subsong);
             const auto info = track->info();
             const auto title = info ? info->info().meta_find("title") : ostrevan::file_info::npos;

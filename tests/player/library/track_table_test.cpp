@@ -51,10 +51,8 @@ TEST(track, shows_one_whole_snapshot_after_the_other_to_all_threads) {
     };
     std::jthread other(read);
     read();
-}
-
-TEST(track, holds_no_information_when_its_stored_form_is_damaged) {
-    const auto handle = ostrevan::service_new<track>(ostrevan::playable_location{"/m/a", 0});
+    writer.request_stop();
+    writer.join();
     handle->publish_encoded("\x01garbage");
     EXPECT_FALSE(handle->info());
     EXPECT_FALSE(handle->has_info());
