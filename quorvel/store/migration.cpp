@@ -52,8 +52,8 @@ older_records find_older_records(const StatsOp& op, ostrevan::metadb_handle_list
         }
     }
     std::ranges::sort(result.found);
-    const auto repeated = std::ranges::unique(result.found);
-    result.found.erase(repeated.begin(), repeated.end());
+    // clang 14 does not compile the ranges' form of it.
+    result.found.erase(std::unique(result.found.begin(), result.found.end()), result.found.end());
     return result;
 }
 
