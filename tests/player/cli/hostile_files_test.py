@@ -1,5 +1,6 @@
 """Files that are made to do harm: no signal, no hang, bounded memory; the bad one is named, the good one beside it works."""
 import os
+import pty
 import resource
 import shutil
 import socket
@@ -89,6 +90,36 @@ class HostileFiles(PlayerTest):
         self.assertIn("Number flac", out)  # the last one is reached
         with self.assertRaises(BlockingIOError):
             listener.accept()
+
+    def test_a_sheet_is_not_multiplied(self):
+        text = "x" * 400000
+        sheet = f'TITLE "{text}"\nREM GENRE "{text}"\n' + 'FILE "good.flac" WAVE\n' + "".join(
+            f"  TRACK {n:02} AUDIO\n    INDEX 01 00:{n // 75:02}:{n % 75:02}\n" for n in range(1, 100))
+        (self.music / "sheet.cue").write_text(sheet)
+        status = self.limited("library", "add", self.music)[0]
+        self.assertEqual(len(self.tracks()), 1 if status else 99)
+        self.assertLess(sum(each.stat().st_size for each in self.profile.iterdir()), 20 << 20)
+
+    def test_names_and_tags_do_not_reach_the_terminal_as_commands(self):
+        bad = [path for path in hostile_files.make(self.music, AUDIO) if "owned" in path.name or path.name == "says.flac"]
+        self.limited("library", "add", self.music)
+        for words in (("play", "--audio", "null", "--fast"), ("format", "%title%"), ("list", "--format", "%title%"), ("list",)):
+            reader, terminal = pty.openpty()
+            process = subprocess.Popen(self.command(*words, *(bad if words[0] in ("play", "format") else [])), env=self.env,
+                                       stdin=subprocess.DEVNULL, stdout=terminal, stderr=terminal)
+            os.close(terminal)
+            shown = b""
+            try:
+                while part := os.read(reader, 65536):
+                    shown += part
+            except OSError:
+                pass  # the end of a terminal
+            os.close(reader)
+            process.wait(110)
+            with self.subTest(words=words):
+                self.assertIn(b"owned", shown)
+                for command in (b"\x1b]", b"\x07", b"\xc2\x9b", b"\xe2\x80\xae"):
+                    self.assertNotIn(command, shown)
 
 
 if __name__ == "__main__":
