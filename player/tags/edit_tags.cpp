@@ -67,7 +67,8 @@ void edit_tags(opened_file& opened, const file_info& before, const file_info& af
     require_values(before, after);
     const auto* source = source_of_fields(opened);
     // A new tag would hide the limited one from readers, so it takes over all fields.
-    const bool seeded = !holds_fields(opened.xiph_comment) && (source == nullptr || is_limited(source));
+    const bool seeded =
+        opened.kind != container::asf && !holds_fields(opened.xiph_comment) && (source == nullptr || is_limited(source));
     file_info nothing;
     const auto changes = difference(seeded ? nothing : before, after, style_of(opened.kind));
     auto& stream = *opened.stream;

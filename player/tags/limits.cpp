@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "player/tags/bytes.h"
+#include "player/tags/asf_objects.h"
 #include "player/tags/edit_bytes.h"
 #include "player/tags/limited_frames.h"
 #include "player/tags/open_file.h"
@@ -68,32 +68,20 @@ void require_limits_of_mp4(file_stream& stream) {
     }
 }
 
-/// Calls with the identifier and the body of each object, up to one that is damaged.
-template <class Call>
-void for_each_asf_object(std::string_view bytes, Call call) {
-    constexpr std::size_t header = 24;
-    while (bytes.size() >= header) {
-        const auto size = little_endian(bytes, 16, 8);
-        if (size < header || size > bytes.size()) return;
-        call(bytes.substr(0, 16), bytes.substr(header, size - header));
-        bytes.remove_prefix(size);
-    }
-}
-
 void require_limits_of_asf(file_stream& stream) {
     constexpr auto extension = "\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65"sv;
     constexpr std::string_view lists[] = {"\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50"sv,
                                           "\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA"sv,
                                           "\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54"sv};
-    constexpr std::size_t header_size = 30, extension_prefix = 22;
-    const std::string header = read_bytes(stream, 0, little_endian(read_bytes(stream, 16, 8), 0, 8));
+    constexpr std::size_t extension_prefix = 22;
+    const std::string header = asf_header_bytes(stream);
     std::size_t objects = 0;
     std::size_t entries = 0;
     const auto count = [&](std::string_view id, std::string_view body) {
         require_entries(++objects);
         if (std::ranges::find(lists, id) != std::end(lists)) require_entries(entries += little_endian(body, 0, 2));
     };
-    for_each_asf_object(std::string_view(header).substr(std::min(header.size(), header_size)), [&](auto id, auto body) {
+    for_each_asf_object(std::string_view(header).substr(std::min(header.size(), asf_header_size)), [&](auto id, auto body) {
         count(id, body);
         if (id != extension || body.size() < extension_prefix) return;
         for_each_asf_object(body.substr(extension_prefix), [&](auto inner, auto inner_body) {

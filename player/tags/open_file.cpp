@@ -3,7 +3,6 @@
 #include <aifffile.h>
 #include <apefile.h>
 #include <apetag.h>
-#include <asffile.h>
 #include <fcntl.h>
 #include <flacfile.h>
 #include <mp4file.h>
@@ -36,7 +35,7 @@ file_pointer open_with_frames(TagLib::IOStream& stream, limited_frames& frames) 
     return std::make_unique<File>(&stream, &frames, true, TagLib::AudioProperties::Fast);
 }
 
-/// In the order of `container`. Ogg is read and edited without the library.
+/// In the order of `container`. Ogg and Windows Media are read and edited without the library.
 constexpr file_pointer (*openers[])(TagLib::IOStream&, limited_frames&) = {
     open_with_frames<TagLib::MPEG::File>,
     open_with_frames<TagLib::FLAC::File>,
@@ -49,7 +48,7 @@ constexpr file_pointer (*openers[])(TagLib::IOStream&, limited_frames&) = {
     open_plain<TagLib::APE::File>,
     open_plain<TagLib::RIFF::WAV::File>,
     open_plain<TagLib::RIFF::AIFF::File>,
-    open_plain<TagLib::ASF::File>,
+    nullptr,
     open_with_frames<TagLib::TrueAudio::File>,
 };
 
@@ -85,9 +84,14 @@ void require_no_error(const file_stream& stream) {
     if (stream.error() != 0) throw tag_error(stream.path(), "cannot be read: " + reason_of_errno(stream.error()));
 }
 
-bool is_read_here(container kind) { return kind == container::flac || is_ogg(kind); }
+bool is_read_here(container kind) { return kind == container::flac || kind == container::asf || is_ogg(kind); }
 
 void read_here(opened_file& opened) {
+    if (opened.kind == container::asf) {
+        require_limits(opened.kind, *opened.stream);
+        opened.sound = sound_of_asf(*opened.stream);
+        return;
+    }
     opened.xiph_comment = read_xiph_comment(opened.kind, *opened.stream);
     if (opened.xiph_comment) require_entries(entries_stated_by(*opened.xiph_comment));
     if (opened.kind == container::flac) opened.sound = sound_of_flac(*opened.stream);

@@ -19,7 +19,7 @@ struct opened_file {
     std::unique_ptr<file_stream> stream;
     container kind{};
     std::unique_ptr<limited_frames> frames;
-    /// Null where reading needs no library: Ogg, and FLAC with nothing but a Vorbis comment.
+    /// Null where reading needs no library: Ogg, Windows Media, and FLAC with nothing but a Vorbis comment.
     std::unique_ptr<TagLib::File> file;
     ostrevan::tags::sound sound;
     /// The Vorbis comment of FLAC and Ogg, as it stands in the file.

@@ -1,6 +1,5 @@
 #include <aifffile.h>
 #include <apefile.h>
-#include <asffile.h>
 #include <flacfile.h>
 #include <mp4file.h>
 #include <mpegfile.h>
@@ -39,10 +38,6 @@ std::string codec_of(container kind, const TagLib::AudioProperties& sound) {
         return "MP" + std::to_string(mpeg->layer());
     if (const auto* mp4 = dynamic_cast<const TagLib::MP4::Properties*>(&sound))
         return mp4->codec() == TagLib::MP4::Properties::ALAC ? "ALAC" : "AAC";
-    if (const auto* asf = dynamic_cast<const TagLib::ASF::Properties*>(&sound)) {
-        constexpr const char* names[] = {"WMA", "WMA 1", "WMA 2", "WMA Pro", "WMA Lossless"};
-        return names[asf->codec()];
-    }
     switch (kind) {
         case container::wav:
         case container::aiff:

@@ -27,6 +27,9 @@ bool is_ogg(container kind) noexcept;
 
 sound sound_of(container kind, const TagLib::AudioProperties& properties);
 
+/// Of a Windows Media file, from its header: the library goes astray in a damaged one, at any cost.
+sound sound_of_asf(file_stream& stream);
+
 /// Of an Ogg file, from its first packet and its last page: the library takes twice as long over it as over all the rest.
 sound sound_of_ogg(container kind, file_stream& stream);
 
