@@ -61,6 +61,7 @@ void merge(const std::vector<legacy_record>& records, const std::vector<Gathered
         op.MergeStats(*key, records[i].stats, MergeType::MergeSum);
     }
     op.commit();
+    op.publish();
 }
 
 /// Returns how many records could not be put back to what they were.
@@ -77,6 +78,7 @@ std::size_t take_back(const earlier_records& before) {
         }
     }
     op.commit();
+    op.publish();
     return failed;
 }
 
@@ -94,9 +96,6 @@ void merge_and_save(const std::vector<legacy_record>& records) {
         throw std::runtime_error(std::string(e.what()) + ". " + std::to_string(failed) +
                                  " records have been added already, and will be once more at the next start");
     }
-    std::vector<std::uint64_t> keys;
-    for (const auto& [key, record] : before) keys.push_back(key);
-    refresh_keys(std::move(keys));
     if (const auto left_out = std::ranges::count_if(tracks, [](const auto& track) { return !track.key; }); left_out != 0)
         print_to_console(std::to_string(left_out) + " of " + std::to_string(records.size()) + " records in " +
                          legacy_file_name + " are of files that cannot be read; they were left out");

@@ -30,6 +30,7 @@ struct older_records {
     /// differ in what an older mapping leaves out share a record.
     std::vector<older_record> found;
     std::vector<metadb_handle_ptr> owners;
+    std::exception_ptr failure;  ///< of reading one of them
 };
 
 older_records find_older_records(const StatsOp& op, ostrevan::metadb_handle_list_cref tracks) {
@@ -44,7 +45,12 @@ older_records find_older_records(const StatsOp& op, ostrevan::metadb_handle_list
             const auto snapshot = track->info();
             if (!snapshot) continue;
             const std::uint64_t older_key = key_function->key_of(snapshot->info(), track->location());
-            if (!std::ranges::binary_search(held, older_key) || !op.Find(mappings[i], older_key)) continue;
+            if (!std::ranges::binary_search(held, older_key)) continue;
+            try {
+                if (!op.Find(mappings[i], older_key)) continue;
+            } catch (const std::exception&) {  // the tracks of all others are known when it is told
+                result.failure = std::current_exception();
+            }
             const auto key = KeyOf(snapshot->info(), track->location());
             if (!key || *key == 0) continue;
             result.found.push_back({i, older_key, *key});
@@ -91,8 +97,9 @@ std::vector<metadb_handle_ptr> take_over_older_records(ostrevan::metadb_handle_l
     const char* failure = "Playback statistics: records under older keys could not be taken over";
     try {
         StatsOp op;
-        auto [found, owners] = find_older_records(op, tracks);
+        auto [found, owners, unreadable] = find_older_records(op, tracks);
         waiting = std::move(owners);
+        if (unreadable) std::rethrow_exception(unreadable);
         if (found.empty()) return {};
         back_up_index("migration", nullptr);
         failure = "Track information database save failure";

@@ -6,6 +6,7 @@
 #include "quorvel/common/console_line.h"
 #include "quorvel/common/main_thread_post.h"
 #include "quorvel/common/settings.h"
+#include "quorvel/store/index_writer.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/tag_sync.h"
 
@@ -26,6 +27,7 @@ void sync_tags(const ostrevan::metadb_handle_ptr& track) noexcept {
 }
 
 void count_play(const ostrevan::metadb_handle_ptr& track, const reply_t& reply) noexcept {
+    if (opened_index() == nullptr) return reply(play_outcome::failed, "there is no index to keep statistics in");
     try {
         if (!PCDB::ItemPlayed(*track)) return reply(play_outcome::left_out, "nothing tells which track it is");
     } catch (const std::exception& e) {

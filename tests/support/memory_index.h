@@ -32,6 +32,7 @@ public:
     bool fail_backup = false;
     bool offer_transactions = true;
     bool fail_read = false;
+    std::optional<std::uint64_t> unreadable_key;
     bool fail_save = false;
     /// Writes that still succeed, each blob one.
     std::size_t writes_until_failure = unlimited;
@@ -57,7 +58,7 @@ public:
         registered.erase(index);
     }
     std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const override {
-        if (fail_read) throw std::runtime_error("index cannot be read");
+        if (fail_read || key == unreadable_key) throw std::runtime_error("index cannot be read");
         const std::lock_guard guard(lock_);
         const auto found = blobs_.find({index, key});
         if (found == blobs_.end()) return 0;

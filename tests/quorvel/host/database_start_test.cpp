@@ -161,15 +161,20 @@ TEST_F(migration, that_fails_keeps_back_the_dates_of_its_own_tracks_only) {
     const std::uint64_t older_key = key_under(repeated_track_mapping_guid, old);
     put(repeated_track_mapping_guid, older_key, {.play_count = 2, .added = 4});
     player.local_files.files[legacy_file] = "not looked at";
-    index.fail_backup = true;
-    start();
-    EXPECT_EQ(player.console.lines,
-              texts{"Playback statistics: records under older keys could not be taken over: no room for a copy"});
-    EXPECT_TRUE(player.popups.messages.empty()) << "the file of early releases waits too";
-    EXPECT_NE(PCDB::Get(*other).added, 0U);
-    EXPECT_EQ(PCDB::Get(*old), t_playback_stats{});
-
-    index.fail_backup = false;
+    for (const std::string reason : {"no room for a copy", "index cannot be read"}) {
+        index.fail_backup = reason == "no room for a copy";
+        if (!index.fail_backup) {
+            index.unreadable_key = older_key;
+            PCDB::Update(*KeyOf(*other), [](t_playback_stats& record) { record.added = 0; });
+        }
+        start();
+        EXPECT_EQ(player.console.lines,
+                  texts{"Playback statistics: records under older keys could not be taken over: " + reason});
+        EXPECT_TRUE(player.popups.messages.empty()) << "the file of early releases waits too";
+        EXPECT_NE(PCDB::Get(*other).added, 0U) << reason;
+        EXPECT_EQ(PCDB::Get(*old), t_playback_stats{});
+    }
+    index.unreadable_key.reset();
     index.writes_until_failure = 0;
     start();
     EXPECT_EQ(player.console.lines, texts{"Track information database save failure: index cannot be written"});

@@ -99,6 +99,13 @@ TEST_F(pcdb, collector_counts_on_the_main_thread_while_monitoring_is_on) {
     player.settle();
     ASSERT_EQ(player.console.lines.size(), 1U) << "a play that cannot be saved is reported, and the player goes on";
     EXPECT_NE(player.console.lines[0].find("/music/a.flac"), std::string::npos);
+
+    statistics_index::close();
+    auto outcome = ostrevan::play_outcome::counted;
+    ostrevan::query_service<ostrevan::playback_statistics_outcome>(collector)->on_item_played(
+        track, [&](ostrevan::play_outcome what, const char*) { outcome = what; });
+    player.settle();
+    EXPECT_EQ(outcome, ostrevan::play_outcome::failed) << "without an index";
 }
 
 TEST_F(pcdb, resets_everything_but_the_date_added) {
