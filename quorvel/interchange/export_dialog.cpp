@@ -82,14 +82,10 @@ private:
         if (fields == 0) return beep();
         // Read before the question, during which the window may go.
         const bool everything = !selection_ && window.is_checked(full_backup);
-        std::string path;
         try {
-            const auto answer = ask_for_destination(window);
-            if (!answer) return;
-            path = *answer;
-            exportToFile(path.c_str(), fields, everything ? nullptr : chosen_tracks().get());
-        } catch (const ostrevan::exception_aborted& e) {
-            report(std::string(e.what()) + ". The file is incomplete: " + path);
+            const auto path = ask_for_destination(window);
+            if (!path) return;
+            exportToFile(path->c_str(), fields, everything ? nullptr : chosen_tracks().get());
         } catch (const std::exception& e) {
             report(e.what());
         }
