@@ -99,7 +99,8 @@ void command_line::add_library() {
 void command_line::add_track_commands() {
     auto* const list = add(app_, "list", "List tracks of the library", list_examples);
     list->add_option("QUERY", list_.query, "A query, or words to search for; all tracks without one");
-    list->add_option("--column", list_.columns, "A column to show, may be repeated")->allow_extra_args(false);
+    list->add_option("--column", list_.columns, "A column to show, or a part of its name; may be repeated")
+        ->allow_extra_args(false);
     auto* const sort = list->add_option("--sort", list_.sort, "The column to sort by, whether it is shown or not");
     list->add_flag("--descending", list_.descending, "The largest first")->needs(sort);
     auto* const script = list->add_option("--format", list_.format, "One line a track by this title formatting script");

@@ -57,6 +57,7 @@ bool is_wanted(terminal& screen, std::size_t count) {
 }  // namespace
 
 void run(run_context& context, const edit_tags& arguments) {
+    context.player.require_writable();
     const auto tracks = tracks_of(context, arguments.tracks);
     if (tracks.empty()) return;
     if (arguments.tracks.where && tracks.get_count() > many && !is_wanted(context.screen, tracks.get_count())) return;

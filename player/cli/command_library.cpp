@@ -68,11 +68,15 @@ void run(run_context& context, const library_ignore& arguments) {
     auto& library = context.player.library();
     if (arguments.paths.empty())
         for (const auto& path : library.ignored()) std::cout << path << '\n';
-    else if (arguments.undo) refuse(context.screen, library.stop_ignoring(arguments.paths).refused);
-    else {
+    else if (arguments.undo) {
+        const auto done = library.stop_ignoring(arguments.paths);
+        refuse(context.screen, done.refused);
+        if (done.refused.size() < arguments.paths.size())
+            context.screen.note("No longer left out; 'ostrevan library rescan' reads it.");
+    } else {
         const auto done = library.ignore(arguments.paths);
         refuse(context.screen, done.refused);
-        if (done.tracks_removed != 0)
+        if (done.refused.size() < arguments.paths.size())
             context.screen.note(counted(done.tracks_removed, "track", "tracks") +
                                 " left the library. Files and statistics stay.");
     }

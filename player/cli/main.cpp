@@ -25,6 +25,7 @@ int run_all(const arguments& wanted, terminal& screen) {
     player.run_until_idle();
     screen.end_progress();
     player.save();
+    player.run_until_idle();  // what was said of the saving
     const int status = screen.exit_status();
     if (status == exit_done) screen.note_unused_answers();
     return status;

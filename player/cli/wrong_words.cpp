@@ -1,5 +1,6 @@
 #include "player/cli/wrong_words.h"
 
+#include <filesystem>
 #include <vector>
 
 #include "player/front/nearest.h"
@@ -30,11 +31,28 @@ std::vector<std::string> options_of(const std::vector<const CLI::App*>& chosen) 
     return names;
 }
 
+std::vector<const CLI::App*> subcommands_of(const CLI::App& app) {
+    return app.get_subcommands([](const CLI::App*) { return true; });
+}
+
 std::vector<std::string> commands_of(const CLI::App& app) {
     std::vector<std::string> names;
-    for (const auto* command : app.get_subcommands([](const CLI::App*) { return true; }))
-        names.push_back(command->get_name());
+    for (const auto* command : subcommands_of(app)) names.push_back(command->get_name());
     return names;
+}
+
+/// The commands, and then theirs, as `library rescan`.
+std::vector<std::string> near_commands_of(const CLI::App& app) {
+    auto names = commands_of(app);
+    for (const auto* command : subcommands_of(app))
+        for (const auto& name : commands_of(*command)) names.push_back(command->get_name() + " " + name);
+    return names;
+}
+
+std::string proposal_for(const std::string& option, const std::vector<std::string>& options) {
+    std::error_code ignored;
+    if (std::filesystem::exists(option, ignored)) return " The file of this name is written \"./" + option + "\".";
+    return front::did_you_mean(option.substr(0, option.find('=')), options);
 }
 
 }  // namespace
@@ -46,12 +64,12 @@ std::string describe_unknown_words(const CLI::App& app) {
     const auto& word = unknown.front();
     const auto quoted = "\"" + word + "\"";
     if (word.size() > 1 && word.front() == '-')
-        return "'" + name_of(chosen) + "' has no option " + quoted + "." +
-               front::did_you_mean(word.substr(0, word.find('=')), options_of(chosen)) + see_help(chosen);
+        return "'" + name_of(chosen) + "' has no option " + quoted + "." + proposal_for(word, options_of(chosen)) +
+               see_help(chosen);
     const auto commands = commands_of(*chosen.back());
     if (commands.empty()) return quoted + " is a word too many for '" + name_of(chosen) + "'." + see_help(chosen);
-    return "'" + name_of(chosen) + "' has no command " + quoted + "." + front::did_you_mean(word, commands) +
-           see_help(chosen);
+    return "'" + name_of(chosen) + "' has no command " + quoted + "." +
+           front::did_you_mean(word, near_commands_of(*chosen.back())) + see_help(chosen);
 }
 
 std::string describe_mistake(const CLI::App& app, const std::string& mistake) {

@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "nuv/text.h"
 #include "ostrevan/library_columns.h"
+#include "player/front/labels.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::front {
@@ -69,10 +69,12 @@ std::vector<column> default_columns(const service_registry& services) {
 
 column find_column(const std::vector<column>& columns, std::string_view name) {
     std::string names;
+    std::vector<std::string_view> labels;
     for (const auto& each : columns) {
-        if (nuv::equal_ascii_nocase(each.name, name)) return each;
+        labels.push_back(each.name);
         names += (names.empty() ? "" : ", ") + each.name;
     }
+    if (const auto match = find_label(labels, name); match.index) return columns[*match.index];
     throw std::invalid_argument("There is no column \"" + std::string(name) + "\". Columns are: " + names + ".");
 }
 

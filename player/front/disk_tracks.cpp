@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <unordered_set>
 #include <utility>
 
@@ -13,13 +14,15 @@
 
 namespace ostrevan::front {
 
-std::vector<library::track_ptr> tracks_on_disk(library::track_table& tracks, const std::string& path) {
+std::vector<library::track_ptr> tracks_on_disk(library::track_table& tracks, const std::string& path) try {
     std::vector<library::track_ptr> found;
     for (const auto& read : library::read_tracks({path, {}, 0}, tags::read_file).tracks) {
         found.push_back(tracks.obtain(path, read.subsong));
         found.back()->publish(read.info);
     }
     return found;
+} catch (const std::exception& error) {
+    throw std::runtime_error(path + ": " + library::reason_of(error, path));
 }
 
 folder_on_disk folder_tracks_on_disk(library::track_table& tracks, const std::string& folder) {

@@ -22,6 +22,17 @@ std::size_t distance(std::string_view a, std::string_view b) {
     return d[a.size()][b.size()];
 }
 
+/// How far a word is from a candidate: from all of it or its first word, else from a later one, which counts as a mistake
+/// more.
+std::size_t distance_in(std::string_view word, std::string_view candidate) {
+    auto least = distance(word, candidate);
+    for (std::size_t start = 0, end = 0; end < candidate.size(); start = end + 1) {
+        end = std::min(candidate.find(' ', start), candidate.size());
+        least = std::min(least, distance(word, candidate.substr(start, end - start)) + (start == 0 ? 0 : 1));
+    }
+    return least;
+}
+
 }  // namespace
 
 std::string did_you_mean(std::string_view word, const std::vector<std::string>& candidates) {
@@ -33,8 +44,7 @@ std::string did_you_mean(std::string_view word, const std::vector<std::string>& 
         if (word.size() > longest || candidate.size() > longest) continue;
         const bool begins =
             word.size() >= 3 && nuv::equal_ascii_nocase(std::string_view(candidate).substr(0, word.size()), word);
-        const auto first_word = std::string_view(candidate).substr(0, candidate.find(' '));
-        const auto mistakes = begins ? 1 : std::min(distance(word, candidate), distance(word, first_word));
+        const auto mistakes = begins ? 1 : distance_in(word, candidate);
         if (mistakes >= least) continue;
         least = mistakes;
         nearest = &candidate;

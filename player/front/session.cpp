@@ -192,6 +192,10 @@ std::vector<nuv::guid> session::stored_indexes() const { return parts_->records.
 void session::run_until_idle() { parts_->loop.run_until_idle(); }
 void session::save() { parts_->records.flush(); }
 
+void session::require_writable() const {
+    if (parts_->records.is_read_only()) throw std::runtime_error("The profile can only be read, and so no file is edited.");
+}
+
 void session::mark_library_seen() {
     parts_->index->mark_seen(nuv::list_view_t<metadb_handle_ptr>(parts_->library_handles()), std::time(nullptr));
 }

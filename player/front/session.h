@@ -44,6 +44,8 @@ public:
     void run_until_idle();
     /// Returns when everything the components have stored is on disk; throws when that cannot be had.
     void save();
+    /// Throws when the profile can only be read, so that statistics could not follow an edit of tags.
+    void require_writable() const;
     /// Marks the records of all tracks of the library as seen now.
     void mark_library_seen();
     /// What `index_service::drop` may drop when the user wants it.

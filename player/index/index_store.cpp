@@ -30,7 +30,7 @@ struct index_store::state {
     void save(std::span<const index_job> jobs);
     void copy_before_first_change(std::span<const index_job> jobs);
     [[nodiscard]] write_gate::pass enter_to_write();
-    [[nodiscard]] std::string refusal() const;
+    [[nodiscard]] std::string only_read() const;
 
     std::function<std::int64_t()> clock;
     const bool daily_copies;
@@ -92,16 +92,14 @@ void index_store::state::copy_before_first_change(std::span<const index_job> job
     }
 }
 
-std::string index_store::state::refusal() const {
-    return "The track index database \"" + database.path() +
-           "\" can only be read, so nothing is counted or changed. Make room on the disk, or the file and its folder "
-           "writable, and start again.";
+std::string index_store::state::only_read() const {
+    return "The track index database \"" + database.path() + "\" can only be read";
 }
 
 write_gate::pass index_store::state::enter_to_write() {
     if (!database.is_read_only()) return gate.enter();
     has_refused = true;
-    throw std::runtime_error(refusal());
+    throw std::runtime_error(only_read());
 }
 
 void index_store::state::enqueue(std::vector<index_job> jobs) {
@@ -168,7 +166,7 @@ void index_store::write(const nuv::guid& index, std::uint64_t key, std::span<con
 }
 
 void index_store::flush() {
-    if (state_->has_refused.exchange(false)) throw std::runtime_error(state_->refusal());
+    if (state_->has_refused.exchange(false)) throw std::runtime_error(state_->only_read() + ".");
     state_->writer.flush();
 }
 
@@ -178,7 +176,11 @@ std::filesystem::path index_store::back_up(std::string_view reason, const std::f
 }
 
 bool index_store::is_read_only() const noexcept { return state_->database.is_read_only(); }
-std::string index_store::refusal() const { return state_->refusal(); }
+std::string index_store::refusal() const {
+    return state_->only_read() +
+           ", so nothing is counted or changed. Make room on the disk, or the file and its folder writable, and start "
+           "again.";
+}
 
 bool index_store::pending() const { return state_->writer.pending(); }
 

@@ -71,7 +71,7 @@ public:
     [[nodiscard]] bool pending() const;
 
     [[nodiscard]] bool is_read_only() const noexcept;
-    /// What the user is told then.
+    /// What the user is told of it at the start; a change that is refused says less.
     [[nodiscard]] std::string refusal() const;
 
     /// An index belongs to the component that registered it first, in this or in an earlier run: throws std::runtime_error

@@ -20,10 +20,21 @@ bool take_delimited(scanner& next) {
     return true;
 }
 
+/// SORT in capitals, or before BY: otherwise it is a word of a title.
+bool sort_follows(scanner next) {
+    if (next.word().text == "SORT") return true;
+    if (!next.take_word("SORT")) return false;
+    if (!next.take_word("ASCENDING")) next.take_word("DESCENDING");
+    return next.take_word("BY");
+}
+
+/// A number at the end, or where a mistake is to be told: before SORT.
 bool limit_follows(scanner next) {
     const auto rest = next.rest();
     const auto end = std::min(rest.find_first_not_of(digits), rest.size());
-    return end != 0 && rest.find_first_not_of(" \t\r\n", end) == std::string_view::npos;
+    if (end == 0) return false;
+    next.skip({rest.substr(0, end), next.position()});
+    return next.at_end() || sort_follows(next);
 }
 
 }  // namespace
@@ -45,12 +56,8 @@ bool comparison_follows(scanner next) {
 
 bool ends_value(scanner next) {
     const piece word = next.word();
-    for (const std::string_view capitals : {"AND", "OR", "SORT"})
-        if (word.text == capitals) return true;
+    if (word.text == "AND" || word.text == "OR" || sort_follows(next)) return true;
     if (next.take_word("AND") || next.take_word("OR")) return comparison_follows(next);
-    if (next.take_word("SORT"))
-        return next.take_word("BY") ||
-               ((next.take_word("ASCENDING") || next.take_word("DESCENDING")) && next.take_word("BY"));
     return next.take_word("LIMIT") && limit_follows(next);
 }
 

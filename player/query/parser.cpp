@@ -42,6 +42,7 @@ public:
 
     std::optional<std::size_t> limit() {
         const auto count = scan_.limit();
+        if (count && !scan_.at_end()) scan_.fail("LIMIT comes last");
         if (!scan_.at_end())
             scan_.fail(scan_.next() == ')' ? "')' without '('" : "expected AND, OR, SORT, LIMIT or the end of the query");
         return count;
