@@ -36,7 +36,8 @@ void run(run_context& context, const playlist_create& arguments) {
     if (!context.player.library().playlists().create(arguments.name, entries))
         throw std::runtime_error("There is a playlist \"" + arguments.name +
                                  "\" already; remove it first, or choose another name.");
-    context.screen.note(std::to_string(entries.size()) + " tracks in playlist \"" + arguments.name + "\".");
+    context.screen.note(std::to_string(entries.size()) + (entries.size() == 1 ? " track" : " tracks") + " in playlist \"" +
+                        arguments.name + "\".");
 }
 
 void run(run_context& context, const playlist_remove& arguments) {

@@ -74,8 +74,10 @@ column find_column(const std::vector<column>& columns, std::string_view name) {
         labels.push_back(each.name);
         names += (names.empty() ? "" : ", ") + each.name;
     }
-    if (const auto match = find_label(labels, name); match.index) return columns[*match.index];
-    throw std::invalid_argument("There is no column \"" + std::string(name) + "\". Columns are: " + names + ".");
+    const auto match = find_label(labels, name);
+    if (match.index) return columns[*match.index];
+    throw std::invalid_argument((match.is_ambiguous ? "More than one column fits \"" : "There is no column \"") +
+                                std::string(name) + "\". Columns are: " + names + ".");
 }
 
 }  // namespace ostrevan::front

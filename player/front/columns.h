@@ -22,7 +22,8 @@ std::vector<column> all_columns(const service_registry& services);
 /// What a list shows when nothing else is asked for.
 std::vector<column> default_columns(const service_registry& services);
 
-/// A column by its name, without regard to ASCII case. Throws with a message that lists the names when there is none.
+/// A column by its name, or by a part of it that no other has, without regard to ASCII case. Throws with a message that
+/// lists the names when there is none.
 column find_column(const std::vector<column>& columns, std::string_view name);
 
 }  // namespace ostrevan::front
