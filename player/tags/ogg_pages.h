@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "player/tags/file_stream.h"
-
 namespace ostrevan::tags {
+
+class file_stream;
 
 /// A page of an Ogg file, its body left in the file.
 struct ogg_page {

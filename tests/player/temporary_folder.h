@@ -13,6 +13,17 @@
 
 namespace ostrevan {
 
+/// What a call says that it failed with.
+template <class Call>
+std::string failure_of(Call call) {
+    try {
+        call();
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "(no error)";
+}
+
 /// A folder of its own for a test that is gone afterwards.
 class temporary_folder : public testing::Test {
 protected:

@@ -1,14 +1,14 @@
 #include "player/core/component_loader.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include <gmock/gmock.h>
 
 #include "ostrevan/component_version.h"
 #include "player/core/host.h"
 
 namespace ostrevan {
 namespace {
+
+using namespace testing;
 
 class component_loading : public testing::Test {
 protected:
@@ -19,45 +19,24 @@ protected:
     player_interface block_ = host_.interface_block();
 
     static std::string path_of(const std::string& name) { return std::string(BROKEN_COMPONENTS) + "/" + name + ".dll"; }
-    std::string refusal_of(const std::string& name) {
-        try {
-            load_component(path_of(name), block_);
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
-        return "it was loaded";
-    }
 };
 
-TEST_F(component_loading, refuses_each_broken_component_naming_the_file_and_the_fault) {
-    const struct {
-        const char* file;
-        const char* fault;
-    } cases[] = {
-        {"not_a_library", "not a library"},
-        {"no_entry", "no entry ostrevan_get_interface"},
-        {"wrong_magic", "not a component's"},
-        {"too_old", "too old"},
-        {"too_new", "too new"},
-        {"refuses", "refuses interface version"},
-        {"no_services", "offers nothing"},
-        {"absent", "not a library"},
-    };
-    for (const auto& [file, fault] : cases) {
-        const auto message = refusal_of(file);
-        EXPECT_NE(message.find(path_of(file)), std::string::npos) << message;
-        EXPECT_NE(message.find(fault), std::string::npos) << message;
-        EXPECT_TRUE(message.ends_with('.')) << "no way out: " << message;
-    }
-}
-
-TEST_F(component_loading, goes_on_past_broken_components) {
+TEST_F(component_loading, goes_on_past_broken_components_naming_the_file_and_the_fault) {
+    constexpr std::pair<const char*, const char*> faults[] = {{"no_entry", "no entry ostrevan_get_interface"},
+                                                              {"no_services", "offers nothing"},
+                                                              {"not_a_library", "not a library"},
+                                                              {"refuses", "refuses interface version"},
+                                                              {"too_new", "too new"},
+                                                              {"too_old", "too old"},
+                                                              {"wrong_magic", "not a component's"}};
     std::vector<std::string> failures;
     const auto loaded =
         load_components(BROKEN_COMPONENTS, block_, [&](const std::string& message) { failures.push_back(message); });
+    ASSERT_EQ(failures.size(), std::size(faults));
+    for (std::size_t i = 0; i < failures.size(); ++i)
+        EXPECT_THAT(failures[i], AllOf(HasSubstr(path_of(faults[i].first)), HasSubstr(faults[i].second), EndsWith(".")));
     ASSERT_EQ(loaded.size(), 1U);
     EXPECT_EQ(loaded[0].path, path_of("whole"));
-    EXPECT_EQ(failures.size(), 7U);
 
     ASSERT_EQ(loaded[0].api->service_count(), 1U);
     const auto entry = loaded[0].api->service_at(0);
@@ -70,8 +49,7 @@ TEST_F(component_loading, of_a_folder_that_is_not_there_is_told) {
     for (const std::string& folder : {testing::TempDir() + "no/such/folder", std::string()}) {
         std::string told;
         EXPECT_TRUE(load_components(folder, block_, [&](const std::string& message) { told = message; }).empty());
-        EXPECT_NE(told.find(folder), told.npos);
-        EXPECT_NE(told.find("--components"), told.npos) << told;
+        EXPECT_THAT(told, AllOf(HasSubstr(folder), HasSubstr("--components")));
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include "ostrevan/exceptions.h"
 #include "player/core/filesystems.h"
+#include "tests/player/synced_files.h"
 #include "tests/player/temporary_folder.h"
 
 namespace ostrevan {
@@ -42,9 +43,11 @@ TEST_F(local_files, hold_what_was_written_in_place_of_what_was_there) {
         const auto file = open_new("FILE://" + path("link"));
         file->write("first ", 6);
         EXPECT_EQ(content(path("a.xml")), "something longer than what follows") << "before it is whole";
+        synced.clear();
         file->flush();
         file->write("second", 6);
         file->flush();
+        EXPECT_THAT(synced, testing::ElementsAre(path("a.xml.part"), folder_, path("a.xml")));
     }
     EXPECT_EQ(names(), (std::vector<std::string>{"a.xml", "link"}));
     EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
@@ -96,6 +99,17 @@ TEST_F(local_files, that_are_no_regular_files_have_no_size_and_are_written_to_as
     char byte;
     EXPECT_THROW(static_cast<void>(open_local_file(folder_, read)->read(&byte, 1)), ostrevan_io::exception_io);
     EXPECT_THROW(open_new("/dev/full")->write("x", 1), ostrevan_io::exception_io_system);
+}
+
+TEST_F(local_files, are_told_from_those_of_the_network_by_what_stands_before_the_path) {
+    service_uncounted_t<network_filesystem> network;
+    const std::tuple<const char*, bool, bool> cases[] = {
+        {"/a", true, false}, {"File:///a", true, false}, {"HTTPS://a", false, true}, {"tone://440", false, false}};
+    for (const auto& [path, is_local, is_remote] : cases) {
+        EXPECT_EQ(files_.is_our_path(path), is_local) << path;
+        EXPECT_EQ(network.is_our_path(path), is_remote) << path;
+    }
+    EXPECT_THROW(static_cast<void>(network.open("http://a", read)), ostrevan_io::exception_io_no_handler_for_path);
 }
 
 TEST_F(local_files, wait_for_whoever_reads_a_pipe_slowly) {

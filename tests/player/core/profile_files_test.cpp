@@ -8,8 +8,10 @@
 #include "player/core/configuration_file.h"
 #include "player/core/default_folders.h"
 #include "player/core/durable_file.h"
+#include "player/core/log_services.h"
 #include "player/core/profile_folder.h"
 #include "player/core/profile_lock.h"
+#include "tests/player/synced_files.h"
 #include "tests/player/temporary_folder.h"
 
 namespace ostrevan {
@@ -19,15 +21,6 @@ using namespace std::chrono_literals;
 using profile_files = temporary_folder;
 using testing::HasSubstr;
 constexpr auto setting = nuv::guid_of("{9035A43F-E915-4EEC-8DF9-7920D4D2FF19}");
-
-std::string failure_of(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "it worked";
-}
 
 TEST_F(profile_files, configuration_keeps_what_was_set_and_falls_back_otherwise) {
     const auto file = path("configuration.json");
@@ -44,6 +37,8 @@ TEST_F(profile_files, configuration_keeps_what_was_set_and_falls_back_otherwise)
         EXPECT_THAT(refused(), HasSubstr(file + " cannot be read: it is not a JSON object. ")) << damaged;
         EXPECT_EQ(content(file), damaged);
     }
+    write(file, "{\"" + nuv::guid_text(setting) + "\": 1}");
+    EXPECT_TRUE(service_uncounted_t<configuration_file>(file).get_bool(setting, true)) << "of another kind";
     std::filesystem::remove(file);
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     EXPECT_THAT(refused(), HasSubstr("it is not a file"));
@@ -51,11 +46,14 @@ TEST_F(profile_files, configuration_keeps_what_was_set_and_falls_back_otherwise)
 
 TEST_F(profile_files, a_replacement_that_fails_leaves_the_old_file_and_nothing_else) {
     replace_file(path("file"), "old");
+    synced.clear();
     replace_file(path("file"), "new");
+    EXPECT_THAT(synced, testing::ElementsAre(testing::StartsWith(path("file.")), folder_));
     EXPECT_EQ(content(path("file")), "new");
-    EXPECT_THROW(replace_file(folder_ + "/absent/file", "x"), std::runtime_error);
-    EXPECT_THROW(replace_file("/dev/full/file", "x"), std::runtime_error);
-    EXPECT_EQ(names(), std::vector<std::string>{"file"});
+    std::filesystem::create_directory(path("folder"));
+    for (const auto& place : {path("folder"), path("absent/file"), std::string("/dev/full/file")})
+        EXPECT_THROW(replace_file(place, "x"), std::runtime_error) << place;
+    EXPECT_EQ(names(), (std::vector<std::string>{"file", "folder"}));
 }
 
 TEST_F(profile_files, are_kept_to_their_user_unless_the_folder_holds_other_things) {
@@ -63,20 +61,31 @@ TEST_F(profile_files, are_kept_to_their_user_unless_the_folder_holds_other_thing
         const auto profile = path("parent/profile") + other;
         prepare_profile(profile);
         EXPECT_EQ(mode(profile), 0700U);
-        for (const std::string name : {"index.sqlite", "library.sqlite-wal", "lock", "PlaybackStatistics.dat"}) {
+        std::filesystem::create_directory(profile + "/backup");
+        for (const std::string name : {"index.sqlite", "library.sqlite-wal", "backup/copy", "PlaybackStatistics.dat"}) {
             write(profile + "/" + name, "");
             std::filesystem::permissions(profile + "/" + name, std::filesystem::perms(0644));
         }
+        std::filesystem::create_symlink("PlaybackStatistics.dat", profile + "/lock");
         if (*other != '\0') write(profile + "/" + other, "");
         std::filesystem::permissions(profile, std::filesystem::perms(0755));
         prepare_profile(profile);
         EXPECT_EQ(mode(profile), *other == '\0' ? 0700U : 0755U);
-        EXPECT_EQ(mode(profile + "/index.sqlite"), 0600U);
-        EXPECT_EQ(mode(profile + "/library.sqlite-wal"), 0600U);
+        for (const std::string name : {"index.sqlite", "library.sqlite-wal", "backup/copy"})
+            EXPECT_EQ(mode(profile + "/" + name), 0600U) << name;
         EXPECT_EQ(mode(profile + "/PlaybackStatistics.dat"), 0644U);
     }
     EXPECT_THAT(failure_of([] { prepare_profile("/proc/nosuch"); }), HasSubstr("/proc/nosuch"));
     EXPECT_THAT(failure_of([] { prepare_profile(""); }), HasSubstr("HOME"));
+}
+
+TEST_F(profile_files, tell_of_each_crash_and_the_events_before_it) {
+    service_uncounted_t<crash_log_impl> log(path("crash.log"));
+    for (int i = 1; i <= 201; ++i) log.on_event(std::to_string(i).c_str());
+    for (const char* text : {"one", "two"}) log.write_crash(text);
+    EXPECT_THAT(content(path("crash.log")),
+                testing::AllOf(testing::StartsWith("2\n3\n"), HasSubstr("\n201\nBug check: one\n2\n3\n"),
+                               testing::EndsWith("\n201\nBug check: two\n")));
 }
 
 TEST_F(profile_files, lie_at_an_absolute_place_or_nowhere) {
@@ -91,9 +100,11 @@ TEST_F(profile_files, lie_at_an_absolute_place_or_nowhere) {
 }
 
 TEST_F(profile_files, a_second_process_is_told_who_holds_the_profile) {
+    { const profile_lock made(folder_, 0ms); }
+    EXPECT_EQ(mode(path("lock")), 0600U);
+    write(path("lock"), "99999999999");  // longer than the number that follows
     {
         const profile_lock held(folder_, 50ms);
-        EXPECT_EQ(mode(path("lock")), 0600U);
         EXPECT_THAT(failure_of([&] { const profile_lock second(folder_, 50ms); }),
                     HasSubstr("in use by process " + std::to_string(::getpid()) + "."));
     }

@@ -97,7 +97,12 @@ TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading
     };
     {
         index_store store(path_, fail_on_report);
-        write_all(store, keys, 1);
+        write_all(store, keys + 1, 1);
+    }
+    {
+        index_store store(path_, fail_on_report);
+        store.write(plays, keys + 1, {});
+        EXPECT_EQ(store.keys(plays).size(), keys) << "loading brought back what was erased";
     }
     index_store store(path_, fail_on_report);
     std::atomic<bool> is_over = false;
@@ -123,7 +128,7 @@ TEST_F(index_store_test, finds_records_old_only_after_their_whole_time_and_drops
     std::int64_t today = 100 * day;
     {
         index_store store(path_, fail_on_report, {.clock = [&] { return today; }});
-        store.register_index(plays, 7 * day * 10'000'000ULL, "one.dll");
+        store.register_index(plays, 7 * day * 10'000'000ULL - 1, "one.dll");
         for (const std::uint64_t key : {1, 2, 3, 4, 5}) store.write(plays, key, record_of(key));
         store.write(moods, 1, record_of(1));
         today += 6 * day;
@@ -170,6 +175,11 @@ TEST_F(index_store_test, keeps_a_registration_when_a_component_gives_up_its_own_
     service.remove_index(plays);
     EXPECT_EQ(service.registrations().size(), 1U);
     EXPECT_TRUE(store.registered(plays));
+    store.write(plays, 7, record_of(7));
+    service.drop({{plays, {7}}});
+    EXPECT_TRUE(store.keys(plays).empty());
+    const auto copy = std::filesystem::directory_iterator(path("backup"))->path();
+    EXPECT_EQ(stored(index_store(copy, fail_on_report), plays, 7), record_of(7)) << "put aside before";
     service.remove_index(plays);
     EXPECT_FALSE(store.registered(plays));
 }

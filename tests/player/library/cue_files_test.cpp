@@ -90,8 +90,7 @@ TEST_F(cue_files, find_audio_that_was_converted_or_renamed) {
         {"Track.FLAC", "Track.FLAC"}, {"track.flac", "Track.FLAC"},         {"Track.wav", "Track.FLAC"},
         {"OTHER.wav", "other.mp3"},   {"C:\\rips\\other.wav", "other.mp3"}, {"sub\\deep.flac", "sub/deep.flac"},
         {"gone.wav", "sheet.opus"},   {"text.txt", "sheet.opus"},           {"../outside.mp3", "sheet.opus"},
-        {outside, "sheet.opus"},      {"sub/../other.mp3", "other.mp3"},
-    };
+        {outside, "sheet.opus"},      {"sub/../other.mp3", "other.mp3"}};
     for (const auto& [named, found] : cases) {
         const auto cue = put("sheet.cue", sheet_of(named)).string();
         const auto first = resolve_playable(cue, 1, reader_);

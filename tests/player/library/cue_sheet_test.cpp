@@ -56,10 +56,12 @@ TEST(cue_sheet, understands_what_rippers_write) {
         {"FILE a b.wav WAVE\nTRACK 1 AUDIO\nINDEX 1 0:0:0\nTRACK 2 MODE1/2352\nTITLE data\nINDEX 01 01:00:00\nFILE c.wav "
          "WAVE\n",
          "disc\n1 a b.wav 0.000000-\n"},
-        {"file \"a.wav\" wave\ntrack 07 audio\nindex 01 100:00:74\n", "disc\n7 a.wav 6000.986667-\n"},
-    };
+        {"file \"a.wav\" wave\ntrack 0999 audio\nindex 01 100:00:74\n", "disc\n999 a.wav 6000.986667-\n"}};
     for (const auto& [bytes, text] : cases) EXPECT_EQ(to_text(parse_cue(bytes)), text);
-    EXPECT_EQ(cue_text("Caf\xE9 \xC3\xA9"), "Café Ã©");
+    const std::pair<std::string_view, std::string_view> texts[] = {{"Caf\xE9 \xC3\xA9", "Café Ã©"},
+                                                                   {"\xFE\xFF\xD8\x3C\xDF\xB5\x20\xAC"sv, "🎵€"},
+                                                                   {"\xFF\xFE\x00\xD8é"sv, "\uFFFD\uA9C3"}};
+    for (const auto& [bytes, text] : texts) EXPECT_EQ(cue_text(bytes), text);
 }
 
 TEST(cue_sheet, that_makes_no_sense_is_refused_with_the_line) {
@@ -70,13 +72,13 @@ TEST(cue_sheet, that_makes_no_sense_is_refused_with_the_line) {
         {"INDEX 01 00:00:00\n", "line 1"},
         {"FILE \"\" WAVE\n", "line 1"},
         {"TRACK 0 AUDIO\n", "line 1"},
+        {"TRACK 1000 AUDIO\n", "line 1"},
         {"TRACK 99999999999999999999 AUDIO\n", "line 1"},
         {"FILE a WAVE\nTRACK 1 AUDIO\nINDEX 01 00:60:00\n", "line 3"},
         {"FILE a WAVE\nTRACK 1 AUDIO\nINDEX 01 -1:00:00\n", "line 3"},
         {"FILE a WAVE\nTRACK 1 AUDIO\nINDEX 01 00:10:00\nTRACK 2 AUDIO\nINDEX 01 00:09:00\n", "line 5"},
         {"FILE a WAVE\nTRACK 1 AUDIO\nINDEX 01 00:00:00\nTRACK 1 AUDIO\nINDEX 01 00:09:00\n", "line 5"},
-        {std::string((1 << 20) + 1, '\n'), "1 MiB"},
-    };
+        {std::string((1 << 20) + 1, '\n'), "1 MiB"}};
     for (const auto& [bytes, reason] : cases) {
         try {
             static_cast<void>(parse_cue(bytes));

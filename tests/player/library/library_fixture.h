@@ -1,23 +1,13 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <stdlib.h>
 
-#include <algorithm>
 #include <atomic>
-#include <cerrno>
-#include <chrono>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "player/library/media_library.h"
+#include "tests/player/temporary_folder.h"
 
 namespace library_test {
 
@@ -46,16 +36,13 @@ inline ostrevan::tags::audio_reading read_lines(const std::string& path) {
 }
 
 /// A music folder and a database of their own.
-class library_files_test : public testing::Test, public library_observer {
+class library_files_test : public ostrevan::temporary_folder, public library_observer {
 protected:
     void SetUp() override {
-        std::string pattern = testing::TempDir() + "libraryXXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        folder_ = pattern;
-        music_ = folder_ / "music";
-        fs::create_directory(music_);
+        library_.reset();
+        fs::remove_all(folder_);
+        fs::create_directories(music_);
     }
-    void TearDown() override { fs::remove_all(folder_); }
 
     void on_library_changed(const library_changes& changes) override { changes_ = changes; }
 
@@ -64,7 +51,7 @@ protected:
         const auto full = music_ / path;
         fs::create_directories(full.parent_path());
         std::ofstream(full, std::ios::binary) << contents;
-        fs::last_write_time(full, fs::file_time_type() + std::chrono::seconds(++writes_));
+        fs::last_write_time(full, fs::file_time_type() + std::chrono::nanoseconds(++writes_));
         return full;
     }
 
@@ -115,7 +102,7 @@ protected:
         return text;
     }
 
-    fs::path folder_, music_;
+    const fs::path folder_{temporary_folder::folder_}, music_ = folder_ / "music";
     info_reader reader_ = read_lines;
     std::atomic<int> reads_ = 0;
     int writes_ = 0;

@@ -2,13 +2,13 @@
 
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <functional>
 
 #include "player/sqlite/backup.h"
+#include "tests/player/synced_files.h"
 #include "tests/player/temporary_folder.h"
 
 namespace {
@@ -37,16 +37,21 @@ TEST_F(database_file, is_made_where_there_was_none_and_where_a_killed_process_le
     for (const bool is_left_empty : {false, true}) {
         fs::remove(path_);
         if (is_left_empty) write(path_, "");
-        { EXPECT_EQ(database(path_, shelf).query_integer("SELECT count(*) FROM books"), 1); }
-        EXPECT_EQ(database(path_, shelf).query_integer("SELECT count(*) FROM books"), 1);
+        for (int start = 0; start < 2; ++start) {
+            database opened(path_, shelf);
+            EXPECT_TRUE(is_left_empty || mode(path_) == 0600U);
+            for (int attempt = 0; attempt < 2; ++attempt) {
+                const transaction given_up(opened);
+                EXPECT_EQ(opened.query_integer("SELECT count(*) FROM books"), 1);
+                opened.execute("DELETE FROM books");
+            }
+            EXPECT_EQ(opened.query_integer("PRAGMA synchronous"), 2) << "or a power failure takes what was committed";
+            EXPECT_EQ(opened.query_integer("PRAGMA foreign_keys"), 1);
+        }
     }
 }
 
 TEST_F(database_file, that_cannot_be_used_is_named_and_left_as_it_is) {
-    struct bad_file {
-        const char* reason;
-        std::function<void()> make;
-    };
     const auto with_header = [&](std::int32_t id, std::int32_t version) {
         return [=, this] { database(path_, {id, version, shelf.schema, "shelf"}); };
     };
@@ -56,7 +61,7 @@ TEST_F(database_file, that_cannot_be_used_is_named_and_left_as_it_is) {
             change(sql);
         };
     };
-    const bad_file cases[] = {
+    const std::pair<const char*, std::function<void()>> cases[] = {
         {"not a database", [&] { write(path_, "TITLE: my books\n" + std::string(4000, 'x')); }},
         {"newer version", with_header(shelf.application_id, 3)},
         {"another program", with_header(0x1234, 2)},
@@ -91,12 +96,11 @@ TEST_F(database_file, that_cannot_be_used_is_named_and_left_as_it_is) {
                  sqlite3_db_config(killed.handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
              }
              fs::rename(kept, path_ + "-wal");
-         }},
-    };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.reason);
+         }}};
+    for (const auto& [reason, make] : cases) {
+        SCOPED_TRACE(reason);
         for (const auto& left : {fs::path(path_), backups_}) fs::remove_all(left);
-        each.make();
+        make();
         const std::string before = bytes();
         try {
             database opened(path_, shelf);
@@ -104,7 +108,7 @@ TEST_F(database_file, that_cannot_be_used_is_named_and_left_as_it_is) {
             ADD_FAILURE() << "accepted";
         } catch (const error& refused) {
             const std::string text = refused.what();
-            EXPECT_NE(text.find(each.reason), text.npos) << text;
+            EXPECT_NE(text.find(reason), text.npos) << text;
             EXPECT_NE(text.find(path_), text.npos) << text;
             EXPECT_NE(text.find("ove "), text.npos) << "no way out: " << text;
         }
@@ -125,10 +129,12 @@ TEST_F(database_file, of_an_older_format_is_put_aside_and_brought_up_to_date) {
 
     fs::remove_all(backups_);
     constexpr const char* new_schema = "CREATE TABLE books (title TEXT, author TEXT);";
-    const database upgraded(path_, {shelf.application_id, 2, new_schema, "shelf", one_step});
+    const format fresh{shelf.application_id, 2, new_schema, "shelf", one_step};
+    { const database upgrading(path_, fresh); }
+    const database upgraded(path_, fresh);
+    EXPECT_EQ(mode(backups_), 0700U);
     EXPECT_EQ(upgraded.query_integer("SELECT count(*) FROM books WHERE author = 'Austen'"), 2);
-    const auto copies = fs::directory_iterator(backups_);
-    const auto copy = copies->path();
+    const auto copy = fs::directory_iterator(backups_)->path();
     EXPECT_TRUE(copy.filename().string().ends_with("-format-1.sqlite")) << copy;
     EXPECT_EQ(database(copy, old).query_integer("SELECT count(*) FROM books"), 2);
 }
@@ -146,10 +152,12 @@ TEST_F(database_file, is_copied_whole_or_not_at_all_and_old_copies_go) {
     write(backups_ / "shelf-20010102-030405-test.sqlite.part-wal", "killed");
 
     EXPECT_THROW(back_up(source, "test", path("missing.txt")), std::runtime_error);
+    ostrevan::synced.clear();
     const auto copy = back_up(source, "test", path("notes.txt"));
+    EXPECT_EQ(ostrevan::synced.back(), backups_);
+    EXPECT_TRUE(ostrevan::synced.front().ends_with("-test.notes.txt.part")) << ostrevan::synced.front();
     EXPECT_EQ(database(copy, shelf).query_integer("SELECT count(*) FROM books"), 1);
-    std::size_t databases = 0;
-    std::size_t notes = 0;
+    std::size_t databases = 0, notes = 0;
     for (const auto& entry : fs::directory_iterator(backups_)) {
         const auto name = entry.path().filename().string();
         databases += name.ends_with("-test.sqlite") ? 1 : 0;
@@ -164,10 +172,10 @@ TEST_F(database_file, is_copied_whole_or_not_at_all_and_old_copies_go) {
     back_up_once_a_day(source, "test");
     back_up_once_a_day(source, "daily");
     back_up_once_a_day(source, "daily");
-    const auto daily = [](const auto& entry) { return entry.path().string().ends_with("-daily.sqlite"); };
-    EXPECT_EQ(std::ranges::count_if(fs::directory_iterator(backups_), daily), 1);
-    for (const auto& entry : fs::directory_iterator(backups_))
-        EXPECT_TRUE(!daily(entry) || fs::status(entry).permissions() == fs::perms(0600));
+    const auto is_daily = [](const auto& entry) {
+        return entry.path().string().ends_with("-daily.sqlite") && mode(entry.path()) == 0600U;
+    };
+    EXPECT_EQ(std::ranges::count_if(fs::directory_iterator(backups_), is_daily), 1);
 }
 
 }  // namespace

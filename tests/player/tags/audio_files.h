@@ -1,15 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
-
 #include "player/tags/rewrite.h"
+#include "tests/player/temporary_folder.h"
 
 namespace ostrevan::tags {
 
@@ -53,14 +45,8 @@ inline std::string quoted(const std::vector<fs::path>& paths) {
 }
 
 /// A folder of the test's own with copies of the audio files that all tests share.
-class audio_files : public testing::Test {
+class audio_files : public temporary_folder {
 protected:
-    audio_files() {
-        std::string name = (fs::temp_directory_path() / "tags-test-XXXXXX").string();
-        folder_ = mkdtemp(name.data());
-    }
-    ~audio_files() override { fs::remove_all(folder_); }
-
     fs::path copy(const std::string& name) const {
         fs::copy_file(fs::path(AUDIO_FIXTURES) / name, folder_ / name, fs::copy_options::overwrite_existing);
         return folder_ / name;
@@ -93,7 +79,7 @@ protected:
         EXPECT_EQ(files_in_folder(), 1u);
     }
 
-    fs::path folder_;
+    const fs::path folder_{temporary_folder::folder_};
 };
 
 inline field_edit set_field(std::string name, std::string value) {
@@ -108,20 +94,10 @@ inline std::string first_value(const file_info& info, std::string_view name) {
     return index == file_info::npos ? "(none)" : info.meta_value(index, 0);
 }
 
-template <class Call>
-std::string message_of(Call call) {
-    try {
-        call();
-    } catch (const std::exception& error) {
-        return error.what();
-    }
-    return "(no error)";
-}
-
 /// What a rewrite says that should fail.
 inline std::string refusal_of(const fs::path& path, const field_edit& edit = set_field("title", "new"),
                               const rewrite_faults* faults = nullptr) {
-    return message_of([&] { rewrite_file(path.string(), edit, {.faults = faults}); });
+    return failure_of([&] { rewrite_file(path.string(), edit, {.faults = faults}); });
 }
 
 }  // namespace ostrevan::tags

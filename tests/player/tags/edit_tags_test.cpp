@@ -156,7 +156,8 @@ TEST_F(edit_tags_in_files, say_what_a_format_cannot_hold_and_what_is_damaged) {
         {"faststart.m4a", "lyrics", std::string(9000, 'x'), "table of offsets is damaged", {"stco", 11, 1}},
         {"fragments.m4a", "lyrics", std::string(9000, 'x'), "table of offsets is damaged", {"\x24tfhd", 0, -20}},
         {"opus.opus", "title", "x", "has no known length", {"OggS", 13, -128}},
-    };
+        {"ape.ape", "title", "x", "more than 5,000 entries", {"APETAGEX", 17, 20}},
+        {"wma.wma", "title", "x", "more than 5,000 entries", {"\x40\xA4\xD0\xD2", 25, 20}}};
     for (const auto& each : cases) {
         const auto path = copy(each.file);
         const auto bytes = each.damage(bytes_of(path));
@@ -166,7 +167,7 @@ TEST_F(edit_tags_in_files, say_what_a_format_cannot_hold_and_what_is_damaged) {
         EXPECT_TRUE(message.starts_with(path.string())) << message;
         EXPECT_EQ(bytes_of(path), bytes) << each.file;
     }
-    EXPECT_EQ(files_in_folder(), 8u);
+    EXPECT_EQ(files_in_folder(), 9u);
 }
 
 TEST_F(edit_tags_in_files, take_no_ape_tag_of_131_bytes_for_an_id3v1_tag) {
@@ -217,8 +218,7 @@ TEST(edit_id3v2, keeps_frames_byte_for_byte_in_every_version_and_layout) {
         {with_header(3, 0x40, extended23 + unknown23 + text23), unknown23, "TIT2"s},
         {with_header(3, '\x80', unsynchronised23 + text23), "PRIV\0\0\0\4\0\0\xFF\xE0\0\7"s, "TIT2"s},
         {with_header(2, 0, text22 + unknown22), unknown22, "TT2"s},
-        {with_header(4, '\x80', "XYZ1\0\0\0\3\0\2\xFF\0\1"s + text23), "XYZ1\0\0\0\3\0\2\xFF\0\1"s, "TIT2"s},
-    };
+        {with_header(4, '\x80', "XYZ1\0\0\0\3\0\2\xFF\0\1"s + text23), "XYZ1\0\0\0\3\0\2\xFF\0\1"s, "TIT2"s}};
     for (const auto& each : layouts) {
         const auto edited = edit_id3v2(each.tag, change, tag_role::primary);
         EXPECT_EQ(edited[3], each.tag[3]);

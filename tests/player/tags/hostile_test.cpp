@@ -25,21 +25,13 @@ void expect_no_harm(const fs::path& path, const std::string& bytes) {
     }
 }
 
-TEST_F(hostile_file, cut_off_anywhere_is_read_or_refused_and_never_damaged) {
+TEST_F(hostile_file, cut_off_or_with_changed_bytes_is_read_or_refused_and_never_damaged) {
+    std::mt19937 random(1843);
     for (const auto& path : copy_all()) {
         SCOPED_TRACE(path);
         const auto whole = bytes_of(path);
         for (std::size_t size = 1; size < whole.size(); size += size < 200 ? 7 : size < 5000 ? 331 : whole.size() / 9)
             expect_no_harm(path, whole.substr(0, size));
-        fs::remove(path);
-    }
-}
-
-TEST_F(hostile_file, with_bytes_changed_at_random_is_read_or_refused_and_never_damaged) {
-    std::mt19937 random(1843);
-    for (const auto& path : copy_all()) {
-        SCOPED_TRACE(path);
-        const auto whole = bytes_of(path);
         // Headers are where a wrong byte does most.
         for (int round = 0; round < 24; ++round) {
             auto bytes = whole;
@@ -61,7 +53,7 @@ TEST_F(hostile_file, may_have_as_many_entries_as_a_tag_can_need_and_no_more) {
         const std::string head = {'\x84', '\0', static_cast<char>(comment.size() >> 8),
                                   static_cast<char>(comment.size() & 0xFF)};
         put_bytes(folder_ / "many.flac", whole.substr(0, 4) + '\0' + whole.substr(5, 37) + head + comment + "sound");
-        const auto message = message_of([&] { read_file((folder_ / "many.flac").string()); });
+        const auto message = failure_of([&] { read_file((folder_ / "many.flac").string()); });
         EXPECT_EQ(message.find("more than 5,000 entries") != message.npos, refused) << message;
     }
 }

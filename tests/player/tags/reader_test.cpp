@@ -19,23 +19,21 @@ TEST_F(reader, finds_the_same_fields_and_the_sound_in_every_format) {
         double length;
     };
     constexpr double mpeg_frames = 78 * 1152 / 44100.0;
-    const expected formats[] = {
-        {"id3v24.mp3", "MP3", 44100, 2, mpeg_frames},
-        {"id3v23.mp3", "MP3", 44100, 2, mpeg_frames},
-        {"variable.mp3", "MP3", 44100, 2, mpeg_frames},
-        {"flac.flac", "FLAC", 44100, 2, 2},
-        {"vorbis.ogg", "Vorbis", 44100, 2, 2},
-        {"opus.opus", "Opus", 48000, 2, 2},
-        {"speex.spx", "Speex", 32000, 1, 63651 / 32000.0},
-        {"oggflac.oga", "FLAC", 44100, 2, 2},
-        {"aac.m4a", "AAC", 44100, 2, 2.023},
-        {"alac.m4a", "ALAC", 44100, 2, 2},
-        {"wavpack.wv", "WavPack", 44100, 2, 2},
-        {"pcm.aiff", "PCM", 44100, 2, 2},
-        {"wma.wma", "WMA 2", 44100, 2, 2.042},
-        {"tta.tta", "TTA", 44100, 2, 2},
-        {"ape.ape", "Monkey's Audio", 44100, 2, 2},
-    };
+    const expected formats[] = {{"id3v24.mp3", "MP3", 44100, 2, mpeg_frames},
+                                {"id3v23.mp3", "MP3", 44100, 2, mpeg_frames},
+                                {"variable.mp3", "MP3", 44100, 2, mpeg_frames},
+                                {"flac.flac", "FLAC", 44100, 2, 2},
+                                {"vorbis.ogg", "Vorbis", 44100, 2, 2},
+                                {"opus.opus", "Opus", 48000, 2, 2},
+                                {"speex.spx", "Speex", 32000, 1, 63651 / 32000.0},
+                                {"oggflac.oga", "FLAC", 44100, 2, 2},
+                                {"aac.m4a", "AAC", 44100, 2, 2.023},
+                                {"alac.m4a", "ALAC", 44100, 2, 2},
+                                {"wavpack.wv", "WavPack", 44100, 2, 2},
+                                {"pcm.aiff", "PCM", 44100, 2, 2},
+                                {"wma.wma", "WMA 2", 44100, 2, 2.042},
+                                {"tta.tta", "TTA", 44100, 2, 2},
+                                {"ape.ape", "Monkey's Audio", 44100, 2, 2}};
     for (const auto& each : formats) {
         SCOPED_TRACE(each.file);
         const file_info info = read_file(std::string(AUDIO_FIXTURES) + "/" + each.file);
@@ -43,23 +41,21 @@ TEST_F(reader, finds_the_same_fields_and_the_sound_in_every_format) {
         EXPECT_EQ(info.sample_rate, each.rate);
         EXPECT_EQ(info.channels, each.channels);
         EXPECT_NEAR(info.length(), each.length, 1e-9);
-        EXPECT_EQ(first_value(info, "album artist"), "Various Engines");
-        EXPECT_EQ(first_value(info, "tracknumber"), "3");
-        EXPECT_EQ(first_value(info, "totaltracks"), "12");
-        EXPECT_EQ(first_value(info, "discnumber"), "1");
-        EXPECT_EQ(first_value(info, "totaldiscs"), "2");
-        EXPECT_EQ(first_value(info, "date"), "1843");
+        for (const auto& [field, value] : {std::pair("album artist", "Various Engines"),
+                                           {"tracknumber", "3"},
+                                           {"totaltracks", "12"},
+                                           {"discnumber", "1"},
+                                           {"totaldiscs", "2"},
+                                           {"date", "1843"}})
+            EXPECT_EQ(first_value(info, field), value);
         EXPECT_EQ(first_value(info, "title"), "Number " + fs::path(each.file).extension().string().substr(1) + " – één");
     }
 }
 
-TEST_F(reader, finds_statistics_under_any_spelling_and_in_any_tag) {
+TEST_F(reader, finds_statistics_under_any_spelling_and_in_any_tag_and_several_values_in_order) {
     for (const auto* name : {"rich-id3v24.mp3", "rich-id3v23.mp3", "rich-flac.flac", "rich-aac.m4a", "rich-wma.wma",
                              "rich-wavpack.wv", "rich-pcm.aiff", "rich-pcm.wav", "rich-tta.tta"})
         EXPECT_EQ(first_value(read_file(std::string(AUDIO_FIXTURES) + "/" + name), "play_count"), "3") << name;
-}
-
-TEST_F(reader, keeps_the_order_of_several_values) {
     const std::vector<std::string> people = {"Ada Byron", "Charles Babbage"}, genres = {"Electronic", "Mechanical"};
     for (const auto* name : {"rich-id3v24.mp3", "rich-flac.flac", "rich-aac.m4a", "rich-wavpack.wv"}) {
         const auto info = read_file(std::string(AUDIO_FIXTURES) + "/" + name);
@@ -80,7 +76,7 @@ TEST_F(reader, says_why_a_file_cannot_be_read_and_never_waits) {
                                                       {empty, "is empty"},
                                                       {text, "not an audio file of a supported format"}};
     for (const auto& [path, reason] : cases) {
-        const auto message = message_of([&] { read_file(path.string()); });
+        const auto message = failure_of([&] { read_file(path.string()); });
         EXPECT_TRUE(message.starts_with(path.string() + ": ")) << message;
         EXPECT_NE(message.find(reason), message.npos) << message;
     }

@@ -1,7 +1,7 @@
 #include "player/tags/rewrite.h"
 
 #include <fcntl.h>
-
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -12,8 +12,10 @@
 #include <thread>
 
 #include "player/tags/copy_name.h"
+#include "player/tags/ogg_pages.h"
 #include "player/tags/reader.h"
 #include "player/tags/working_copy.h"
+#include "tests/player/synced_files.h"
 #include "tests/player/tags/audio_files.h"
 
 namespace ostrevan::tags {
@@ -59,7 +61,10 @@ TEST_F(rewrite, killed_or_failing_at_any_step_or_write_leaves_the_old_file_or_th
     for (const auto name : formats) {
         const auto path = copy(std::string(name));
         const auto old_bytes = bytes_of(path);
+        synced.clear();
         rewrite_file(path.string(), set_field("title", "new"));
+        ASSERT_EQ(synced.size(), 2u);
+        EXPECT_TRUE(maker_of_copy(fs::path(synced[0]).filename().string()) && synced[1] == folder_) << synced[0];
         const auto new_bytes = bytes_of(path);
         for (const auto step : all_steps) {
             SCOPED_TRACE(testing::Message() << name << " at step " << static_cast<int>(step));
@@ -93,7 +98,8 @@ TEST_F(rewrite, killed_or_failing_at_any_step_or_write_leaves_the_old_file_or_th
 
 /// The copy is harmed as a fault of an editor would: nothing but the verification is left to notice it.
 TEST_F(rewrite, gives_a_copy_up_whose_sound_an_editor_has_harmed) {
-    const auto expect_refusal = [&](const fs::path& path, const std::function<std::string(std::string)>& change) {
+    using change_of_bytes = std::function<std::string(std::string)>;
+    const auto expect_refusal = [&](const fs::path& path, const change_of_bytes& change) {
         const auto old_bytes = bytes_of(path);
         const auto fault = at(rewrite_step::edited, [&] {
             for (const auto& entry : fs::directory_iterator(folder_))
@@ -104,38 +110,55 @@ TEST_F(rewrite, gives_a_copy_up_whose_sound_an_editor_has_harmed) {
         expect_alone(path, old_bytes);
         fs::remove(path);
     };
-    const std::pair<const char*, harm> faults[] = {
-        {"id3v24.mp3", {"ID3\4", 9, -1}},          // the sound begins a byte early
-        {"rich-id3v24.mp3", {"APETAGEX", 12, 8}},  // and ends some early
-        {"wavpack.wv", {"APETAGEX", 12, -8}},
-        {"flac.flac", {"fLaC", 26, 1}},           // checksum of the samples
-        {"faststart.m4a", {"stco", 15, 1}},       // first chunk
-        {"aac.m4a", {"stsz", 19, 1}},             // size of a sample
-        {"aac.m4a", {"stsc", 19, -1}},            // samples of a chunk
-        {"alac.m4a", {"alac", 20, 1}},            // decoder configuration
-        {"fragments.m4a", {"tfhd", 19, 1}},       // base of a fragment
-        {"fragments.m4a", {"trun", 15, 1}},       // its run
-        {"fragments.m4a", {"trun", 27, 1}},       // size of a sample there
-        {"vorbis.ogg", {"OggS", 22, 1}},          // checksum of a page
-        {"rich-vorbis.ogg", {"OggS", 6, 1}},      // position
-        {"wma.wma", {"\x36\x26\xB2\x75", 1, 1}},  // identifier of the data
-        {"wma.wma", {"\x91\x07\xDC\xB7", 90, 1}},
-        {"pcm.wav", {"RIFF", 5, -1}},
-        {"pcm.aiff", {"FORM", 6, 1}},
-        {"pcm.wav", {"fmt ", 16, 1}},
-        {"pcm.wav", {"data", 4, -2}},
-        {"pcm.aiff", {"SSND", 7, -2}},
-    };
+    // Where the sound begins and ends; the checksum of FLAC's samples; MP4's chunks, samples, their sizes, the decoder, and
+    // of fragments the base, runs and sizes; Ogg's checksum and position; the identifier of the data; sizes of chunks.
+    const std::pair<const char*, harm> faults[] = {{"id3v24.mp3", {"ID3\4", 9, -1}},
+                                                   {"rich-id3v24.mp3", {"APETAGEX", 12, 8}},
+                                                   {"wavpack.wv", {"APETAGEX", 12, -8}},
+                                                   {"flac.flac", {"fLaC", 26, 1}},
+                                                   {"faststart.m4a", {"stco", 15, 1}},
+                                                   {"aac.m4a", {"stsz", 19, 1}},
+                                                   {"aac.m4a", {"stsc", 19, -1}},
+                                                   {"alac.m4a", {"alac", 20, 1}},
+                                                   {"fragments.m4a", {"tfhd", 19, 1}},
+                                                   {"fragments.m4a", {"trun", 15, 1}},
+                                                   {"fragments.m4a", {"trun", 27, 1}},
+                                                   {"vorbis.ogg", {"OggS", 22, 1}},
+                                                   {"rich-vorbis.ogg", {"OggS", 6, 1}},
+                                                   {"wma.wma", {"\x36\x26\xB2\x75", 1, 1}},
+                                                   {"wma.wma", {"\x91\x07\xDC\xB7", 90, 1}},
+                                                   {"pcm.wav", {"RIFF", 5, -1}},
+                                                   {"pcm.aiff", {"FORM", 6, 1}},
+                                                   {"pcm.wav", {"fmt ", 16, 1}},
+                                                   {"pcm.wav", {"data", 4, -2}},
+                                                   {"pcm.aiff", {"SSND", 7, -2}}};
     for (const auto& [file, harm] : faults) {
         SCOPED_TRACE(testing::Message() << file << " " << harm.marker << " " << harm.offset);
         expect_refusal(copy(file), harm);
     }
+    // The last page of an Ogg file, its checksum made right: as an editor writes it that counts, cuts or ends wrongly.
+    void (*const slips[])(ogg_page_fields&) = {
+        [](ogg_page_fields& page) { ++page.number; }, [](ogg_page_fields& page) { page.flags ^= ogg_page::continues; },
+        [](ogg_page_fields& page) { page.flags ^= ogg_page::last; }, [](ogg_page_fields& page) { ++page.position; }};
+    for (const auto slip : slips)
+        expect_refusal(copy("speex.spx"), [&](std::string bytes) {
+            const auto at = bytes.rfind("OggS");
+            const auto size = std::size_t{27} + static_cast<unsigned char>(bytes[at + 26]);
+            const ogg_page page{.at = 0, .body_size = 0, .header = bytes.substr(at, size)};
+            ogg_page_fields fields{page.flags(), page.position(), page.serial(), page.number()};
+            slip(fields);
+            return bytes.replace(at, size, page_header(fields, page.segments(), bytes.substr(at + size)));
+        });
+    // Samples of a fragment that have the size stated once for all of them, in front.
+    auto fragments = bytes_of(copy("fragments.m4a"));
+    for (const harm& each : {harm{"trun", 6, -2}, {"tfhd", 7, -16}, {"trex", 23, 2}}) fragments = each(fragments);
+    put_bytes(folder_ / "fragments.m4a", fragments);
+    expect_refusal(folder_ / "fragments.m4a", harm{"mdat", 4, 1});
     // In the middle of every file is its sound.
     std::string (*const anywhere[])(std::string) = {
         [](std::string bytes) { return bytes.replace(bytes.size() / 2, 4, "xxxx"); },
         [](std::string bytes) { return bytes.erase(bytes.size() / 2, 1); },
-        [](std::string bytes) { return bytes.insert(bytes.size() / 2, 1, 'x'); },
-    };
+        [](std::string bytes) { return bytes.insert(bytes.size() / 2, 1, 'x'); }};
     for (const auto& entry : fs::directory_iterator(AUDIO_FIXTURES))
         if (const auto name = entry.path().filename().string(); !name.starts_with("rich-") && name != ".made")
             for (const auto change : anywhere) expect_refusal(copy(name), change);
@@ -205,13 +228,11 @@ TEST_F(rewrite, refuses_what_is_protected) {
 TEST_F(rewrite, gives_way_to_a_change_by_another_program) {
     const auto path = copy("flac.flac");
     const std::string other_bytes = bytes_of(path) + "appended";
-    const std::function<void()> changes[] = {
-        [&] { put_bytes(path, other_bytes); },
-        [&] {
-            put_bytes(folder_ / "new", other_bytes);
-            fs::rename(folder_ / "new", path);
-        },
-    };
+    const std::function<void()> changes[] = {[&] { put_bytes(path, other_bytes); },
+                                             [&] {
+                                                 put_bytes(folder_ / "new", other_bytes);
+                                                 fs::rename(folder_ / "new", path);
+                                             }};
     for (const auto& change : changes) {
         copy("flac.flac");
         const auto meanwhile = at(rewrite_step::synced, change);
@@ -247,7 +268,13 @@ TEST_F(rewrite, removes_only_copies_whose_makers_are_dead) {
     const char *dead = ".ostrevan-7ffffffe-1-0.mp3", *reused = ".ostrevan-1-7-0.mp3";
     for (const auto* name : others) put_bytes(folder_ / name, "x");
     for (const auto& name : {std::string(dead), std::string(reused), own}) put_bytes(folder_ / name, "x");
-    EXPECT_EQ(remove_stale_copies(folder_.string()), 2u);
+    {
+        // In the hands of another machine that shares the folder.
+        const descriptor held(open((folder_ / dead).c_str(), O_RDONLY));
+        ASSERT_EQ(flock(held.get(), LOCK_EX), 0);
+        EXPECT_EQ(remove_stale_copies(folder_.string()), 1u);
+    }
+    EXPECT_EQ(remove_stale_copies(folder_.string()), 1u);
     EXPECT_FALSE(fs::exists(folder_ / dead) || fs::exists(folder_ / reused));
     EXPECT_EQ(files_in_folder(), 5u);
 }
