@@ -1,4 +1,5 @@
 """Databases with damaged bytes, cut short, exchanged; damaged logs of them, and settings."""
+import contextlib
 import json
 import shutil
 import sqlite3
@@ -30,8 +31,6 @@ def grow(data, random):
 
 class Damage:
     name = "damage"
-    checks = "a message and an untouched file, or right data; wrong data only where SQLite cannot notice"
-    is_by_chance = False
 
     def cases(self, job):
         return 400
@@ -49,7 +48,7 @@ class Damage:
                 box.finish(player, kill_after=0.1)
                 require((box.profile / "index.sqlite-wal").stat().st_size > 0, "the kill left no log")
             box.save(name)
-            wanted[name] = json.loads(box.must("list", "--json"))
+            wanted[name] = box.tracks()
         return wanted
 
     def run(self, job, index, random):
@@ -59,8 +58,7 @@ class Damage:
         template = random.choice(("closed", "killed"))
         box.restore(template)
         targets = [p for p in sorted(box.profile.iterdir()) if p.name != "lock" and p.is_file() and p.stat().st_size]
-        target = random.choice(targets)
-        change = random.choice([flip, flip, cut, blank, grow])
+        target, change = random.choice(targets), random.choice([flip, flip, cut, blank, grow])
         data = bytearray(target.read_bytes())
         change(data, random)
         target.write_bytes(data)
@@ -70,19 +68,16 @@ class Damage:
         shutil.copytree(box.profile, before)
 
         result = box.run("list", "--json")
-        require(result.status in (0, 1), f"it ended with {result.status}: {result.err}")
+        right = result.status == 0 and json.loads(result.out) == job.damaged_templates[template]
+        job.judge(result, "right data" if right else f"wrong data of {target.name}, SQLite notices nothing")
         database = box.profile / target.name.removesuffix("-wal").removesuffix("-shm")
         if result.status:
-            job.say(result.err)
             require(str(database) in result.err, f"the file is not named: {result.err}")
             require(database.read_bytes() == (before / database.name).read_bytes(), f"{database.name} was changed")
-            job.count("refused")
-        elif json.loads(result.out) == job.damaged_templates[template]:
-            job.count("right data")
+        elif right:
             self.check_next_play(job)
         else:
             require(passes_for_whole(before / database.name), "wrong data without a word, although SQLite notices the damage")
-            job.count("wrong data, SQLite notices nothing: " + ("log" if target.name.endswith("-wal") else "database"))
 
     @staticmethod
     def check_next_play(job):
@@ -96,10 +91,6 @@ class Damage:
 
 def passes_for_whole(path):
     """Looks for all damage that SQLite can find, in a copy that nobody has opened yet."""
-    database = sqlite3.connect(path)
-    try:
+    with contextlib.closing(sqlite3.connect(path)) as database, contextlib.suppress(sqlite3.DatabaseError):
         return database.execute("PRAGMA integrity_check").fetchall() == [("ok",)]
-    except sqlite3.DatabaseError:
-        return False
-    finally:
-        database.close()
+    return False

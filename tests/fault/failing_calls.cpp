@@ -53,10 +53,7 @@ __attribute__((constructor)) void start() {
     if (path == nullptr) return;
     const auto file = static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, O_RDWR | O_CLOEXEC));
     void* const map = mmap(nullptr, sizeof(control), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    if (map == MAP_FAILED) {
-        std::fprintf(stderr, "failing_calls: cannot map %s\n", path);
-        std::abort();
-    }
+    if (map == MAP_FAILED) std::abort();
     syscall(SYS_close, file);
     shared = static_cast<control*>(map);
     folder = std::getenv("FAULT_FOLDER");
@@ -100,13 +97,8 @@ auto unless_failing(const char* name, int file, Call call) -> decltype(call()) {
     return unless_failing(name, path, call);
 }
 
-template <typename... Arguments>
-long kernel(long number, Arguments... arguments) {
-    return syscall(number, arguments...);
-}
-
 int open_at(const char* name, int at, const char* path, int flags, mode_t mode) {
-    const auto call = [&] { return static_cast<int>(kernel(SYS_openat, at, path, flags, mode)); };
+    const auto call = [&] { return static_cast<int>(syscall(SYS_openat, at, path, flags, mode)); };
     const bool changes = (flags & (O_CREAT | O_TRUNC)) != 0 || (flags & O_ACCMODE) != O_RDONLY;
     return changes ? unless_failing(name, path, call) : call();
 }
@@ -122,21 +114,19 @@ timespec shifted(timespec time, std::int64_t by) {
 
 timespec now() {
     timespec time{};
-    kernel(SYS_clock_gettime, CLOCK_REALTIME, &time);
+    syscall(SYS_clock_gettime, CLOCK_REALTIME, &time);
     return shifted(time, shared->clock_offset.load());
 }
 
 }  // namespace
 
 #define SAME_AS(name) __attribute__((alias(name)))
-#define OPEN_MODE(last)                                \
-    mode_t mode = 0;                                   \
-    if ((flags & (O_CREAT | __O_TMPFILE)) != 0) {      \
-        va_list rest;                                  \
-        va_start(rest, last);                          \
-        mode = static_cast<mode_t>(va_arg(rest, int)); \
-        va_end(rest);                                  \
-    }
+// The kernel passes over the mode where none is needed.
+#define OPEN_MODE(last)                     \
+    va_list rest;                           \
+    va_start(rest, last);                   \
+    const auto mode = va_arg(rest, mode_t); \
+    va_end(rest);
 
 extern "C" {
 
@@ -160,9 +150,9 @@ int mkstemp(char* path) {
 int mkstemp64(char* path) SAME_AS("mkstemp");
 
 // On an open file, by its descriptor `file`; the kernel's call has the same arguments.
-#define ON_FILE(type, name, parameters, ...)                                                        \
-    type name parameters {                                                                          \
-        return static_cast<type>(unless_failing(#name, file, [&] { return kernel(__VA_ARGS__); })); \
+#define ON_FILE(type, name, parameters, ...)                                                         \
+    type name parameters {                                                                           \
+        return static_cast<type>(unless_failing(#name, file, [&] { return syscall(__VA_ARGS__); })); \
     }
 ON_FILE(ssize_t, write, (int file, const void* data, size_t size), SYS_write, file, data, size)
 ON_FILE(ssize_t, pwrite, (int file, const void* data, size_t size, off_t at), SYS_pwrite64, file, data, size, at)
@@ -185,9 +175,9 @@ int posix_fallocate(int file, off_t at, off_t size) { return fallocate(file, 0, 
 int posix_fallocate64(int file, off64_t at, off64_t size) SAME_AS("posix_fallocate");
 
 // By a path that the call makes or removes.
-#define ON_PATH(name, parameters, path, ...)                                                       \
-    int name parameters {                                                                          \
-        return static_cast<int>(unless_failing(#name, path, [&] { return kernel(__VA_ARGS__); })); \
+#define ON_PATH(name, parameters, path, ...)                                                        \
+    int name parameters {                                                                           \
+        return static_cast<int>(unless_failing(#name, path, [&] { return syscall(__VA_ARGS__); })); \
     }
 ON_PATH(renameat2, (int from_at, const char* from, int to_at, const char* to, unsigned flags), to, SYS_renameat2, from_at,
         from, to_at, to, flags)
@@ -208,7 +198,7 @@ int mkdir(const char* path, mode_t mode) { return mkdirat(AT_FDCWD, path, mode);
 
 int clock_gettime(clockid_t clock, timespec* time) {
     if (clock != CLOCK_REALTIME && clock != CLOCK_REALTIME_COARSE)
-        return static_cast<int>(kernel(SYS_clock_gettime, clock, time));
+        return static_cast<int>(syscall(SYS_clock_gettime, clock, time));
     *time = now();
     return 0;
 }

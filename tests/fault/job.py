@@ -2,7 +2,7 @@
 import collections
 import re
 
-from sandbox import Sandbox
+from sandbox import Sandbox, require
 
 
 class Job:
@@ -29,6 +29,13 @@ class Job:
 
     def count(self, outcome):
         self.outcomes[self.name][outcome] += 1
+
+    def judge(self, result, well="worked"):
+        """Whatever the fault, the player ends by itself, and a failure says where."""
+        require(result.status in (0, 1), f"it ended with {result.status}: {result.err}")
+        self.count("failed" if result.status else well)
+        self.say(result.err)
+        require(result.status == 0 or str(self.box.root) in result.err, f"the message does not say where: {result.err}")
 
     def say(self, text):
         """Remembers the player's messages without what differs from case to case."""

@@ -1,5 +1,6 @@
 """A place of its own in which the player runs and is broken: a profile, music, and what looks at them from outside."""
 import collections
+import contextlib
 import json
 import mmap
 import os
@@ -10,9 +11,7 @@ import struct
 import subprocess
 import time
 
-PROGRAM = os.environ.get("OSTREVAN", "")
-MUSIC = pathlib.Path(os.environ.get("MUSIC", ""))
-FAILING_CALLS = os.environ.get("FAILING_CALLS", "")
+PROGRAM, MUSIC, FAILING_CALLS = (os.environ[name] for name in ("OSTREVAN", "MUSIC", "FAILING_CALLS"))
 
 STATISTICS = "C653739F-14B3-4EF2-819B-A3E2883230AE"
 RECORD = struct.Struct("<QQQQII")  # play count, first played, last played, added, rating, nothing
@@ -29,10 +28,10 @@ class Control:
     FIELDS = {name: at for at, name in enumerate(("clock_offset", "calls", "chosen", "error", "mode", "failed"))}
 
     def __init__(self, path):
+        self.path = path
         path.write_bytes(bytes(self.FORMAT.size))
         with open(path, "r+b") as file:
             self.map = mmap.mmap(file.fileno(), 0)
-        self.path = path
 
     def set(self, **values):
         """Starts anew with these values."""
@@ -95,7 +94,7 @@ class Sandbox:
     def finish(player, kill_after=None):
         """Waits for the end, or kills after so many seconds."""
         try:
-            out, err = player.communicate(timeout=TIME_LIMIT if kill_after is None else kill_after)
+            out, err = player.communicate(timeout=kill_after or TIME_LIMIT)
             return Result(player.returncode, out, err)
         except subprocess.TimeoutExpired:
             player.kill()
@@ -108,8 +107,7 @@ class Sandbox:
     def must(self, *words, **options):
         """Runs what cannot fail without a fault; gives what it printed."""
         done = self.run(*words, **options)
-        if done.status != 0:
-            raise Violation(f"without a fault, {' '.join(map(str, words))!r} ended with {done.status}: {done.err.strip()}")
+        require(done.status == 0, f"without a fault, {words} ended with {done.status}: {done.err.strip()}")
         return done.out
 
     def tracks(self, **options):
@@ -122,10 +120,8 @@ class Sandbox:
     # The database, seen without the player.
 
     def edit_index(self, sql, rows):
-        database = sqlite3.connect(self.profile / "index.sqlite")
-        with database:
+        with contextlib.closing(sqlite3.connect(self.profile / "index.sqlite")) as database, database:
             database.executemany(sql, rows)
-        database.close()
 
     def put_records(self, guid, records):
         """Stores records by key, as a component would have under an index of its own."""
@@ -138,19 +134,14 @@ class Sandbox:
         copy = self.root / "copy"
         shutil.rmtree(copy, ignore_errors=True)
         copy.mkdir()
-        for part in ("index.sqlite", "index.sqlite-wal", "index.sqlite-journal"):
-            if (self.profile / part).exists():
-                shutil.copy(self.profile / part, copy / part)
-        database = sqlite3.connect(copy / "index.sqlite")
-        try:
+        for part in self.profile.glob("index.sqlit*[!m]"):  # but not the "-shm"
+            shutil.copy(part, copy)
+        with contextlib.closing(sqlite3.connect(copy / "index.sqlite")) as database:
             if not database.execute("SELECT 1 FROM sqlite_schema").fetchall():
                 return {}
-            if database.execute("PRAGMA integrity_check").fetchall() != [("ok",)]:
-                raise Violation("index.sqlite is damaged")
+            require(database.execute("PRAGMA integrity_check").fetchall() == [("ok",)], "index.sqlite is damaged")
             return {key & (1 << 64) - 1: data for key, data in database.execute(
                 "SELECT key, data FROM records JOIN indexes ON id = index_id WHERE guid = ?", (guid,))}
-        finally:
-            database.close()
 
 
 class Violation(Exception):

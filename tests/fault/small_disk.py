@@ -4,7 +4,7 @@ import os
 import shutil
 import subprocess
 
-from kills import check_restart
+from calls import restart
 from sandbox import require
 from works import WORKS
 
@@ -23,8 +23,6 @@ def used(folder):
 
 class SmallDisk:
     name = "small disk"
-    checks = "as for each work; a message"
-    is_by_chance = False
 
     def cases(self, job):
         folder = job.box.root / "disk"
@@ -35,20 +33,14 @@ class SmallDisk:
         return 40 * len(WORKS)
 
     def run(self, job, index, random):
-        work = job.ready(WORKS[index % len(WORKS)])
-        box = job.box
+        work, box = job.ready(WORKS[index % len(WORKS)]), job.box
         folder = random.choice([box.profile, box.music])
         room = random.choice([random.randrange(4), random.randrange(64)]) * PAGE
         job.fault = f"{work.name}, {room} bytes free in {folder.name}"
-        words = work.words()
         with Filling(folder, box.root / "aside", room):
-            result = box.run(*words)
-        require(result.status in (0, 1), f"it ended with {result.status}: {result.err}")
-        job.count("failed" if result.status else "worked")
-        job.say(result.err)
-        if result.status:
-            require(str(box.place) in result.err, f"the message does not say where: {result.err}")
-        check_restart(job, work, result)
+            result = box.run(*work.words())
+        job.judge(result)
+        restart(job, work, result)
 
 
 class Filling:

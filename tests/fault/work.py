@@ -18,8 +18,6 @@ def is_only_dated(data):
 
 class Work:
     """`start` and `goal` are the states before and after a run that nothing disturbs."""
-    name = checks = None
-
     def __init__(self, box):
         self.box = box
         box.clear()

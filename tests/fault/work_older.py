@@ -16,7 +16,6 @@ OLDER_MAPPINGS = {"163FC58C-E2D5-4D3D-BFA4-45AF2C28AC1C": key_vectors.LEGACY,
 
 class Migration(Work):
     name = "migration"
-    checks = "every record exact, nothing twice, however often it starts"
     tags = "%artist%|%album artist%|%album%|%date%|%tracknumber%|%title%"
 
     def prepare(self):
@@ -55,7 +54,6 @@ class Migration(Work):
 
 class LegacyImport(Work):
     name = "legacy import"
-    checks = "counts added once; twice only if cut off between saving and removing"
     twice = "added twice"  # what the order of saving and removing allows
     added = 5
 

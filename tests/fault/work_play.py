@@ -9,7 +9,6 @@ from work import Work
 
 class Plays(Work):
     name = "plays"
-    checks = "counted <= stored <= begun, by title"
     rounds = 2
 
     def prepare(self):
@@ -37,7 +36,6 @@ class Plays(Work):
 
 class Stamping(Work):
     name = "stamping"
-    checks = "every track listed and stamped; no date moves"
     files = 150
 
     def prepare(self):

@@ -9,29 +9,24 @@ WRITE_TAGS = ["--yes", "context", "Playback Statistics/Write statistics to file 
 
 def samples_of(path):
     """A digest of the decoded audio."""
-    return subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", str(path), "-map", "0:a", "-f", "md5", "-"],
-                                  capture_output=True, text=True, check=False).stdout
+    return subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", path, "-map", "0:a", "-f", "md5", "-"],
+                          stdout=subprocess.PIPE, check=True).stdout
 
 
 class TagRewrites(Work):
     name = "tag rewrites"
-    checks = "each file byte for byte the old or the new one; the new ones decode alike"
 
     def words(self):
         return WRITE_TAGS
 
     def __init__(self, box):
         super().__init__(box)
-        self.goal_decodes()
-
-    def goal_decodes(self):
         for path in self.box.music.rglob("*.*"):
             require(samples_of(path) == samples_of(MUSIC / path.relative_to(self.box.music)), f"{path} sounds differently")
 
 
 class KeyChange(TagRewrites):
     name = "tag edit"
-    checks = "the files are the old or the new ones, and their statistics follow"
 
     def prepare(self):
         super().prepare()
@@ -47,14 +42,12 @@ class KeyChange(TagRewrites):
 
     def finish(self):
         self.box.must("library", "rescan")
-        now = self.counts_now()
-        require(now == self.counts, f"the play counts are {now} and were {self.counts}")
+        require(self.counts_now() == self.counts, f"the play counts were {self.counts}")
         super().finish()
 
 
 class Retagging(KeyChange):
     name = "rescan of retagged files"
-    checks = "the statistics follow what another program did to the tags"
 
     def prepare(self):
         super().prepare()

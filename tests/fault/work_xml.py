@@ -15,7 +15,6 @@ class Transfer(Work):
 class Export(Transfer):
     name = "XML export"
     command = "Export statistics"
-    checks = "statistics untouched; the file the older or the new one, whole the next time"
     older = b"an older backup"
 
     def __init__(self, box):
@@ -42,7 +41,6 @@ class Export(Transfer):
 class Import(Transfer):
     name = "XML import"
     command = "Import statistics"
-    checks = "all records or none"
 
     def prepare(self):
         super().prepare()
