@@ -1,5 +1,4 @@
 """Ratings, copy and paste, the menu as a user sees it."""
-import unittest
 
 from player import PlayerTest
 
@@ -59,7 +58,3 @@ class ContextMenu(PlayerTest):
         pasted, copied = self.track(self.two, profile=other), self.track(self.one)
         for field in ("play_count", "first_played", "last_played", "added", "rating"):
             self.assertEqual(pasted[field], copied[field])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -3,7 +3,6 @@ import os
 import pty
 import signal
 import subprocess
-import unittest
 
 from player import PlayerTest
 
@@ -93,7 +92,3 @@ class Dialogs(PlayerTest):
         said = self.run_player("--file", self.file, "--check", "Rating", "menu", "Library/Playback Statistics/Show recently added")
         self.assertIn("--check and --uncheck were not used", said.stderr)
         self.assertIn("--file was not used", said.stderr)
-
-
-if __name__ == "__main__":
-    unittest.main()

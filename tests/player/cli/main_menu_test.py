@@ -1,6 +1,5 @@
 """The main menu: its marks, the switch, the searches for what is recent."""
 import time
-import unittest
 
 from player import MENU, PlayerTest, moment
 
@@ -60,13 +59,3 @@ class MainMenu(PlayerTest):
                 self.assertEqual(self.titles(PLAYED), recent)
                 self.set_times("Added", {**ages, **others})
                 self.assertEqual(self.titles(ADDED), recent)
-
-    def test_wrong_paths_name_what_there_is(self):
-        for path, named in (("Library/Nosuch", "Playback Statistics"), (MENU + "Nosuch", "Show recently played"),
-                            ("Library", "submenu"), ("{00000000-0000-0000-0000-000000000000}", "no command"), ("", "Library")):
-            with self.subTest(path=path):
-                self.assertIn(named, self.run_player("menu", path, status=2).stderr)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -3,13 +3,16 @@
 Environment: OSTREVAN is the program, MUSIC a folder of tagged files in five formats, AUDIO one file of every format that can
 be tagged, BROKEN_COMPONENTS modules that are broken on purpose, FIXTURES the scripts of tests/fixtures.
 """
+import fcntl
 import json
 import os
 import pathlib
+import pty
 import shutil
 import struct
 import subprocess
 import tempfile
+import termios
 import unittest
 
 MENU = "Library/Playback Statistics/"
@@ -43,12 +46,35 @@ class PlayerTest(unittest.TestCase):
         """Runs one command and checks its exit status; gives what it printed."""
         done = subprocess.run(self.command(*words, profile=profile), env=self.env, input=text or "", capture_output=True,
                               text=True, timeout=110)
-        self.assertEqual(done.returncode, status, f"{words}\n{done.stdout}\n{done.stderr}")
+        if status is not None:
+            self.assertEqual(done.returncode, status, f"{words}\n{done.stdout}\n{done.stderr}")
         return done
+
+    def on_terminal(self, *words, kind="xterm"):
+        """What a command writes to a terminal of 80 columns."""
+        master, end = pty.openpty()
+        fcntl.ioctl(end, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
+        player = subprocess.Popen(self.command(*words), env=dict(self.env, TERM=kind), stdin=end, stdout=end, stderr=end)
+        os.close(end)
+        text = b""
+        try:
+            while block := os.read(master, 65536):
+                text += block
+        except OSError:  # the other end is closed
+            pass
+        player.wait(timeout=100)
+        return text.decode()
 
     def copy_music(self):
         shutil.copytree(MUSIC, self.music)
         self.run_player("library", "add", self.music)
+
+    def retag(self, path):
+        """Gives the file another title, as another program would."""
+        fresh = self.folder / "retagged.flac"
+        subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", path, "-c", "copy", "-metadata", "title=Elsewhere", fresh],
+                       check=True)
+        shutil.move(fresh, path)
 
     def tracks(self, query="", profile=None):
         return json.loads(self.run_player("list", "--json", query, profile=profile).stdout)

@@ -4,7 +4,6 @@ import select
 import signal
 import sqlite3
 import struct
-import unittest
 import xml.etree.ElementTree
 
 from player import FIELDS, MAPPING, MENU, PlayerTest
@@ -148,7 +147,3 @@ class StatisticsFile(PlayerTest):
         self.assertIn("Interrupted", said)
         self.assertFalse(received.endswith(b"</PlaybackStatistics>"))
         self.assertLessEqual(before.items(), self.records().items())
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,11 +1,6 @@
 """What reaches the terminal, a pipe, and whoever looks at the exit status."""
-import fcntl
 import os
-import pty
-import struct
 import subprocess
-import termios
-import unittest
 import wave
 
 from player import PlayerTest
@@ -18,21 +13,6 @@ class Terminal(PlayerTest):
         super().setUp()
         self.copy_music()
         self.first = self.files()[0]
-
-    def on_terminal(self, *words, kind="xterm"):
-        """What a command writes to a terminal of 80 columns."""
-        master, end = pty.openpty()
-        fcntl.ioctl(end, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
-        player = subprocess.Popen(self.command(*words), env=dict(self.env, TERM=kind), stdin=end, stdout=end, stderr=end)
-        os.close(end)
-        text = b""
-        try:
-            while block := os.read(master, 65536):
-                text += block
-        except OSError:  # the other end is closed
-            pass
-        player.wait(timeout=100)
-        return text.decode()
 
     def test_names_and_tags_are_shown_on_a_terminal_and_passed_on_elsewhere(self):
         said = self.run_player("edit", self.first, "--set", "title=" + EVIL).stderr
@@ -106,7 +86,3 @@ class Terminal(PlayerTest):
         self.assertIn("You're about to edit", self.run_player("edit", "--where", "ALL", "--set", "a=b", status=3).stderr)
         self.run_player("edit", "--where", "ALL LIMIT 2", "--set", "a=b")
         self.assertEqual(len(self.tracks("a is b")), 2)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <string_view>
@@ -25,5 +28,16 @@ struct table_of_fields final : field_source {
 
     table found, absent;
 };
+
+/// What each of the scripts shows, after an arrow, and whether a field of it was found.
+inline void expect_each(const field_source& track, bool found, std::initializer_list<std::string_view> rows) {
+    constexpr std::string_view arrow = " → ";
+    for (const auto row : rows) {
+        const auto place = row.find(arrow);
+        const result made = compile(row.substr(0, place)).run(track);
+        EXPECT_EQ(made.text, row.substr(place + arrow.size())) << row;
+        EXPECT_EQ(made.found, found) << row;
+    }
+}
 
 }  // namespace ostrevan::titleformat

@@ -11,36 +11,16 @@ namespace {
 const table_of_fields track({{"artist", "Björk"}, {"title", "Jóga"}, {"empty", ""}, {"album artist", "B"}},
                             {{"last_played", "N/A"}, {"play_count", "0"}});
 
-struct example {
-    std::string_view script, text;
-    bool found;
-};
-
 TEST(script, shows_fields_sections_and_literal_text) {
-    const example examples[] = {
-        {"", "", false},
-        {"plain", "plain", false},
-        {"%ARTIST% - %Title%", "Björk - Jóga", true},
-        {"%album artist%", "B", true},
-        {"a, (b) 100%% $$5 ''x'' '[it''s %here%]'", "a, (b) 100% $5 'x' [it's %here%]", false},
-        {"%last_played%", "N/A", false},
-        {"[last: %last_played%]x%play_count%", "x0", false},
-        {"[%artist%: %last_played%]", "Björk: N/A", true},
-        {"[%empty%|]", "|", true},
-        {"[no field]", "", false},
-        {"[%artist%[ (%genre%)]] [[%genre%] %title%]", "Björk  Jóga", true},
-        {"[[[%genre%]x]y]z", "z", false},
-        {"[%artist%, (%title%)]", "Björk, (Jóga)", true},
-        {"$if(%artist%,(a,b),c)", "(a,b)", false},
-        {"$if(%artist%,[%genre%],x)", "", false},
-        {"$IF(%genre%,a)|", "|", false},
-        {"$upper('a,b)')", "A,B)", false},
-    };
-    for (const auto& [source, text, found] : examples) {
-        const result made = compile(source).run(track);
-        EXPECT_EQ(made.text, text) << source;
-        EXPECT_EQ(made.found, found) << source;
-    }
+    expect_each(track, true,
+                {"%ARTIST% - %Title% → Björk - Jóga", "%album artist% → B", "[%artist%: %last_played%] → Björk: N/A",
+                 "[%empty%|] → |", "[%artist%[ (%genre%)]] [[%genre%] %title%] → Björk  Jóga",
+                 "[%artist%, (%title%)] → Björk, (Jóga)"});
+    expect_each(
+        track, false,
+        {" → ", "plain → plain", "a, (b) 100%% $$5 ''x'' '[it''s %here%]' → a, (b) 100% $5 'x' [it's %here%]",
+         "%last_played% → N/A", "[last: %last_played%]x%play_count% → x0", "[no field] → ", "[[[%genre%]x]y]z → z",
+         "$if(%artist%,(a,b),c) → (a,b)", "$if(%artist%,[%genre%],x) → ", "$IF(%genre%,a)| → |", "$upper('a,b)') → A,B)"});
 }
 
 TEST(script, mistakes_are_named_with_their_place) {
