@@ -75,6 +75,8 @@ TEST_F(files, what_became_of_a_request_is_told) {
     };
     const auto set_title = [](file_info& info) { return info.meta_set("title", "x"), true; };
     EXPECT_EQ(update("1.wav", 0, set_title), (lines{"01", "status 0"}));
+    EXPECT_EQ(update("1.wav", 0, [](file_info& info) { return info.meta_set("title", "y"), true; }),
+              (lines{"11", "status 0"}));
     EXPECT_EQ(update("1.wav", 0, [](auto&) -> bool { throw 1; }),
               (lines{"front_tests: unknown error", "front_tests: unknown error", "failed",
                      "2 of 2 files could not be updated; they are as they were.", "status 1"}));
@@ -101,7 +103,7 @@ TEST_F(files, edits_that_a_component_has_not_followed_are_told_of_again) {
 }
 
 TEST_F(files, are_taken_in_the_order_of_listening_from_folders_outside_the_library) {
-    for (const auto* name : {"10.wav", "2.wav", "1.wav", "b/1.wav", "cd 10/1.wav", "cd 9/1.wav"}) write_sound(name);
+    for (const auto* name : {"10.wav", "2.wav", "9.wav", "1.wav", "b/1.wav", "cd 10/1.wav", "cd 9/1.wav"}) write_sound(name);
     write(path("2.cue"), "FILE \"2.wav\" WAVE\n TRACK 01 AUDIO\n INDEX 01 00:00:00\n TRACK 02 AUDIO\n INDEX 01 00:00:30\n");
     write(path("cover.jpg"), "x");
     session run({path("profile"), path("none"), true}, player.ui);
@@ -114,7 +116,7 @@ TEST_F(files, are_taken_in_the_order_of_listening_from_folders_outside_the_libra
                 ' ' + track->location().path.substr(folder_.size() + 1) + '|' + std::to_string(track->location().subsong);
         return text;
     };
-    EXPECT_EQ(taken({""}), "00 2.cue|1 2.cue|2 1.wav|0 10.wav|0 b/1.wav|0 cd 9/1.wav|0 cd 10/1.wav|0");
+    EXPECT_EQ(taken({""}), "00 2.cue|1 2.cue|2 1.wav|0 9.wav|0 10.wav|0 b/1.wav|0 cd 9/1.wav|0 cd 10/1.wav|0");
     EXPECT_EQ(taken({"2.cue|2", "cover.jpg", "2.cue|3", "none.wav", "b/../1.wav"}), "12 2.cue|2 1.wav|0");
 }
 
