@@ -10,6 +10,7 @@
 #include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/stats_op.h"
 
 namespace quorvel::pcdb_export {
 namespace {
@@ -18,13 +19,6 @@ using ostrevan::filesystem;
 
 constexpr std::size_t full_buffer = 16384;
 constexpr std::size_t keys_at_once = 4096;
-
-/// Throws when the record cannot be read: a default one in its place would later be imported as what was counted.
-t_playback_stats record_of(std::uint64_t key) {
-    record_blob blob;
-    const auto size = opened_index()->read(statistics_index_guid, key, blob.data(), blob.size());
-    return size == blob.size() ? decode_record(blob) : t_playback_stats{};
-}
 
 /// The file, with what is still to be written in front of it.
 class statistics_file {
@@ -38,9 +32,9 @@ public:
         text_ += "\">\n";
     }
     void add(std::uint64_t key, const track_list& items) {
-        writeEntry(text_, key, record_of(key), fields_, &items);
+        writeEntry(text_, key, records_.GetByKey(key), fields_, &items);
         if (text_.size() > full_buffer) write_out();
-        progress_.step(++records_, total_);
+        progress_.step(++written_, total_);
     }
     void end() {
         text_ += "</PlaybackStatistics>";
@@ -57,9 +51,11 @@ private:
 
     ostrevan::file_ptr file_;
     const std::uint32_t fields_;
+    // Throws for a record that cannot be read: a default one in its place would later be imported as what was counted.
+    const StatsOp records_;
     std::string text_;
     ostrevan::progress_scope progress_{"records exported"};
-    std::size_t records_ = 0;
+    std::size_t written_ = 0;
     std::size_t total_ = 0;
 };
 
