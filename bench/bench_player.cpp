@@ -71,10 +71,12 @@ bench_player::bench_player(const fs::path& profile)
       main_thread_(loop),
       threads_(loop),
       records(profile / "index.sqlite", give_up),
-      index(records, [this](const nuv::guid& /*index*/, const std::vector<std::uint64_t>& keys) {
-          ++refreshes;
-          refreshed_keys += keys.size();
-      }) {
+      index(
+          records, [](const ostrevan::service_base& /*client*/) { return std::string("the bench"); },
+          [this](const nuv::guid& /*index*/, const std::vector<std::uint64_t>& keys) {
+              ++refreshes;
+              refreshed_keys += keys.size();
+          }) {
     use_summer_time();
     services.add<ostrevan::configuration_store>(configuration_);
     services.add<ostrevan::console_service>(console_);
