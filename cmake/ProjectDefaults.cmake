@@ -22,7 +22,8 @@ endif()
 
 add_library(project_warnings INTERFACE)
 target_compile_options(project_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<BOOL:${QUORVEL_WARNINGS_AS_ERRORS}>:-Werror>
   # GCC 12 takes text + std::string for overlapping memory when it optimises.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 

@@ -10,8 +10,8 @@ set -euo pipefail
 run_packages=(ffmpeg)
 build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcli11-dev libsqlite3-dev libssl-dev
     "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev)
-test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev clang libclang-rt-dev clang-format
-    clang-tidy shellcheck sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace)
+test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev libavformat-dev clang libclang-rt-dev clang-format
+    clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
 
 needs=("${run_packages[@]}")
