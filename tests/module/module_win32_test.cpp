@@ -4,16 +4,56 @@
 #include <array>
 #include <filesystem>
 #include <functional>
-#include <set>
+#include <memory>
 
 #include "ostrevan/component_version.h"
+#include "ostrevan/context_menu.h"
+#include "ostrevan/main_menu.h"
 #include "ostrevan/statistics_collector.h"
-#include "tests/module/loaded_component.h"
+#include "tests/support/memory_player.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using module_test::tiny_player;
+
+/// A library file in this process, until this is destroyed.
+class loaded_library {
+public:
+    explicit loaded_library(const fs::path& path) : handle_(LoadLibraryW(path.c_str())) {
+        if (handle_ == nullptr) throw std::runtime_error("the library cannot be loaded");
+    }
+    ~loaded_library() { FreeLibrary(handle_); }
+    loaded_library(const loaded_library&) = delete;
+    loaded_library& operator=(const loaded_library&) = delete;
+
+    template <typename Function>
+    [[nodiscard]] Function address_of(const char* name) const {
+        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle_, name)));
+    }
+
+private:
+    HMODULE handle_;
+};
+
+/// Services in memory, and the component loaded from its file as a player does it.
+struct tiny_player {
+    tiny_player(const fs::path& path, const std::string& utf8_path)
+        : library(std::make_unique<loaded_library>(path)),
+          player(std::make_unique<support::memory_player>(
+              library->address_of<ostrevan::get_interface_function>(ostrevan::entry_name), utf8_path.c_str())) {}
+    support::memory_player* operator->() const noexcept { return player.get(); }
+    /// A command of the first group of the context menu; whether it can be chosen now.
+    bool run_context(std::size_t index, const ostrevan::metadb_handle_list& tracks) const {
+        auto& group = player->component_service<ostrevan::context_menu_item>();
+        ostrevan::context_menu_node::display_t shown;
+        group.item_get_display_data(shown, index, tracks, ostrevan::context_caller::selection);
+        group.context_command(index, tracks, ostrevan::context_caller::selection);
+        return shown.flags == 0;
+    }
+
+    std::unique_ptr<loaded_library> library;
+    std::unique_ptr<support::memory_player> player;  // what it holds is made of the library's code
+};
 
 std::string utf8(const fs::path& path) {
     const auto text = path.u8string();
@@ -30,33 +70,11 @@ public:
     }
     ~copied_library() { fs::remove_all(folder_); }
 
-    [[nodiscard]] std::string path() const { return utf8(path_); }
+    [[nodiscard]] tiny_player load() const { return tiny_player(path_, utf8(path_)); }
 
 private:
     fs::path folder_;
     fs::path path_;
-};
-
-/// The file mapped as the loader lays it out, none of its code run.
-class mapped_image {
-public:
-    mapped_image() : module_(LoadLibraryExW(fs::path(QUORVEL_MODULE).c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES)) {
-        if (module_ == nullptr) throw std::runtime_error("the library cannot be mapped");
-    }
-    ~mapped_image() { FreeLibrary(module_); }
-
-    template <typename T>
-    [[nodiscard]] const T* at(DWORD offset) const {
-        return reinterpret_cast<const T*>(reinterpret_cast<const char*>(module_) + offset);
-    }
-    template <typename T>
-    [[nodiscard]] const T* directory(unsigned which) const {
-        const auto* const headers = at<IMAGE_NT_HEADERS>(static_cast<DWORD>(at<IMAGE_DOS_HEADER>(0)->e_lfanew));
-        return at<T>(headers->OptionalHeader.DataDirectory[which].VirtualAddress);
-    }
-
-private:
-    HMODULE module_;
 };
 
 /// Bytes in use on all heaps; that of the C library is one of its own.
@@ -81,9 +99,11 @@ DWORD handles_in_use() {
     return count;
 }
 
+constexpr std::size_t copy = 1, paste = 2;
+
 /// Loads the component, lets it work with everything it has, and unloads it.
-void one_life(const std::string& path) {
-    tiny_player player(path);
+void one_life(const copied_library& library) {
+    const tiny_player player = library.load();
     const auto tracks = support::make_tracks(3);
     player->library.items = tracks.items();
     player->start();
@@ -91,12 +111,12 @@ void one_life(const std::string& path) {
         player->component_service<ostrevan::playback_statistics_collector>().on_item_played(track);
     player->settle();
     player->file_dialog.answer = "/out.xml";
-    player.run_main("Export statistics...");
-    player->dialogs.press(ostrevan::dialog_ok);
-    player.run_main("Import statistics...");
-    player->dialogs.press(ostrevan::dialog_ok);
-    player.run_context("Copy statistics", tracks);
-    player.run_context("Paste statistics", tracks);
+    for (const std::size_t export_or_import : {3, 4}) {
+        player->component_service<ostrevan::main_menu_commands>().execute(export_or_import);
+        player->dialogs.press(ostrevan::dialog_ok);
+    }
+    EXPECT_TRUE(player.run_context(copy, tracks));
+    EXPECT_TRUE(player.run_context(paste, tracks));
     player->popups.answer(ostrevan::popup_message_v3::answer_ok);
     player->settle();
     EXPECT_NE(player->local_files.files.at("/out.xml").find("Count=\"1\""), std::string::npos);
@@ -106,27 +126,9 @@ void one_life(const std::string& path) {
 
 }  // namespace
 
-TEST(module, needs_nothing_but_the_system) {
-    const std::set<std::string> of_the_system{"ADVAPI32.dll", "GDI32.dll",   "KERNEL32.dll",
-                                              "USER32.dll",   "UxTheme.dll", "msvcrt.dll"};
-    const mapped_image image;
-    std::size_t imported = 0;
-    for (const auto* table = image.directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT); table->Name != 0;
-         ++table, ++imported)
-        EXPECT_TRUE(of_the_system.contains(image.at<char>(table->Name))) << image.at<char>(table->Name);
-    EXPECT_GT(imported, 0U);
-}
-
-TEST(module, exports_its_entry_and_nothing_else) {
-    const mapped_image image;
-    const auto* const exported = image.directory<IMAGE_EXPORT_DIRECTORY>(IMAGE_DIRECTORY_ENTRY_EXPORT);
-    ASSERT_EQ(exported->NumberOfFunctions, 1U);
-    EXPECT_STREQ(image.at<char>(*image.at<DWORD>(exported->AddressOfNames)), "ostrevan_get_interface");
-}
-
 TEST(module, says_that_its_file_was_renamed) {
     const copied_library library(u8"Qu\u00f6rvel copy.dll");
-    tiny_player player(library.path());
+    const tiny_player player = library.load();
     EXPECT_FALSE(player->component_service<ostrevan::component_version>().test_installation());
     EXPECT_EQ(player->crash_log.lines,
               std::vector<std::string>{"Component rename detected: quorvel.dll >> Qu\xC3\xB6rvel copy.dll"});
@@ -143,12 +145,57 @@ std::size_t left_by(const std::function<void()>& life) {
 TEST(module, leaves_no_more_behind_than_a_library_that_does_nothing) {
     const copied_library library("quorvel.dll");
     const auto left_by_runtime = left_by([] {
-        const module_test::loaded_library bare(BARE_LIBRARY);
-        bare.call("use_the_runtime");
+        const loaded_library bare(BARE_LIBRARY);
+        bare.address_of<int (*)()>("use_the_runtime")();
     });
     const auto handles_before = handles_in_use();
     // The runtime's share of the component's own variables of a thread comes on top.
-    EXPECT_LE(left_by([&] { one_life(library.path()); }), left_by_runtime + 256);
+    EXPECT_LE(left_by([&] { one_life(library); }), left_by_runtime + 256);
     EXPECT_LE(handles_in_use(), handles_before);
     EXPECT_EQ(GetModuleHandleW(L"quorvel.dll"), nullptr);
+}
+
+/// The one that the component drew for this owner, or null.
+HWND dialog_of(HWND owner) {
+    const HWND front = GetLastActivePopup(owner);
+    return front == owner ? nullptr : front;
+}
+
+/// A player that ends, and one that takes the component away in the middle of its life.
+TEST(module, takes_its_open_dialog_along) {
+    const HWND owner = CreateWindowW(L"Static", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 20, 20, 900, 700, nullptr, nullptr,
+                                     nullptr, nullptr);
+    for (const bool shuts_down : {true, false, true, false}) {
+        tiny_player player(fs::path(QUORVEL_MODULE), QUORVEL_MODULE);
+        player->withdraw(player->dialogs.class_guid);
+        player->window = owner;
+        if (shuts_down) player->start();
+        player->component_service<ostrevan::main_menu_commands>().execute(3);
+        ASSERT_NE(dialog_of(owner), nullptr);
+        EXPECT_EQ(reinterpret_cast<HMODULE>(GetWindowLongPtrW(dialog_of(owner), GWLP_HINSTANCE)),
+                  GetModuleHandleW(L"quorvel.dll"));
+        if (shuts_down) player->shut_down();
+        else player.library.reset();
+        EXPECT_EQ(dialog_of(owner), nullptr);
+        EXPECT_TRUE(player->open_dialogs.can_create_new());
+        player.player.reset();
+        player.library.reset();
+        EXPECT_EQ(GetModuleHandleW(L"quorvel.dll"), nullptr);
+    }
+    DestroyWindow(owner);
+}
+
+/// What was copied outlives the component that copied it, and its library.
+TEST(module, leaves_what_it_has_copied_on_the_clipboard) {
+    const copied_library library("quorvel.dll");
+    {
+        const tiny_player player = library.load();
+        player->start();
+        (void)player.run_context(copy, support::make_tracks(2));
+    }
+    EXPECT_EQ(GetModuleHandleW(L"quorvel.dll"), nullptr);
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const HANDLE block = GetClipboardData(RegisterClipboardFormatA("{9B7A2C92-BC1E-4a96-BB97-B19884AB2141}"));
+    EXPECT_GE(GlobalSize(block), 4U + 2 * 36);
+    CloseClipboard();
 }

@@ -73,6 +73,7 @@ public:
     }
     std::vector<std::uint64_t> keys(const nuv::guid& index) const override { return keys_from(index, 0, unlimited); }
     std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first, std::size_t at_most) const override {
+        if (fail_read) throw std::runtime_error("index cannot be read");
         const std::lock_guard guard(lock_);
         std::vector<std::uint64_t> result;
         for (auto it = blobs_.lower_bound({index, first}); it != blobs_.end() && it->first.first == index; ++it)

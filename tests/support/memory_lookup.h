@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "ostrevan/core_api.h"
@@ -39,11 +41,13 @@ class memory_decoders : public ostrevan::input_entry {
 public:
     std::map<ostrevan::playable_location, ostrevan::file_info> files;
     std::vector<std::string> opened;
+    std::chrono::milliseconds delay{0};  ///< that opening a file takes
 
     bool is_our_path(const char*) const noexcept override { return true; }
     ostrevan::service_ptr_t<ostrevan::input_info_reader> open_for_info_read(const char* path) override {
         if (ostrevan::core_api::is_main_thread()) ostrevan::uBugCheck("files are read on the main thread");
         opened.emplace_back(path);
+        std::this_thread::sleep_for(delay);
         const auto first = files.lower_bound({path, 0});
         if (first == files.end() || first->first.path != path) throw ostrevan_io::exception_io_not_found(path);
         return ostrevan::service_new<reader>(*this, path);

@@ -2,20 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "tests/support/memory_player.h"
-
-TEST(settings, are_kept_under_the_identifiers_that_players_have_stored) {
-    support::memory_player player;
-    std::vector<std::string> ids;
-    for (std::size_t i = 0; i < player.component().config_variable_count(); ++i)
-        ids.push_back(nuv::guid_text(player.component().config_variable_at(i).id()));
-    for (const char* id : {"9035A43F-E915-4EEC-8DF9-7920D4D2FF19", "BE5DDEBA-0A25-4AAB-B60F-B597991C582C"})
-        EXPECT_EQ(std::ranges::count(ids, id), 1) << id;
-}
 
 TEST(settings, are_read_once_and_written_through) {
     support::memory_player player;

@@ -121,7 +121,7 @@ TEST_F(migration, merges_older_records_before_anything_is_added_to_them) {
     for (const bool transactions : {true, false}) {
         index.offer_transactions = transactions;
         index.clear();
-        player.library.items = {both, copy, played};
+        player.library.items = {both, played, copy};
         const auto old = [&](const nuv::guid& mapping, const auto& track, const t_playback_stats& record) {
             put(mapping, key_under(mapping, track), record);
         };
@@ -175,12 +175,18 @@ TEST_F(migration, that_fails_keeps_back_the_dates_of_its_own_tracks_only) {
         EXPECT_EQ(PCDB::Get(*old), t_playback_stats{});
     }
     index.unreadable_key.reset();
+    index.fail_read = true;
+    start();
+    EXPECT_EQ(player.console.lines,
+              texts{"Playback statistics: records under older keys could not be taken over: index cannot be read"});
+    index.fail_read = false;
     index.writes_until_failure = 0;
     start();
     EXPECT_EQ(player.console.lines, texts{"Track information database save failure: index cannot be written"});
     index.writes_until_failure = index.unlimited;
     start();
     EXPECT_EQ(PCDB::Get(*old), (t_playback_stats{.play_count = 2, .added = 4}));
+    EXPECT_EQ(index.refreshes.back(), std::vector{*KeyOf(*old)}) << "and not the older key";
 }
 
 TEST_F(tag_edit, takes_the_statistics_along) {
@@ -226,7 +232,12 @@ TEST_F(tag_edit, takes_the_statistics_along) {
     EXPECT_EQ(player.threads.started, started) << "the key has stayed";
     const nuv::list_t<ostrevan::tag_edit> known_as_in_file{{track, &a, &b, &a}};
     EXPECT_EQ(key_changes(known_as_in_file), (std::vector<key_change>{{at(a), at(b)}})) << "merged once";
+    const auto untitled = support::make_info({});
+    const ostrevan::playable_location then{"/then", 0};
+    const nuv::list_t<ostrevan::tag_edit> renamed{{track, &untitled, &untitled, nullptr, &then}};
+    EXPECT_EQ(key_changes(renamed), (std::vector<key_change>{{KeyOf(untitled, then).value(), at(untitled)}}));
     player.shut_down();
+    EXPECT_FALSE(KeyOf(a, track->location()));
     edit({{track, &a, &b, nullptr}});
     EXPECT_FALSE(outcome->all_followed()) << "without an index";
 }

@@ -66,6 +66,7 @@ TEST_F(field_provider, rounds_and_caps_the_plays_of_a_day) {
         {9, moment + day, moment, "??"},
         {9, 0, moment, "??"},
         {9, moment, 0, "??"},
+        {3, moment, moment + 1, "??"},
     };
     for (const auto& [count, first, last, text] : rows) {
         put(track, {.play_count = count, .first_played = first, .last_played = last});

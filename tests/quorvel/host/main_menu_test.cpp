@@ -18,7 +18,7 @@ protected:
     }
 };
 
-TEST_F(main_menu, shows_the_searches_as_far_as_the_library_goes) {
+TEST_F(main_menu, shows_what_can_be_done_now) {
     const std::string rest = "Monitor playing tracks 2 Export statistics... 0 Import statistics... 0 ";
     EXPECT_EQ(shown(), "Show recently played 0 Show recently added 0 " + rest);
     player.library.enabled = false;
@@ -29,6 +29,11 @@ TEST_F(main_menu, shows_the_searches_as_far_as_the_library_goes) {
     EXPECT_EQ(shown(), rest) << "two search windows";
     player.withdraw(second.class_guid);
     EXPECT_EQ(shown(), rest) << "no search window";
+    for (const bool on : {false, true}) {
+        menu.execute(2);
+        EXPECT_EQ(quorvel::monitoring_enabled.get(), on);
+        EXPECT_EQ(shown() == rest, on);
+    }
 }
 
 TEST_F(main_menu, searches_what_was_played_and_added_this_week) {
@@ -45,14 +50,6 @@ TEST_F(main_menu, searches_what_was_played_and_added_this_week) {
               (std::vector<support::shown_message>{
                   {"Could not activate Media Library Search: the window is gone", "Information", 1},
                   {"Could not activate Media Library Search: Service not found", "Information", 1}}));
-}
-
-TEST_F(main_menu, switches_monitoring) {
-    for (const bool on : {false, true}) {
-        menu.execute(2);
-        EXPECT_EQ(quorvel::monitoring_enabled.get(), on);
-        EXPECT_NE(shown().find(on ? "Monitor playing tracks 2" : "Monitor playing tracks 0"), std::string::npos);
-    }
 }
 
 }  // namespace

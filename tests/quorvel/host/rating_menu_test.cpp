@@ -94,7 +94,10 @@ TEST_F(rating_menu, runs_every_entry_by_menu_and_by_identifier) {
         {"-", "{479DF963-FF86-4C93-84B8-BC33E9B3814C}", rating_not_set, 106},
         {"-", "{479DF963-FF86-4C93-84B8-BC33E9B3814C}", 20, 63},
         {"-", "{479DF963-FF86-4C93-84B8-BC33E9B3814C}", 150, 106},
+        {"-", "{479DF963-FF86-4C93-84B8-BC33E9B3814C}", 70, 63},
+        {"-", "{479DF963-FF86-4C93-84B8-BC33E9B3814C}", 300, 191},
         {"+", "{3AEF56A1-03A5-4EB7-AE6C-7AE32B4847D6}", rating_not_set, 149},
+        {"+", "{3AEF56A1-03A5-4EB7-AE6C-7AE32B4847D6}", 0, 63},
         {"+", "{3AEF56A1-03A5-4EB7-AE6C-7AE32B4847D6}", 234, 234},
     };
     const auto track = rated("t", 0);
@@ -130,16 +133,10 @@ TEST_F(rating_menu, asks_only_beyond_a_hundred_different_tracks) {
         player.popups.answer(answer);
     }
     EXPECT_EQ(stored(last).rating, 149U);
-}
-
-TEST_F(rating_menu, lets_file_tags_follow_when_the_user_wants_that) {
-    const auto track = rated("t", 149);
-    quorvel::editRating(metadb_handle_list{track}, 63, 0);
     EXPECT_TRUE(player.tag_updates.requests.empty());
     quorvel::tag_sync_enabled.set(true);
-    quorvel::editRating(metadb_handle_list{track}, 234, 0);
-    ASSERT_EQ(player.tag_updates.requests.size(), 1U);
-    EXPECT_EQ(player.tag_updates.requests[0].options, 0U);
+    quorvel::editRating(metadb_handle_list{last}, 234, 0);
+    EXPECT_EQ(player.tag_updates.requests.at(0).options, 0U) << "file tags follow when the user wants that";
 }
 
 TEST_F(rating_menu, is_for_the_main_thread) {

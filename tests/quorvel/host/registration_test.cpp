@@ -1,11 +1,15 @@
 #include <algorithm>
+#include <cstdio>
 
 #include "ostrevan/advanced_settings.h"
+#include "ostrevan/component.h"
 #include "ostrevan/component_version.h"
 #include "ostrevan/field_provider.h"
 #include "ostrevan/library_columns.h"
 #include "ostrevan/main_menu.h"
 #include "tests/support/statistics_test.h"
+
+extern "C" ostrevan::component_interface* ostrevan_get_interface(const ostrevan::player_interface* player);
 
 namespace {
 
@@ -28,6 +32,8 @@ TEST_F(registration, keeps_what_players_have_stored) {
     });
     ostrevan::for_each_service<ostrevan::advanced_setting>(
         [&](auto& entry) { groups.push_back(text_of(entry.parent()) + text_of(entry.id()) + entry.label()); });
+    for (std::size_t i = 0; i < player.component().config_variable_count(); ++i)
+        groups.push_back(text_of(player.component().config_variable_at(i).id()));
     std::ranges::sort(groups);
     EXPECT_EQ(groups, (std::vector<std::string>{
                           "2F8D7512-1810-41BE-9F86-B80643B28A19 \n"
@@ -39,10 +45,12 @@ TEST_F(registration, keeps_what_players_have_stored) {
                           "15D9655C-F6DE-4B98-8942-A9DAE2F9AD75 Playback Statistics/Rating",
                           "502BC959-89A0-4DC2-B73A-E7A54DDB2075 BE5DDEBA-0A25-4AAB-B60F-B597991C582C Automatically "
                           "synchronize file tags with statistics (causes file tag rewrites during playback, disrecommended)",
+                          "9035A43F-E915-4EEC-8DF9-7920D4D2FF19 ",
                           "9733E7C8-430B-4317-B2AA-7275F223D34B \n"
                           "036E5B94-63B6-4282-BDF7-09BA8B543FFC Playback Statistics/Write statistics to file tags\n"
                           "2A53B4AF-858A-4EEE-95D9-06A74A444F8F Playback Statistics/Import statistics from file tags\n"
                           "B19A8824-41E3-48E6-A054-6A97A3B29899 Playback Statistics/Export statistics to XML...",
+                          "BE5DDEBA-0A25-4AAB-B60F-B597991C582C ",
                       }));
     EXPECT_TRUE(find_command("Reset statistics").first->get_item_description(0, description));
     EXPECT_EQ(description, "Resets playback statistics for one or more the selected items.") << "known by this wording";
@@ -94,6 +102,7 @@ TEST_F(registration, checkbox_is_the_stored_setting) {
         if (!found) return;
         ++boxes;
         auto& box = *found;
+        EXPECT_FALSE(box.default_state());
         for (const bool state : {true, false}) {
             box.set_state(state);
             EXPECT_EQ(box.get_state(), state);
@@ -122,3 +131,23 @@ TEST_F(registration, notices_that_its_library_was_renamed) {
 #endif
 
 }  // namespace
+
+TEST(entry, refuses_a_player_of_another_kind_or_version) {
+    support::memory_player player;
+    const ostrevan::player_interface wrong_magic{ostrevan::component_magic, ostrevan::interface_version, &player};
+    const ostrevan::player_interface newer{ostrevan::player_magic, ostrevan::interface_version + 1, &player};
+    for (const auto* block : {static_cast<const ostrevan::player_interface*>(nullptr), &wrong_magic, &newer})
+        EXPECT_EQ(ostrevan_get_interface(block), nullptr);
+}
+
+#ifdef QUORVEL_MODULE_PATH
+TEST(entry, module_exports_its_entry_and_nothing_else) {
+    FILE* pipe = popen("nm -D --defined-only " QUORVEL_MODULE_PATH, "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string listing(10'000, ' ');
+    listing.resize(std::fread(listing.data(), 1, listing.size(), pipe));
+    ASSERT_EQ(pclose(pipe), 0);
+    EXPECT_NE(listing.find(" T ostrevan_get_interface\n"), std::string::npos) << listing;
+    EXPECT_EQ(listing.find('\n'), listing.size() - 1) << "more than one symbol:\n" << listing;
+}
+#endif

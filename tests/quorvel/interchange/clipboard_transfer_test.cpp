@@ -132,8 +132,10 @@ TEST_F(clipboard_transfer, writes_nothing_from_a_block_that_does_not_fit) {
     set_block(2);
     EXPECT_FALSE(quorvel::pasteStatistics(to));
     EXPECT_EQ(
-        player.popups.messages.at(0).text,
-        "Clipboard contains information for 2 tracks. Please select a correct number of tracks to paste information to.");
+        player.popups.messages.at(0),
+        (support::shown_message{"Clipboard contains information for 2 tracks. Please select a correct number of tracks "
+                                "to paste information to.",
+                                "Playback Statistics", 1}));
     set_block(3);
     const auto block = player.clipboard.bytes(quorvel::clipboard_format);
     for (std::size_t size = 4 + 3 * 36; size-- > 1;) {

@@ -105,8 +105,8 @@ TEST(time_zone, reads_skipped_and_repeated_times_by_rule) {
 
 TEST(time_zone, converts_within_the_range_of_the_windows_calls) {
     const auto east = time_zone::load("<+09>-9");
-    const auto west = time_zone::load("<-08>8");
-    EXPECT_EQ(east->to_local(0), (civil_time{1601, 1, 1, 9, 0, 0}));
+    const auto west = time_zone::load(":<-08>8");
+    EXPECT_EQ(east->to_local(1'239'999), (civil_time{1601, 1, 1, 9, 0, 0, 123}));
     EXPECT_EQ(west->to_local(0), (civil_time{1600, 12, 31, 16, 0, 0}));
     const auto last = utc(30827, 12, 31, 23, 59, 59);
     EXPECT_EQ(west->to_local(last), (civil_time{30827, 12, 31, 15, 59, 59}));
@@ -120,7 +120,10 @@ TEST(time_zone, converts_within_the_range_of_the_windows_calls) {
 }
 
 TEST(time_zone, refuses_what_is_neither_a_zone_nor_a_rule) {
-    for (const char* name : {"", "Nowhere/Land", "../../etc/passwd", "/etc/passwd", "AB3", "PST8PDT,M13.1.0,M11.1.0",
+    setenv("TZDIR", "/usr/share/zoneinfo/Europe", 1);
+    EXPECT_TRUE(time_zone::load("Berlin"));
+    unsetenv("TZDIR");
+    for (const char* name : {"", "Nowhere/Land", "../zoneinfo/UTC", "/etc/passwd", "AB3", "PST8PDT,M13.1.0,M11.1.0",
                              "PST8PDT,M3.2.0", "PST200"})
         EXPECT_FALSE(time_zone::load(name)) << name;
 }

@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
-"""Makes key_vectors.inc: track keys worked out by a second implementation of the rules, on Python's own MD5 and Unicode tables.
-
-    key_vectors.py            writes key_vectors.inc beside this file
-    key_vectors.py --check    exits with 1 when the file is not what would be written
-"""
+# Makes key_vectors.inc: track keys worked out by a second implementation of the rules, on Python's own MD5 and Unicode tables.
+#
+#     key_vectors.py            writes key_vectors.inc beside this file
+#     key_vectors.py --check    exits with 1 when the file is not what would be written
 
 import hashlib
 import math
@@ -121,14 +120,8 @@ def key(track, mapping):
     return low ^ high
 
 
-FULL = [
-    ("artist", ["Boards"]),
-    ("album", ["Geo"]),
-    ("date", ["1998"]),
-    ("tracknumber", ["07"]),
-    ("discnumber", ["2"]),
-    ("title", ["Roygbiv"]),
-]
+FULL = [("artist", ["Boards"]), ("album", ["Geo"]), ("date", ["1998"]), ("tracknumber", ["07"]), ("discnumber", ["2"]),
+        ("title", ["Roygbiv"])]
 
 
 def changed(**changes):
@@ -219,12 +212,7 @@ def text():
     return "\n".join(lines) + "\n"
 
 
-def main():
-    target = pathlib.Path(__file__).with_name("key_vectors.inc")
-    if sys.argv[1:] == ["--check"]:
-        sys.exit(target.read_text() != text())
-    target.write_text(text())
-
-
-if __name__ == "__main__":
-    main()
+target = pathlib.Path(__file__).with_name("key_vectors.inc")
+if sys.argv[1:] == ["--check"]:
+    sys.exit(target.read_text() != text())
+target.write_text(text())

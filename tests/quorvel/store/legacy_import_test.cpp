@@ -104,6 +104,7 @@ TEST_F(legacy_import, adds_both_versions_to_what_is_stored_and_removes_the_file)
 }
 
 TEST_F(legacy_import, reads_a_file_of_several_buffers) {
+    player.profile = path.substr(0, path.rfind('P'));  // with the separator at its end
     const std::string longer_than_a_buffer = '/' + std::string(70'000, 'x');
     player.metadb.tracks[{longer_than_a_buffer, 0}] = support::make_track("/long", {{"title", "long"}});
     legacy_bytes bytes(version_2, 3000);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "quorvel/store/merge.h"
+#include "quorvel/store/record_map.h"
 
 using namespace quorvel;
 
@@ -13,15 +14,8 @@ TEST(record, is_stored_little_endian_in_the_order_of_its_fields) {
     const t_playback_stats record{0x0102030405060708, 0x1112131415161718, 0x2122232425262728,
                                   0x3132333435363738, 0x41424344,         0x51525354};
     const auto blob = encode_record(record);
-    std::string hex;
-    for (const auto byte : blob) hex += "0123456789ABCDEF"[int(byte) >> 4], hex += "0123456789ABCDEF"[int(byte) & 15];
-    EXPECT_EQ(hex,
-              "0807060504030201"
-              "1817161514131211"
-              "2827262524232221"
-              "3837363534333231"
-              "44434241"
-              "54535251");
+    EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(blob.data()), blob.size()),
+              "\x08\7\6\5\4\3\2\1\x18\x17\x16\x15\x14\x13\x12\x11('&%$#\"!87654321DCBATSRQ");
     EXPECT_EQ(decode_record(blob), record);
     EXPECT_EQ(decode_record(blob).trailing, record.trailing);
     EXPECT_EQ((t_playback_stats{0, 0, 0, 0, 0xFFFFFFFF, 1}), t_playback_stats{}) << "the last bytes mean nothing";
@@ -63,5 +57,25 @@ TEST(merge, combines_field_by_field) {
         const auto result = merged(c.stored, c.incoming, c.type);
         EXPECT_EQ(result, c.expected) << &c - cases;
         EXPECT_EQ(result.trailing, c.stored.trailing) << &c - cases;
+    }
+}
+
+TEST(record_map, finds_records_whatever_the_order_of_their_keys) {
+    std::vector<std::uint64_t> orders[] = {
+        {1, 2, 3, 4, 5, 6, 7, 8, 9}, {1, 2, 9, 3, 4, 5, 8, 7, 6}, {9, 1}, {5, 6, 7, 8, 4}, {0, ~0ULL, 1}, {}};
+    for (std::uint64_t i = 5000; i > 0; --i) orders[5].push_back(i << 32);
+    for (const auto& keys : orders) {
+        record_map map;
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            ASSERT_EQ(map.find(keys[i]), nullptr);
+            map.set(keys[i], {.play_count = keys[i]});
+            map.set(keys[i / 2], {.play_count = keys[i / 2] + 1});
+        }
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            ASSERT_NE(map.find(keys[i]), nullptr);
+            ASSERT_EQ(map.find(keys[i])->play_count, keys[i] + (i <= (keys.size() - 1) / 2 ? 1 : 0));
+        }
+        EXPECT_EQ(map.find(77), nullptr);
+        EXPECT_EQ(map.keys(), keys);
     }
 }

@@ -102,8 +102,13 @@ TEST_F(tag_sync, follows_a_change_only_when_wanted_and_only_on_this_machine) {
         const auto& request = player.tag_updates.requests.back();
         EXPECT_EQ(request.tracks.items(), (std::vector<metadb_handle_ptr>{unowned, local}));
         EXPECT_EQ(request.options, user_initiated ? 0U : 5U);
-        EXPECT_FALSE(request.notify);
     }
+    ostrevan::service_uncounted_t<support::memory_filesystem> first("file://", true);
+    player.offer(first.class_guid, first);
+    EXPECT_EQ(quorvel::writable_tracks(tracks).items(), std::vector<metadb_handle_ptr>{unowned})
+        << "the first that is asked";
+    EXPECT_EQ(ostrevan::filesystem::g_get("file:///x").get(), &first);
+    player.withdraw(first.class_guid);
 }
 
 TEST_F(tag_sync, imports_the_fields_that_tags_supply_and_keeps_the_others) {
