@@ -42,13 +42,18 @@ struct tiny_player {
           player(std::make_unique<support::memory_player>(
               library->address_of<ostrevan::get_interface_function>(ostrevan::entry_name), utf8_path.c_str())) {}
     support::memory_player* operator->() const noexcept { return player.get(); }
-    /// A command of the first group of the context menu; whether it can be chosen now.
-    bool run_context(std::size_t index, const ostrevan::metadb_handle_list& tracks) const {
-        auto& group = player->component_service<ostrevan::context_menu_item>();
-        ostrevan::context_menu_node::display_t shown;
-        group.item_get_display_data(shown, index, tracks, ostrevan::context_caller::selection);
-        group.context_command(index, tracks, ostrevan::context_caller::selection);
-        return shown.flags == 0;
+    /// Whether the command of the context menu could be chosen. The order of the groups is the linker's.
+    bool run_context(const std::string& name, const ostrevan::metadb_handle_list& tracks) const {
+        for (std::size_t which = 0;; ++which) {
+            auto& group = player->component_service<ostrevan::context_menu_item>(which);
+            for (std::size_t i = 0; i < group.get_item_count(); ++i) {
+                if (group.get_item_name(i) != name) continue;
+                ostrevan::context_menu_node::display_t shown;
+                group.item_get_display_data(shown, i, tracks, ostrevan::context_caller::selection);
+                group.context_command(i, tracks, ostrevan::context_caller::selection);
+                return shown.flags == 0;
+            }
+        }
     }
 
     std::unique_ptr<loaded_library> library;
@@ -99,7 +104,8 @@ DWORD handles_in_use() {
     return count;
 }
 
-constexpr std::size_t copy = 1, paste = 2;
+constexpr const char* copy = "Copy statistics";
+constexpr const char* paste = "Paste statistics";
 
 /// Loads the component, lets it work with everything it has, and unloads it.
 void one_life(const copied_library& library) {
