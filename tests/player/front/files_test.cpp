@@ -89,10 +89,10 @@ TEST_F(files, edits_that_a_component_has_not_followed_are_told_of_again) {
     const std::string song = path("music/1.wav"), folders[] = {path("music")};
     write_sound("music/1.wav");
     for (const std::size_t kept : {0, 1, 0}) {
+        service_uncounted_t<follower> followers[2];
         session run({path("profile"), path("none"), true}, player.ui);
         EXPECT_EQ(run.library().unfinished_edits().size(), kept);
         (void)run.library().add_folders(folders);
-        service_uncounted_t<follower> followers[2];
         if (kept == 0) followers[0].fails = [] { throw 1; };
         for (auto& each : followers) const_cast<service_registry&>(run.services()).add(each);
         tags::rewrite_file(song, [&](file_info& info) { return info.meta_set("title", std::to_string(kept)), true; });
