@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <semaphore>
 #include <thread>
 #include <utility>
@@ -13,7 +14,7 @@
 #include "bench/ratio.h"
 #include "bench/tracks.h"
 #include "ostrevan/statistics_collector.h"
-#include "player/front/library_services.h"
+#include "player/front/tag_edit_news.h"
 #include "player/library/track.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
@@ -168,7 +169,8 @@ void main_thread_while_keys_change(benchmark::State& state) {
                               },
                           .ask =
                               [](bench::bench_player& player) {
-                                  ostrevan::front::tell_of_edits(player.loop, player.services, std::move(seen));
+                                  static std::optional<ostrevan::front::tag_edit_news> news;  // outlives what it posts
+                                  news.emplace(player.loop, player.services).tell(std::move(seen));
                               }});
 }
 

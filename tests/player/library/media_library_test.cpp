@@ -228,9 +228,8 @@ TEST_F(media_library_test, goes_on_after_a_kill) {
     if (child == 0) {
         reader_ = [&](const std::string& path) {
             if (reads_ == 2000) {
-                while (!fs::exists(folder_ / "library.sqlite-wal") ||
-                       fs::file_size(folder_ / "library.sqlite-wal") < 100'000)
-                    std::this_thread::yield();
+                for (int stored = 0; stored == 0; std::this_thread::yield())
+                    library_store((folder_ / "library.sqlite").string()).load([&](auto&&...) { ++stored; });
                 kill(getpid(), SIGKILL);
             }
             return read_lines(path);

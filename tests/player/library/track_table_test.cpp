@@ -51,6 +51,7 @@ TEST(track, shows_one_whole_snapshot_after_the_other_to_all_threads) {
     };
     std::jthread other(read);
     read();
+    other.join();
     writer.request_stop();
     writer.join();
     handle->publish_encoded("\x01garbage");

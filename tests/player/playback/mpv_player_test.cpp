@@ -17,6 +17,9 @@
 #include <utility>
 #include <vector>
 
+/// The audio outputs that mpv tries in turn keep some bytes of their own.
+extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions() { return "leak:libSDL2\n"; }
+
 namespace ostrevan::playback {
 namespace {
 
