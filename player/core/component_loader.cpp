@@ -14,22 +14,26 @@ namespace {
     throw std::runtime_error("Component " + path + " was not loaded: " + reason + ". " + way_out);
 }
 
-void check_handshake(const component_interface* component, const std::string& path) {
-    constexpr const char* other_version = "Install the version of the component made for this player.";
-    if (component == nullptr)
-        refuse(path, "it refuses interface version " + std::to_string(interface_version) + " of this player", other_version);
-    if (component->magic != component_magic)
-        refuse(path, "what it answers is not a component's", "Move the file out of the components folder.");
-    if (component->version < interface_version)
+std::string version_text(std::uint32_t version) { return "made for interface version " + std::to_string(version); }
+
+/// Only what is plain data is looked at, and nothing after a part that is not as expected.
+void check_handshake(const component_interface* component, const player_interface& player, const std::string& path) {
+    constexpr const char* other_file = "Move the file out of the components folder.";
+    constexpr const char* other_build = "Install the component as it was built for this player.";
+    if (component == nullptr) refuse(path, "it refuses players " + version_text(player.version), other_build);
+    if (component->magic != component_magic) refuse(path, "its entry returns no component", other_file);
+    if (component->version != player.version) {
+        const bool is_old = component->version < player.version;
         refuse(path,
-               "it is too old, made for interface version " + std::to_string(component->version) + " and not " +
-                   std::to_string(interface_version),
-               other_version);
-    if (component->version > interface_version)
+               std::string(is_old ? "it is too old, " : "it is too new, ") + version_text(component->version) + " and not " +
+                   std::to_string(player.version),
+               is_old ? other_build : "Update the player.");
+    }
+    if (const auto difference = difference_of(component->build, player.build))
         refuse(path,
-               "it is too new, made for interface version " + std::to_string(component->version) + " and not " +
-                   std::to_string(interface_version),
-               "Update the player.");
+               "it was built with " + std::string(difference->first) + ", and this player with " +
+                   std::string(difference->second),
+               other_build);
     if (component->api == nullptr) refuse(path, "it offers nothing", "Install the component again.");
 }
 
@@ -47,7 +51,7 @@ loaded_component load_component(const std::string& path, const player_interface&
     }
     try {
         const auto* const component = entry(&player);
-        check_handshake(component, path);
+        check_handshake(component, player, path);
         component->api->set_library_path(path.c_str());
         return {path, component->api};
     } catch (...) {

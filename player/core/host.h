@@ -29,7 +29,7 @@ public:
     [[noreturn]] void bug_check(const char* text) noexcept override;
 
     void begin_shutdown() noexcept { shutting_down_ = true; }
-    [[nodiscard]] player_interface interface_block() noexcept { return {player_magic, interface_version, this}; }
+    [[nodiscard]] player_interface interface_block() noexcept { return {.api = this}; }
 
 private:
     main_loop& loop_;

@@ -30,16 +30,20 @@ private:
 
 }  // namespace
 
-component_interface* component_entry(const player_interface* player) noexcept {
-    if (player == nullptr || player->magic != player_magic || player->version != interface_version) return nullptr;
+component_interface* component_entry(const player_interface* player, const build_fingerprint& build) noexcept {
+    if (player == nullptr || player->magic != player_magic) return nullptr;
+    static component_interface block;
+    block = {};
+    if (player->version != interface_version) return &block;
+    if (difference_of(build, player->build)) block.build = build;
+    if (difference_of(block.build, player->build)) return &block;
     try {
         static registered_component component;
-        static component_interface block{component_magic, interface_version, &component};
         core_api::set_player(player->api);
-        return &block;
-    } catch (...) {
-        return nullptr;
+        block.api = &component;
+    } catch (...) {  // without services the player refuses the component
     }
+    return &block;
 }
 
 }  // namespace ostrevan

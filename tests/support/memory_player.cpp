@@ -22,7 +22,7 @@ memory_player::memory_player(ostrevan::get_interface_function entry, const char*
     : services_(entries_of(index, main_queue, threads, popups, console, crash_log, clipboard, beeps, configuration, library,
                            metadb, playlists, decoders, titleformat, local_files, remote_files, tag_updates, reloads,
                            open_dialogs, dialogs, file_dialog, searches, progress, md5_hash(), text_helper())) {
-    const ostrevan::player_interface block{ostrevan::player_magic, ostrevan::interface_version, this};
+    const ostrevan::player_interface block{.api = this};
     const auto* answer = entry(&block);
     if (answer == nullptr) throw std::runtime_error("the component refused the player");
     component_ = answer->api;

@@ -4,6 +4,8 @@
 #include <cstdint>
 
 #include "nuv/guid.h"
+#include "ostrevan/build.h"
+#include "ostrevan/player_api.h"
 #include "ostrevan/service.h"
 
 #if defined(_WIN32)
@@ -16,41 +18,18 @@ namespace ostrevan {
 
 class config_variable;
 
-/// The handshake. Each side hands over a block that begins with plain data, and the other side compares that data before
-/// it makes any virtual call through `api`.
-///
-/// The version changes with every change to an interface of this SDK, and with the toolchain when its ABI does: exceptions
-/// and standard-library types cross the boundary.
+/// The handshake. Each side hands over a block of plain data and an object. The data is compared before the first virtual
+/// call: the magic number, then the version, then the build. The magic number and the version stay where they are for good;
+/// what follows them is only read when the versions are equal.
 inline constexpr std::uint32_t player_magic = 0x5652544F;     // "OTRV" in memory order
 inline constexpr std::uint32_t component_magic = 0x504D434F;  // "OCMP" in memory order
-inline constexpr std::uint32_t interface_version = 1;
 
-/// What the player offers before any service is known.
-class player_api {
-public:
-    /// Number of services registered under a class identifier, and one of them; null past the end. The reference belongs to
-    /// the caller only when it adds one. [any-thread]
-    virtual std::size_t service_count(const nuv::guid& service_class) const noexcept = 0;
-    virtual service_base* service_at(const nuv::guid& service_class, std::size_t index) const noexcept = 0;
-
-    /// [any-thread]
-    virtual bool is_main_thread() const noexcept = 0;
-    /// True from the moment the player has begun to end. [any-thread]
-    virtual bool is_shutting_down() const noexcept = 0;
-    /// True when the player was started without a front end that can show or ask anything. [any-thread]
-    virtual bool is_quiet_mode() const noexcept = 0;
-    /// Folder in which the player keeps the profile: databases, configuration. UTF-8, without a final separator, never
-    /// changes. [any-thread]
-    virtual const char* profile_path() const noexcept = 0;
-    /// The window that owns dialogs, or null without one. [main-thread]
-    virtual void* main_window() const noexcept = 0;
-
-    /// Ends the process after writing the text into the crash log: a promise was broken in code. [any-thread]
-    [[noreturn]] virtual void bug_check(const char* text) noexcept = 0;
-
-protected:
-    ~player_api() = default;
-};
+/// Raised when a part of this SDK changes its layout or its meaning. Version 2: `tag_edit` says where a file was before, an
+/// empty blob removes an index record, an `advanced_checkbox` is found by an identifier of its own.
+inline constexpr std::uint32_t interface_version = 2;
+/// Counts what was added since that version. An addition has an identifier of its own and is asked for, so a component and a
+/// player of different revisions work together.
+inline constexpr std::uint32_t interface_revision = 0;
 
 /// What a component offers.
 class component_api {
@@ -76,24 +55,29 @@ protected:
 };
 
 struct player_interface {
-    std::uint32_t magic;
-    std::uint32_t version;
-    player_api* api;
+    std::uint32_t magic = player_magic;
+    std::uint32_t version = interface_version;
+    std::uint32_t revision = interface_revision;
+    build_fingerprint build = this_build();
+    player_api* api = nullptr;
 };
 
 struct component_interface {
-    std::uint32_t magic;
-    std::uint32_t version;
-    component_api* api;
+    std::uint32_t magic = component_magic;
+    std::uint32_t version = interface_version;
+    std::uint32_t revision = interface_revision;
+    build_fingerprint build = this_build();
+    component_api* api = nullptr;  ///< null when the component refuses the player
 };
 
-/// The one symbol a component exports. It answers null when it cannot work with this player; the block it returns lives
-/// until the process ends. [main-thread]
+/// The one symbol a component exports. Returns null when the block is not that of a player; the block it returns lives until
+/// the process ends. [main-thread]
 using get_interface_function = component_interface* (*)(const player_interface* player);
 inline constexpr const char* entry_name = "ostrevan_get_interface";
 
-/// The body of a component's entry: checks the player's block, keeps it and answers with the services and variables that the
-/// component's static objects have registered.
-component_interface* component_entry(const player_interface* player) noexcept;
+/// The body of a component's entry: checks the player's block, keeps it and returns the services and variables that the
+/// component's static objects have registered. `build` is that of the caller, which may differ from the build of the library
+/// that this function is in.
+component_interface* component_entry(const player_interface* player, const build_fingerprint& build = this_build()) noexcept;
 
 }  // namespace ostrevan

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "ostrevan/component.h"
 #include "ostrevan/exceptions.h"
+#include "ostrevan/player_api.h"
 
 /// The component's view of the player that loaded it. Before the handshake every function behaves as with a player that has
 /// no service.

@@ -22,13 +22,17 @@ protected:
 };
 
 TEST_F(component_loading, goes_on_past_broken_components_naming_the_file_and_the_fault) {
-    constexpr std::pair<const char*, const char*> faults[] = {{"no_entry", "no entry ostrevan_get_interface"},
-                                                              {"no_services", "offers nothing"},
-                                                              {"not_a_library", "not a library"},
-                                                              {"refuses", "refuses interface version"},
-                                                              {"too_new", "too new"},
-                                                              {"too_old", "too old"},
-                                                              {"wrong_magic", "not a component's"}};
+    constexpr std::pair<const char*, const char*> faults[] = {
+        {"debug_mode", "it was built with the debug mode of the standard library, and this player with"},
+        {"debug_sdk", "it was built with the debug mode of the standard library, and this player with"},
+        {"no_entry", "no entry ostrevan_get_interface"},
+        {"no_services", "offers nothing"},
+        {"not_a_library", "not a library"},
+        {"old_strings", "it was built with the string ABI from before C++11, and this player with"},
+        {"refuses", "it refuses players made for interface version"},
+        {"too_new", "too new"},
+        {"too_old", "too old"},
+        {"wrong_magic", "returns no component"}};
     std::vector<std::string> failures;
     const auto loaded =
         load_components(BROKEN_COMPONENTS, block_, [&](const std::string& message) { failures.push_back(message); });

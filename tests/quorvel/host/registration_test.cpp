@@ -132,12 +132,20 @@ TEST_F(registration, notices_that_its_library_was_renamed) {
 
 }  // namespace
 
-TEST(entry, refuses_a_player_of_another_kind_or_version) {
+TEST(entry, refuses_a_player_of_another_kind_version_or_build) {
     support::memory_player player;
-    const ostrevan::player_interface wrong_magic{ostrevan::component_magic, ostrevan::interface_version, &player};
-    const ostrevan::player_interface newer{ostrevan::player_magic, ostrevan::interface_version + 1, &player};
-    for (const auto* block : {static_cast<const ostrevan::player_interface*>(nullptr), &wrong_magic, &newer})
+    const ostrevan::player_interface wrong_magic{.magic = ostrevan::component_magic, .api = &player};
+    for (const auto* block : {static_cast<const ostrevan::player_interface*>(nullptr), &wrong_magic})
         EXPECT_EQ(ostrevan_get_interface(block), nullptr);
+
+    const ostrevan::player_interface newer{.version = ostrevan::interface_version + 1, .api = &player};
+    ostrevan::player_interface other_build{.api = &player};
+    other_build.build.properties[5].value[0] = '?';
+    for (const auto* block : {&newer, &std::as_const(other_build)}) {
+        const auto* const refusal = ostrevan_get_interface(block);
+        EXPECT_EQ(refusal->version, ostrevan::interface_version);
+        EXPECT_EQ(refusal->api, nullptr);
+    }
 }
 
 #ifdef QUORVEL_MODULE_PATH

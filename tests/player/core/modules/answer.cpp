@@ -3,6 +3,6 @@
 
 extern "C" OSTREVAN_EXPORT ostrevan::component_interface* ostrevan_get_interface(
     const ostrevan::player_interface* /*player*/) {
-    static ostrevan::component_interface answer{MAGIC, ostrevan::interface_version + VERSION, nullptr};
+    static ostrevan::component_interface answer{.magic = MAGIC, .version = ostrevan::interface_version + VERSION};
     return MAGIC == 0 ? nullptr : &answer;
 }
