@@ -73,7 +73,7 @@ bool write_star_count(std::uint32_t stars, text_out& out) {
 bool write_filled_stars(std::uint32_t stars, text_out& out) { return write(out, filled_stars(stars), true); }
 bool write_five_stars(std::uint32_t stars, text_out& out) { return write(out, five_stars(stars), true); }
 
-struct field {
+struct statistics_field {
     const char* name;
     bool (*write)(const t_playback_stats& record, text_out& out);
     /// The time that the field shows; null for fields that are sorted by their texts.
@@ -81,20 +81,20 @@ struct field {
 };
 
 /// The player evaluates a field by its position here.
-constexpr std::array fields{
-    field{"first_played", write_first_played, &t_playback_stats::first_played},
-    field{"last_played", write_last_played, &t_playback_stats::last_played},
-    field{"play_count", write_play_count},
-    field{"played_per_day", write_played_per_day},
-    field{"added", write_added, &t_playback_stats::added},
-    field{"rating", write_rating<write_star_count>},
-    field{"rating_stars", write_rating<write_filled_stars>},
-    field{"rating_stars_fixed", write_rating<write_five_stars>},
+constexpr std::array statistics_fields{
+    statistics_field{"first_played", write_first_played, &t_playback_stats::first_played},
+    statistics_field{"last_played", write_last_played, &t_playback_stats::last_played},
+    statistics_field{"play_count", write_play_count},
+    statistics_field{"played_per_day", write_played_per_day},
+    statistics_field{"added", write_added, &t_playback_stats::added},
+    statistics_field{"rating", write_rating<write_star_count>},
+    statistics_field{"rating_stars", write_rating<write_filled_stars>},
+    statistics_field{"rating_stars_fixed", write_rating<write_five_stars>},
 };
 
-const field& field_at(std::size_t index) {
-    if (index >= fields.size()) ostrevan::uBugCheck();
-    return fields[index];
+const statistics_field& field_at(std::size_t index) {
+    if (index >= statistics_fields.size()) ostrevan::uBugCheck();
+    return statistics_fields[index];
 }
 
 t_playback_stats record_of(ostrevan::metadb_handle* track) {
@@ -112,7 +112,7 @@ public:
 
 class statistics_field_provider : public ostrevan::field_provider {
 public:
-    std::size_t get_field_count() const noexcept override { return fields.size(); }
+    std::size_t get_field_count() const noexcept override { return statistics_fields.size(); }
     const char* get_field_name(std::size_t index) const override { return field_at(index).name; }
 
     bool process_field(std::size_t index, ostrevan::metadb_handle* track, text_out& out) override {

@@ -8,7 +8,7 @@
 namespace quorvel {
 namespace {
 
-struct column {
+struct statistics_column {
     nuv::guid id;
     const char* name;
     const char* display_script;
@@ -16,23 +16,25 @@ struct column {
 };
 
 /// Lists that people have arranged are kept under these identifiers.
-constexpr std::array columns{
-    column{nuv::guid_of("{A07A0249-0D0F-4EBF-9575-59BD44C14907}"), "Play Count", "%play_count%", "%play_count%"},
-    column{nuv::guid_of("{3BAEAC90-3F85-4DC0-AE77-9C2158C2330A}"), "First Played", "%first_played%", "%first_played%"},
-    column{nuv::guid_of("{9F99DA29-85AA-42A7-9072-7AE828B976EA}"), "Last Played", "%last_played%", "%last_played%"},
-    column{nuv::guid_of("{BAF96414-7279-4471-8ADD-FD6CAFECC9CB}"), "Date Added", "%added%", "%added%"},
-    column{nuv::guid_of("{BCA594F2-7566-4D29-B465-2A8A94F87E51}"), "Rating", "%rating_stars_fixed%", "%rating%"},
+constexpr std::array statistics_columns{
+    statistics_column{nuv::guid_of("{A07A0249-0D0F-4EBF-9575-59BD44C14907}"), "Play Count", "%play_count%", "%play_count%"},
+    statistics_column{nuv::guid_of("{3BAEAC90-3F85-4DC0-AE77-9C2158C2330A}"), "First Played", "%first_played%",
+                      "%first_played%"},
+    statistics_column{nuv::guid_of("{9F99DA29-85AA-42A7-9072-7AE828B976EA}"), "Last Played", "%last_played%",
+                      "%last_played%"},
+    statistics_column{nuv::guid_of("{BAF96414-7279-4471-8ADD-FD6CAFECC9CB}"), "Date Added", "%added%", "%added%"},
+    statistics_column{nuv::guid_of("{BCA594F2-7566-4D29-B465-2A8A94F87E51}"), "Rating", "%rating_stars_fixed%", "%rating%"},
 };
 constexpr std::size_t rating_column = 4;
 
-const column& column_at(std::size_t index) {
-    if (index >= columns.size()) ostrevan::uBugCheck();
-    return columns[index];
+const statistics_column& column_at(std::size_t index) {
+    if (index >= statistics_columns.size()) ostrevan::uBugCheck();
+    return statistics_columns[index];
 }
 
 class statistics_column_provider : public ostrevan::library_column_provider {
 public:
-    std::size_t get_column_count() const noexcept override { return columns.size(); }
+    std::size_t get_column_count() const noexcept override { return statistics_columns.size(); }
     nuv::guid get_column_id(std::size_t index) const override { return column_at(index).id; }
     std::string get_column_name(std::size_t index) const override { return column_at(index).name; }
     std::string get_display_script(std::size_t index) const override { return column_at(index).display_script; }

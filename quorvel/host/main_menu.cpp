@@ -51,7 +51,7 @@ void search_library(const char* query) {
     }
 }
 
-constexpr std::array entries{
+constexpr std::array main_menu_entries{
     main_menu_entry{"Show recently played", nuv::guid_of("{143BCCD5-28BE-47A6-BEE0-DFF823907BB0}"),
                     "Shows tracks from your Media Library played during last week.", flags_of_search,
                     [] { search_library("%last_played% DURING LAST 1 WEEK SORT DESCENDING BY %last_played%"); }},
@@ -70,28 +70,28 @@ constexpr std::array entries{
                     "Imports playback statistics from an XML file.", always_enabled, pcdb_export::importStatistics},
 };
 
-const main_menu_entry& entry(std::size_t index) {
-    if (index >= entries.size()) ostrevan::uBugCheck();
-    return entries[index];
+const main_menu_entry& entry_at(std::size_t index) {
+    if (index >= main_menu_entries.size()) ostrevan::uBugCheck();
+    return main_menu_entries[index];
 }
 
 class main_menu_playcount : public ostrevan::main_menu_commands {
 public:
-    std::size_t get_command_count() const noexcept override { return entries.size(); }
-    nuv::guid get_command(std::size_t index) const override { return entry(index).id; }
-    std::string get_name(std::size_t index) const override { return entry(index).name; }
+    std::size_t get_command_count() const noexcept override { return main_menu_entries.size(); }
+    nuv::guid get_command(std::size_t index) const override { return entry_at(index).id; }
+    std::string get_name(std::size_t index) const override { return entry_at(index).name; }
     bool get_description(std::size_t index, std::string& out) const override {
-        out = entry(index).description;
+        out = entry_at(index).description;
         return true;
     }
     nuv::guid get_parent() const noexcept override { return nuv::guid_of("{A2260154-F88C-4FE3-8872-AABA85A63C1E}"); }
     bool get_display(std::size_t index, display_t& out) const override {
-        const auto flags = entry(index).flags();
+        const auto flags = entry_at(index).flags();
         if (!flags) return false;
-        out = {entry(index).name, *flags};
+        out = {entry_at(index).name, *flags};
         return true;
     }
-    void execute(std::size_t index) override { entry(index).execute(); }
+    void execute(std::size_t index) override { entry_at(index).execute(); }
 };
 
 ostrevan::service_factory_single_t<main_menu_playcount> g_main_menu_playcount;

@@ -28,7 +28,7 @@ namespace {
 using ostrevan::metadb_handle_list_cref;
 using ostrevan::popup_message_v3;
 
-using records = std::vector<t_playback_stats>;
+using pasted_records = std::vector<t_playback_stats>;
 
 constexpr std::size_t packed_record_size = 36;
 constexpr std::size_t most_previewed = 5;
@@ -72,7 +72,7 @@ std::string rating_text(std::uint32_t rating) {
     return std::string(std::min<std::uint64_t>(sixths / 256, 5), '*');
 }
 
-std::string preview(metadb_handle_list_cref tracks, const records& pasted) {
+std::string preview(metadb_handle_list_cref tracks, const pasted_records& pasted) {
     const auto titleformat = ostrevan::get_service<ostrevan::titleformat_service>();
     std::string text = "The following data is about to be imported, overwriting your current playback statistics:\n\n";
     for (std::size_t i = 0; i < std::min(pasted.size(), most_previewed); ++i) {
@@ -94,7 +94,7 @@ public:
     void on_completion(unsigned /*status*/) override {}
 };
 
-void overwrite(metadb_handle_list_cref tracks, const records& pasted) {
+void overwrite(metadb_handle_list_cref tracks, const pasted_records& pasted) {
     std::vector<PCDB::TrackRecord> pairs;
     pairs.reserve(pasted.size());
     for (std::size_t i = 0; i < pasted.size(); ++i) pairs.emplace_back(tracks[i], pasted[i]);
@@ -112,9 +112,9 @@ void report_count(std::uint32_t count) {
 }
 
 /// Empty when there is not enough memory.
-std::optional<records> room_for(std::size_t count) {
+std::optional<pasted_records> room_for(std::size_t count) {
     try {
-        records room;
+        pasted_records room;
         room.reserve(count);
         return room;
     } catch (const std::bad_alloc&) {

@@ -51,7 +51,7 @@ std::optional<std::string> ask_for_destination(const dialog_window& window) {
                                        .save = true});
 }
 
-void report(const std::string& reason) { report_failure("Playback statistics export failure: " + reason); }
+void report_export_failure(const std::string& reason) { report_failure("Playback statistics export failure: " + reason); }
 
 class export_dialog : public ostrevan::dialog_rules {
 public:
@@ -87,7 +87,7 @@ private:
             if (!path) return;
             exportToFile(path->c_str(), fields, everything ? nullptr : chosen_tracks().get());
         } catch (const std::exception& e) {
-            report(e.what());
+            report_export_failure(e.what());
         }
         window.close();
     }

@@ -86,7 +86,7 @@ const legacy_format& format_of(const nuv::guid& id) {
     return *found;
 }
 
-legacy_record read_record(legacy_reader& reader, const legacy_format& format) {
+legacy_record read_legacy_record(legacy_reader& reader, const legacy_format& format) {
     legacy_record record;
     record.location.path = reader.text(reader.number<std::uint32_t>());
     record.location.subsong = reader.number<std::uint32_t>();
@@ -109,7 +109,8 @@ std::vector<legacy_record> read_legacy_file(ostrevan::file& file) {
     legacy_reader reader(file);
     const auto& format = format_of(reader.guid());
     std::vector<legacy_record> records;
-    for (auto left = reader.number<std::uint32_t>(); left != 0; --left) records.push_back(read_record(reader, format));
+    for (auto left = reader.number<std::uint32_t>(); left != 0; --left)
+        records.push_back(read_legacy_record(reader, format));
     return records;
 }
 
