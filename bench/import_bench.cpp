@@ -12,8 +12,8 @@
 #include "quorvel/interchange/export_fields.h"
 #include "quorvel/interchange/import_run.h"
 #include "quorvel/interchange/pcdb_export.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/xml/xml_parser.h"
 
 namespace {

@@ -56,7 +56,7 @@ million_records make_records() {
     made.tracks = make_tracks(million / 10, 0);
     made.keys.reserve(million);
     bench_player player(made.profile);
-    for (const auto& track : made.tracks) made.keys.push_back(*quorvel::KeyOfOnce(*track));
+    for (const auto& track : made.tracks) made.keys.push_back(*quorvel::KeyOf(*track));
     std::mt19937_64 random(11);
     while (made.keys.size() < million) made.keys.push_back(random());
 

@@ -53,7 +53,7 @@ public:
     }
     [[nodiscard]] std::map<std::uint64_t, t_playback_stats> records() const {
         std::map<std::uint64_t, t_playback_stats> all;
-        for (const auto key : PCDB::Keys()) all[key] = PCDB::GetByKey(key);
+        for (const auto key : PCDB::KeysFrom(0, static_cast<std::size_t>(-1))) all[key] = PCDB::GetByKey(key);
         return all;
     }
 

@@ -11,11 +11,11 @@
 #include "ostrevan/registration.h"
 #include "ostrevan/startup.h"
 #include "quorvel/common/main_thread_post.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_import.h"
 #include "quorvel/store/migration.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/worker.h"
 
 namespace quorvel {
@@ -111,10 +111,10 @@ public:
     }
 };
 
-ostrevan::service_factory_single_t<init_my_index> index_start;
-ostrevan::service_factory_single_t<library_scan> scan_at_start;
-ostrevan::service_factory_single_t<library_watch> watch;
-ostrevan::service_factory_single_t<database_session> session;
+ostrevan::service_factory_single_t<init_my_index> g_init_my_index;
+ostrevan::service_factory_single_t<library_scan> g_library_scan;
+ostrevan::service_factory_single_t<library_watch> g_library_watch;
+ostrevan::service_factory_single_t<database_session> g_database_session;
 
 }  // namespace
 }  // namespace quorvel

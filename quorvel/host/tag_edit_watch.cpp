@@ -3,8 +3,8 @@
 
 #include "ostrevan/registration.h"
 #include "ostrevan/tag_edit.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key_change.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/worker.h"
 
 namespace quorvel {
@@ -43,7 +43,7 @@ private:
     ostrevan::service_uncounted_t<outcome> outcome_;
 };
 
-ostrevan::service_factory_single_t<tag_edit_watch> watch;
+ostrevan::service_factory_single_t<tag_edit_watch> g_tag_edit_watch;
 
 }  // namespace
 }  // namespace quorvel

@@ -7,9 +7,9 @@
 #include "ostrevan/progress.h"
 #include "quorvel/interchange/pcdb_export.h"
 #include "quorvel/interchange/tracks_by_key.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel::pcdb_export {

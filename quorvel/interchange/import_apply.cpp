@@ -61,7 +61,7 @@ void apply_pending_items(ParseGlobals& globals) {
     for (std::size_t i = 0; i < globals.pending.size(); ++i) {
         globals.progress.step(i + 1, globals.pending.size());
         const auto& [track, key_in_file, _] = globals.gathered[i];
-        const auto key = key_in_file ? key_in_file : KeyOfOnce(*track);
+        const auto key = key_in_file ? key_in_file : KeyOf(*track);
         if (key) globals.apply(*key, globals.pending[i].stats);
     }
 }

@@ -44,8 +44,7 @@ void import_file(std::string_view text, std::uint32_t fields) {
                                                : "Interrupted after " + std::to_string(changed) + " records were changed");
             if (changed == 0) return;
         }
-        op.commit();
-        op.publish();
+        op.finish();
         print_to_console("Playback statistics import: records read: " + std::to_string(globals.records) +
                          ", statistics changed: " + std::to_string(op.changed_keys().size()));
     } catch (const std::exception& e) {

@@ -1,11 +1,10 @@
 #include "quorvel/store/date_added.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/stats_op.h"
 
 namespace quorvel {
 namespace {
@@ -14,7 +13,7 @@ namespace {
 std::vector<std::uint64_t> keys_without_date(const ostrevan::metadb_handle_list& tracks) {
     std::vector<std::uint64_t> keys;
     for (const auto& track : tracks.items())
-        if (const auto key = KeyOfOnce(*track); key && *key != 0 && read_record(*key).added == 0) keys.push_back(*key);
+        if (const auto key = KeyOf(*track); key && *key != 0 && read_record(*key).added == 0) keys.push_back(*key);
     std::ranges::sort(keys);
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     return keys;
@@ -23,20 +22,16 @@ std::vector<std::uint64_t> keys_without_date(const ostrevan::metadb_handle_list&
 }  // namespace
 
 void stamp_dates_added(const ostrevan::metadb_handle_list& tracks, std::uint64_t now) {
-    if (opened_index() == nullptr) return;
-    auto keys = keys_without_date(tracks);
+    StatsOp op;
+    if (!op.has_index()) return;
+    const auto keys = keys_without_date(tracks);
     if (keys.empty()) return;
-
-    index_writer writer;
-    writer.begin();
-    std::erase_if(keys, [&](std::uint64_t key) {
-        auto record = writer.find(statistics_index_guid, key).value_or(t_playback_stats{});
-        if (std::exchange(record.added, record.added == 0 ? now : record.added) != 0) return true;
-        writer.write(key, record);
-        return false;
-    });
-    writer.commit();
-    refresh_keys(std::move(keys));
+    op.begin();
+    for (const std::uint64_t key : keys)
+        op.Update(key, [now](t_playback_stats& record) {
+            if (record.added == 0) record.added = now;
+        });
+    op.finish();
 }
 
 }  // namespace quorvel

@@ -57,7 +57,7 @@ index_client_ptr FindMapping(const nuv::guid& mapping) {
     return {};
 }
 
-std::optional<std::uint64_t> KeyOf(ostrevan::metadb_handle& track) {
+std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track) {
     auto* const mapping = active.load(std::memory_order_acquire);
     if (mapping == nullptr) return std::nullopt;
     const auto snapshot = track.info();
@@ -73,11 +73,6 @@ std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info, const ostrev
     auto* const mapping = active.load(std::memory_order_acquire);
     if (mapping == nullptr) return std::nullopt;
     return mapping->key_of(info, location);
-}
-
-std::optional<std::uint64_t> KeyOfOnce(const ostrevan::metadb_handle& track) {
-    const auto snapshot = track.info();
-    return snapshot ? KeyOf(snapshot->info(), track.location()) : std::nullopt;
 }
 
 namespace active_mapping {

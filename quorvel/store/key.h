@@ -26,14 +26,11 @@ inline constexpr nuv::guid statistics_index_guid = active_mapping_guid;
 
 /// The key of a track under the active mapping; none when the player holds no information for the track, or outside the time
 /// between start and stop. Remembers the last track of each thread. [any-thread]
-[[nodiscard]] std::optional<std::uint64_t> KeyOf(ostrevan::metadb_handle& track);
+[[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track);
 
 /// The same for tags that are not, or no longer, those of the track. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info,
                                                  const ostrevan::playable_location& location);
-
-/// The same as `KeyOf(track)` for passing over many tracks: nothing is remembered. [any-thread]
-[[nodiscard]] std::optional<std::uint64_t> KeyOfOnce(const ostrevan::metadb_handle& track);
 
 /// The process-wide key function. `start` throws when the player has no hash service. [main-thread]
 namespace active_mapping {

@@ -33,8 +33,7 @@ void follow_key_changes(std::span<const key_change> changes) {
         op.Update(to, [&op, old_key = from](t_playback_stats& record) {
             record = merged(record, op.GetByKey(old_key), MergeType::MergeMax);
         });
-    op.commit();
-    op.publish();
+    op.finish();
 }
 
 }  // namespace quorvel

@@ -15,12 +15,11 @@
 #include "ostrevan/popup.h"
 #include "ostrevan/progress.h"
 #include "quorvel/common/console_line.h"
-#include "quorvel/store/backup.h"
 #include "quorvel/store/file_keys.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_file.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
@@ -37,7 +36,7 @@ std::string legacy_file_path() {
     return path + legacy_file_name;
 }
 
-std::vector<GatheredTrack> tracks_of(const std::vector<legacy_record>& records) {
+std::vector<GatheredTrack> tracks_with_keys(const std::vector<legacy_record>& records) {
     const auto tracks = ostrevan::get_service<ostrevan::metadb>();
     std::vector<GatheredTrack> found;
     found.reserve(records.size());
@@ -45,7 +44,7 @@ std::vector<GatheredTrack> tracks_of(const std::vector<legacy_record>& records) 
     ostrevan::progress_scope progress("files of early statistics read");
     ReadKeysInFiles(found, progress);
     for (auto& each : found)
-        if (!each.key) each.key = KeyOfOnce(*each.track);
+        if (!each.key) each.key = KeyOf(*each.track);
     return found;
 }
 
@@ -60,8 +59,7 @@ void merge(const std::vector<legacy_record>& records, const std::vector<Gathered
         if (!before.contains(*key)) before.emplace(*key, op.Find(statistics_index_guid, *key));
         op.MergeStats(*key, records[i].stats, MergeType::MergeSum);
     }
-    op.commit();
-    op.publish();
+    op.finish();
 }
 
 /// Returns how many records could not be put back to what they were.
@@ -77,15 +75,14 @@ std::size_t take_back(const earlier_records& before) {
             ++failed;
         }
     }
-    op.commit();
-    op.publish();
+    op.finish();
     return failed;
 }
 
 /// The file stays when this fails: what has been written by then, or what the player goes on trying to save, would be added
 /// a second time.
 void merge_and_save(const std::vector<legacy_record>& records) {
-    const auto tracks = tracks_of(records);
+    const auto tracks = tracks_with_keys(records);
     earlier_records before;
     try {
         merge(records, tracks, before);
@@ -110,7 +107,7 @@ void import_file(filesystem& files, const std::string& path) {
     files.remove_retrying(path.c_str());
 }
 
-void report(const std::exception& e) {
+void show_failure(const std::exception& e) {
     const auto text = std::string("Could not import legacy playback statistics: ") + e.what();
     if (const auto popup = ostrevan::find_service<ostrevan::popup_message>())
         popup->show(text.c_str(), "Information", ostrevan::popup_message::icon_error);
@@ -124,7 +121,7 @@ void PCDB_import_legacy() {
         const auto path = legacy_file_path();
         if (files->exists(path.c_str())) import_file(*files, path);
     } catch (const std::exception& e) {
-        report(e);
+        show_failure(e);
     }
 }
 

@@ -7,9 +7,8 @@
 #include <utility>
 
 #include "quorvel/common/console_line.h"
-#include "quorvel/store/backup.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
@@ -73,8 +72,7 @@ void take_over(StatsOp& op, const std::vector<older_record>& found) {
             op.MergeStats(next->key, record, MergeType::MergeMax);
         op.Remove(index, older_key);
     }
-    op.commit();
-    op.publish();
+    op.finish();
 }
 
 }  // namespace

@@ -4,8 +4,10 @@
 #include <memory>
 
 #include "ostrevan/core_api.h"
+#include "quorvel/common/console_line.h"
 #include "quorvel/platform/clock.h"
 #include "quorvel/store/date_added.h"
+#include "quorvel/store/file_tags.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/stats_op.h"
 #include "quorvel/store/worker.h"
@@ -19,9 +21,8 @@ template <typename Edit>
 void edit_tracks(ostrevan::metadb_handle_list_cref tracks, Edit&& edit) {
     StatsOp op;
     for (const auto& track : tracks)
-        if (const auto key = KeyOfOnce(*track); key && !op.has_written(*key)) op.Update(*key, edit);
-    op.commit();
-    op.publish();
+        if (const auto key = KeyOf(*track); key && !op.has_written(*key)) op.Update(*key, edit);
+    op.finish();
 }
 
 std::uint32_t rating_stepped(std::uint32_t rating, int step) noexcept {
@@ -30,19 +31,22 @@ std::uint32_t rating_stepped(std::uint32_t rating, int step) noexcept {
     return rating_of_stars(static_cast<std::uint32_t>(std::clamp<std::int64_t>(stars, 1, 5)));
 }
 
+void replace_fields(t_playback_stats& record, const t_playback_stats& tags, std::uint32_t present) noexcept {
+    if ((present & tag_field_play_count) != 0) record.play_count = tags.play_count;
+    if ((present & tag_field_first_played) != 0) record.first_played = tags.first_played;
+    if ((present & tag_field_last_played) != 0) record.last_played = tags.last_played;
+    if ((present & tag_field_added) != 0) record.added = tags.added;
+    if ((present & tag_field_rating) != 0) record.rating = tags.rating;
+}
+
 }  // namespace
 
-t_playback_stats PCDB::Get(ostrevan::metadb_handle& track) {
+t_playback_stats PCDB::Get(const ostrevan::metadb_handle& track) {
     const auto key = KeyOf(track);
     return key ? GetByKey(*key) : t_playback_stats{};
 }
 
 t_playback_stats PCDB::GetByKey(std::uint64_t key) noexcept { return read_record(key); }
-
-std::vector<std::uint64_t> PCDB::Keys() {
-    const auto* const index = opened_index();
-    return index == nullptr ? std::vector<std::uint64_t>{} : index->keys(statistics_index_guid);
-}
 
 std::vector<std::uint64_t> PCDB::KeysFrom(std::uint64_t first, std::size_t at_most) {
     const auto* const index = opened_index();
@@ -53,23 +57,21 @@ void PCDB::Update(std::uint64_t key, const Edit& edit) {
     ostrevan::core_api::ensure_main_thread();
     StatsOp op;
     op.Update(key, edit);
-    op.commit();
-    op.publish();
+    op.finish();
 }
 
-bool PCDB::ItemPlayed(ostrevan::metadb_handle& track) {
+bool PCDB::ItemPlayed(const ostrevan::metadb_handle& track) {
     ostrevan::core_api::ensure_main_thread();
-    const auto key = KeyOf(track);
-    if (!key || opened_index() == nullptr) return false;
     StatsOp op;
+    const auto key = KeyOf(track);
+    if (!key || !op.has_index()) return false;
     op.begin();
     auto record = op.GetByKey(*key);
     record.last_played = filetime_now();
     ++record.play_count;
     if (record.first_played == 0) record.first_played = record.last_played;
     op.SetByKey(*key, record);
-    op.commit();
-    op.publish();
+    op.finish();
     return true;
 }
 
@@ -92,9 +94,8 @@ void PCDB::MergeBatch(std::span<const TrackRecord> pairs, MergeType type) {
     ostrevan::core_api::ensure_main_thread();
     StatsOp op;
     for (const auto& [track, incoming] : pairs)
-        if (const auto key = KeyOfOnce(*track)) op.MergeStats(*key, incoming, type);
-    op.commit();
-    op.publish();
+        if (const auto key = KeyOf(*track)) op.MergeStats(*key, incoming, type);
+    op.finish();
 }
 
 void PCDB::OnAdded(ostrevan::metadb_handle_list_cref tracks) { OnAdded(ostrevan::metadb_handle_list(tracks)); }
@@ -105,6 +106,24 @@ void PCDB::OnAdded(ostrevan::metadb_handle_list&& tracks) {
     auto held = std::make_shared<const ostrevan::metadb_handle_list>(std::move(tracks));
     run_on_worker("Playback statistics: dates added could not be saved",
                   [held = std::move(held)] { stamp_dates_added(*held, filetime_now()); });
+}
+
+void PCDB::ImportFromTags(ostrevan::metadb_handle_list_cref tracks) {
+    ostrevan::core_api::ensure_main_thread();
+    if (tracks.get_count() == 0) return;
+    StatsOp op;
+    for (const auto& track : tracks) {
+        const auto snapshot = track->info();
+        if (!snapshot) continue;
+        const auto key = KeyOf(snapshot->info(), track->location());
+        if (!key) continue;
+        t_playback_stats tags;
+        const std::uint32_t present = PCDB_read_tags(tags, snapshot->info(), true);
+        op.Update(*key, [&](t_playback_stats& record) { replace_fields(record, tags, present); });
+    }
+    op.finish();
+    print_to_console("Playback statistics: file tags have changed the statistics of " +
+                     std::to_string(op.changed_keys().size()) + " of " + std::to_string(tracks.get_count()) + " tracks");
 }
 
 void PCDB::SaveNow() {

@@ -22,17 +22,15 @@ public:
     using TrackRecord = std::pair<ostrevan::metadb_handle_ptr, t_playback_stats>;
 
     /// [any-thread]
-    [[nodiscard]] static t_playback_stats Get(ostrevan::metadb_handle& track);
+    [[nodiscard]] static t_playback_stats Get(const ostrevan::metadb_handle& track);
     [[nodiscard]] static t_playback_stats GetByKey(std::uint64_t key) noexcept;
-    /// Every key that has a record, in ascending order. [any-thread]
-    [[nodiscard]] static std::vector<std::uint64_t> Keys();
-    /// The lowest of them from `first` on, at most so many. [any-thread]
+    /// The lowest keys from `first` on that have a record, at most so many, in ascending order. [any-thread]
     [[nodiscard]] static std::vector<std::uint64_t> KeysFrom(std::uint64_t first, std::size_t at_most);
 
     /// `edit` may be called twice, and the second time with another record.
     static void Update(std::uint64_t key, const Edit& edit);
     /// Writes whatever the record says. False when there is nowhere to count: the track has no key, or the player no index.
-    static bool ItemPlayed(ostrevan::metadb_handle& track);
+    static bool ItemPlayed(const ostrevan::metadb_handle& track);
     /// Clears everything but the date added.
     static void Reset(ostrevan::metadb_handle_list_cref tracks);
     /// `rating` as stored, or `rating_not_set`.

@@ -6,8 +6,8 @@
 #include "quorvel/common/console_line.h"
 #include "quorvel/common/main_thread_post.h"
 #include "quorvel/common/settings.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/tag_sync.h"
 
 namespace quorvel {
@@ -64,7 +64,7 @@ private:
     ostrevan::service_uncounted_t<counted_plays> outcome_;
 };
 
-ostrevan::service_factory_single_t<playback_statistics_collector_impl> playback_collector;
+ostrevan::service_factory_single_t<playback_statistics_collector_impl> g_playback_collector;
 
 }  // namespace
 }  // namespace quorvel

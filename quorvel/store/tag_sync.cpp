@@ -11,10 +11,8 @@
 #include "quorvel/common/settings.h"
 #include "quorvel/common/shared_tracks.h"
 #include "quorvel/store/file_tags.h"
-#include "quorvel/store/index_writer.h"
 #include "quorvel/store/key.h"
-#include "quorvel/store/pcdb.h"
-#include "quorvel/store/stats_op.h"
+#include "quorvel/store/statistics_index.h"
 
 namespace quorvel {
 namespace {
@@ -73,14 +71,6 @@ void report_left_out(ostrevan::metadb_handle_list_cref tracks) {
                      " are left as they are, because their statistics cannot be read");
 }
 
-void take_over(t_playback_stats& record, const t_playback_stats& tags, std::uint32_t present) noexcept {
-    if ((present & tag_field_play_count) != 0) record.play_count = tags.play_count;
-    if ((present & tag_field_first_played) != 0) record.first_played = tags.first_played;
-    if ((present & tag_field_last_played) != 0) record.last_played = tags.last_played;
-    if ((present & tag_field_added) != 0) record.added = tags.added;
-    if ((present & tag_field_rating) != 0) record.rating = tags.rating;
-}
-
 }  // namespace
 
 void PCDB_stamp_tags(ostrevan::metadb_handle_list_cref tracks, unsigned updateFlags,
@@ -90,7 +80,7 @@ void PCDB_stamp_tags(ostrevan::metadb_handle_list_cref tracks, unsigned updateFl
         ostrevan::metadb_handle_list unknown;
         record_of_track records;
         for (const auto& track : tracks) {
-            const auto key = KeyOfOnce(*track);
+            const auto key = KeyOf(*track);
             const auto record = key ? known_record(*key) : std::nullopt;
             (record ? known : unknown).items().push_back(track);
             if (record) records.emplace(track, *record);
@@ -123,25 +113,6 @@ ostrevan::metadb_handle_list writable_tracks(ostrevan::metadb_handle_list_cref t
     for (const auto& track : tracks)
         if (is_writable(*track)) result.items().push_back(track);
     return result;
-}
-
-void PCDB::ImportFromTags(ostrevan::metadb_handle_list_cref tracks) {
-    ostrevan::core_api::ensure_main_thread();
-    if (tracks.get_count() == 0) return;
-    StatsOp op;
-    for (const auto& track : tracks) {
-        const auto snapshot = track->info();
-        if (!snapshot) continue;
-        const auto key = KeyOf(snapshot->info(), track->location());
-        if (!key) continue;
-        t_playback_stats tags;
-        const std::uint32_t present = PCDB_read_tags(tags, snapshot->info(), true);
-        op.Update(*key, [&](t_playback_stats& record) { take_over(record, tags, present); });
-    }
-    op.commit();
-    op.publish();
-    print_to_console("Playback statistics: file tags have changed the statistics of " +
-                     std::to_string(op.changed_keys().size()) + " of " + std::to_string(tracks.get_count()) + " tracks");
 }
 
 }  // namespace quorvel

@@ -58,7 +58,7 @@ TEST_F(database_start, registers_the_index_and_stamps_what_is_in_the_library) {
     player.library.items = tracks.items();
     EXPECT_EQ(PCDB::Get(*tracks[0]), t_playback_stats{});
     PCDB::ItemPlayed(*tracks[0]);
-    EXPECT_TRUE(PCDB::Keys().empty()) << "nothing is written before the start";
+    EXPECT_TRUE(PCDB::KeysFrom(0, 100).empty()) << "nothing is written before the start";
     start();
     const auto& registered = index.registered.at(statistics_index_guid);
     EXPECT_EQ(registered.retention, 24'192'000'000'000U);
@@ -93,7 +93,7 @@ TEST_F(database_start, heeds_library_additions_between_start_and_shutdown) {
     add(1);
     player.shutting_down = true;
     add(2);
-    EXPECT_EQ(PCDB::Keys(), std::vector{KeyOf(*tracks[1]).value()});
+    EXPECT_EQ(PCDB::KeysFrom(0, 100), std::vector{KeyOf(*tracks[1]).value()});
 }
 
 TEST_F(database_start, is_followed_by_an_end_that_finishes_what_is_queued) {

@@ -2,7 +2,7 @@
 
 #include "quorvel/interchange/import_numbers.h"
 #include "quorvel/interchange/pcdb_export.h"
-#include "quorvel/store/index_writer.h"
+#include "quorvel/store/statistics_index.h"
 #include "tests/support/statistics_test.h"
 
 namespace {

@@ -55,7 +55,6 @@ TEST(key, agrees_with_the_vectors_under_every_mapping) {
         const auto track = support::make_track(v.path, {});
         track->publish(info_of(v));
         for (const char* when : {"", ", remembered"}) EXPECT_EQ(quorvel::KeyOf(*track), v.key) << v.name << when;
-        EXPECT_EQ(quorvel::KeyOfOnce(*track), v.key) << v.name;
     }
 }
 

@@ -1,6 +1,6 @@
 #include "quorvel/store/tag_sync.h"
 
-#include "quorvel/store/index_writer.h"
+#include "quorvel/store/statistics_index.h"
 #include "quorvel/store/timestamp.h"
 #include "tests/support/statistics_test.h"
 
