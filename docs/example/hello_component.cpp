@@ -1,4 +1,4 @@
-// A whole component: one title formatting field, %loudness%, which answers "loud" for tracks whose genre is Metal.
+// A whole component: one title formatting field, %loudness%, "loud" for tracks whose genre is Metal and "quiet" for others.
 #include <string>
 
 #include "ostrevan/component.h"
@@ -13,7 +13,7 @@ class hello_version : public ostrevan::component_version {
 public:
     const char* name() const noexcept override { return "Hello"; }
     const char* version() const noexcept override { return "1.0"; }
-    const char* about() const noexcept override { return "An example.\n\nAnswers how loud a track is."; }
+    const char* about() const noexcept override { return "An example.\n\nSays how loud a track is."; }
     const char* file_name() const noexcept override { return "hello.dll"; }
     bool test_installation() override { return true; }
 };

@@ -8,6 +8,7 @@ from tracked import lines, report, tracked
 SDK = ["sdk", "nuv", "ostrevan"]
 GROUND = {
     "sdk": SDK,
+    "sdk/test_player": SDK + ["ostrevan_test"],
     "player": SDK,
     "quorvel/common": SDK,
     "quorvel/xml": SDK,

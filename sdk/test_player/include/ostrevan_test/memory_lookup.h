@@ -11,10 +11,10 @@
 #include "ostrevan/input.h"
 #include "ostrevan/metadb.h"
 #include "ostrevan/playlist.h"
-#include "tests/support/memory_tracks.h"
+#include "ostrevan_test/memory_tracks.h"
 
 /// Where tracks are found: by location, in playlists, and in their files.
-namespace support {
+namespace ostrevan_test {
 
 /// Locations that the test has not put here get a handle without information.
 class memory_metadb : public ostrevan::metadb {
@@ -62,4 +62,4 @@ private:
     };
 };
 
-}  // namespace support
+}  // namespace ostrevan_test

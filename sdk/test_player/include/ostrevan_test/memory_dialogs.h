@@ -10,10 +10,10 @@
 #include "ostrevan/file_dialog.h"
 #include "ostrevan/library_search.h"
 #include "ostrevan/progress.h"
-#include "tests/support/main_thread_check.h"
+#include "ostrevan_test/main_thread_check.h"
 
 /// Dialogs, questions for files, searches and progress, drawn nowhere: the test looks at them and acts for the user.
-namespace support {
+namespace ostrevan_test {
 
 class memory_dialog_registry : public ostrevan::dialog_registry {
 public:
@@ -160,4 +160,4 @@ public:
     }
 };
 
-}  // namespace support
+}  // namespace ostrevan_test

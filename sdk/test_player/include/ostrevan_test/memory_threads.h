@@ -10,7 +10,7 @@
 #include "ostrevan/main_thread.h"
 #include "ostrevan/thread_service.h"
 
-namespace support {
+namespace ostrevan_test {
 
 /// What is handed over from any thread, and taken in that order.
 template <typename T>
@@ -87,4 +87,4 @@ private:
     handed_over<std::thread> running_;
 };
 
-}  // namespace support
+}  // namespace ostrevan_test

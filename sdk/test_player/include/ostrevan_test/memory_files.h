@@ -11,7 +11,7 @@
 #include "ostrevan/exceptions.h"
 #include "ostrevan/filesystem.h"
 
-namespace support {
+namespace ostrevan_test {
 
 /// Files in memory, below one protocol or, for local files, below the root too.
 class memory_filesystem : public ostrevan::filesystem {
@@ -91,4 +91,4 @@ private:
     bool remote_;
 };
 
-}  // namespace support
+}  // namespace ostrevan_test

@@ -13,9 +13,9 @@
 
 #include "nuv/guid.h"
 #include "ostrevan/index.h"
-#include "tests/support/main_thread_check.h"
+#include "ostrevan_test/main_thread_check.h"
 
-namespace support {
+namespace ostrevan_test {
 
 /// The track-information index in memory. Writers exclude each other as the player promises; failures are switched on by the
 /// test.
@@ -172,4 +172,4 @@ private:
     blobs blobs_;
 };
 
-}  // namespace support
+}  // namespace ostrevan_test

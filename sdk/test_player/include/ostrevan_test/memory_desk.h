@@ -1,8 +1,8 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <mutex>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -12,10 +12,10 @@
 #include "ostrevan/console.h"
 #include "ostrevan/crash_log.h"
 #include "ostrevan/popup.h"
-#include "tests/support/main_thread_check.h"
+#include "ostrevan_test/main_thread_check.h"
 
 /// What the user sees and keeps: messages, questions, console, clipboard, settings.
-namespace support {
+namespace ostrevan_test {
 
 struct shown_message {
     std::string text;
@@ -76,35 +76,46 @@ public:
     void on_event(const char* line) override { lines.emplace_back(line); }
 };
 
-/// What "Copy statistics" reaches: memory where the player keeps the clipboard, and the system's own clipboard on Windows.
+/// While it is blocked nothing can be written or read.
 class memory_clipboard : public ostrevan::clipboard_service {
 public:
-    memory_clipboard();
-    ~memory_clipboard();
-
     /// The block in a format; empty when there is none.
-    [[nodiscard]] std::vector<std::uint8_t> bytes(const char* wanted) const;
-    /// While it is blocked nothing can be written or read.
-    void block(bool blocked);
+    [[nodiscard]] std::vector<std::uint8_t> bytes(const char* format) const {
+        std::vector<std::uint8_t> result;
+        get(format, result);
+        return result;
+    }
+    virtual void block(bool blocked) { blocked_ = blocked; }
 
-    bool has_format(const char* wanted) const override;
-    bool get(const char* wanted, std::vector<std::uint8_t>& out) const override;
-    void set(const char* new_format, std::span<const std::uint8_t> new_bytes) override;
+    bool has_format(const char* format) const override {
+        require_main_thread("clipboard_service::has_format");
+        return format_ == format;
+    }
+    bool get(const char* format, std::vector<std::uint8_t>& out) const override {
+        if (blocked_ || !has_format(format)) return false;
+        out = bytes_;
+        return true;
+    }
+    void set(const char* format, std::span<const std::uint8_t> bytes) override {
+        require_main_thread("clipboard_service::set");
+        if (blocked_) throw std::runtime_error("clipboard cannot be written");
+        format_ = format;
+        bytes_.assign(bytes.begin(), bytes.end());
+    }
 
 private:
-    struct state;
-    std::unique_ptr<state> state_;
+    bool blocked_ = false;
+    std::string format_;
+    std::vector<std::uint8_t> bytes_;
 };
 
-/// On Windows the linked component's call of the system is counted instead.
 class counted_beeps : public ostrevan::beep_service {
 public:
-    counted_beeps() noexcept { current = this; }
-    ~counted_beeps() { current = nullptr; }
-
-    static inline counted_beeps* current = nullptr;
     std::size_t count = 0;
-    void beep() override { ++count; }
+    void beep() override {
+        require_main_thread("beep");
+        ++count;
+    }
 };
 
 class memory_configuration : public ostrevan::configuration_store {
@@ -123,4 +134,4 @@ public:
     }
 };
 
-}  // namespace support
+}  // namespace ostrevan_test

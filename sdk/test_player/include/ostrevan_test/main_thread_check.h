@@ -2,7 +2,7 @@
 
 #include "ostrevan/core_api.h"
 
-namespace support {
+namespace ostrevan_test {
 
 /// Ends the test when a service that belongs to the main thread is called from another one. The text differs from the
 /// component's own check, so that a death test tells them apart.
@@ -11,4 +11,4 @@ inline void require_main_thread(const char* what) {
         ostrevan::uBugCheck((std::string("called off the main thread: ") + what).c_str());
 }
 
-}  // namespace support
+}  // namespace ostrevan_test
