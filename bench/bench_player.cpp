@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "player/front/component_start.h"
+#include "player/app/component_start.h"
 
 extern "C" ostrevan::component_interface* ostrevan_get_interface(const ostrevan::player_interface* player);
 
@@ -90,8 +90,8 @@ bench_player::bench_player(const fs::path& profile)
     const auto* const answer = ostrevan_get_interface(&block_);
     if (answer == nullptr) throw std::runtime_error("the component refused the player");
     components_.push_back({"quorvel.dll", answer->api});
-    ostrevan::front::register_components(components_, services, fields_);
-    ostrevan::front::start_components(components_, services, give_up);
+    ostrevan::app::register_components(components_, services, fields_);
+    ostrevan::app::start_components(components_, services, give_up);
     loop.run_until_idle();
     static_cast<void>(records.keys(nuv::guid()));  // waits until the index is in memory
 }
@@ -99,7 +99,7 @@ bench_player::bench_player(const fs::path& profile)
 bench_player::~bench_player() {
     loop.run_until_idle();
     host_.begin_shutdown();
-    ostrevan::front::end_components(components_, services, give_up);
+    ostrevan::app::end_components(components_, services, give_up);
     records.flush();
 }
 

@@ -6,13 +6,16 @@
 #include <vector>
 
 #include "player/core/component_loader.h"
-#include "player/core/configuration_file.h"
-#include "player/core/filesystems.h"
-#include "player/core/hash_service_impl.h"
-#include "player/core/host.h"
-#include "player/core/text_helper_impl.h"
-#include "player/core/thread_services.h"
-#include "player/index/index_service.h"
+#include "player/services/configuration_store.h"
+#include "player/services/console_service.h"
+#include "player/services/crash_log_service.h"
+#include "player/services/filesystem.h"
+#include "player/services/hash_service.h"
+#include "player/services/index_manager.h"
+#include "player/services/main_thread_callback_service.h"
+#include "player/services/player_api.h"
+#include "player/services/text_helper_service.h"
+#include "player/services/thread_service.h"
 #include "player/titleformat/track_fields.h"
 
 namespace bench {
@@ -41,29 +44,29 @@ public:
         return static_cast<T&>(*services.at(T::class_guid, 0));
     }
 
-    ostrevan::main_loop loop;
-    ostrevan::service_registry services;
+    ostrevan::core::main_loop loop;
+    ostrevan::core::service_registry services;
 
     std::atomic<std::size_t> refreshes = 0;
     std::atomic<std::size_t> refreshed_keys = 0;
 
 private:
-    ostrevan::service_uncounted_t<ostrevan::crash_log_impl> crash_log_;
-    ostrevan::service_uncounted_t<ostrevan::console_impl> console_;
-    ostrevan::host host_;
+    ostrevan::service_uncounted_t<ostrevan::services::crash_log_service_impl> crash_log_;
+    ostrevan::service_uncounted_t<ostrevan::services::console_service_impl> console_;
+    ostrevan::services::player_api_impl host_;
     const ostrevan::player_interface block_;
-    ostrevan::service_uncounted_t<ostrevan::md5_service> hash_;
-    ostrevan::service_uncounted_t<ostrevan::text_helper_impl> text_;
-    ostrevan::service_uncounted_t<ostrevan::configuration_file> configuration_;
-    ostrevan::service_uncounted_t<ostrevan::main_thread_service_impl> main_thread_;
-    ostrevan::service_uncounted_t<ostrevan::thread_service_impl> threads_;
-    ostrevan::service_uncounted_t<ostrevan::local_filesystem> files_;
+    ostrevan::service_uncounted_t<ostrevan::services::hash_service_impl> hash_;
+    ostrevan::service_uncounted_t<ostrevan::services::text_helper_service_impl> text_;
+    ostrevan::service_uncounted_t<ostrevan::services::configuration_store_impl> configuration_;
+    ostrevan::service_uncounted_t<ostrevan::services::main_thread_callback_service_impl> main_thread_;
+    ostrevan::service_uncounted_t<ostrevan::services::thread_service_impl> threads_;
+    ostrevan::service_uncounted_t<ostrevan::services::local_filesystem_impl> files_;
     ostrevan::titleformat::component_fields fields_;
-    std::vector<ostrevan::loaded_component> components_;
+    std::vector<ostrevan::core::loaded_component> components_;
 
 public:
-    ostrevan::index_store records;
-    ostrevan::service_uncounted_t<ostrevan::index_service> index;
+    ostrevan::index::index_store records;
+    ostrevan::service_uncounted_t<ostrevan::services::index_manager_impl> index;
 };
 
 }  // namespace bench

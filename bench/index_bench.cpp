@@ -19,7 +19,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using ostrevan::index_store;
+using ostrevan::index::index_store;
 
 constexpr nuv::guid plays = nuv::guid_of("{C653739F-14B3-4EF2-819B-A3E2883230AE}");
 constexpr std::uint64_t million = 1'000'000;

@@ -61,8 +61,8 @@ private:
 void open_parts(const std::filesystem::path& profile) {
     steps parts;
     parts.note("program");
-    const ostrevan::index_store records(profile / "index.sqlite",
-                                        [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
+    const ostrevan::index::index_store records(profile / "index.sqlite",
+                                               [](const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); });
     static_cast<void>(records.keys(nuv::guid()));  // waits for the load
     parts.note("records of the index");
     ostrevan::library::track_table tracks;

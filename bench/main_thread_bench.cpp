@@ -14,8 +14,8 @@
 #include "bench/ratio.h"
 #include "bench/tracks.h"
 #include "ostrevan/statistics_collector.h"
-#include "player/front/tag_edit_news.h"
 #include "player/library/track.h"
+#include "player/services/tag_edit_news.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
 
@@ -40,7 +40,7 @@ waits longest_wait(bench::bench_player& player, const std::function<void()>& wor
     std::atomic<bool> done = false;
     waits found;
     double computed = bench::processor_seconds();
-    std::thread asking([&, busy = ostrevan::main_loop::activity(player.loop)] {
+    std::thread asking([&, busy = ostrevan::core::main_loop::activity(player.loop)] {
         while (!done) {
             std::binary_semaphore answered(0);
             const auto asked = steady::now();
@@ -55,7 +55,7 @@ waits longest_wait(bench::bench_player& player, const std::function<void()>& wor
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     });
-    std::thread working([&, busy = ostrevan::main_loop::activity(player.loop)] {
+    std::thread working([&, busy = ostrevan::core::main_loop::activity(player.loop)] {
         work();
         done = true;
     });
@@ -169,7 +169,7 @@ void main_thread_while_keys_change(benchmark::State& state) {
                               },
                           .ask =
                               [](bench::bench_player& player) {
-                                  static std::optional<ostrevan::front::tag_edit_news> news;  // outlives what it posts
+                                  static std::optional<ostrevan::services::tag_edit_news> news;  // outlives what it posts
                                   news.emplace(player.loop, player.services).tell(std::move(seen));
                               }});
 }

@@ -15,8 +15,8 @@
 
 #include "bench/bench_player.h"
 #include "bench/ratio.h"
-#include "player/front/tag_updates.h"
 #include "player/library/track.h"
+#include "player/services/tag_update_service.h"
 #include "player/tags/reader.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
@@ -85,13 +85,13 @@ void rewrite_with_taglib(const std::string& path, std::uint64_t plays) {
     fs::rename(copy, path);
 }
 
-class nobody final : public ostrevan::front::front_end {
+class nobody final : public ostrevan::view::front_end {
     void print_line(const std::string& line) override { throw std::runtime_error(line); }
     void show_message(const std::string&, const std::string&, ostrevan::popup_message::icon_t) override {}
     unsigned ask(const ostrevan::popup_message_v3::query_t&) override { return 0; }
-    void show_dialog(ostrevan::front::open_dialog&, unsigned) override {}
+    void show_dialog(ostrevan::view::open_dialog&, unsigned) override {}
     std::optional<std::string> ask_file(const ostrevan::file_dialog_service::query_t&) override { return std::nullopt; }
-    void show_listing(const ostrevan::front::track_listing&) override {}
+    void show_listing(const ostrevan::view::track_listing&) override {}
     void show_progress(const std::string&, std::size_t, std::size_t) override {}
     void end_progress() override {}
     void beep() override {}
@@ -125,7 +125,7 @@ void stamping_tags_into_files(benchmark::State& state) {
     bench::bench_player player(bench::new_folder());
     nobody screen;
     std::size_t rewritten = 0;
-    ostrevan::service_uncounted_t<ostrevan::front::tag_updates> updates(
+    ostrevan::service_uncounted_t<ostrevan::services::tag_update_service_impl> updates(
         player.loop, screen, [&](const auto& files) { rewritten = files.size(); });
     player.services.add<ostrevan::tag_update_service>(updates);
 

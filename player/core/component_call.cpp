@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "player/core/failure_text.h"
+#include "player/system/failure_text.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 std::string module_of(const std::type_info& type) {
     Dl_info where{};
@@ -21,7 +21,7 @@ std::string text_of_failure() {
     try {
         throw;
     } catch (const std::exception& error) {
-        return failure_text(error);
+        return system::failure_text(error);
     } catch (...) {
         return "unknown error";
     }
@@ -33,4 +33,4 @@ void component_guard::report(const std::type_info& type, const std::string& doin
     if (on_failure_) on_failure_("Component " + module_of(type) + " failed at " + doing + ": " + text_of_failure());
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

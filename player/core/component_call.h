@@ -5,7 +5,7 @@
 #include <typeinfo>
 #include <utility>
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 /// The file that a class comes from, such as "quorvel.dll"; tells whose object it is. [any-thread]
 std::string module_of(const std::type_info& type);
@@ -60,4 +60,4 @@ private:
     const failure_sink on_failure_;
 };
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

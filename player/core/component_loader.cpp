@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-namespace ostrevan {
+namespace ostrevan::core {
 namespace {
 
 [[noreturn]] void refuse(const std::string& path, const std::string& reason, const std::string& way_out) {
@@ -101,4 +101,4 @@ std::string name_of(const loaded_component& component) {
     return version != nullptr ? version->name() : std::filesystem::path(component.path).stem().string();
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

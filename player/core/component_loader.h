@@ -7,7 +7,7 @@
 #include "ostrevan/component.h"
 #include "ostrevan/component_version.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 /// A component that answered the handshake. Its module stays loaded until the process ends: its static objects are in use.
 struct loaded_component {
@@ -29,4 +29,4 @@ const component_version* version_of(const loaded_component& component);
 /// Its title, or else the name of its file. [main-thread]
 std::string name_of(const loaded_component& component);
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

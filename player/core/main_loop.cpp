@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <exception>
 
-#include "player/core/failure_text.h"
+#include "player/system/failure_text.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 void main_loop::post(task work) {
     const std::lock_guard lock(mutex_);
@@ -36,7 +36,7 @@ void main_loop::run_until_idle() {
         try {
             work();
         } catch (const std::exception& error) {
-            on_error_(failure_text(error).c_str());
+            on_error_(system::failure_text(error).c_str());
         } catch (...) {
             on_error_("unknown error");
         }
@@ -53,4 +53,4 @@ void check_main_thread([[maybe_unused]] const main_loop& loop, [[maybe_unused]] 
 #endif
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

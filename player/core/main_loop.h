@@ -8,7 +8,7 @@
 #include <thread>
 #include <utility>
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 /// The player's one loop: work posted from any thread runs on the main thread, one piece after another, in the order in
 /// which it was posted. The thread that makes the loop is the main thread.
@@ -61,4 +61,4 @@ private:
 /// In debug builds, ends the process when a method tagged [main-thread] is entered on another thread.
 void check_main_thread(const main_loop& loop, const char* method) noexcept;
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace ostrevan {
+namespace ostrevan::core {
 namespace {
 
 namespace fs = std::filesystem;
@@ -64,4 +64,4 @@ const std::string& prepare_profile(const std::string& path) {
     return path;
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

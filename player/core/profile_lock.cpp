@@ -12,7 +12,7 @@
 #include <system_error>
 #include <thread>
 
-namespace ostrevan {
+namespace ostrevan::core {
 namespace {
 
 /// The start of the file; a process number in a file that is ours.
@@ -76,4 +76,4 @@ profile_lock::~profile_lock() {
     if (file_ >= 0) ::close(file_);
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 /// Holds a profile for this process: two players never write one profile. The lock goes with the process, however it ends.
 /// A profile that cannot be written needs no lock file; one that is there is heeded.
@@ -20,4 +20,4 @@ private:
     int file_;
 };
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

@@ -1,6 +1,6 @@
 #include "player/core/service_registry.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 std::size_t service_registry::count(const nuv::guid& service_class) const noexcept {
     const auto found = services_.find(service_class);
@@ -12,4 +12,4 @@ service_base* service_registry::at(const nuv::guid& service_class, std::size_t i
     return found == services_.end() || index >= found->second.size() ? nullptr : found->second[index];
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

@@ -8,7 +8,7 @@
 #include "ostrevan/service.h"
 #include "player/core/component_call.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 
 /// Every service that the player and its components offer, by class. Filled on the main thread before the first lookup from
 /// another one, never changed afterwards, so lookups take no lock.
@@ -48,4 +48,4 @@ private:
     std::unordered_map<nuv::guid, std::vector<service_base*>> services_;
 };
 
-}  // namespace ostrevan
+}  // namespace ostrevan::core

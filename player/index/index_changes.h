@@ -11,7 +11,7 @@
 
 #include "nuv/guid.h"
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// Changes of records of one index in the order in which they were made. The bytes lie in one buffer, because a batch may
 /// hold a million of them.
@@ -73,4 +73,4 @@ struct seen_keys {
 /// One step of work for the database.
 using index_job = std::variant<catalog_entry, record_changes, seen_keys>;
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

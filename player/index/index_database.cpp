@@ -11,7 +11,7 @@
 
 #include "player/sqlite/backup.h"
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 namespace {
 
 constexpr const char* upgrades[] = {"ALTER TABLE indexes ADD COLUMN owner TEXT"};
@@ -233,4 +233,4 @@ std::vector<std::uint64_t> index_reader::seen_before(std::int64_t index_id, std:
     return keys;
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -15,7 +15,7 @@
 #include "player/index/index_changes.h"
 #include "player/sqlite/database.h"
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// A mark may be so many seconds older than the moment at which the track was last seen.
 inline constexpr std::int64_t seen_slack = 24 * 60 * 60;
@@ -69,4 +69,4 @@ private:
     sqlite::statement read_;
 };
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

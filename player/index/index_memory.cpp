@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 index_memory::index_memory(std::span<const catalog_entry> catalog) {
     for (const catalog_entry& entry : catalog) indexes_.push_back(std::make_unique<index>(index{entry, {}}));
@@ -104,4 +104,4 @@ index_memory::index& index_memory::index_of(std::int64_t index_id) noexcept {
     return **std::ranges::find_if(indexes_, [&](const auto& each) { return each->entry.id == index_id; });
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

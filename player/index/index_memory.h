@@ -17,7 +17,7 @@
 #include "player/index/reader_lock.h"
 #include "player/index/record_table.h"
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// All indexes in memory. Reading is [any-thread] and never waits long: changes are applied in small pieces, and between
 /// two of them readers get their turn.
@@ -94,4 +94,4 @@ inline index_memory::answer index_memory::read(const nuv::guid& guid, std::uint6
     return {.size = found.size(), .ask_index = 0};
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

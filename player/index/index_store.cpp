@@ -15,9 +15,7 @@
 #include "player/index/index_writer.h"
 #include "player/index/write_gate.h"
 
-namespace ostrevan {
-
-using namespace indexing;
+namespace ostrevan::index {
 
 struct index_store::state {
     state(const std::filesystem::path& path, index_error_sink error_sink, options settings);
@@ -272,4 +270,4 @@ void store_transaction::commit() {
     finished->store.commit(finished->lists);
 }
 
-}  // namespace ostrevan
+}  // namespace ostrevan::index

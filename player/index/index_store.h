@@ -14,7 +14,7 @@
 
 #include "nuv/guid.h"
 
-namespace ostrevan {
+namespace ostrevan::index {
 
 class store_transaction;
 
@@ -116,4 +116,4 @@ private:
     std::unique_ptr<changes> changes_;
 };
 
-}  // namespace ostrevan
+}  // namespace ostrevan::index

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 namespace {
 
 constexpr const char* unsaved_is_kept = " What has not been saved is kept in memory and saved as soon as that is possible.";
@@ -105,4 +105,4 @@ bool index_writer::attempt(std::unique_lock<std::mutex>& lock, const std::stop_t
     return !failing_ || urged_;
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -14,7 +14,7 @@
 
 #include "player/index/index_changes.h"
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// The one thread that uses the database. It first loads it, because nothing may be written to a file before all of it has
 /// been read without error; then it saves what is queued, everything queued at that moment at once. What fails is kept and
@@ -70,4 +70,4 @@ private:
     std::jthread thread_;
 };
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// A lock for data that is read all the time and rarely changed. Every reading thread takes a flag of its own on a cache
 /// line of its own, so readers never disturb each other; a writer takes all flags. Readers hold off while a writer wants in,
@@ -77,4 +77,4 @@ private:
     std::mutex writers_;
 };
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

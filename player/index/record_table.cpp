@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 std::size_t record_table::put(std::uint64_t key, bytes data) {
     const std::uint64_t hash = hash_of(key);
@@ -79,4 +79,4 @@ void record_table::shard::erase_inline(std::uint64_t key) noexcept {
     tags[gap] = 0;
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// Records of one index in memory. Blobs of the usual size lie inside the table, those of other sizes are kept apart. A byte
 /// per slot, dense enough to stay in the processor's cache, tells where to look, so that finding a record costs one cache
@@ -87,4 +87,4 @@ inline record_table::bytes record_table::find(std::uint64_t key) const noexcept 
     return {};
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

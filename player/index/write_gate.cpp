@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 write_gate::pass write_gate::enter() {
     std::unique_lock lock(mutex_);
@@ -23,4 +23,4 @@ void write_gate::pass::leave() noexcept {
     gate->turn_.notify_all();
 }
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 
 /// Lets one writer in at a time, in the order in which they asked: a worker that writes one batch after another cannot keep
 /// the main thread out.
@@ -36,4 +36,4 @@ private:
     std::thread::id inside_;
 };
 
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

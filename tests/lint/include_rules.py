@@ -6,10 +6,23 @@ from tracked import lines, report, tracked
 
 # What each folder may name in quotes, itself apart; the longest folder that fits a file decides.
 SDK = ["sdk", "nuv", "ostrevan"]
+DOMAINS = ["sqlite", "index", "library", "tags", "titleformat", "query", "playback"]
 GROUND = {
     "sdk": SDK,
     "sdk/test_player": SDK + ["ostrevan_test"],
-    "player": SDK,
+    "player/system": SDK,
+    "player/sqlite": SDK + ["player/system"],
+    "player/titleformat": SDK,
+    "player/playback": SDK,
+    "player/core": SDK + ["player/system"],
+    "player/tags": SDK + ["player/system"],
+    "player/query": SDK + ["player/titleformat"],
+    "player/index": SDK + ["player/system", "player/sqlite"],
+    "player/library": SDK + ["player/system", "player/sqlite", "player/tags"],
+    "player/view": SDK + ["player/system", "player/core", "player/library", "player/query", "player/titleformat"],
+    "player/services": SDK + ["player/" + room for room in DOMAINS] + ["player/system", "player/core", "player/view"],
+    "player/app": SDK + ["player/" + room for room in DOMAINS] + ["player/system", "player/core", "player/view", "player/services"],
+    "player/terminal": SDK + ["player"],
     "quorvel/common": SDK,
     "quorvel/xml": SDK,
     "quorvel/platform": SDK + ["quorvel/common"],

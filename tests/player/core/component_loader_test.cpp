@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 
 #include "ostrevan/component_version.h"
-#include "player/core/host.h"
+#include "player/services/player_api.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 namespace {
 
 using namespace testing;
@@ -14,8 +14,8 @@ class component_loading : public testing::Test {
 protected:
     main_loop loop_{[](const char*) {}};
     service_registry services_;
-    service_uncounted_t<crash_log_impl> crash_log_{testing::TempDir() + "crash.log"};
-    host host_{loop_, services_, crash_log_, testing::TempDir(), true};
+    service_uncounted_t<services::crash_log_service_impl> crash_log_{testing::TempDir() + "crash.log"};
+    services::player_api_impl host_{loop_, services_, crash_log_, testing::TempDir(), true};
     player_interface block_ = host_.interface_block();
 
     static std::string path_of(const std::string& name) { return std::string(BROKEN_COMPONENTS) + "/" + name + ".dll"; }
@@ -58,4 +58,4 @@ TEST_F(component_loading, of_a_folder_that_is_not_there_is_told) {
 }
 
 }  // namespace
-}  // namespace ostrevan
+}  // namespace ostrevan::core

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "player/core/thread_services.h"
+#include "player/services/thread_service.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 namespace {
 
 class task_of : public thread_task {
@@ -37,7 +37,7 @@ TEST(main_loop, runs_in_order_of_posting_and_survives_a_task_that_throws) {
 TEST(main_loop, is_not_idle_while_a_worker_runs) {
     std::vector<std::string> failures;
     main_loop loop([&](const char* what) { failures.emplace_back(what); });
-    service_uncounted_t<thread_service_impl> threads(loop);
+    service_uncounted_t<services::thread_service_impl> threads(loop);
     int done = 0;
     for (int i = 0; i < 20; ++i)
         threads.start(service_new<task_of>([&] {
@@ -51,4 +51,4 @@ TEST(main_loop, is_not_idle_while_a_worker_runs) {
 }
 
 }  // namespace
-}  // namespace ostrevan
+}  // namespace ostrevan::core

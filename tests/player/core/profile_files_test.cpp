@@ -5,16 +5,16 @@
 
 #include <csignal>
 
-#include "player/core/configuration_file.h"
-#include "player/core/default_folders.h"
-#include "player/core/durable_file.h"
-#include "player/core/log_services.h"
 #include "player/core/profile_folder.h"
 #include "player/core/profile_lock.h"
+#include "player/services/configuration_store.h"
+#include "player/services/crash_log_service.h"
+#include "player/system/default_folders.h"
+#include "player/system/durable_file.h"
 #include "tests/player/synced_files.h"
 #include "tests/player/temporary_folder.h"
 
-namespace ostrevan {
+namespace ostrevan::core {
 namespace {
 
 using namespace std::chrono_literals;
@@ -25,34 +25,36 @@ constexpr auto setting = nuv::guid_of("{9035A43F-E915-4EEC-8DF9-7920D4D2FF19}");
 TEST_F(profile_files, configuration_keeps_what_was_set_and_falls_back_otherwise) {
     const auto file = path("configuration.json");
     {
-        service_uncounted_t<configuration_file> store(file);
+        service_uncounted_t<services::configuration_store_impl> store(file);
         EXPECT_TRUE(store.get_bool(setting, true));
         store.set_bool(setting, false);
     }
-    EXPECT_FALSE(service_uncounted_t<configuration_file>(file).get_bool(setting, true));
+    EXPECT_FALSE(service_uncounted_t<services::configuration_store_impl>(file).get_bool(setting, true));
     EXPECT_EQ(mode(file), 0600U);
-    const auto refused = [&] { return failure_of([&] { const service_uncounted_t<configuration_file> store(file); }); };
+    const auto refused = [&] {
+        return failure_of([&] { const service_uncounted_t<services::configuration_store_impl> store(file); });
+    };
     for (const char* damaged : {"{ \"a\": tr", "[]", ""}) {
         write(file, damaged);
         EXPECT_THAT(refused(), HasSubstr(file + " cannot be read: it is not a JSON object. ")) << damaged;
         EXPECT_EQ(content(file), damaged);
     }
     write(file, "{\"" + nuv::guid_text(setting) + "\": 1}");
-    EXPECT_TRUE(service_uncounted_t<configuration_file>(file).get_bool(setting, true)) << "of another kind";
+    EXPECT_TRUE(service_uncounted_t<services::configuration_store_impl>(file).get_bool(setting, true)) << "of another kind";
     std::filesystem::remove(file);
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     EXPECT_THAT(refused(), HasSubstr("it is not a file"));
 }
 
 TEST_F(profile_files, a_replacement_that_fails_leaves_the_old_file_and_nothing_else) {
-    replace_file(path("file"), "old");
+    system::replace_file(path("file"), "old");
     synced.clear();
-    replace_file(path("file"), "new");
+    system::replace_file(path("file"), "new");
     EXPECT_THAT(synced, testing::ElementsAre(testing::StartsWith(path("file.")), folder_));
     EXPECT_EQ(content(path("file")), "new");
     std::filesystem::create_directory(path("folder"));
     for (const auto& place : {path("folder"), path("absent/file"), std::string("/dev/full/file")})
-        EXPECT_THROW(replace_file(place, "x"), std::runtime_error) << place;
+        EXPECT_THROW(system::replace_file(place, "x"), std::runtime_error) << place;
     EXPECT_EQ(names(), (std::vector<std::string>{"file", "folder"}));
 }
 
@@ -80,7 +82,7 @@ TEST_F(profile_files, are_kept_to_their_user_unless_the_folder_holds_other_thing
 }
 
 TEST_F(profile_files, tell_of_each_crash_and_the_events_before_it) {
-    service_uncounted_t<crash_log_impl> log(path("crash.log"));
+    service_uncounted_t<services::crash_log_service_impl> log(path("crash.log"));
     for (int i = 1; i <= 201; ++i) log.on_event(std::to_string(i).c_str());
     for (const char* text : {"one", "two"}) log.write_crash(text);
     EXPECT_THAT(content(path("crash.log")),
@@ -92,7 +94,7 @@ TEST_F(profile_files, lie_at_an_absolute_place_or_nowhere) {
     const auto place = [](const char* data, const char* home) {
         ::setenv("XDG_DATA_HOME", data, 1);
         ::setenv("HOME", home, 1);
-        return default_profile();
+        return system::default_profile();
     };
     EXPECT_EQ(place("/data", "/home/me"), "/data/ostrevan");
     EXPECT_EQ(place("data", "/home/me"), "/home/me/.local/share/ostrevan");
@@ -137,4 +139,4 @@ TEST_F(profile_files, what_is_in_the_place_of_the_lock_is_named_and_left_alone) 
 }
 
 }  // namespace
-}  // namespace ostrevan
+}  // namespace ostrevan::core

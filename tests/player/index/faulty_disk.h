@@ -5,7 +5,7 @@
 #include <atomic>
 #include <map>
 
-namespace ostrevan {
+namespace ostrevan::index {
 
 /// Stands between SQLite and the disk for as long as it lives: from the n-th change of a file on, every change fails until
 /// the disk is healed. One at a time.
@@ -75,4 +75,4 @@ private:
     sqlite3_vfs vfs_{};
 };
 
-}  // namespace ostrevan
+}  // namespace ostrevan::index

@@ -2,7 +2,7 @@
 
 #include "tests/player/index/records.h"
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 namespace {
 
 TEST(index_memory, gives_its_keys_in_portions) {
@@ -29,4 +29,4 @@ TEST(index_memory, gives_its_keys_in_portions) {
 }
 
 }  // namespace
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -11,7 +11,7 @@
 #include "tests/player/index/faulty_disk.h"
 #include "tests/player/index/records.h"
 
-namespace ostrevan {
+namespace ostrevan::index {
 namespace {
 
 using index_store_fault = index_folder;
@@ -196,4 +196,4 @@ TEST_F(index_store_fault, loses_nothing_acknowledged_when_killed) {
 }
 
 }  // namespace
-}  // namespace ostrevan
+}  // namespace ostrevan::index

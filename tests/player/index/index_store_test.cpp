@@ -4,10 +4,10 @@
 #include <limits>
 #include <thread>
 
-#include "player/index/index_service.h"
+#include "player/services/index_manager.h"
 #include "tests/player/index/records.h"
 
-namespace ostrevan {
+namespace ostrevan::index {
 namespace {
 
 using index_store_test = index_folder;
@@ -167,8 +167,8 @@ class any_client : public index_client {
 TEST_F(index_store_test, keeps_a_registration_when_a_component_gives_up_its_own_that_was_refused) {
     index_store store(path_, fail_on_report);
     std::string caller = "one.dll";
-    service_uncounted_t<index_service> service(
-        store, [&](const index_client&) { return caller; }, index_service::redraw{});
+    service_uncounted_t<services::index_manager_impl> service(
+        store, [&](const index_client&) { return caller; }, services::index_manager_impl::redraw{});
     service.register_index(service_new<any_client>(), plays, 1);
     caller = "other.dll";
     EXPECT_THROW(service.register_index(service_new<any_client>(), plays, 1), std::runtime_error);
@@ -200,4 +200,4 @@ TEST_F(index_store_test, puts_a_copy_aside_before_the_first_change_of_a_day) {
 }
 
 }  // namespace
-}  // namespace ostrevan
+}  // namespace ostrevan::index

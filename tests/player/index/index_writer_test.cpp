@@ -6,7 +6,7 @@
 #include <semaphore>
 #include <stdexcept>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 namespace {
 
 using namespace std::chrono_literals;
@@ -45,4 +45,4 @@ TEST(index_writer, keeps_what_fails_tries_again_by_itself_and_reports_once) {
 }
 
 }  // namespace
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

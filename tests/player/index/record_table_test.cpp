@@ -6,7 +6,7 @@
 #include <map>
 #include <random>
 
-namespace ostrevan::indexing {
+namespace ostrevan::index {
 namespace {
 
 /// Keys that are likely to end up beside each other, so that chains run into each other and over the end of a shard.
@@ -46,4 +46,4 @@ TEST(record_table, agrees_with_a_map_after_any_changes) {
 }
 
 }  // namespace
-}  // namespace ostrevan::indexing
+}  // namespace ostrevan::index

@@ -7,7 +7,7 @@
 #include "player/index/index_store.h"
 #include "tests/player/temporary_folder.h"
 
-namespace ostrevan {
+namespace ostrevan::index {
 
 constexpr nuv::guid plays = nuv::guid_of("{C653739F-14B3-4EF2-819B-A3E2883230AE}");
 constexpr nuv::guid moods = nuv::guid_of("{11111111-2222-3333-4444-555555555555}");
@@ -37,4 +37,4 @@ protected:
     std::filesystem::path path_ = path("index.sqlite");
 };
 
-}  // namespace ostrevan
+}  // namespace ostrevan::index

@@ -1,3 +1,4 @@
+#include "ostrevan/component.h"
 #include "ostrevan/console.h"
 #include "ostrevan/core_api.h"
 #include "ostrevan/popup.h"

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "player/core/service_registry.h"
+#include "player/library/library_changes.h"
+#include "player/services/index_manager.h"
+#include "player/services/tag_edit_news.h"
+
+namespace ostrevan::app {
+
+/// Passes changes of the library on to the components, and what other programs did to tags as an edit. Records of tracks
+/// that leave are kept for their whole time from then on, however long ago the library was last gone through.
+class library_events final : public library::library_observer {
+public:
+    library_events(services::tag_edit_news& news, const core::service_registry& services,
+                   services::index_manager_impl& index)
+        : news_(news), services_(services), index_(index) {}
+    void on_library_changed(const library::library_changes& changes) override;
+
+private:
+    services::tag_edit_news& news_;
+    const core::service_registry& services_;
+    services::index_manager_impl& index_;
+};
+
+}  // namespace ostrevan::app

@@ -1,0 +1,158 @@
+#include "player/app/session.h"
+
+#include <chrono>
+#include <ctime>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+#include "player/app/component_start.h"
+#include "player/core/offer.h"
+#include "player/core/profile_folder.h"
+#include "player/services/beep_service.h"
+#include "player/services/clipboard_service.h"
+#include "player/services/configuration_store.h"
+#include "player/services/console_service.h"
+#include "player/services/dialog_registry.h"
+#include "player/services/dialog_service.h"
+#include "player/services/file_dialog_service.h"
+#include "player/services/filesystem.h"
+#include "player/services/hash_service.h"
+#include "player/services/info_reload_service.h"
+#include "player/services/input_entry.h"
+#include "player/services/library_manager.h"
+#include "player/services/library_search.h"
+#include "player/services/main_thread_callback_service.h"
+#include "player/services/metadb.h"
+#include "player/services/playlist_manager.h"
+#include "player/services/popup_message.h"
+#include "player/services/progress_service.h"
+#include "player/services/text_helper_service.h"
+#include "player/services/thread_service.h"
+#include "player/services/titleformat_service.h"
+#include "player/system/failure_text.h"
+#include "player/tags/reader.h"
+
+namespace ostrevan::app {
+namespace {
+
+constexpr auto lock_patience = std::chrono::milliseconds(2000);
+
+}  // namespace
+
+session::session(const session_options& options, view::front_end& ui)
+    : ui_(ui),
+      profile_(options.profile),
+      lock_(core::prepare_profile(profile_), lock_patience),
+      loop([this](const char* what) { report(what); }),
+      services([this](const std::string& message) { report_later(message); }),
+      crash_log_(core::offer<services::crash_log_service_impl>(services, file("crash.log"))),
+      player_(loop, services, crash_log_, profile_, options.quiet),
+      interface_(player_.interface_block()),
+      records_(file("index.sqlite"), [this](const std::string& message) { loop.post([this, message] { report(message); }); },
+               {.daily_copies = true}),
+      index(core::offer<services::index_manager_impl>(
+          services, records_, [](const service_base& service) { return core::module_of(typeid(service)); },
+          services::index_manager_impl::redraw{})),
+      news_(loop, services),
+      events_(news_, services, index),
+      library(file("library.sqlite"), tracks, tags::read_audio, events_),
+      fields([this](const field_provider& provider, const std::string& doing) {
+          services.guard().report(typeid(provider), doing);
+      }) {
+    offer_services();
+    const auto report_now = [this](const std::string& message) { report(message); };
+    if (records_.is_read_only()) ui_.print_line(records_.refusal());
+    components = core::load_components(options.components, interface_, report_now);
+    register_components(components, services, fields);
+    check_installations(components, report_now);
+    start_components(components, services, report_now);
+    // What the process before was killed at. That they are told of some a second time changes nothing.
+    news_.tell(library.unfinished_edits());
+}
+
+/// Those that the player itself does not use. Services of one class are asked in the order of this list.
+void session::offer_services() {
+    const auto print_line = [this](const std::string& line) { ui_.print_line(line); };
+    core::offer<services::configuration_store_impl>(services, file("configuration.json"));
+    core::offer<services::console_service_impl>(services, print_line);
+    core::offer<services::library_manager_impl>(services, library);
+    core::offer<services::titleformat_service_impl>(services, fields);
+    core::offer<services::main_thread_callback_service_impl>(services, loop);
+    core::offer<services::thread_service_impl>(services, loop);
+    core::offer<services::hash_service_impl>(services);
+    core::offer<services::text_helper_service_impl>(services);
+    core::offer<services::local_filesystem_impl>(services, print_line);
+    core::offer<services::network_filesystem_impl>(services);
+    core::offer<services::popup_message_impl>(services, loop, ui_);
+    core::offer<services::beep_service_impl>(services, ui_);
+    core::offer<services::clipboard_service_impl>(services);
+    core::offer<services::tag_update_service_impl>(services, loop, ui_,
+                                                   [this](const auto& files) { publish_rewritten(files); });
+    core::offer<services::info_reload_service_impl>(services, loop, ui_, news_, library, tracks);
+    core::offer<services::metadb_impl>(services, tracks);
+    core::offer<services::playlist_manager_impl>(services, loop, library.playlists(), tracks);
+    core::offer<services::input_entry_impl>(services);
+    core::offer<services::library_search_impl>(services, loop, ui_, services, library, fields);
+    core::offer<services::progress_service_impl>(services, loop, ui_);
+    auto& open_dialogs = core::offer<services::dialog_registry_impl>(services);
+    core::offer<services::dialog_service_impl>(services, loop, ui_, open_dialogs, player_);
+    core::offer<services::file_dialog_service_impl>(services, loop, ui_);
+}
+
+session::~session() {
+    try {
+        run_until_idle();
+        player_.begin_shutdown();
+        end_components(components, services, [this](const std::string& message) { report(message); });
+        save();
+        bool all_followed = news_.all_told() && !records_.is_read_only();  // nothing can have followed then
+        services.for_each<tag_edit_callback>([&](tag_edit_callback& callback) {
+            if (const auto outcome = query_service<tag_edit_outcome>(callback)) all_followed &= outcome->all_followed();
+        });
+        if (all_followed) library.forget_edits();
+    } catch (const std::exception& error) {
+        report(system::failure_text(error));
+    }
+}
+
+void session::report(const std::string& message) {
+    ui_.note_failure();
+    ui_.print_line(message);
+}
+
+void session::report_later(const std::string& message) {
+    if (loop.on_main_thread()) report(message);
+    else loop.post([this, message] { report(message); });
+}
+
+void session::publish_rewritten(const std::vector<services::tag_rewrite>& files) {
+    std::vector<tag_edit> edits;
+    std::vector<metadb_info_ptr> cached;  // keeps what the edits point to
+    std::vector<library::track_ptr> changed;
+    for (const auto& file : files) {
+        cached.push_back(file.track->info());
+        const auto* const before = cached.back() ? &cached.back()->info() : &file.before_in_file;
+        edits.push_back({file.track, before, &file.after, *before == file.before_in_file ? nullptr : &file.before_in_file});
+        changed.push_back(tracks.obtain(file.track->location().path, file.track->location().subsong));
+    }
+    for (const auto& [path, reason] : library.refresh_tracks(changed, library::refresh_mode::always))
+        report(path + ": " + reason);
+    news_.tell(edits);
+}
+
+void session::require_writable() const {
+    if (records_.is_read_only()) throw std::runtime_error("The profile can only be read, and so no file is edited.");
+}
+
+metadb_handle_list session::library_handles() const {
+    return metadb_handle_list(std::vector<metadb_handle_ptr>(library.items().begin(), library.items().end()));
+}
+
+void session::mark_library_seen() { index.mark_seen(library_handles(), std::time(nullptr)); }
+
+std::vector<services::index_manager_impl::old_records> session::old_records() const {
+    return index.find_old(library_handles(), std::time(nullptr));
+}
+
+}  // namespace ostrevan::app

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "player/app/library_events.h"
+#include "player/core/component_loader.h"
+#include "player/core/main_loop.h"
+#include "player/core/profile_lock.h"
+#include "player/core/service_registry.h"
+#include "player/index/index_store.h"
+#include "player/library/media_library.h"
+#include "player/library/track_table.h"
+#include "player/services/crash_log_service.h"
+#include "player/services/index_manager.h"
+#include "player/services/player_api.h"
+#include "player/services/tag_edit_news.h"
+#include "player/services/tag_update_service.h"
+#include "player/titleformat/track_fields.h"
+#include "player/view/front_end.h"
+
+namespace ostrevan::app {
+
+struct session_options {
+    std::string profile;
+    std::string components;
+    bool quiet = false;
+};
+
+/// One run of the player on one profile: everything it is made of, from the lock on the profile to the loaded components,
+/// in the order in which it is made; destroyed in the opposite one. Made, used and destroyed on the main thread; one in a
+/// process.
+class session {
+public:
+    /// Opens the profile and starts the components. Throws with a message for the user when the profile cannot be used;
+    /// nothing in it is changed then. A component that cannot be loaded is reported to the front end and left out.
+    session(const session_options& options, view::front_end& ui);
+    /// Ends the components and closes the profile.
+    ~session();
+    session(const session&) = delete;
+    session& operator=(const session&) = delete;
+
+    /// Runs the loop until nothing is left to do: nothing posted, no worker, no tag update, no question open.
+    void run_until_idle() { loop.run_until_idle(); }
+    /// Returns when everything the components have stored is on disk; throws when that cannot be had.
+    void save() { records_.flush(); }
+    /// Throws when the profile can only be read, so that statistics could not follow an edit of tags.
+    void require_writable() const;
+    /// Marks the records of all tracks of the library as seen now.
+    void mark_library_seen();
+    /// What `index_manager_impl::drop` may drop when the user wants it.
+    [[nodiscard]] std::vector<services::index_manager_impl::old_records> old_records() const;
+    /// Every index that has ever had a record.
+    [[nodiscard]] std::vector<nuv::guid> stored_indexes() const { return records_.indexes(); }
+
+private:
+    [[nodiscard]] std::string file(const char* name) const { return profile_ + "/" + name; }
+    void report(const std::string& message);
+    /// For failures on any thread.
+    void report_later(const std::string& message);
+    void publish_rewritten(const std::vector<services::tag_rewrite>& files);
+    [[nodiscard]] metadb_handle_list library_handles() const;
+
+    view::front_end& ui_;
+    const std::string profile_;
+    const core::profile_lock lock_;
+
+public:
+    core::main_loop loop;
+    core::service_registry services;
+
+private:
+    services::crash_log_service_impl& crash_log_;
+    services::player_api_impl player_;
+    const player_interface interface_;
+    index::index_store records_;
+
+public:
+    services::index_manager_impl& index;
+
+private:
+    services::tag_edit_news news_;
+    library_events events_;
+
+public:
+    library::track_table tracks;
+    library::media_library library;
+    titleformat::component_fields fields;
+    std::vector<core::loaded_component> components;
+
+private:
+    void offer_services();
+};
+
+}  // namespace ostrevan::app

@@ -1,0 +1,92 @@
+#include "player/app/track_selection.h"
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+
+#include "player/library/cue_files.h"
+#include "player/library/disk_tracks.h"
+#include "player/library/locations.h"
+#include "player/tags/formats.h"
+#include "player/view/find_tracks.h"
+#include "player/view/track_order.h"
+
+namespace ostrevan::app {
+namespace {
+
+/// The items of the library are in order of their paths; these are those of one file.
+auto items_of_file(const std::vector<library::track_ptr>& items, const std::string& path) {
+    return std::ranges::equal_range(
+        items, path, {}, [](const library::track_ptr& track) -> const std::string& { return track->location().path; });
+}
+
+/// Told of what is left out.
+using problem_sink = std::function<void(const std::string& message)>;
+
+void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,
+                         const problem_sink& on_problem) {
+    const auto prefix = folder == "/" ? folder : folder + "/";
+    std::vector<metadb_handle_ptr> found;
+    for (const auto& track : player.library.items())
+        if (track->location().path.starts_with(prefix)) found.emplace_back(track);
+    if (found.empty()) {
+        const auto on_disk = library::folder_tracks_on_disk(player.tracks, folder);
+        for (const auto& [path, reason] : on_disk.problems) on_problem(path + ": " + reason);
+        found.assign(on_disk.tracks.begin(), on_disk.tracks.end());
+    }
+    if (found.empty()) throw std::runtime_error("There is no track below " + folder + ".");
+    view::sort_for_listening(found);
+    out.insert(out.end(), found.begin(), found.end());
+}
+
+void append_tracks_at(session& player, const std::string& place, std::vector<metadb_handle_ptr>& out,
+                      const problem_sink& on_problem) {
+    const auto named = library::parse_location(place);
+    const auto path = library::normal_path(named.path);
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) return append_tracks_below(player, path, out, on_problem);
+
+    const auto held = items_of_file(player.library.items(), path);
+    const auto tracks = held.empty() ? library::tracks_on_disk(player.tracks, path)
+                                     : std::vector<library::track_ptr>(held.begin(), held.end());
+    const auto before = out.size();
+    const bool whole_file = named.path.size() == place.size();
+    for (const auto& track : tracks)
+        if (whole_file || track->location().subsong == named.subsong) out.emplace_back(track);
+    if (out.size() == before) throw std::runtime_error(place + " has no such part.");
+}
+
+/// The picture and the booklet of an album, which `album/*` names as well.
+bool is_no_audio(const std::string& place) {
+    const auto path = library::parse_location(place).path;
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && !tags::has_supported_extension(path) &&
+           !library::is_cue_path(path);
+}
+
+}  // namespace
+
+metadb_handle_list find_tracks(session& player, const std::string& query) {
+    return view::find_tracks(player.library, player.fields, query);
+}
+
+selection tracks_at(session& player, const std::vector<std::string>& places) {
+    selection chosen;
+    const auto on_problem = [&](const std::string& message) { chosen.problems.push_back(message); };
+    for (const auto& place : places) {
+        if (is_no_audio(place)) {
+            chosen.no_audio.push_back(place);
+            continue;
+        }
+        try {
+            append_tracks_at(player, place, chosen.tracks.items(), on_problem);
+        } catch (const std::exception& error) {
+            on_problem(error.what());
+        }
+    }
+    return chosen;
+}
+
+}  // namespace ostrevan::app

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "player/library/scan_types.h"
+#include "player/library/track_table.h"
+
+namespace ostrevan::library {
+
+/// The tracks of a file that the library does not hold: read from the disk, and known to the player until it ends. Throws
+/// with the reason when the file cannot be read.
+std::vector<track_ptr> tracks_on_disk(track_table& tracks, const std::string& path);
+
+/// What a folder of the disk holds.
+struct folder_on_disk {
+    std::vector<track_ptr> tracks;
+    std::vector<file_problem> problems;
+};
+
+/// The tracks of every file below a folder that the library does not hold, as a scan would find them: audio that belongs to
+/// a CUE sheet does not stand for itself.
+folder_on_disk folder_tracks_on_disk(track_table& tracks, const std::string& folder);
+
+}  // namespace ostrevan::library

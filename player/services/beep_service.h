@@ -1,0 +1,17 @@
+#pragma once
+
+#include "ostrevan/clipboard.h"
+#include "player/view/front_end.h"
+
+namespace ostrevan::services {
+
+class beep_service_impl : public beep_service {
+public:
+    explicit beep_service_impl(view::front_end& ui) : ui_(ui) {}
+    void beep() override { ui_.beep(); }
+
+private:
+    view::front_end& ui_;
+};
+
+}  // namespace ostrevan::services

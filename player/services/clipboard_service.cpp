@@ -1,0 +1,86 @@
+#include "player/services/clipboard_service.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+#include "player/system/durable_file.h"
+
+namespace ostrevan::services {
+namespace {
+
+constexpr std::size_t length_size = 4;
+
+/// A file or folder that belongs to somebody else, or that others may touch, is not this user's clipboard.
+bool is_private(const struct stat& status) {
+    constexpr unsigned others = 077;
+    return status.st_uid == ::geteuid() && (status.st_mode & others) == 0;
+}
+
+/// At most `limit` bytes of the file; none when it is not this user's own regular file.
+std::optional<std::string> read_private(const std::string& path, std::size_t limit) {
+    const int file = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) return std::nullopt;
+    std::optional<std::string> content;
+    struct stat status {};
+    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && is_private(status)) {
+        content.emplace();
+        std::array<char, 64 * 1024> block;
+        while (content->size() < limit) {
+            const auto size = ::read(file, block.data(), std::min(block.size(), limit - content->size()));
+            if (size < 0) content.reset();
+            if (size <= 0) break;
+            content->append(block.data(), static_cast<std::size_t>(size));
+        }
+    }
+    ::close(file);
+    return content;
+}
+
+std::string header_of(std::string_view format) {
+    std::string header;
+    for (std::size_t i = 0; i < length_size; ++i) header += static_cast<char>(format.size() >> 8 * i & 0xFF);
+    return header.append(format);
+}
+
+}  // namespace
+
+std::string clipboard_service_impl::default_folder() {
+    if (const char* runtime = std::getenv("XDG_RUNTIME_DIR"); runtime != nullptr && *runtime == '/')
+        return std::string(runtime) + "/ostrevan";
+    return "/tmp/ostrevan-" + std::to_string(::geteuid());
+}
+
+bool clipboard_service_impl::has_format(const char* format) const {
+    const auto header = header_of(format);
+    const auto content = read_private(file_path(), header.size());
+    return content && *content == header;
+}
+
+bool clipboard_service_impl::get(const char* format, std::vector<std::uint8_t>& bytes) const {
+    constexpr std::size_t largest = std::size_t{1} << 30;
+    const auto header = header_of(format);
+    const auto content = read_private(file_path(), largest);
+    if (!content || !content->starts_with(header)) return false;
+    bytes.assign(content->begin() + static_cast<std::ptrdiff_t>(header.size()), content->end());
+    return true;
+}
+
+void clipboard_service_impl::set(const char* format, std::span<const std::uint8_t> bytes) {
+    struct stat status {};
+    ::mkdir(folder_.c_str(), 0700);
+    if (::lstat(folder_.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || !is_private(status))
+        throw std::runtime_error(
+            "The clipboard folder " + folder_ +
+            " is not a folder of this user alone. Remove it, or set XDG_RUNTIME_DIR to a private folder.");
+    system::replace_file(file_path(), header_of(format).append(bytes.begin(), bytes.end()), 0600);
+}
+
+}  // namespace ostrevan::services

@@ -1,0 +1,37 @@
+#include "player/services/crash_log_service.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstddef>
+
+namespace ostrevan::services {
+
+void crash_log_service_impl::on_event(const char* line) {
+    constexpr std::size_t kept_events = 200;
+    const std::lock_guard lock(mutex_);
+    if (events_.size() == kept_events) events_.erase(events_.begin());
+    events_.emplace_back(line);
+}
+
+void crash_log_service_impl::write_crash(const char* text) noexcept {
+    try {
+        const std::lock_guard lock(mutex_);
+        std::string lines;
+        for (const auto& line : events_) lines += line + '\n';
+        lines += std::string("Bug check: ") + text + '\n';
+        // A pipe that lies in its place must not hold up the end of the process.
+        const int file = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0600);
+        if (file < 0) return;
+        (void)!::write(file, lines.data(), lines.size());
+        ::close(file);
+    } catch (...) {  // the process ends with the text on standard error in any case
+    }
+}
+
+std::vector<std::string> crash_log_service_impl::events() const {
+    const std::lock_guard lock(mutex_);
+    return events_;
+}
+
+}  // namespace ostrevan::services

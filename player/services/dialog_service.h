@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "ostrevan/dialog.h"
+#include "player/core/main_loop.h"
+#include "player/view/front_end.h"
+
+namespace ostrevan::services {
+
+/// Dialogs for components. An open one gets turn after turn of the main loop until it is closed, so that what its rules
+/// post, such as a message, comes in between.
+class dialog_service_impl : public dialog_service {
+public:
+    dialog_service_impl(core::main_loop& loop, view::front_end& ui, dialog_registry& registry, player_api& player)
+        : loop_(loop), ui_(ui), registry_(registry), player_(player) {}
+    void open(dialog_rules_ptr rules) override;
+
+private:
+    void take_turn(const std::shared_ptr<view::open_dialog>& dialog, unsigned turn);
+
+    core::main_loop& loop_;
+    view::front_end& ui_;
+    dialog_registry& registry_;
+    player_api& player_;
+};
+
+}  // namespace ostrevan::services

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "ostrevan/file_dialog.h"
+#include "player/core/main_loop.h"
+#include "player/view/front_end.h"
+
+namespace ostrevan::services {
+
+/// Questions for files. A name for saving gets the default extension, and what would be replaced is asked for.
+class file_dialog_service_impl : public file_dialog_service {
+public:
+    file_dialog_service_impl(const core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}
+    std::optional<std::string> ask(const query_t& query) override;
+
+private:
+    const core::main_loop& loop_;
+    view::front_end& ui_;
+};
+
+}  // namespace ostrevan::services

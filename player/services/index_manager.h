@@ -1,0 +1,98 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ostrevan/index.h"
+#include "player/index/index_store.h"
+
+namespace ostrevan::services {
+
+class index_manager_transactions_impl : public index_manager_transactions {
+public:
+    explicit index_manager_transactions_impl(index::index_store& store) : store_(store) {}
+    index_transaction_ptr begin() override;
+
+private:
+    index::index_store& store_;
+};
+
+class index_manager_backup_impl : public index_manager_backup {
+public:
+    explicit index_manager_backup_impl(index::index_store& store) : store_(store) {}
+    void back_up(const char* reason, const char* beside) override {
+        store_.back_up(reason, beside == nullptr ? std::filesystem::path() : std::filesystem::path(beside));
+    }
+
+private:
+    index::index_store& store_;
+};
+
+/// The index manager for components, over the store.
+class index_manager_impl : public index_manager {
+public:
+    /// Told which keys are to be shown afresh. [main-thread]
+    using redraw = std::function<void(const nuv::guid& index, const std::vector<std::uint64_t>& keys)>;
+
+    /// The name of the component that a key function belongs to; stays the same over all runs.
+    using owner_finder = std::function<std::string(const index_client&)>;
+
+    index_manager_impl(index::index_store& store, owner_finder owner_of, redraw on_refresh)
+        : store_(store),
+          owner_of_(std::move(owner_of)),
+          on_refresh_(std::move(on_refresh)),
+          transactions_(store),
+          backups_(store) {}
+
+    void register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) override;
+    void remove_index(const nuv::guid& index) override;
+    std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const override;
+    void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override;
+    [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const override;
+    [[nodiscard]] std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first,
+                                                       std::size_t at_most) const override;
+    void save_now(const nuv::guid& index) override;
+    void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
+    service_base* service_query(const nuv::guid& interface_guid) noexcept override;
+
+    /// The indexes that components have registered, in that order, and their key functions. [main-thread]
+    struct registration {
+        nuv::guid index;
+        index_client_ptr client;
+    };
+    [[nodiscard]] const std::vector<registration>& registrations() const noexcept { return registrations_; }
+
+    /// Key of a track in one index; none while nothing is known of the track.
+    [[nodiscard]] static std::optional<std::uint64_t> key_of(const registration& index, const metadb_handle& track);
+
+    /// The time for which the records of these tracks are kept begins anew. [main-thread]
+    void mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now);
+
+    /// Records that no track of the library has and that have been kept for longer than their components asked for.
+    struct old_records {
+        nuv::guid index;
+        std::vector<std::uint64_t> keys;
+    };
+    /// Of every registered index that has any. [main-thread]
+    [[nodiscard]] std::vector<old_records> find_old(const nuv::list_base_const_t<metadb_handle_ptr>& library,
+                                                    std::int64_t now) const;
+    /// Puts a copy aside, then drops them. [main-thread]
+    void drop(const std::vector<old_records>& old);
+
+private:
+    [[nodiscard]] bool is_known(const nuv::guid& index) const;
+
+    index::index_store& store_;
+    const owner_finder owner_of_;
+    const redraw on_refresh_;
+    service_uncounted_t<index_manager_transactions_impl> transactions_;
+    service_uncounted_t<index_manager_backup_impl> backups_;
+    std::vector<registration> registrations_;
+    std::vector<nuv::guid> refused_;
+};
+
+}  // namespace ostrevan::services

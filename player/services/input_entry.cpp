@@ -1,0 +1,44 @@
+#include "player/services/input_entry.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "player/library/locations.h"
+#include "player/library/read_files.h"
+#include "player/system/local_path.h"
+#include "player/tags/formats.h"
+#include "player/tags/reader.h"
+
+namespace ostrevan::services {
+namespace {
+
+class info_reader_impl : public input_info_reader {
+public:
+    info_reader_impl(std::string path, library::file_snapshots file) : path_(std::move(path)), file_(std::move(file)) {}
+
+    file_info get_info(std::uint32_t subsong) override {
+        const auto found = std::ranges::find(file_.tracks, subsong, &library::snapshot_track::subsong);
+        if (found == file_.tracks.end())
+            throw std::runtime_error(path_ + " has no part with the number " + std::to_string(subsong) + ".");
+        return found->info->info();
+    }
+
+private:
+    const std::string path_;
+    const library::file_snapshots file_;
+};
+
+}  // namespace
+
+bool input_entry_impl::is_our_path(const char* path) const noexcept {
+    return system::is_local_path(path) && (library::is_cue_path(path) || tags::has_supported_extension(path));
+}
+
+service_ptr_t<input_info_reader> input_entry_impl::open_for_info_read(const char* path) {
+    const auto normal = library::normal_path(path);
+    return service_new<info_reader_impl>(normal, library::read_tracks({normal, {}, 0}, tags::read_file));
+}
+
+}  // namespace ostrevan::services

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "ostrevan/library.h"
+#include "player/library/media_library.h"
+
+namespace ostrevan::services {
+
+/// The library for components.
+class library_manager_impl : public library_manager {
+public:
+    explicit library_manager_impl(const library::media_library& library) : library_(library) {}
+    [[nodiscard]] bool is_library_enabled() const override { return library_.is_enabled(); }
+    void get_all_items(metadb_handle_list& out) const override {
+        out = metadb_handle_list(std::vector<metadb_handle_ptr>(library_.items().begin(), library_.items().end()));
+    }
+
+private:
+    const library::media_library& library_;
+};
+
+}  // namespace ostrevan::services

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+#include "ostrevan/filesystem.h"
+
+namespace ostrevan::services {
+
+/// A file of this machine. Only a regular file has a size; nothing waits for the other end of a pipe.
+class local_file : public file {
+public:
+    /// The path is for messages. Takes the descriptor over.
+    local_file(std::string path, int descriptor) noexcept;
+    local_file(const local_file&) = delete;
+    local_file& operator=(const local_file&) = delete;
+    ~local_file() override;
+
+    std::optional<std::uint64_t> size() override;
+    void seek(std::uint64_t position) override;
+    std::size_t read(void* buffer, std::size_t bytes) override;
+    void write(const void* bytes, std::size_t size) override;
+    void flush() override;
+
+protected:
+    [[noreturn]] void fail(const char* done) const;
+    const std::string path_;
+    const int descriptor_;
+};
+
+/// Opens what is there, such as a file to read or a device to write to. Throws as the file system's `open`.
+file_ptr open_local_file(const std::string& path, filesystem::open_mode mode);
+
+/// The exception of an error number: what failed, then the system's reason.
+[[noreturn]] void throw_io_error(const std::string& what, int error);
+
+}  // namespace ostrevan::services

@@ -1,0 +1,22 @@
+#include "player/services/popup_message.h"
+
+#include <utility>
+
+#include "player/core/component_call.h"
+
+namespace ostrevan::services {
+
+void popup_message_v3_impl::messageBoxAsync(query_t query) {
+    core::check_main_thread(loop_, "messageBoxAsync");
+    loop_.post([&ui = ui_, query = std::move(query)] {
+        const unsigned answer = ui.ask(query);
+        if (query.reply) core::call_component(query.reply.target_type(), [&] { query.reply(answer); });
+    });
+}
+
+void popup_message_impl::show(const char* text, const char* title, icon_t icon) {
+    core::check_main_thread(loop_, "popup_message::show");
+    ui_.show_message(text, title, icon);
+}
+
+}  // namespace ostrevan::services

@@ -1,0 +1,27 @@
+#include "player/services/progress_service.h"
+
+#include "player/system/interrupt.h"
+
+namespace ostrevan::services {
+namespace {
+
+class display : public progress_display {
+public:
+    display(view::front_end& ui, std::string what) : ui_(ui), what_(std::move(what)) {}
+    ~display() override { ui_.end_progress(); }
+    void set(std::size_t done, std::size_t total) override { ui_.show_progress(what_, done, total); }
+    [[nodiscard]] bool is_aborting() const noexcept override { return system::interrupted(); }
+
+private:
+    view::front_end& ui_;
+    const std::string what_;
+};
+
+}  // namespace
+
+progress_display_ptr progress_service_impl::start(const char* what) {
+    core::check_main_thread(loop_, "progress_service::start");
+    return service_new<display>(ui_, what);
+}
+
+}  // namespace ostrevan::services

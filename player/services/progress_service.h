@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "ostrevan/progress.h"
+#include "player/core/main_loop.h"
+#include "player/view/front_end.h"
+
+namespace ostrevan::services {
+
+/// Progress of components' long work on the front end. Ctrl-C asks the work to stop.
+class progress_service_impl : public progress_service {
+public:
+    progress_service_impl(const core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}
+    [[nodiscard]] progress_display_ptr start(const char* what) override;
+
+private:
+    const core::main_loop& loop_;
+    view::front_end& ui_;
+};
+
+}  // namespace ostrevan::services

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "ostrevan/tag_edit.h"
+#include "player/core/main_loop.h"
+#include "player/core/service_registry.h"
+#include "player/library/library_changes.h"
+
+namespace ostrevan::services {
+
+/// Tells the components of edited tags. What is named must live until the loop is idle. [main-thread]
+class tag_edit_news {
+public:
+    tag_edit_news(core::main_loop& loop, const core::service_registry& services) : loop_(loop), services_(services) {}
+
+    void tell(const std::vector<tag_edit>& edits);
+    /// Of edits that the library has seen: of the first portion at once, of others as posted work.
+    void tell(std::vector<library::track_edit> seen);
+
+    /// False when a component failed at one of them.
+    [[nodiscard]] bool all_told() const noexcept { return all_told_; }
+
+private:
+    void tell_from(const std::shared_ptr<std::vector<library::track_edit>>& seen, std::size_t first);
+
+    core::main_loop& loop_;
+    const core::service_registry& services_;
+    bool all_told_ = true;
+};
+
+}  // namespace ostrevan::services

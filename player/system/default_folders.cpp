@@ -1,0 +1,28 @@
+#include "player/system/default_folders.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace ostrevan::system {
+namespace {
+
+std::string absolute_from_environment(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value == '/' ? value : "";
+}
+
+}  // namespace
+
+std::string default_profile() {
+    if (const auto data = absolute_from_environment("XDG_DATA_HOME"); !data.empty()) return data + "/ostrevan";
+    const auto home = absolute_from_environment("HOME");
+    return home.empty() ? home : home + "/.local/share/ostrevan";
+}
+
+std::string default_components() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string{} : (program.parent_path() / "components").string();
+}
+
+}  // namespace ostrevan::system

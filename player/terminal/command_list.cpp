@@ -1,0 +1,132 @@
+#include <cmath>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "player/app/track_selection.h"
+#include "player/terminal/commands.h"
+#include "player/terminal/exit_status.h"
+#include "player/terminal/key_text.h"
+#include "player/titleformat/integer.h"
+#include "player/view/track_listing.h"
+#include "player/view/track_order.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+view::column column_named(const std::vector<view::column>& columns, const std::string& name) {
+    try {
+        return view::find_column(columns, name);
+    } catch (const std::invalid_argument& error) {
+        throw usage_error(error.what());
+    }
+}
+
+std::optional<query::sort_order> order_of(const run_context& context, const list_tracks& arguments) {
+    if (!arguments.sort) return std::nullopt;
+    const auto column = column_named(view::all_columns(context.player.services), *arguments.sort);
+    return query::sort_order{titleformat::compile(column.sort_script), arguments.descending};
+}
+
+std::vector<view::column> columns_of(const run_context& context, const std::vector<std::string>& names) {
+    const auto& services = context.player.services;
+    if (names.empty()) return view::default_columns(services);
+    const auto all = view::all_columns(services);
+    std::vector<view::column> chosen;
+    for (const auto& name : names) chosen.push_back(column_named(all, name));
+    return chosen;
+}
+
+void print_lines(const run_context& context, const metadb_handle_list& tracks, const std::string& format) {
+    const auto script = titleformat::compile(format);
+    for (const auto& track : tracks) {
+        if (!std::cout) return;
+        std::cout << script.run(titleformat::track_fields(context.player.fields, *track)).text << '\n';
+    }
+}
+
+using json = nlohmann::ordered_json;
+
+/// What a field's text is in JSON: nothing when it was not found, a number where it reads like one.
+json value_of(const titleformat::track_fields& fields, const std::string& name, bool may_be_number) {
+    std::string text;
+    if (!fields.field(name, text)) return nullptr;
+    if (may_be_number)
+        if (const auto number = json::parse(text, nullptr, false); number.is_number()) return number;
+    return text;
+}
+
+/// The number at the start of a field, as in "3/12"; else its text ("A1").
+json leading_number(const titleformat::track_fields& fields, const std::string& name) {
+    const auto text = value_of(fields, name, false);
+    if (!text.is_string()) return text;
+    const auto number = titleformat::leading_integer(text.get<std::string>());
+    return number ? json(*number) : text;
+}
+
+/// Rounded to milliseconds.
+json seconds_of(const metadb_handle& track) {
+    const auto info = track.info();
+    if (!info || !(info->info().length() > 0)) return nullptr;
+    return std::round(info->info().length() * 1000) / 1000;
+}
+
+json object_of(const run_context& context, const std::set<std::string>& component_fields, metadb_handle& track) {
+    const titleformat::track_fields fields(context.player.fields, track);
+    const auto key = key_text(context.player.index, track);
+    json object{{"path", track.location().path},
+                {"subsong", track.location().subsong},
+                {"key", key.empty() ? json() : json(key)},
+                {"length", seconds_of(track)},
+                {"codec", value_of(fields, "codec", false)},
+                {"track", leading_number(fields, "tracknumber")},
+                {"disc", leading_number(fields, "discnumber")}};
+    for (const char* name : {"artist", "album artist", "album", "title", "date", "genre"})
+        object[name] = value_of(fields, name, false);
+    for (const auto& name : component_fields) object[name] = value_of(fields, name, true);
+    return object;
+}
+
+void print_json(const run_context& context, const metadb_handle_list& tracks) {
+    std::set<std::string> component_fields;
+    for (const auto& [name, entry] : context.player.fields.all()) component_fields.insert(name);
+
+    // One object a line: as large as the library may be, only one track is held as JSON at a time.
+    std::cout << '[';
+    const char* separator = "\n";
+    for (const auto& track : tracks) {
+        if (!std::cout) return;
+        const auto object = object_of(context, component_fields, *track);
+        std::cout << separator << object.dump(-1, ' ', false, json::error_handler_t::replace);
+        separator = ",\n";
+    }
+    std::cout << "\n]\n";
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const auto& word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
+}  // namespace
+
+void run(run_context& context, const list_tracks& arguments) {
+    const auto columns = columns_of(context, arguments.columns);
+    const auto order = order_of(context, arguments);
+    const auto query = joined(arguments.query);
+    auto tracks = app::find_tracks(context.player, query);
+    if (order) tracks = view::sorted_by(*order, tracks, context.player.fields);
+    if (arguments.json) print_json(context, tracks);
+    else if (arguments.format) print_lines(context, tracks, *arguments.format);
+    else context.screen.show_listing(view::listing_of(tracks, columns, context.player.fields));
+    if (tracks.empty() && !context.player.library.is_enabled())
+        context.screen.note("The library is empty: add a folder with 'ostrevan library add FOLDER'.");
+    else if (tracks.empty()) context.screen.note("No track of the library matches " + query);
+}
+
+void run(run_context& context, const format_tracks& arguments) {
+    print_lines(context, tracks_of(context, arguments.tracks, on_missing::go_on), arguments.script);
+}
+
+}  // namespace ostrevan::terminal

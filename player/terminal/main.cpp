@@ -1,0 +1,77 @@
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+
+#include "player/query/query.h"
+#include "player/system/failure_text.h"
+#include "player/system/interrupt.h"
+#include "player/terminal/commands.h"
+#include "player/terminal/exit_status.h"
+#include "player/titleformat/script.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+int run_all(const arguments& wanted, terminal& screen) {
+    app::session player({wanted.profile, wanted.components, wanted.quiet}, screen);
+    run_context context{player, screen};
+    try {
+        std::visit([&](const auto& chosen) { run(context, chosen); }, wanted.chosen);
+    } catch (...) {
+        player.run_until_idle();  // what the components have begun is finished in any case
+        screen.end_progress();
+        throw;
+    }
+    player.run_until_idle();
+    screen.end_progress();
+    player.save();
+    player.run_until_idle();  // what was said of the saving
+    const int status = screen.exit_status();
+    if (status == exit_done) screen.note_unused_answers();
+    return status;
+}
+
+int run_reporting(const arguments& wanted, terminal& screen) {
+    try {
+        return run_all(wanted, screen);
+    } catch (const usage_error& error) {
+        screen.error(error.what());
+        return exit_usage;
+    } catch (const query::query_error& error) {
+        screen.error(error.what());
+        return exit_usage;
+    } catch (const titleformat::script_error& error) {
+        screen.error(error.what());
+        return exit_usage;
+    } catch (const std::exception& error) {
+        screen.error(system::failure_text(error));
+        return exit_failed;
+    }
+}
+
+/// What the process returns after everything has been written, or could not be.
+int final_status(int status, terminal& screen, standard_output& output) {
+    output.flush();
+    // Whoever closed the other end of a pipe has read enough, and needs no message.
+    if (output.error() != 0 && output.error() != EPIPE)
+        screen.error(std::string("standard output could not be written: ") + std::strerror(output.error()) + ".");
+    if (system::interrupted()) return exit_interrupted;
+    return output.error() != 0 && status == exit_done ? exit_failed : status;
+}
+
+}  // namespace
+}  // namespace ostrevan::terminal
+
+int main(int count, char** values) {
+    using namespace ostrevan::terminal;
+    ostrevan::system::handle_interrupts();
+    standard_output output;
+    const auto parsed = parse_arguments(count, values);
+    const auto* const nothing = std::get_if<nothing_to_run>(&parsed);
+    const auto wanted = nothing == nullptr ? std::get<arguments>(parsed) : arguments{};
+    terminal screen(wanted.quiet, wanted.answers, output);
+    if (nothing == nullptr) return final_status(run_reporting(wanted, screen), screen, output);
+    if (nothing->status == exit_done) std::cout << nothing->text << '\n';
+    else screen.error(nothing->text);
+    return final_status(nothing->status, screen, output);
+}

@@ -1,0 +1,50 @@
+#include "player/terminal/menu_output.h"
+
+#include <iostream>
+#include <stdexcept>
+
+#include "player/terminal/exit_status.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+const char* mark_of(const view::menu_entry& entry) {
+    if (!entry.is_checked) return "";
+    return entry.is_radio ? " (*)" : " [x]";
+}
+
+void print_level(const std::vector<view::menu_entry>& level, std::size_t depth) {
+    for (const auto& entry : level) {
+        std::cout << std::string(2 * depth, ' ') << entry.text << (entry.run ? "" : "/") << mark_of(entry)
+                  << (entry.is_enabled ? "" : " (greyed)") << '\n';
+        print_level(entry.children, depth + 1);
+    }
+}
+
+}  // namespace
+
+void print_menu(const std::vector<view::menu_entry>& menu) { print_level(menu, 0); }
+
+const view::menu_entry& command_at(const std::vector<view::menu_entry>& menu, const std::string& path) {
+    try {
+        return view::find_command(menu, path);
+    } catch (const std::invalid_argument& error) {
+        throw usage_error(error.what());
+    }
+}
+
+void run_entry(run_context& context, const view::menu_entry& entry, const char* when) {
+    if (!entry.is_enabled) throw std::runtime_error("\"" + entry.text + "\" is greyed " + when + ".");
+    entry.run();
+    context.player.run_until_idle();
+}
+
+std::string path_of(const std::vector<view::menu_entry>& menu, const view::menu_entry& entry) {
+    for (const auto& each : menu) {
+        if (&each == &entry) return each.text;
+        if (const auto below = path_of(each.children, entry); !below.empty()) return each.text + "/" + below;
+    }
+    return {};
+}
+
+}  // namespace ostrevan::terminal

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "player/terminal/commands.h"
+#include "player/view/menu_tree.h"
+
+namespace ostrevan::terminal {
+
+/// Prints a menu with its marks, submenus indented.
+void print_menu(const std::vector<view::menu_entry>& menu);
+
+/// The command at a path. Throws `usage_error` when there is none: a path that leads nowhere is the user's mistake.
+const view::menu_entry& command_at(const std::vector<view::menu_entry>& menu, const std::string& path);
+
+/// Runs a command to its end. Throws when the entry is greyed. `when` ends the sentence that says so: "for these tracks".
+void run_entry(run_context& context, const view::menu_entry& entry, const char* when);
+
+/// "Playback Statistics/Rating/4".
+std::string path_of(const std::vector<view::menu_entry>& menu, const view::menu_entry& entry);
+
+}  // namespace ostrevan::terminal

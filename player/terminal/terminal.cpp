@@ -1,0 +1,131 @@
+#include "player/terminal/terminal.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+
+#include "player/system/interrupt.h"
+#include "player/terminal/exit_status.h"
+#include "player/terminal/table.h"
+#include "player/terminal/terminal_text.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+long long now_ms() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+/// Nothing while the whole is not known.
+std::string bar(std::size_t done, std::size_t total) {
+    constexpr std::size_t width = 24;
+    if (total == 0) return {};
+    const auto filled = std::min(width, width * done / total);
+    return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] ";
+}
+
+/// Whether escape codes mean something to the terminal at standard error.
+bool can_redraw() {
+    const char* const kind = std::getenv("TERM");
+    return ::isatty(STDERR_FILENO) != 0 && kind != nullptr && *kind != '\0' && std::string_view(kind) != "dumb";
+}
+
+void put_on_stderr(const std::string& text) {
+    const auto shown = ::isatty(STDERR_FILENO) != 0 ? shown_on_terminal(text) : text;
+    std::fwrite(shown.data(), 1, shown.size(), stderr);
+}
+
+}  // namespace
+
+terminal::terminal(bool quiet, prepared_answers answers, standard_output& output)
+    : quiet_(quiet), answers_(std::move(answers)), draws_progress_(!quiet && can_redraw()), output_(output) {
+    output_.before_writing([this] { end_progress(); });
+}
+
+terminal::~terminal() {
+    end_progress();
+    output_.before_writing({});
+}
+
+void terminal::clear_progress() {
+    if (!progress_shown_) return;
+    std::fputs("\r\033[K", stderr);
+    progress_shown_ = false;
+}
+
+void terminal::write_line(const std::string& line) {
+    output_.flush();
+    const std::lock_guard lock(mutex_);
+    clear_progress();
+    put_on_stderr(line + "\n");
+}
+
+void terminal::print_line(const std::string& line) { write_line(line); }
+
+void terminal::note(const std::string& line) {
+    if (!quiet_) write_line(line);
+}
+
+void terminal::note_done(const std::string& what) {
+    if (exit_status() != exit_done || list_shown_ || system::interrupted()) return;
+    note(what + (file_asked_for_ ? ": " + *file_asked_for_ : "") + ".");
+}
+
+void terminal::error(const std::string& line) {
+    ++failures_;
+    write_line("ostrevan: " + line);
+}
+
+void terminal::show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) {
+    if (icon == popup_message::icon_error) ++failures_;
+    write_line(title + ": " + text);
+}
+
+void terminal::show_listing(const view::track_listing& listing) {
+    std::vector<table::column> heads;
+    for (const auto& column : listing.columns) heads.push_back({column.name, column.align_right});
+    table out(std::move(heads));
+    for (const auto& row : listing.rows) out.add_row(row);
+    list_shown_ = true;
+    end_progress();
+    std::cout << out.text(terminal_width(STDOUT_FILENO));
+}
+
+void terminal::show_progress(const std::string& what, std::size_t done, std::size_t total) {
+    if (!draws_progress_) return;
+    constexpr long long redraw_ms = 80;
+    const std::lock_guard lock(mutex_);
+    const auto now = now_ms();
+    if (progress_shown_ && now - last_drawn_ms_ < redraw_ms && done != total) return;
+    last_drawn_ms_ = now;
+    const auto count = std::to_string(done) + (total == 0 ? "" : " of " + std::to_string(total));
+    // One row: of a line that is wrapped, only the last row could be erased.
+    const auto width = terminal_width(STDERR_FILENO);
+    const auto line = shown_on_terminal(bar(done, total) + count + " " + what);
+    std::fprintf(stderr, "\r\033[K%s", (width == 0 ? line : shortened(line, width - 1)).c_str());
+    std::fflush(stderr);
+    progress_shown_ = true;
+}
+
+void terminal::end_progress() {
+    const std::lock_guard lock(mutex_);
+    clear_progress();
+}
+
+void terminal::beep() {
+    const std::lock_guard lock(mutex_);
+    if (can_redraw()) std::fputc('\a', stderr);
+}
+
+int terminal::exit_status() const noexcept {
+    if (is_misused_) return exit_usage;
+    if (failures_ != 0) return exit_failed;
+    return declined_ != 0 ? exit_declined : exit_done;
+}
+
+}  // namespace ostrevan::terminal

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace ostrevan::view {
+
+/// What a name stands for among labels: the label that is the same, else the only one that all its words are parts of,
+/// without regard to ASCII case.
+struct label_match {
+    std::optional<std::size_t> index;
+    bool is_ambiguous = false;
+};
+label_match find_label(const std::vector<std::string_view>& labels, std::string_view name);
+
+}  // namespace ostrevan::view

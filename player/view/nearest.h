@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ostrevan::view {
+
+/// ` Did you mean "x"?` with the candidate that a mistyped word is nearest to; empty when none is near. Without regard to
+/// ASCII case.
+std::string did_you_mean(std::string_view word, const std::vector<std::string>& candidates);
+
+}  // namespace ostrevan::view

@@ -1,0 +1,40 @@
+#include "player/view/open_dialog.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "player/core/component_call.h"
+
+namespace ostrevan::view {
+
+open_dialog::open_dialog(dialog_rules_ptr rules, dialog_registry& registry, player_api& player)
+    : rules_(std::move(rules)), registry_(registry), player_(player), states_(layout().controls.size()) {
+    registry_.add(*this);
+}
+
+open_dialog::~open_dialog() { registry_.forget(*this); }
+
+void open_dialog::press(int button) {
+    core::call_component(*rules_, [&] { rules_->on_button(*this, button); });
+}
+
+std::size_t open_dialog::index_of(int id) const {
+    const auto controls = layout().controls;
+    const auto found = std::ranges::find(controls, id, &dialog_control::id);
+    if (found == controls.end()) player_.bug_check("dialog_window: the layout has no control with this id");
+    return static_cast<std::size_t>(found - controls.begin());
+}
+
+void open_dialog::set_checked(int id, bool checked) {
+    const auto controls = layout().controls;
+    const auto is_radio = [&](std::size_t at) { return controls[at].kind == dialog_control_kind::radio_button; };
+    const auto index = index_of(id);
+    if (checked && is_radio(index)) {
+        auto first = index;
+        while (first > 0 && is_radio(first - 1)) --first;
+        for (auto at = first; at < controls.size() && is_radio(at); ++at) states_[at].is_checked = false;
+    }
+    states_[index].is_checked = checked;
+}
+
+}  // namespace ostrevan::view
