@@ -1,4 +1,4 @@
-// Seeds: fuzz/seeds/import tests/quorvel/interchange/golden
+// Seeds: fuzz/seeds/import tests/quorvel/golden
 #include <cstdint>
 #include <map>
 #include <set>

@@ -89,6 +89,9 @@ TEST_F(context_commands, paste_is_gray_unless_statistics_have_been_copied) {
     EXPECT_TRUE(grayed("Paste statistics"));
     player.clipboard.set("text", {});
     EXPECT_TRUE(grayed("Paste statistics"));
+    player.withdraw(player.clipboard.class_guid);
+    EXPECT_TRUE(grayed("Paste statistics"));
+    player.offer(player.clipboard.class_guid, player.clipboard);
     run("Copy statistics", {track});
     EXPECT_FALSE(grayed("Paste statistics"));
     player.clipboard.set("text", {});

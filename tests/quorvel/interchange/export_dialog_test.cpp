@@ -78,6 +78,8 @@ TEST_F(export_dialog, stays_open_until_there_is_something_to_write_and_somewhere
     for (int id = times_played; id <= rating; ++id) player.dialogs.set_checked(id, false);
     player.dialogs.press(ok);
     EXPECT_EQ(player.beeps.count, 1U);
+    player.withdraw(player.beeps.class_guid);
+    player.dialogs.press(ok);
     EXPECT_TRUE(player.file_dialog.queries.empty());
 
     player.dialogs.set_checked(rating, true);

@@ -1,8 +1,7 @@
-#include <fstream>
-
 #include "ostrevan/exceptions.h"
 #include "quorvel/interchange/export_fields.h"
 #include "quorvel/interchange/pcdb_export.h"
+#include "tests/quorvel/golden.h"
 #include "tests/support/statistics_test.h"
 
 namespace {
@@ -13,12 +12,6 @@ using quorvel::pcdb_export::exportToFile;
 using quorvel::pcdb_export::writeEntry;
 
 const std::string head = "<PlaybackStatistics Version=\"3.0\" Mapping=\"C653739F-14B3-4EF2-819B-A3E2883230AE\">\n";
-
-std::string golden(const std::string& name) {
-    std::ifstream file(std::string(GOLDEN_FOLDER) + "/" + name, std::ios::binary);
-    EXPECT_TRUE(file) << name;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class exporter : public support::statistics_test {
 protected:

@@ -94,13 +94,16 @@ TEST(time_zone, agrees_with_the_c_library_everywhere) {
 }
 
 TEST(time_zone, reads_skipped_and_repeated_times_by_rule) {
-    const auto zone = time_zone::load("PST8PDT,M3.2.0,M11.1.0");
-    EXPECT_EQ(zone->to_utc({2021, 3, 14, 1, 59, 59}), utc(2021, 3, 14, 9, 59, 59));
-    EXPECT_EQ(zone->to_utc({2021, 3, 14, 2, 30, 0}), utc(2021, 3, 14, 9, 30, 0)) << "skipped";
-    EXPECT_EQ(zone->to_utc({2021, 3, 14, 3, 0, 0}), utc(2021, 3, 14, 10, 0, 0));
-    EXPECT_EQ(zone->to_utc({2021, 11, 7, 1, 30, 0}), utc(2021, 11, 7, 8, 30, 0)) << "the first of two";
-    EXPECT_EQ(zone->to_utc({2021, 11, 7, 2, 0, 0}), utc(2021, 11, 7, 10, 0, 0));
-    EXPECT_EQ(zone->to_utc({29021, 7, 1, 2, 0, 0}), utc(29021, 7, 1, 9, 0, 0)) << "rules hold for ever";
+    for (const char* rule : {"PST8PDT,M3.2.0,M11.1.0", "PST8PDT"}) {
+        const auto zone = time_zone::load(rule);
+        EXPECT_EQ(zone->to_utc({2021, 3, 14, 1, 59, 59}), utc(2021, 3, 14, 9, 59, 59));
+        EXPECT_EQ(zone->to_utc({2021, 3, 14, 2, 30, 0}), utc(2021, 3, 14, 9, 30, 0)) << "skipped";
+        EXPECT_EQ(zone->to_utc({2021, 3, 14, 3, 0, 0}), utc(2021, 3, 14, 10, 0, 0));
+        EXPECT_EQ(zone->to_utc({2021, 11, 7, 1, 30, 0}), utc(2021, 11, 7, 8, 30, 0)) << "the first of two";
+        EXPECT_EQ(zone->to_utc({2021, 11, 7, 2, 0, 0}), utc(2021, 11, 7, 10, 0, 0));
+        EXPECT_EQ(zone->to_utc({29021, 7, 1, 2, 0, 0}), utc(29021, 7, 1, 9, 0, 0)) << "rules hold for ever";
+    }
+    EXPECT_EQ(time_zone::load("<-03>3<-02>,J59,300")->to_local(utc(2024, 2, 28, 12))->hour, 10) << "29 February has no number";
 }
 
 TEST(time_zone, converts_within_the_range_of_the_windows_calls) {
@@ -117,6 +120,32 @@ TEST(time_zone, converts_within_the_range_of_the_windows_calls) {
     EXPECT_EQ(west->to_utc({1601, 1, 1}), 8 * 3600 * quorvel::filetime_per_second);
     EXPECT_FALSE(east->to_utc({1601, 1, 1})) << "before 1601 in UTC";
     EXPECT_FALSE(east->to_utc({2023, 2, 29}));
+}
+
+TEST(time_zone, of_a_file_follows_its_rule_after_the_last_change_and_is_refused_when_damaged) {
+    // Two blocks; in the second a change to the second type, three hours ahead, on 1 July 2000.
+    std::string bytes = "TZif2" + std::string(39, '\0') + "TZif2" + std::string(39, '\0');
+    bytes[44 + 35] = 1;
+    bytes[44 + 39] = 2;
+    bytes += std::string(
+        "\0\0\0\0\x39\x5D\x30\0"
+        "\1"
+        "\0\0\0\0\0\0"
+        "\0\0\x2A\x30\0\0",
+        21);
+    const std::string path = testing::TempDir() + "zone";
+    const auto load = [&](const std::string& contents) {
+        std::ofstream(path, std::ios::binary) << contents;
+        return time_zone::load(path);
+    };
+    const auto zone = load(bytes + "\nAAA0BBB,M3.5.0,M10.5.0\n");
+    for (const auto& [month, hour] : {std::pair(6, 12), {7, 15}, {11, 12}})
+        EXPECT_EQ(zone->to_local(utc(2000, month, 2, 12))->hour, hour) << month;
+    EXPECT_EQ(zone->to_local(utc(2001, 7, 2, 12))->hour, 13);
+    for (std::size_t size = 0; size < bytes.size(); ++size) EXPECT_FALSE(load(bytes.substr(0, size))) << size;
+    bytes[96] = 2;
+    EXPECT_FALSE(load(bytes)) << "there is no third type";
+    std::filesystem::remove(path);
 }
 
 TEST(time_zone, refuses_what_is_neither_a_zone_nor_a_rule) {

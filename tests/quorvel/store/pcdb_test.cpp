@@ -60,6 +60,7 @@ TEST_F(pcdb, counts_a_play_and_keeps_the_first) {
     EXPECT_EQ(first.first_played, first.last_played);
     EXPECT_GE(first.first_played, before);
     EXPECT_LE(first.first_played, filetime_now());
+    EXPECT_NE(first.first_played % filetime_per_second, 0U) << "a moment, not a second";
     EXPECT_TRUE(refreshed_once());
 
     store({1, 5, 6, 7, 63, 0xABCD});
