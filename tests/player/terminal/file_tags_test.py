@@ -1,6 +1,5 @@
 """Statistics written into files and read back, seen by an independent reader; what must not change, does not."""
 import os
-import pathlib
 import re
 import shutil
 
@@ -8,8 +7,6 @@ from player import AUDIO, PlayerTest, samples_of, tags_of
 
 WRITE = "Playback Statistics/Write statistics to file tags"
 IMPORT = "Playback Statistics/Import statistics from file tags"
-RESET = "Playback Statistics/Reset statistics"
-SYNC = "Automatically synchronize"
 STATISTICS = {"last_played_timestamp", "first_played_timestamp", "added_timestamp", "play_count", "rating"}
 
 
@@ -43,14 +40,11 @@ class FileTags(PlayerTest):
         # Titles differ, or tracks with equal tags would share their statistics.
         self.run_player("library", "add", self.music, status=None)
 
-    def paths(self):
-        return [t["path"] for t in self.tracks() if t["subsong"] == 0]
-
     def context(self, command, *tracks, **options):
         return self.run_player("--yes", "context", command, *tracks, **options)
 
     def test_every_format_round_trips_and_nothing_else_changes(self):
-        paths = self.paths()
+        paths = [t["path"] for t in self.tracks() if t["subsong"] == 0]
         self.assertGreaterEqual(len(paths), 12)
         playable = [p for p in paths if samples_of(p)]
         self.play(*playable)
@@ -80,66 +74,3 @@ class FileTags(PlayerTest):
         for track in self.tracks(profile=fresh):
             if track["path"] in playable:
                 self.assertEqual(track, wanted[track["path"]])
-
-    def test_reset_clears_the_files_only_when_synchronisation_is_on(self):
-        path = next(p for p in self.paths() if p.endswith(".flac"))
-        self.play(path)
-        self.context(WRITE, path)
-        self.context(RESET, path)
-        self.assertIn("play_count", statistics_in(tags_of(path)[path]))
-        self.assertIsNone(self.track(path)["play_count"])
-
-        self.context(IMPORT, path)
-        self.assertEqual(self.play_count(path), 1)
-        self.run_player("settings", SYNC, "on")
-        self.run_player("--no", "context", RESET, path, status=3)
-        self.assertEqual(self.play_count(path), 1)
-        self.context(RESET, path)
-        self.assertEqual(statistics_in(tags_of(path)[path]), {})
-
-    def test_a_file_that_cannot_be_written_is_named_and_stays(self):
-        path = next(p for p in self.paths() if p.endswith(".flac"))
-        self.play(path)
-        content = pathlib.Path(path).read_bytes()
-        shutil.copy(path, self.folder / "other.flac")
-        os.chmod(path, 0o444)
-        refused = self.context(WRITE, path, status=1)
-        self.assertIn(path, refused.stderr)
-        self.assertEqual(pathlib.Path(path).read_bytes(), content)
-        os.chmod(path, 0o644)
-        hard_link = self.folder / "link.flac"
-        os.link(path, hard_link)
-        self.assertIn(f"{path}: it had other names (hard links)", self.context(WRITE, path).stderr)
-        self.assertEqual(hard_link.read_bytes(), content)
-
-    def test_an_import_that_cannot_read_a_file_takes_over_nothing_and_says_so(self):
-        path, gone = [p for p in self.paths() if samples_of(p)][:2]
-        self.play(path)
-        self.context(WRITE, path)
-        self.context(RESET, path)
-        os.remove(gone)
-        failed = self.context(IMPORT, path, gone, status=1).stderr
-        self.assertIn(gone, failed)
-        self.assertIn("1 of 2 tracks could not be read", failed)
-        self.assertIsNone(self.track(path)["play_count"])
-
-    def test_an_import_notices_a_retag_and_the_statistics_follow(self):
-        path = next(p for p in self.paths() if p.endswith(".flac"))
-        self.play(path)
-        key = self.track(path)["key"]
-        self.retag(path)
-        self.context(IMPORT, path)
-        self.assertNotEqual(self.track(path)["key"], key)
-        self.assertEqual(self.play_count(path), 1)
-
-    def test_a_file_that_is_playing_may_be_written(self):
-        path = next(p for p in self.paths() if p.endswith(".ogg"))
-        unsynchronised = pathlib.Path(path).read_bytes()
-        self.context("Playback Statistics/Rating/5", path)
-        self.assertEqual(pathlib.Path(path).read_bytes(), unsynchronised)
-        self.run_player("settings", SYNC, "on")
-        done = self.play(*[path] * 4)
-        self.assertEqual(statistics_in(tags_of(path)[path])["rating"], 5)
-        self.assertEqual(done.stdout.count("Counted"), 4)
-        self.assertEqual(statistics_in(tags_of(path)[path])["play_count"], 4)
-        self.assertEqual(self.play_count(path), 4)

@@ -66,14 +66,3 @@ class HostileFiles(PlayerTest):
         size = twice.stat().st_size
         self.assertEqual(self.limited("edit", "--set", "play_count=4", twice, short)[0], 0)
         self.assertLess(twice.stat().st_size, size + 100)
-
-    def test_names_and_tags_do_not_reach_the_terminal_as_commands(self):
-        bad = [path for path in hostile_files.make(self.music, AUDIO) if "owned" in path.name or path.name == "says.flac"]
-        self.limited("library", "add", self.music)
-        for words in (("play", "--audio", "null", "--fast", *bad), ("format", "%title%", *bad), ("list", "--format", "%title%"),
-                      ("list",)):
-            with self.subTest(words=words):
-                shown = self.on_terminal(*words, kind="dumb")
-                self.assertIn("owned", shown)
-                for command in ("\x1b", "\x07", "\x9b", "\u202e"):
-                    self.assertNotIn(command, shown)

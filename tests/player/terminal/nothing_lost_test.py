@@ -1,4 +1,4 @@
-"""Kills, interrupts, many edits, pruning, two players at once."""
+"""Kills, interrupts, and more edits than are told of at once."""
 import sqlite3
 
 from player import PlayerTest
@@ -43,36 +43,3 @@ class NothingLost(PlayerTest):
         database.close()
         self.run_player("components")  # they follow while it starts
         self.assertEqual([self.play_count(path) for path in edited], [1, 1])
-
-    def test_records_go_only_when_asked_after_a_question_and_never_those_of_the_library(self):
-        self.play(self.first)
-        key = self.track(self.first)["key"]
-
-        def is_kept_by(*words, **options):
-            database = sqlite3.connect(self.profile / "index.sqlite")
-            with database:
-                database.execute("UPDATE records SET last_seen = 0")
-                database.execute("UPDATE indexes SET retention = 1")
-            database.close()
-            self.run_player(*words, **options)
-            return key in self.run_player("index", "dump").stdout
-
-        self.assertTrue(is_kept_by("--yes", "index", "prune"))
-        self.first.unlink()
-        for _ in range(2):
-            self.assertTrue(is_kept_by("library", "rescan"))
-        self.assertTrue(is_kept_by("--no", "index", "prune", status=3))
-        self.assertFalse(is_kept_by("--yes", "index", "prune"))
-        self.assertEqual(len(list(self.profile.glob("backup/index-*-prune.sqlite"))), 1)
-
-    def test_players_at_the_same_time_take_turns_or_say_who_holds_the_profile(self):
-        players = [self.start("play", "--audio", "null", "--fast", self.first) for _ in range(6)]
-        done = 0
-        for player in players:
-            _, err = player.communicate(timeout=100)
-            if player.returncode == 0:
-                done += 1
-            else:
-                self.assertRegex(err, r"in use by process \d+")
-        self.assertGreaterEqual(done, 1)
-        self.assertEqual(self.play_count(self.first), done)

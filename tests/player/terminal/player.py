@@ -69,13 +69,6 @@ class PlayerTest(unittest.TestCase):
         shutil.copytree(MUSIC, self.music)
         self.run_player("library", "add", self.music)
 
-    def retag(self, path):
-        """Gives the file another title, as another program would."""
-        fresh = self.folder / "retagged.flac"
-        subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-i", path, "-c", "copy", "-metadata", "title=Elsewhere", fresh],
-                       check=True)
-        shutil.move(fresh, path)
-
     def tracks(self, query="", profile=None):
         return json.loads(self.run_player("list", "--json", query, profile=profile).stdout)
 
@@ -95,21 +88,8 @@ class PlayerTest(unittest.TestCase):
         dump = self.run_player("index", "dump", "{" + MAPPING + "}", profile=profile).stdout
         return {key: struct.unpack("<QQQQI4x", bytes.fromhex(data)) for _, key, data in map(str.split, dump.splitlines())}
 
-    def import_records(self, records, mapping=MAPPING, **options):
-        """Imports a file made of these: attributes by key."""
-        path = self.folder / "import.xml"
-        entries = "".join(f'<Entry ID="{key}" ' + " ".join(f'{name}="{value}"' for name, value in values.items()) + "/>"
-                          for key, values in records.items())
-        path.write_text(f'<PlaybackStatistics Version="3.0" Mapping="{mapping}">{entries}</PlaybackStatistics>')
-        return self.run_player("--yes", "--file", path, "menu", MENU + "Import statistics...", **options)
-
     def files(self, suffix=""):
         return sorted(p for p in self.music.rglob("*" + suffix) if p.is_file())
-
-
-def moment(seconds):
-    """A time of the system's clock in the unit of the records."""
-    return int(seconds * 10_000_000) + 116_444_736_000_000_000
 
 
 def tags_of(*paths):

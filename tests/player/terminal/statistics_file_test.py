@@ -4,6 +4,7 @@ import select
 import signal
 import sqlite3
 import struct
+import time
 import xml.etree.ElementTree
 
 from player import FIELDS, MAPPING, MENU, PlayerTest
@@ -11,6 +12,7 @@ from player import FIELDS, MAPPING, MENU, PlayerTest
 EXPORT = MENU + "Export statistics..."
 IMPORT = MENU + "Import statistics..."
 NOT_RATED = 0xFFFFFFFF
+DAY = 24 * 3600
 
 
 def records_in(path):
@@ -64,66 +66,22 @@ class StatisticsFile(PlayerTest):
             self.export("--check", "Full backup", path=again, profile=self.other)
             self.assertEqual(again.read_bytes(), self.file.read_bytes())
 
-    def test_a_file_cut_short_gives_what_it_still_holds(self):
-        self.export()
-        whole = self.file.read_bytes()
-        records = records_in(self.file)
-        self.file.write_bytes(whole[:len(whole) // 2])
-        self.assertIn("Playback statistics import failure: XML error", self.load(status=1, profile=self.other).stderr)
-        taken = self.records(profile=self.other)
-        self.assertEqual(taken, {key: records[key] for key in taken})
-        self.assertIn(len(taken), range(1, len(records)))
-
-    def test_a_file_of_paths_reaches_tracks_in_and_outside_the_library(self):
-        away = self.folder / "away"
-        away.mkdir()
-        file = self.files(".flac")[0].rename(away / "song.flac")
-        sheet = away / "sheet.cue"
-        sheet.write_text('FILE "song.flac" WAVE\n TRACK 01 AUDIO\n TITLE "One"\n INDEX 01 00:00:00\n'
-                         ' TRACK 02 AUDIO\n TITLE "Two"\n INDEX 01 00:01:00\n')
-        places = [(f'file://{self.first}', 7), (f"{self.music}/../away/song.flac", 8), (f'{sheet}" Subsong="2', 9),
-                  (f'{sheet}" Subsong="3', 1), (away / "nosuch.flac", 1), ("http://host/song.mp3", 1), (away, 1)]
-        items = "".join(f'<Item Path="{path}" Count="{count}"/>' for path, count in places)
-        self.file.write_text(f'<PlaybackStatistics Version="4.0">{items}</PlaybackStatistics>')
-        self.load()
-        line = self.run_player("format", "%title% %play_count%", self.first, file, f"{sheet}|1", f"{sheet}|2").stdout
-        self.assertEqual([text.rsplit(" ")[-1] for text in line.splitlines()], ["7", "8", "0", "9"])
-
-    def test_a_file_of_an_older_mapping_reaches_tracks_of_playlists(self):
-        # Without a track number the older rule makes the same key.
-        self.run_player("edit", self.second, "--remove", "tracknumber")
-        key = self.track(self.second)["key"]
-        self.run_player("playlist", "create", "List", self.second, profile=self.other)
-        self.import_records({key: {"Count": 5}}, mapping="163FC58C-E2D5-4D3D-BFA4-45AF2C28AC1C", profile=self.other)
-        self.assertEqual(self.records(profile=self.other)[key][0], 5)
-
-    def test_what_is_no_statistics_file_changes_nothing(self):
-        before = self.records()
-        cases = [(b"", 0, "records read: 0"), (b"<svg><g/></svg>", 0, "records read: 0"), (b"<\0", 1, "XML error"),
-                 (b'<PlaybackStatistics Version="2.0"/>', 1, "Unsupported format or corrupted file")]
-        for content, status, reason in cases:
-            with self.subTest(content=content[:50]):
-                self.file.write_bytes(content)
-                self.assertIn(reason, self.load(status=status).stderr)
-                self.assertEqual(self.records(), before)
-        os.mkfifo(self.folder / "pipe")
-        for path, reason in ((self.folder / "nosuch.xml", "No such file"), (self.music, "length is not known"),
-                             (self.folder / "pipe", "length is not known"), ("http://host/stats.xml", "over the network")):
-            with self.subTest(path=path):
-                refused = self.load(path=path, status=1).stderr
-                self.assertIn(f"import failure: {path}", refused)
-                self.assertIn(reason, refused)
-        self.assertEqual(self.records(), before)
-
-    def test_places_that_cannot_be_written_are_named(self):
-        os.mkfifo(self.folder / "pipe")
-        for path, reason in (("/dev/full", "No space left"), (self.music, "Is a directory"), ("/sys/stats.xml", ""),
-                             (self.folder / "nosuch" / "stats.xml", "No such file"), (self.folder / "pipe", "nobody reads"),
-                             ("http://host/stats.xml", "over the network")):
-            with self.subTest(path=path):
-                refused = self.export(path=path, status=1).stderr
-                self.assertIn(f"Playback statistics export failure: {path}", refused)
-                self.assertIn(reason, refused)
+    def test_recent_tracks_are_those_of_one_week_the_latest_first(self):
+        ages = {"First Ferry": 60, "Low Water": 3 * DAY, "Last Tram": 5, "Opening Hour": 7 * DAY - 1800,
+                "Home before Rain": 7 * DAY + 1800, "Trois cuillères": 8 * DAY, "The Other Umbrella": 30 * DAY}
+        keys = {track["title"]: track["key"] for track in self.tracks()}
+        # Three days ago the clocks were set forward; or back.
+        day = time.gmtime(time.time() - 3 * DAY).tm_yday - 1
+        elsewhen = (day + 100) % 365
+        for zone in ("UTC", f"AAA0BBB-1,{day}/0,{elsewhen}/0", f"AAA0BBB-1,{elsewhen}/0,{day}/0"):
+            self.env["TZ"] = zone
+            now = (time.time() * 10_000_000) + 116_444_736_000_000_000
+            entries = "".join(f'<Entry ID="{keys[title]}" LastPlayed="{int(now - ago * 10_000_000)}"/>' for title, ago in ages.items())
+            self.file.write_text(f'<PlaybackStatistics Version="3.0" Mapping="{MAPPING}">{entries}</PlaybackStatistics>')
+            self.load()
+            rows = self.run_player("menu", MENU + "Show recently played").stdout.splitlines()[2:]
+            self.assertEqual([next(title for title in keys if title in row) for row in rows],
+                             ["Last Tram", "First Ferry", "Low Water", "Opening Hour"], zone)
 
     def test_an_interrupted_export_stops_and_harms_nothing(self):
         before = self.records()
