@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
+#include <fstream>
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "player/titleformat/script.h"
 
@@ -29,15 +30,14 @@ struct table_of_fields final : field_source {
     table found, absent;
 };
 
-/// What each of the scripts shows, after an arrow, and whether a field of it was found.
-inline void expect_each(const field_source& track, bool found, std::initializer_list<std::string_view> rows) {
-    constexpr std::string_view arrow = " → ";
-    for (const auto row : rows) {
-        const auto place = row.find(arrow);
-        const result made = compile(row.substr(0, place)).run(track);
-        EXPECT_EQ(made.text, row.substr(place + arrow.size())) << row;
-        EXPECT_EQ(made.found, found) << row;
-    }
+/// The rows of a table in a file, without comments and blank lines.
+inline std::vector<std::string> rows_of(const std::string& path) {
+    std::ifstream file(path);
+    std::vector<std::string> rows;
+    for (std::string line; std::getline(file, line);)
+        if (!line.empty() && line.front() != '#') rows.push_back(line);
+    EXPECT_GT(rows.size(), 10U) << path;
+    return rows;
 }
 
 }  // namespace ostrevan::titleformat
