@@ -103,7 +103,8 @@ TEST(time_zone, reads_skipped_and_repeated_times_by_rule) {
         EXPECT_EQ(zone->to_utc({2021, 11, 7, 2, 0, 0}), utc(2021, 11, 7, 10, 0, 0));
         EXPECT_EQ(zone->to_utc({29021, 7, 1, 2, 0, 0}), utc(29021, 7, 1, 9, 0, 0)) << "rules hold for ever";
     }
-    EXPECT_EQ(time_zone::load("<-03>3<-02>,J59,300")->to_local(utc(2024, 2, 28, 12))->hour, 10) << "29 February has no number";
+    EXPECT_EQ(time_zone::load("<-03>3<-02>,J59,300")->to_local(utc(2024, 2, 28, 12))->hour, 10)
+        << "29 February has no number";
 }
 
 TEST(time_zone, converts_within_the_range_of_the_windows_calls) {
