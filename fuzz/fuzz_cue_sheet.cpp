@@ -1,4 +1,4 @@
-// Sources: player/library/cue_sheet.cpp player/library/cue_text.cpp
+// Sources: player/library/cue_sheet.cpp player/library/cue_text.cpp player/tags/utf8.cpp
 // Seeds: fuzz/seeds/cue_sheet
 #include <cmath>
 #include <cstdint>

@@ -4,15 +4,16 @@
 
 #include "nuv/text.h"
 #include "player/tags/asf_header.h"
+#include "player/tags/bytes.h"
 #include "player/tags/changes.h"
-#include "player/tags/edit_tags.h"
+#include "player/tags/errors.h"
 #include "player/tags/field_names.h"
 
 namespace ostrevan::tags {
 namespace {
 
 /// Customary attributes and the keys that the other formats use for the same.
-constexpr std::string_view names[][2] = {
+constexpr std::string_view asf_names[][2] = {
     {"Title", "TITLE"},
     {"Author", "ARTIST"},
     {"Description", "COMMENT"},
@@ -63,7 +64,7 @@ constexpr std::string_view technical[] = {"WM/",          "WMFSDK",        "IsVB
 std::string text_of(const asf_attribute& attribute) {
     switch (attribute.type) {
         case asf_type::text:
-            return utf8_of_utf16(attribute.value);
+            return asf_text(attribute.value);
         case asf_type::boolean:
             return little_endian(attribute.value, 0, attribute.value.size()) != 0 ? "1" : "0";
         case asf_type::number16:
@@ -78,22 +79,21 @@ std::string text_of(const asf_attribute& attribute) {
 }  // namespace
 
 std::string key_of_asf_name(const std::string& name) {
-    for (const auto& pair : names)
+    for (const auto& pair : asf_names)
         if (nuv::equal_ascii_nocase(pair[0], name)) return std::string(pair[1]);
     const bool hidden = std::ranges::any_of(technical, [&](auto start) { return name.starts_with(start); });
     return hidden ? std::string() : ascii_upper(name);
 }
 
 std::string asf_name_of_key(const std::string& key) {
-    for (const auto& pair : names)
+    for (const auto& pair : asf_names)
         if (pair[1] == key) return std::string(pair[0]);
     return key;
 }
 
 void add_asf_fields(file_stream& stream, file_info& info) try {
-    const auto size = little_endian(read_bytes(stream, 16, 8), 0, 8);
     std::vector<std::pair<std::string, std::vector<std::string>>> entries;
-    for (const auto& attribute : take_apart_asf(read_bytes(stream, 0, size)).attributes) {
+    for (const auto& attribute : read_asf_header(stream).attributes) {
         const bool age_rating = attribute.place == asf_place::description && attribute.name == "Rating";
         const auto key = age_rating ? std::string() : key_of_asf_name(attribute.name);
         const auto text = text_of(attribute);

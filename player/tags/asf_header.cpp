@@ -4,32 +4,22 @@
 
 #include <algorithm>
 
-#include "player/tags/edit_tags.h"
+#include "player/tags/asf_objects.h"
+#include "player/tags/errors.h"
+#include "player/tags/utf8.h"
 
 namespace ostrevan::tags {
 namespace {
 
-using namespace std::string_view_literals;
-
-constexpr std::string_view description_id = "\x33\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C"sv;
-constexpr std::string_view extended_id = "\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50"sv;
-constexpr std::string_view extension_id = "\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65"sv;
-constexpr std::string_view metadata_id = "\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA"sv;
-constexpr std::string_view library_id = "\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54"sv;
-constexpr std::string_view file_properties_id = "\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65"sv;
-
-constexpr std::size_t object_header_size = 24;
-constexpr std::size_t header_size = 30;
-constexpr std::size_t extension_prefix_size = 22;
 constexpr std::size_t file_size_offset = 16;
 constexpr std::size_t largest_count = 65535;
 
 constexpr std::string_view description_names[] = {"Title", "Author", "Copyright", "Description", "Rating"};
 
 /// Reads one thing after another; what is beyond the end is damage.
-class reader {
+class asf_bytes {
 public:
-    explicit reader(std::string_view bytes) : bytes_(bytes) {}
+    explicit asf_bytes(std::string_view bytes) : bytes_(bytes) {}
     std::string_view take(std::uint64_t size) {
         if (size > bytes_.size()) throw edit_error("its header is damaged");
         const auto part = bytes_.substr(0, size);
@@ -45,11 +35,11 @@ private:
 
 std::vector<asf_object> objects_of(std::string_view bytes) {
     std::vector<asf_object> objects;
-    for (reader source(bytes); !source.at_end();) {
+    for (asf_bytes source(bytes); !source.at_end();) {
         const auto id = source.take(16);
         const auto size = source.number(8);
-        if (size < object_header_size) throw edit_error("its header is damaged");
-        objects.push_back({std::string(id), std::string(source.take(size - object_header_size))});
+        if (size < asf_object_header_size) throw edit_error("its header is damaged");
+        objects.push_back({std::string(id), std::string(source.take(size - asf_object_header_size))});
     }
     return objects;
 }
@@ -57,12 +47,12 @@ std::vector<asf_object> objects_of(std::string_view bytes) {
 std::string bytes_of(const std::vector<asf_object>& objects) {
     std::string bytes;
     for (const auto& object : objects)
-        bytes += object.id + as_little_endian(object.body.size() + object_header_size, 8) + object.body;
+        bytes += object.id + as_little_endian(object.body.size() + asf_object_header_size, 8) + object.body;
     return bytes;
 }
 
 void read_description(std::string_view body, std::vector<asf_attribute>& found) {
-    reader source(body);
+    asf_bytes source(body);
     std::uint64_t sizes[std::size(description_names)];
     for (auto& size : sizes) size = source.number(2);
     for (std::size_t i = 0; i < std::size(description_names); ++i)
@@ -72,12 +62,12 @@ void read_description(std::string_view body, std::vector<asf_attribute>& found) 
 }
 
 void read_extended(std::string_view body, std::vector<asf_attribute>& found) {
-    reader source(body);
+    asf_bytes source(body);
     for (auto count = source.number(2); count > 0; --count) {
         asf_attribute each;
         each.place = asf_place::extended;
         each.name_bytes = source.take(source.number(2));
-        each.name = utf8_of_utf16(each.name_bytes);
+        each.name = asf_text(each.name_bytes);
         each.type = static_cast<asf_type>(source.number(2));
         each.value = source.take(source.number(2));
         found.push_back(std::move(each));
@@ -85,7 +75,7 @@ void read_extended(std::string_view body, std::vector<asf_attribute>& found) {
 }
 
 void read_metadata(std::string_view body, asf_place place, std::vector<asf_attribute>& found) {
-    reader source(body);
+    asf_bytes source(body);
     for (auto count = source.number(2); count > 0; --count) {
         asf_attribute each;
         each.place = place;
@@ -94,7 +84,7 @@ void read_metadata(std::string_view body, asf_place place, std::vector<asf_attri
         each.type = static_cast<asf_type>(source.number(2));
         const auto value_size = source.number(4);
         each.name_bytes = source.take(name_size);
-        each.name = utf8_of_utf16(each.name_bytes);
+        each.name = asf_text(each.name_bytes);
         each.value = source.take(value_size);
         found.push_back(std::move(each));
     }
@@ -102,12 +92,12 @@ void read_metadata(std::string_view body, asf_place place, std::vector<asf_attri
 
 void read_attributes(const std::vector<asf_object>& objects, std::vector<asf_attribute>& found) {
     for (const auto& object : objects) {
-        if (object.id == description_id) read_description(object.body, found);
-        if (object.id == extended_id) read_extended(object.body, found);
-        if (object.id == metadata_id) read_metadata(object.body, asf_place::metadata, found);
-        if (object.id == library_id) read_metadata(object.body, asf_place::library, found);
-        if (object.id == extension_id && object.body.size() > extension_prefix_size)
-            read_attributes(objects_of(std::string_view(object.body).substr(extension_prefix_size)), found);
+        if (object.id == asf_id::description) read_description(object.body, found);
+        if (object.id == asf_id::extended) read_extended(object.body, found);
+        if (object.id == asf_id::metadata) read_metadata(object.body, asf_place::metadata, found);
+        if (object.id == asf_id::library) read_metadata(object.body, asf_place::library, found);
+        if (object.id == asf_id::extension && object.body.size() > asf_extension_prefix_size)
+            read_attributes(objects_of(std::string_view(object.body).substr(asf_extension_prefix_size)), found);
     }
 }
 
@@ -142,7 +132,8 @@ std::string list_body(const std::vector<asf_attribute>& attributes, asf_place pl
 }
 
 bool holds_attributes(const asf_object& object) {
-    return object.id == description_id || object.id == extended_id || object.id == metadata_id || object.id == library_id;
+    return object.id == asf_id::description || object.id == asf_id::extended || object.id == asf_id::metadata ||
+           object.id == asf_id::library;
 }
 
 bool has(const std::vector<asf_attribute>& attributes, asf_place place) {
@@ -165,17 +156,18 @@ void set_body(std::vector<asf_object>& objects, std::string_view id, const std::
 void set_extensions(std::vector<asf_object>& objects, const std::vector<asf_attribute>& attributes) {
     bool first = true;
     for (auto& object : objects) {
-        if (object.id != extension_id || object.body.size() < extension_prefix_size) continue;
-        auto inner = objects_of(std::string_view(object.body).substr(extension_prefix_size));
+        if (object.id != asf_id::extension || object.body.size() < asf_extension_prefix_size) continue;
+        auto inner = objects_of(std::string_view(object.body).substr(asf_extension_prefix_size));
         if (first) {
-            set_body(inner, metadata_id, list_body(attributes, asf_place::metadata), has(attributes, asf_place::metadata));
-            set_body(inner, library_id, list_body(attributes, asf_place::library), has(attributes, asf_place::library));
+            set_body(inner, asf_id::metadata, list_body(attributes, asf_place::metadata),
+                     has(attributes, asf_place::metadata));
+            set_body(inner, asf_id::library, list_body(attributes, asf_place::library), has(attributes, asf_place::library));
         } else {
             std::erase_if(inner, holds_attributes);
         }
         first = false;
         const std::string bytes = bytes_of(inner);
-        object.body = object.body.substr(0, extension_prefix_size - 4) + as_little_endian(bytes.size(), 4) + bytes;
+        object.body = object.body.substr(0, asf_extension_prefix_size - 4) + as_little_endian(bytes.size(), 4) + bytes;
     }
     if (first && has(attributes, asf_place::library))
         throw edit_error("its header has no place for several values of a field");
@@ -187,25 +179,29 @@ bool is_description_name(std::string_view name) noexcept {
     return std::ranges::find(description_names, name) != std::end(description_names);
 }
 
-std::string utf8_of_utf16(std::string_view bytes) {
-    std::string text =
-        TagLib::String(to_vector(bytes.substr(0, bytes.size() & ~std::size_t{1})), TagLib::String::UTF16LE).to8Bit(true);
+std::string asf_text(std::string_view bytes) {
+    std::string text = utf8_of_utf16(bytes, std::endian::little);
     while (text.ends_with('\0')) text.pop_back();
     return text;
 }
 
-std::string utf16_of_utf8(std::string_view text) {
+std::string asf_bytes_of(std::string_view text) {
     const auto bytes = TagLib::String(std::string(text), TagLib::String::UTF8).data(TagLib::String::UTF16LE);
     return std::string(bytes.data(), bytes.size()) + std::string(2, '\0');
+}
+
+asf_header read_asf_header(file_stream& stream) {
+    const auto size = little_endian(read_bytes(stream, 16, 8), 0, 8);
+    return take_apart_asf(read_bytes(stream, 0, size));
 }
 
 asf_header take_apart_asf(const std::string& bytes) {
     asf_header header;
     header.size = little_endian(bytes, 16, 8);
-    if (bytes.size() < header_size || header.size < header_size || header.size > bytes.size())
+    if (bytes.size() < asf_header_size || header.size < asf_header_size || header.size > bytes.size())
         throw edit_error("its header is damaged");
     header.reserved = bytes.substr(28, 2);
-    header.objects = objects_of(std::string_view(bytes).substr(header_size, header.size - header_size));
+    header.objects = objects_of(std::string_view(bytes).substr(asf_header_size, header.size - asf_header_size));
     read_attributes(header.objects, header.attributes);
     std::ranges::stable_sort(header.attributes, {}, &asf_attribute::place);
     return header;
@@ -215,11 +211,11 @@ std::string bytes_without_tags(const asf_header& header) {
     auto objects = header.objects;
     std::erase_if(objects, holds_attributes);
     for (auto& object : objects) {
-        if (object.id == file_properties_id) object.body.replace(std::min(object.body.size(), file_size_offset), 8, "");
-        if (object.id != extension_id || object.body.size() < extension_prefix_size) continue;
-        auto inner = objects_of(std::string_view(object.body).substr(extension_prefix_size));
+        if (object.id == asf_id::file_properties) object.body.replace(std::min(object.body.size(), file_size_offset), 8, "");
+        if (object.id != asf_id::extension || object.body.size() < asf_extension_prefix_size) continue;
+        auto inner = objects_of(std::string_view(object.body).substr(asf_extension_prefix_size));
         std::erase_if(inner, holds_attributes);
-        object.body = object.body.substr(0, extension_prefix_size - 4) + bytes_of(inner);
+        object.body = object.body.substr(0, asf_extension_prefix_size - 4) + bytes_of(inner);
     }
     return bytes_of(objects);
 }
@@ -227,15 +223,15 @@ std::string bytes_without_tags(const asf_header& header) {
 std::string put_together_asf(const asf_header& header, std::uint64_t file_size) {
     const auto& attributes = header.attributes;
     auto objects = header.objects;
-    set_body(objects, description_id, description_body(attributes), has(attributes, asf_place::description));
-    set_body(objects, extended_id, list_body(attributes, asf_place::extended), has(attributes, asf_place::extended));
+    set_body(objects, asf_id::description, description_body(attributes), has(attributes, asf_place::description));
+    set_body(objects, asf_id::extended, list_body(attributes, asf_place::extended), has(attributes, asf_place::extended));
     set_extensions(objects, attributes);
-    const std::size_t new_size = header_size + bytes_of(objects).size();
-    if (const auto found = std::ranges::find(objects, file_properties_id, &asf_object::id);
+    const std::size_t new_size = asf_header_size + bytes_of(objects).size();
+    if (const auto found = std::ranges::find(objects, asf_id::file_properties, &asf_object::id);
         found != objects.end() && found->body.size() >= file_size_offset + 8)
         found->body.replace(file_size_offset, 8, as_little_endian(file_size - header.size + new_size, 8));
-    return std::string("\x30\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C"sv) +
-           as_little_endian(new_size, 8) + as_little_endian(objects.size(), 4) + header.reserved + bytes_of(objects);
+    return std::string(asf_id::header) + as_little_endian(new_size, 8) + as_little_endian(objects.size(), 4) +
+           header.reserved + bytes_of(objects);
 }
 
 }  // namespace ostrevan::tags

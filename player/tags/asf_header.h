@@ -6,6 +6,8 @@
 
 namespace ostrevan::tags {
 
+class file_stream;
+
 /// The four objects of a Windows Media header that hold tags, in the order in which their values count.
 enum class asf_place { description, extended, metadata, library };
 
@@ -40,6 +42,7 @@ struct asf_header {
 
 /// @throws edit_error when it is damaged.
 asf_header take_apart_asf(const std::string& bytes);
+asf_header read_asf_header(file_stream& stream);
 
 /// The header's bytes with the attributes in place of the old ones; `file_size` is the size of the file around the old
 /// header, which the header states. Of several objects of one kind the first takes all attributes. @throws edit_error
@@ -51,8 +54,8 @@ std::string bytes_without_tags(const asf_header& header);
 /// Names in the content description, which are no attributes of their own: "Title", "Author", "Copyright", "Description".
 bool is_description_name(std::string_view name) noexcept;
 
-std::string utf8_of_utf16(std::string_view bytes);
-/// With its terminating zero.
-std::string utf16_of_utf8(std::string_view text);
+/// UTF-8 of a text in the header, which is UTF-16 and may end with zeros; and its bytes there, with one zero.
+std::string asf_text(std::string_view bytes);
+std::string asf_bytes_of(std::string_view text);
 
 }  // namespace ostrevan::tags

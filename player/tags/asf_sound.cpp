@@ -9,14 +9,12 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr auto file_properties = "\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65"sv;
-constexpr auto stream_properties = "\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65"sv;
 constexpr auto audio_stream = "\x40\x9E\x69\xF8\x4D\x5B\xCF\x11\xA8\xFD\x00\x80\x5F\x5C\x44\x2B"sv;
 
-std::string codec_of(std::uint64_t number) {
-    constexpr const char* names[] = {"WMA 1", "WMA 2", "WMA Pro", "WMA Lossless"};
+std::string wma_codec(std::uint64_t number) {
+    constexpr const char* codecs[] = {"WMA 1", "WMA 2", "WMA Pro", "WMA Lossless"};
     constexpr std::uint64_t first = 0x160;
-    return number >= first && number - first < std::size(names) ? names[number - first] : "WMA";
+    return number >= first && number - first < std::size(codecs) ? codecs[number - first] : "WMA";
 }
 
 }  // namespace
@@ -28,13 +26,13 @@ sound sound_of_asf(file_stream& stream) {
         return static_cast<std::uint32_t>(little_endian(body, at, size));
     };
     for_each_asf_object(std::string_view(header).substr(std::min(header.size(), asf_header_size)), [&](auto id, auto body) {
-        if (id == file_properties) {
+        if (id == asf_id::file_properties) {
             // In units of 100 ns; what is buffered before playing begins, in milliseconds, is counted in.
             const auto played = static_cast<double>(little_endian(body, 40, 8)) / 10000;
             const auto buffered = static_cast<double>(little_endian(body, 56, 8));
             result.length = std::max(0.0, std::floor(played - buffered + 0.5) / 1000);
-        } else if (id == stream_properties && body.starts_with(audio_stream) && result.sample_rate == 0) {
-            result.codec = codec_of(number(body, 54, 2));
+        } else if (id == asf_id::stream_properties && body.starts_with(audio_stream) && result.sample_rate == 0) {
+            result.codec = wma_codec(number(body, 54, 2));
             result.channels = number(body, 56, 2);
             result.sample_rate = number(body, 58, 4);
             result.bitrate = static_cast<std::uint32_t>(std::lround(number(body, 62, 4) * 8.0 / 1000));

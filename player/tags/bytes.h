@@ -37,15 +37,16 @@ inline std::string as_little_endian(std::uint64_t number, std::size_t size) {
     return bytes;
 }
 
+inline TagLib::ByteVector to_vector(std::string_view bytes) {
+    return {bytes.data(), static_cast<unsigned int>(bytes.size())};
+}
+
+inline std::string to_text(const TagLib::ByteVector& bytes) { return {bytes.data(), bytes.size()}; }
+
 /// Up to `size` bytes of the stream.
 inline std::string read_bytes(TagLib::IOStream& stream, long at, std::uint64_t size) {
     stream.seek(at, TagLib::IOStream::Beginning);
-    const auto bytes = stream.readBlock(static_cast<unsigned long>(size));
-    return {bytes.data(), bytes.size()};
-}
-
-inline TagLib::ByteVector to_vector(std::string_view bytes) {
-    return {bytes.data(), static_cast<unsigned int>(bytes.size())};
+    return to_text(stream.readBlock(static_cast<unsigned long>(size)));
 }
 
 /// Puts bytes in the place of `old_size` others; what follows moves.

@@ -56,6 +56,10 @@ tag_change change_of(const number_pair& pair, const file_info& after, number_sty
 
 }  // namespace
 
+bool concerns(const tag_change& change, const std::string& key) {
+    return !key.empty() && std::ranges::find(change.keys, key) != change.keys.end();
+}
+
 void add_entry(const std::string& key, std::vector<std::string> values, file_info& info) {
     const std::string field = field_of_key(key);
     if (values.empty() || info.meta_exists(field)) return;
@@ -94,7 +98,7 @@ bool same_fields(const file_info& a, const file_info& b) {
     return true;
 }
 
-std::vector<tag_change> difference(const file_info& before, const file_info& after, number_style style) {
+tag_changes difference(const file_info& before, const file_info& after, number_style style) {
     std::vector<std::string> fields;
     for (const auto* info : {&before, &after})
         for (std::size_t i = 0; i < info->meta_count(); ++i) {
@@ -104,7 +108,7 @@ std::vector<tag_change> difference(const file_info& before, const file_info& aft
             if (const auto* pair = pair_of_field(field)) field = pair->number_field;
             if (std::ranges::find(fields, field) == fields.end()) fields.push_back(field);
         }
-    std::vector<tag_change> changes;
+    tag_changes changes;
     for (const auto& field : fields) {
         const auto* pair = pair_of_field(field);
         changes.push_back(pair != nullptr ? change_of(*pair, after, style) : change_of(field, after));

@@ -19,6 +19,10 @@ struct tag_change {
     /// Upper-case name and values of each entry; none when the field is removed.
     std::vector<std::pair<std::string, std::vector<std::string>>> writes;
 };
+using tag_changes = std::vector<tag_change>;
+
+/// Whether an entry of that upper-case key belongs to the change.
+bool concerns(const tag_change& change, const std::string& key);
 
 /// The fields under the names and in the form that reading gives: other spellings renamed, "3/12" split. Where an edit has
 /// left both an old and a new spelling of a field, the one that reading does not give is the newer.
@@ -28,7 +32,7 @@ file_info canonical(const file_info& info);
 bool same_fields(const file_info& a, const file_info& b);
 
 /// The fields that differ, both given in canonical form; a pair such as track number and total is one change.
-std::vector<tag_change> difference(const file_info& before, const file_info& after, number_style style);
+tag_changes difference(const file_info& before, const file_info& after, number_style style);
 
 /// Adds the values of a tag entry under the player's name and form; a field that is there already stays.
 void add_entry(const std::string& key, std::vector<std::string> values, file_info& info);

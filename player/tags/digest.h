@@ -4,8 +4,6 @@
 #include <cstring>
 #include <string_view>
 
-#include "player/tags/file_stream.h"
-
 namespace ostrevan::tags {
 
 /// A number for a sequence of bytes, however it is cut in pieces. Two sequences that differ in one word never have the same;
@@ -50,8 +48,5 @@ private:
     std::uint64_t word_ = 0;
     std::uint64_t used_ = 0;
 };
-
-/// The bytes of the file between two places, and how many of them there are.
-void add_range(digest& to, file_stream& stream, long begin, long end);
 
 }  // namespace ostrevan::tags

@@ -1,15 +1,19 @@
+// The library's own saving drops texts that are not UTF-8, items without a value and all but one item of a name, and sorts
+// the others.
 #include <apetag.h>
 #include <tpropertymap.h>
 
 #include <algorithm>
 
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/field_names.h"
+#include "player/tags/outer_tags.h"
 
 namespace ostrevan::tags {
 namespace {
 
-constexpr std::size_t footer_size = 32;
+constexpr std::size_t footer_size = ape_footer_size;
 constexpr std::uint64_t has_header_flag = 0x80000000;
 constexpr std::uint64_t is_header_flag = 0x20000000;
 constexpr std::uint64_t written_version = 2000;
@@ -48,7 +52,7 @@ std::string name_of_new_item(const std::string& key) {
     return name;
 }
 
-std::string put_together(const std::vector<ape_item>& items) {
+std::string tag_of(const std::vector<ape_item>& items) {
     std::string body;
     for (const auto& item : items) body += item.bytes;
     const auto block = [&](std::uint64_t flags) {
@@ -79,24 +83,15 @@ std::string edit_ape(const std::string& bytes, const tag_changes& changes, tag_r
             edited = true;
         }
     }
-    return edited ? put_together(items) : bytes;
+    return edited ? tag_of(items) : bytes;
 }
 
 void edit_ape_at_end(file_stream& stream, const tag_changes& changes, tag_role role) {
-    std::string old;
-    long start = 0;
-    if (const long found = find_ape_footer(stream); found >= 0) {
-        const std::string footer = read_bytes(stream, found, footer_size);
-        const bool has_header = (little_endian(footer, 20, 4) & has_header_flag) != 0;
-        const auto size = little_endian(footer, 12, 4) + (has_header ? footer_size : 0);
-        start = found + static_cast<long>(footer_size) - static_cast<long>(size);
-        if (size < footer_size || start < 0) throw edit_error("its APE tag is damaged");
-        old = read_bytes(stream, start, size);
-    } else if (role == tag_role::other) {
-        return;
-    } else {
-        start = end_before_id3v1(stream);
-    }
+    const auto tag = ape_tag_at_end(stream);
+    if (!tag && role == tag_role::other) return;
+    if (tag && (tag->begin < 0 || tag->end - tag->begin < ape_footer_size)) throw edit_error("its APE tag is damaged");
+    const long start = tag ? tag->begin : end_before_id3v1(stream);
+    const std::string old = tag ? read_bytes(stream, start, static_cast<std::uint64_t>(tag->end - start)) : "";
     const std::string edited = edit_ape(old, changes, role);
     if (edited != old) replace_bytes(stream, edited, start, old.size());
 }

@@ -1,7 +1,9 @@
+// The library's own saving changes the order of several values of a name, and moves them between the objects of the header.
 #include <algorithm>
 
 #include "player/tags/asf_fields.h"
 #include "player/tags/asf_header.h"
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/field_names.h"
 
@@ -26,8 +28,7 @@ asf_place place_for(const asf_header& header, const asf_attribute& attribute) {
 }  // namespace
 
 void edit_asf(file_stream& stream, const tag_changes& changes) {
-    const auto size = little_endian(read_bytes(stream, 16, 8), 0, 8);
-    auto header = take_apart_asf(read_bytes(stream, 0, size));
+    auto header = read_asf_header(stream);
     for (const auto& change : changes) {
         std::string old_name;
         std::erase_if(header.attributes, [&](const asf_attribute& each) {
@@ -42,8 +43,8 @@ void edit_asf(file_stream& stream, const tag_changes& changes) {
             for (const auto& value : values) {
                 asf_attribute attribute;
                 attribute.name = keeps_name ? old_name : customary;
-                attribute.value = utf16_of_utf8(value);
-                attribute.name_bytes = utf16_of_utf8(attribute.name);
+                attribute.value = asf_bytes_of(value);
+                attribute.name_bytes = asf_bytes_of(attribute.name);
                 if (attribute.name_bytes.size() > largest_short_value)
                     cannot_hold("Windows Media", change.field.substr(0, 20) + "...", "the name is too long");
                 attribute.place = place_for(header, attribute);

@@ -1,3 +1,5 @@
+// The library's own saving drops the frames that version 2.4 has no more (RVAD, TSIZ), drops or empties those with flags,
+// writes every text anew, and makes version 2.4 of 2.2.
 #include <id3v2header.h>
 #include <id3v2tag.h>
 #include <tpropertymap.h>
@@ -5,6 +7,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/id3_frames.h"
 #include "player/tags/limited_frames.h"
@@ -15,7 +18,7 @@ namespace {
 namespace ID3v2 = TagLib::ID3v2;
 
 constexpr unsigned version_of_new_tags = 4;
-constexpr std::size_t header_size = 10;
+constexpr std::size_t tag_header_size = 10;
 
 /// Parts of the date before version 2.4, which reading brings together into one field.
 constexpr std::string_view date_frames[] = {"TYER", "TDAT", "TIME", "TRDA", "TYE", "TDA", "TIM", "TRD"};
@@ -121,9 +124,9 @@ std::string edit_id3v2(const std::string& bytes, const tag_changes& changes, tag
 }
 
 void edit_id3v2_in_front(file_stream& stream, const tag_changes& changes, tag_role role) {
-    const std::string head = read_bytes(stream, 0, header_size);
+    const std::string head = read_bytes(stream, 0, tag_header_size);
     std::string old;
-    if (head.starts_with("ID3") && head.size() == header_size)
+    if (head.starts_with("ID3") && head.size() == tag_header_size)
         old = read_bytes(stream, 0, ID3v2::Header(to_vector(head)).completeTagSize());
     else if (role == tag_role::other) return;
     const std::string edited = edit_id3v2(old, changes, role);

@@ -1,8 +1,11 @@
+// The library's own saving drops atoms with bytes that it does not know and genres by number, forgets the languages of texts
+// and cuts "disk" short; in files of fragments it moves the offsets wrongly.
 #include <mp4tag.h>
 #include <tpropertymap.h>
 
 #include <algorithm>
 
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/field_names.h"
 #include "player/tags/freeform.h"
@@ -15,7 +18,7 @@ namespace MP4 = TagLib::MP4;
 
 constexpr std::string_view freeform_prefix = "----:com.apple.iTunes:";
 constexpr std::string_view freeform_start = "----:";
-constexpr long room_to_grow = 1024;
+constexpr long atom_room_to_grow = 1024;
 constexpr unsigned text_type = 1;
 constexpr unsigned number_type = 21;
 
@@ -168,7 +171,8 @@ void edit_mp4(file_stream& stream, const tag_changes& changes) {
     if (has_list) {
         const long left = available - static_cast<long>(edited.size());
         if (left != 0)
-            edited += atom_bytes("free", std::string(static_cast<std::size_t>(left >= 8 ? left - 8 : room_to_grow), '\0'));
+            edited +=
+                atom_bytes("free", std::string(static_cast<std::size_t>(left >= 8 ? left - 8 : atom_room_to_grow), '\0'));
     }
     replace_inside(stream, parents, edited, at, available);
 }

@@ -8,8 +8,11 @@
 #include <algorithm>
 
 #include "player/tags/field_names.h"
+#include "player/tags/flac_blocks.h"
+#include "player/tags/ogg_comment.h"
+#include "player/tags/open_file.h"
 #include "player/tags/tag_fields.h"
-#include "player/tags/xiph_reader.h"
+#include "player/tags/xiph_comment.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -55,10 +58,6 @@ void require_values(const file_info& before, const file_info& after) {
 
 }  // namespace
 
-bool concerns(const tag_change& change, const std::string& key) {
-    return !key.empty() && std::ranges::find(change.keys, key) != change.keys.end();
-}
-
 void cannot_hold(const std::string& format, const std::string& field, const std::string& why) {
     throw edit_error(format + " cannot hold the field \"" + ascii_lower(field) + "\": " + why);
 }
@@ -94,10 +93,8 @@ void edit_tags(opened_file& opened, const file_info& before, const file_info& af
             edit_ogg_comment(stream, opened.kind, changes);
             break;
         case container::wav:
-            edit_id3v2_chunk(stream, changes, false);
-            break;
         case container::aiff:
-            edit_id3v2_chunk(stream, changes, true);
+            edit_id3v2_chunk(stream, changes, opened.kind);
             break;
         case container::mp4:
             edit_mp4(stream, changes);

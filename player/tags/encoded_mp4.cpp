@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <map>
 
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/encoded_sound.h"
 #include "player/tags/mp4_atoms.h"

@@ -1,10 +1,11 @@
 #include <map>
 
 #include "player/tags/bytes.h"
-#include "player/tags/edit_bytes.h"
 #include "player/tags/encoded_sound.h"
+#include "player/tags/errors.h"
+#include "player/tags/flac_blocks.h"
 #include "player/tags/ogg_pages.h"
-#include "player/tags/xiph_reader.h"
+#include "player/tags/outer_tags.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -58,7 +59,7 @@ private:
 
 void add_ogg_sound(digest& to, container kind, file_stream& stream) {
     std::map<std::uint32_t, packets> streams;
-    for (auto page = page_from(stream, start_behind_id3v2(stream)); page; page = page_from(stream, page->end())) {
+    for (auto page = page_from(stream, start_after_id3v2(stream)); page; page = page_from(stream, page->end())) {
         const std::string body = read_bytes(stream, page->body(), static_cast<std::uint64_t>(page->body_size));
         if (!is_intact(*page, body)) continue;
         // The stream that comes first is the one with the comment.

@@ -4,27 +4,17 @@
 #include <vector>
 
 #include "player/tags/asf_header.h"
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/field_names.h"
-#include "player/tags/xiph_reader.h"
+#include "player/tags/flac_blocks.h"
+#include "player/tags/outer_tags.h"
 
 namespace ostrevan::tags {
 namespace {
 
 constexpr long block_size = 1 << 18;
 constexpr long chunk_header_size = 8;
-constexpr std::size_t ape_footer_size = 32;
-
-/// Of formats that begin with their sound: everything between the tags.
-void add_between_tags(digest& to, file_stream& stream) {
-    long end = end_before_id3v1(stream);
-    if (const long footer = find_ape_footer(stream); footer >= 0) {
-        const std::string bytes = read_bytes(stream, footer, ape_footer_size);
-        const bool has_header = (little_endian(bytes, 20, 4) & 0x80000000) != 0;
-        end -= static_cast<long>(little_endian(bytes, 12, 4) + (has_header ? ape_footer_size : 0));
-    }
-    add_range(to, stream, start_behind_id3v2(stream), end);
-}
 
 /// The blocks that are neither tags nor padding, and what comes after the last block.
 void add_flac_sound(digest& to, file_stream& stream) {
@@ -59,8 +49,7 @@ void add_chunks(digest& to, file_stream& stream, std::uint64_t (*number)(std::st
 }
 
 void add_asf_sound(digest& to, file_stream& stream) {
-    const auto size = little_endian(read_bytes(stream, 16, 8), 0, 8);
-    const auto header = take_apart_asf(read_bytes(stream, 0, size));
+    const auto header = read_asf_header(stream);
     to.add(bytes_without_tags(header));
     add_range(to, stream, static_cast<long>(header.size), stream.length());
 }
@@ -85,9 +74,11 @@ std::uint64_t digest_of_sound(container kind, file_stream& stream) {
         case container::mpeg:
         case container::true_audio:
         case container::wavpack:
-        case container::monkeys_audio:
-            add_between_tags(result, stream);
+        case container::monkeys_audio: {
+            const auto [begin, end] = sound_between_tags(stream);
+            add_range(result, stream, begin, end);
             break;
+        }
         case container::flac:
             add_flac_sound(result, stream);
             break;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "player/tags/digest.h"
+#include "player/tags/file_stream.h"
 #include "player/tags/formats.h"
 
 namespace ostrevan::tags {
@@ -11,7 +12,10 @@ namespace ostrevan::tags {
 /// damaged
 std::uint64_t digest_of_sound(container kind, file_stream& stream);
 
-/// The parts of it that have a file of their own.
+/// The bytes of the file between two places, and how many of them there are.
+void add_range(digest& to, file_stream& stream, long begin, long end);
+
+/// The formats that have a file of their own.
 void add_ogg_sound(digest& to, container kind, file_stream& stream);
 void add_mp4_sound(digest& to, file_stream& stream);
 

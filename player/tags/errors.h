@@ -19,6 +19,13 @@ private:
     std::string reason_;
 };
 
+/// The tag's format cannot hold what is asked, or the tag is damaged or cannot be edited without loss. The text says which
+/// field or what about the tag; the caller names the file.
+class edit_error : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// The reason for a number of `errno`, in words that say what to do about it.
 std::string reason_of_errno(int error);
 

@@ -1,19 +1,19 @@
 #include "player/tags/formats.h"
 
-#include <id3v2header.h>
-#include <tiostream.h>
-
 #include <algorithm>
 
 #include "nuv/text.h"
+#include "player/tags/bytes.h"
+#include "player/tags/outer_tags.h"
 
 namespace ostrevan::tags {
 namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view names[] = {"MP3",     "FLAC",           "Ogg Vorbis", "Opus", "Speex",         "Ogg FLAC",  "MP4",
-                                      "WavPack", "Monkey's Audio", "WAV",        "AIFF", "Windows Media", "True Audio"};
+constexpr std::string_view format_names[] = {"MP3",      "FLAC",          "Ogg Vorbis", "Opus",           "Speex",
+                                             "Ogg FLAC", "MP4",           "WavPack",    "Monkey's Audio", "WAV",
+                                             "AIFF",     "Windows Media", "True Audio"};
 
 constexpr std::string_view extensions[] = {"mp3", "mp2", "flac", "ogg", "oga",  "opus", "spx", "m4a", "m4b", "mp4",
                                            "wv",  "ape", "wav",  "aif", "aiff", "aifc", "wma", "asf", "tta"};
@@ -44,12 +44,6 @@ constexpr signature ogg_signatures[] = {
      "FLAC"},
 };
 
-std::string read(TagLib::IOStream& stream, long at, unsigned long size) {
-    stream.seek(at, TagLib::IOStream::Beginning);
-    const auto bytes = stream.readBlock(size);
-    return {bytes.data(), bytes.size()};
-}
-
 template <std::size_t N>
 std::optional<container> match(const signature (&table)[N], std::string_view head) {
     for (const auto& each : table)
@@ -74,25 +68,19 @@ bool is_mpeg_frame(std::string_view head) noexcept {
 
 }  // namespace
 
-std::string_view name_of(container kind) noexcept { return names[static_cast<std::size_t>(kind)]; }
+std::string_view name_of(container kind) noexcept { return format_names[static_cast<std::size_t>(kind)]; }
 
 std::vector<std::string> supported_extensions() { return {std::begin(extensions), std::end(extensions)}; }
 
 bool has_supported_extension(std::string_view path) noexcept { return contains_nocase(extensions, extension_of(path)); }
 
-long start_behind_id3v2(TagLib::IOStream& stream) {
-    long start = 0;
-    for (std::string head = read(stream, 0, 10); head.starts_with("ID3") && head.size() == 10;
-         head = read(stream, start, 10)) {
-        const TagLib::ID3v2::Header header(TagLib::ByteVector(head.data(), 10));
-        start += static_cast<long>(header.completeTagSize());
-    }
-    return start;
+bool is_ogg(container kind) noexcept {
+    return kind == container::vorbis || kind == container::opus || kind == container::speex || kind == container::ogg_flac;
 }
 
 std::optional<container> detect(TagLib::IOStream& stream, std::string_view path) {
-    const long start = start_behind_id3v2(stream);
-    const std::string head = read(stream, start, 64);
+    const long start = start_after_id3v2(stream);
+    const std::string head = read_bytes(stream, start, 64);
     if (head.starts_with("OggS") && head.size() >= 28) {
         const auto segments = static_cast<unsigned char>(head[26]);
         return match(ogg_signatures, std::string_view(head).substr(std::min<std::size_t>(27u + segments, head.size())));

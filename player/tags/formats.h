@@ -17,6 +17,8 @@ enum class container { mpeg, flac, vorbis, opus, speex, ogg_flac, mp4, wavpack, 
 /// Name for messages, such as "MP4".
 std::string_view name_of(container kind) noexcept;
 
+bool is_ogg(container kind) noexcept;
+
 /// Lower-case extensions without the dot, of all formats.
 std::vector<std::string> supported_extensions();
 
@@ -25,8 +27,5 @@ bool has_supported_extension(std::string_view path) noexcept;
 
 /// What the bytes say; the extension decides only for MPEG audio, whose frames have no distinctive beginning.
 std::optional<container> detect(TagLib::IOStream& stream, std::string_view path);
-
-/// Where the sound's container begins: 0, or behind ID3v2 tags that stand in front of it.
-long start_behind_id3v2(TagLib::IOStream& stream);
 
 }  // namespace ostrevan::tags

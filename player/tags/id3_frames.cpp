@@ -1,14 +1,19 @@
 #include "player/tags/id3_frames.h"
 
+#include <id3v2synchdata.h>
+
 #include <algorithm>
 
-#include "player/tags/edit_tags.h"
+#include "player/tags/bytes.h"
+#include "player/tags/errors.h"
 
 namespace ostrevan::tags {
 namespace {
 
-constexpr std::size_t header_size = 10;
-constexpr std::size_t room_to_grow = 1024;
+namespace ID3v2 = TagLib::ID3v2;
+
+constexpr std::size_t id3_header_size = 10;
+constexpr std::size_t id3_room_to_grow = 1024;
 constexpr std::size_t largest_tag = (1u << 28) - 1;
 
 constexpr unsigned char unsynchronised_flag = 0x80;
@@ -16,27 +21,10 @@ constexpr unsigned char extended_flag = 0x40;
 
 /// Four bytes of seven bits, which can never look like the start of an MPEG frame.
 std::size_t synchsafe(std::string_view bytes, std::size_t at) {
-    std::size_t number = 0;
-    for (std::size_t i = at; i < at + 4; ++i) number = number << 7 | (i < bytes.size() ? bytes[i] & 0x7F : 0);
-    return number;
+    return ID3v2::SynchData::toUInt(to_vector(bytes.substr(std::min(at, bytes.size()), 4)));
 }
 
-std::string as_synchsafe(std::size_t number) {
-    std::string bytes(4, '\0');
-    for (std::size_t i = 4; i-- > 0; number >>= 7) bytes[i] = static_cast<char>(number & 0x7F);
-    return bytes;
-}
-
-/// Takes out the zero that follows each 0xFF of an unsynchronised tag.
-std::string resynchronised(const std::string& bytes) {
-    std::string result;
-    result.reserve(bytes.size());
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        result += bytes[i];
-        if (bytes[i] == '\xFF' && i + 1 < bytes.size() && bytes[i + 1] == '\0') ++i;
-    }
-    return result;
-}
+std::string as_synchsafe(std::size_t number) { return to_text(ID3v2::SynchData::fromUInt(static_cast<unsigned>(number))); }
 
 std::size_t id_size(unsigned version) { return version == 2 ? 3 : 4; }
 std::size_t frame_header_size(unsigned version) { return version == 2 ? 6 : 10; }
@@ -58,7 +46,7 @@ std::size_t frame_size(const std::string& body, std::size_t at, unsigned version
     const std::size_t plain = big_endian(body, at + 4, 4);
     if (version == 3) return plain;
     const std::size_t safe = synchsafe(body, at + 4);
-    const std::size_t next = at + header_size;
+    const std::size_t next = at + id3_header_size;
     return !ends_or_continues(body, next + safe, version) && ends_or_continues(body, next + plain, version) ? plain : safe;
 }
 
@@ -74,11 +62,11 @@ id3_frames take_apart_id3(const std::string& tag) {
     const auto flags = static_cast<unsigned char>(tag[5]);
     if (result.version < 2 || result.version > 4) throw edit_error("its ID3v2 tag is of an unknown version");
     if (result.version == 2 && (flags & extended_flag) != 0) throw edit_error("its ID3v2.2 tag is compressed");
-    std::string body = tag.substr(header_size, synchsafe(tag, 6));
+    std::string body = tag.substr(id3_header_size, synchsafe(tag, 6));
     if (body.size() < synchsafe(tag, 6)) throw edit_error("its ID3v2 tag is cut off");
     if ((flags & unsynchronised_flag) != 0) {
         if (result.version == 4) result.unsynchronised = true;
-        else body = resynchronised(body);
+        else body = to_text(ID3v2::SynchData::decode(to_vector(body)));
     }
     // The extended header describes the tag as it was (checksum, padding) and is left out of what is written.
     std::size_t at = 0;
@@ -113,7 +101,7 @@ std::string put_together_id3(const id3_frames& tag, std::size_t size) {
     std::string body;
     for (const auto& frame : tag.frames) body += frame_bytes(frame, tag.version);
     body += tag.rest;
-    body.resize(header_size + body.size() <= size ? size - header_size : body.size() + room_to_grow, '\0');
+    body.resize(id3_header_size + body.size() <= size ? size - id3_header_size : body.size() + id3_room_to_grow, '\0');
     if (body.size() > largest_tag) throw edit_error("its ID3v2 tag would grow beyond 256 MB");
     const char flags = tag.unsynchronised ? static_cast<char>(unsynchronised_flag) : '\0';
     return std::string("ID3") + static_cast<char>(tag.version) + '\0' + flags + as_synchsafe(body.size()) + body;

@@ -4,7 +4,7 @@
 #include <tfile.h>
 #include <unknownframe.h>
 
-#include "player/tags/edit_bytes.h"
+#include "player/tags/errors.h"
 #include "player/tags/limits.h"
 
 namespace ostrevan::tags {

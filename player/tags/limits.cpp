@@ -4,19 +4,17 @@
 #include <vector>
 
 #include "player/tags/asf_objects.h"
-#include "player/tags/edit_bytes.h"
+#include "player/tags/errors.h"
 #include "player/tags/limited_frames.h"
-#include "player/tags/open_file.h"
+#include "player/tags/outer_tags.h"
 
 namespace ostrevan::tags {
 namespace {
 
-using namespace std::string_view_literals;
-
 void require_limits_of_ape(file_stream& stream) {
-    constexpr std::size_t count_offset = 16;
-    if (const long footer = find_ape_footer(stream); footer >= 0)
-        require_entries(little_endian(read_bytes(stream, footer, count_offset + 4), count_offset, 4));
+    constexpr long count_offset = 16;
+    if (const auto tag = ape_tag_at_end(stream))
+        require_entries(little_endian(read_bytes(stream, tag->end - ape_footer_size + count_offset, 4), 0, 4));
 }
 
 /// Atoms that the library looks into, and how many bytes of their bodies it passes over first.
@@ -69,11 +67,7 @@ void require_limits_of_mp4(file_stream& stream) {
 }
 
 void require_limits_of_asf(file_stream& stream) {
-    constexpr auto extension = "\xB5\x03\xBF\x5F\x2E\xA9\xCF\x11\x8E\xE3\x00\xC0\x0C\x20\x53\x65"sv;
-    constexpr std::string_view lists[] = {"\x40\xA4\xD0\xD2\x07\xE3\xD2\x11\x97\xF0\x00\xA0\xC9\x5E\xA8\x50"sv,
-                                          "\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA"sv,
-                                          "\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54"sv};
-    constexpr std::size_t extension_prefix = 22;
+    constexpr std::string_view lists[] = {asf_id::extended, asf_id::metadata, asf_id::library};
     const std::string header = asf_header_bytes(stream);
     std::size_t objects = 0;
     std::size_t entries = 0;
@@ -83,23 +77,23 @@ void require_limits_of_asf(file_stream& stream) {
     };
     for_each_asf_object(std::string_view(header).substr(std::min(header.size(), asf_header_size)), [&](auto id, auto body) {
         count(id, body);
-        if (id != extension || body.size() < extension_prefix) return;
-        for_each_asf_object(body.substr(extension_prefix), [&](auto inner, auto inner_body) {
-            if (inner == extension) throw edit_error("its header is damaged: an extension inside an extension");
+        if (id != asf_id::extension || body.size() < asf_extension_prefix_size) return;
+        for_each_asf_object(body.substr(asf_extension_prefix_size), [&](auto inner, auto inner_body) {
+            if (inner == asf_id::extension) throw edit_error("its header is damaged: an extension inside an extension");
             count(inner, inner_body);
         });
     });
 }
 
 void require_limits_of_riff(file_stream& stream, bool big_endian_sizes) {
-    constexpr std::uint64_t header_size = 8;
+    constexpr std::uint64_t chunk_header = 8;
     constexpr std::size_t most_chunks = 10000;
     std::size_t chunks = 0;
-    for (std::uint64_t at = 12; at + header_size <= static_cast<std::uint64_t>(stream.length());) {
-        const std::string head = read_bytes(stream, static_cast<long>(at), header_size);
+    for (std::uint64_t at = 12; at + chunk_header <= static_cast<std::uint64_t>(stream.length());) {
+        const std::string head = read_bytes(stream, static_cast<long>(at), chunk_header);
         const auto size = big_endian_sizes ? big_endian(head, 4, 4) : little_endian(head, 4, 4);
         if (++chunks > most_chunks) throw edit_error("it has more than 10,000 chunks; let an audio editor save it anew");
-        at += header_size;
+        at += chunk_header;
         if (head.starts_with("ID3 ") || head.starts_with("id3 ")) require_limited_frames(stream, static_cast<long>(at));
         at += size + size % 2;
     }

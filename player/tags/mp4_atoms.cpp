@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 
 namespace ostrevan::tags {

@@ -3,12 +3,13 @@
 #include <cstring>
 
 #include "player/tags/bytes.h"
+#include "player/tags/outer_tags.h"
 #include "player/tags/sound.h"
 
 namespace ostrevan::tags {
 namespace {
 
-constexpr std::size_t page_header_size = 27;
+constexpr std::size_t smallest_page = 27;
 constexpr long largest_page = 27 + 255 + 255 * 255;
 constexpr long window = 8192;
 
@@ -22,7 +23,7 @@ std::int64_t last_position(file_stream& stream, std::string_view serial) {
         for (const void* found = begin + tail.size();
              (found = memrchr(begin, 'O', static_cast<std::size_t>(static_cast<const char*>(found) - begin)));) {
             const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
-            if (at + page_header_size > tail.size() || tail.compare(at, 4, "OggS") != 0 ||
+            if (at + smallest_page > tail.size() || tail.compare(at, 4, "OggS") != 0 ||
                 tail.compare(at + 14, 4, serial) != 0)
                 continue;
             // A page on which no packet ends has no position.
@@ -39,15 +40,11 @@ std::uint32_t number(std::string_view bytes, std::size_t at, std::size_t size) {
 
 }  // namespace
 
-bool is_ogg(container kind) noexcept {
-    return kind == container::vorbis || kind == container::opus || kind == container::speex || kind == container::ogg_flac;
-}
-
 sound sound_of_ogg(container kind, file_stream& stream) {
-    const long start = start_behind_id3v2(stream);
-    const std::string page = read_bytes(stream, start, page_header_size + 255 + 255);
+    const long start = start_after_id3v2(stream);
+    const std::string page = read_bytes(stream, start, smallest_page + 255 + 255);
     const std::size_t segments = static_cast<unsigned char>(page[26]);
-    const auto packet = std::string_view(page).substr(std::min(page.size(), page_header_size + segments));
+    const auto packet = std::string_view(page).substr(std::min(page.size(), smallest_page + segments));
     sound result;
     std::int64_t skipped = 0;
     std::uint64_t nominal = 0;
@@ -73,7 +70,7 @@ sound sound_of_ogg(container kind, file_stream& stream) {
                       .codec = "Speex"};
             break;
         default: {
-            // Behind "\x7F" "FLAC", version, count, "fLaC" and a block header comes the block that FLAC files begin with.
+            // After "\x7F" "FLAC", version, count, "fLaC" and a block header comes the block that FLAC files begin with.
             const auto rate_and_more = big_endian(packet, 27, 8);
             result = {.length = 0,
                       .sample_rate = static_cast<std::uint32_t>(rate_and_more >> 44),

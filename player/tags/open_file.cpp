@@ -15,10 +15,12 @@
 #include <cerrno>
 
 #include "player/tags/bytes.h"
-#include "player/tags/edit_bytes.h"
 #include "player/tags/errors.h"
+#include "player/tags/flac_blocks.h"
 #include "player/tags/limits.h"
-#include "player/tags/xiph_reader.h"
+#include "player/tags/ogg_comment.h"
+#include "player/tags/outer_tags.h"
+#include "player/tags/xiph_comment.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -58,28 +60,6 @@ void require_regular(const std::string& path, const struct stat& about) {
     if (about.st_size == 0) throw tag_error(path, "is empty; replace it by a copy with its audio");
 }
 
-constexpr long id3v1_size = 128;
-constexpr long ape_footer_size = 32;
-constexpr std::string_view ape_preamble = "APETAGEX";
-
-}  // namespace
-
-long end_before_id3v1(TagLib::IOStream& stream) {
-    const long end = stream.length();
-    if (end < id3v1_size || read_bytes(stream, end - id3v1_size, 3) != "TAG") return end;
-    // An APE tag of 131 bytes has the "TAG" of its first word there.
-    const long ape = end - id3v1_size - 3;
-    return ape >= 0 && read_bytes(stream, ape, ape_preamble.size()) == ape_preamble ? end : end - id3v1_size;
-}
-
-long find_ape_footer(TagLib::IOStream& stream) {
-    const long end = end_before_id3v1(stream);
-    if (end < ape_footer_size || read_bytes(stream, end - ape_footer_size, ape_preamble.size()) != ape_preamble) return -1;
-    return end - ape_footer_size;
-}
-
-namespace {
-
 void require_no_error(const file_stream& stream) {
     if (stream.error() != 0) throw tag_error(stream.path(), "cannot be read: " + reason_of_errno(stream.error()));
 }
@@ -92,15 +72,16 @@ void read_here(opened_file& opened) {
         opened.sound = sound_of_asf(*opened.stream);
         return;
     }
-    opened.xiph_comment = read_xiph_comment(opened.kind, *opened.stream);
+    const bool is_flac = opened.kind == container::flac;
+    opened.xiph_comment =
+        is_flac ? read_flac_comment(*opened.stream) : std::optional(read_ogg_comment(opened.kind, *opened.stream));
     if (opened.xiph_comment) require_entries(entries_stated_by(*opened.xiph_comment));
-    if (opened.kind == container::flac) opened.sound = sound_of_flac(*opened.stream);
-    else if (opened.xiph_comment) opened.sound = sound_of_ogg(opened.kind, *opened.stream);
+    opened.sound = is_flac ? sound_of_flac(*opened.stream) : sound_of_ogg(opened.kind, *opened.stream);
 }
 
 /// FLAC may have tags beside its comment, which count where that holds nothing, or for the statistics in them.
 bool has_other_tags(const opened_file& opened, file_stream::access mode) {
-    return opened.kind == container::flac && (mode == file_stream::access::write || start_behind_id3v2(*opened.stream) > 0 ||
+    return opened.kind == container::flac && (mode == file_stream::access::write || start_after_id3v2(*opened.stream) > 0 ||
                                               !holds_fields(opened.xiph_comment));
 }
 
@@ -113,8 +94,8 @@ void open_with_library(opened_file& opened) {
     const auto* properties = opened.file->isValid() ? opened.file->audioProperties() : nullptr;
     if (!is_read_here(opened.kind) && properties != nullptr) opened.sound = sound_of(opened.kind, *properties);
     if (opened.kind != container::true_audio) return;
-    if (const long footer = find_ape_footer(*opened.stream); footer >= 0)
-        opened.ape_tag = std::make_unique<TagLib::APE::Tag>(opened.file.get(), footer);
+    if (const auto ape = ape_tag_at_end(*opened.stream))
+        opened.ape_tag = std::make_unique<TagLib::APE::Tag>(opened.file.get(), ape->end - ape_footer_size);
 }
 
 }  // namespace

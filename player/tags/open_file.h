@@ -28,12 +28,6 @@ struct opened_file {
     std::unique_ptr<TagLib::Tag> ape_tag;
 };
 
-/// The file's length without an ID3v1 tag at its end.
-long end_before_id3v1(TagLib::IOStream& stream);
-
-/// Where an APE tag at the end of the file, or in front of an ID3v1 tag there, has its last 32 bytes; -1 when there is none.
-long find_ape_footer(TagLib::IOStream& stream);
-
 /// Opens a regular file without ever waiting for it: what is a pipe, a device or a folder is refused, not opened.
 /// @throws tag_error
 descriptor open_regular(const std::string& path, file_stream::access mode);

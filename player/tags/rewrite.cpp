@@ -15,6 +15,7 @@
 #include "player/tags/encoded_sound.h"
 #include "player/tags/errors.h"
 #include "player/tags/open_file.h"
+#include "player/tags/stale_copies.h"
 #include "player/tags/tag_fields.h"
 #include "player/tags/working_copy.h"
 

@@ -23,8 +23,6 @@ struct sound {
     std::string codec;
 };
 
-bool is_ogg(container kind) noexcept;
-
 sound sound_of(container kind, const TagLib::AudioProperties& properties);
 
 /// Of a Windows Media file, from its header: the library goes astray in a damaged one, at any cost.

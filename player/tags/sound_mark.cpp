@@ -7,16 +7,11 @@
 
 #include "player/tags/bytes.h"
 #include "player/tags/digest.h"
-#include "player/tags/xiph_reader.h"
+#include "player/tags/flac_blocks.h"
+#include "player/tags/outer_tags.h"
 
 namespace ostrevan::tags {
 namespace {
-
-/// Where the encoded audio is, as far as tags never reach into it.
-struct region {
-    long begin = 0;
-    long end = 0;
-};
 
 constexpr long sample_size = 1024;
 /// More pieces in front of the audio are no music.
@@ -32,21 +27,9 @@ std::uint64_t mark_of(std::string_view bytes, std::uint64_t number) noexcept {
 
 long to_long(std::uint64_t number) noexcept { return number > 0x7FFFFFFFFFFF ? 0x7FFFFFFFFFFF : static_cast<long>(number); }
 
-/// ID3v2 in front; APE and ID3v1 at the end.
-region between_tags(file_stream& stream) {
-    const long begin = start_behind_id3v2(stream);
-    long end = end_before_id3v1(stream);
-    if (const long footer = find_ape_footer(stream); footer >= 0) {
-        const auto bytes = read_bytes(stream, footer, 32);
-        const long header = (little_endian(bytes, 20, 4) & 0x80000000) != 0 ? 32 : 0;
-        end = footer + 32 - to_long(little_endian(bytes, 12, 4)) - header;
-    }
-    return {begin, end};
-}
-
 /// The body of the first chunk of that name: four bytes of name and four of size, each body of an even size.
-region chunk_in(file_stream& stream, std::string_view name, bool is_big_endian) {
-    long at = start_behind_id3v2(stream) + 12;
+byte_range chunk_in(file_stream& stream, std::string_view name, bool is_big_endian) {
+    long at = start_after_id3v2(stream) + 12;
     for (int i = 0; i < most_chunks; ++i) {
         const auto head = read_bytes(stream, at, 8);
         if (head.size() < 8) return {};
@@ -57,7 +40,7 @@ region chunk_in(file_stream& stream, std::string_view name, bool is_big_endian) 
     return {};
 }
 
-region media_atom(file_stream& stream) {
+byte_range media_atom(file_stream& stream) {
     long at = 0;
     for (int i = 0; i < most_chunks; ++i) {
         const auto head = read_bytes(stream, at, 16);
@@ -74,14 +57,14 @@ region media_atom(file_stream& stream) {
 }
 
 /// The data object, after the header object.
-region asf_data(file_stream& stream) {
+byte_range asf_data(file_stream& stream) {
     constexpr std::uint64_t size_at = 16;
     const long begin = to_long(little_endian(read_bytes(stream, 0, 24), size_at, 8));
     const long size = to_long(little_endian(read_bytes(stream, begin, 24), size_at, 8));
     return {begin + 24, begin + size};
 }
 
-region region_of(const opened_file& opened) {
+byte_range audio_of(const opened_file& opened) {
     auto& stream = *opened.stream;
     switch (opened.kind) {
         case container::wav:
@@ -98,7 +81,7 @@ region region_of(const opened_file& opened) {
             return {blocks.back().at + flac_block_header_size + blocks.back().size, stream.length()};
         }
         default:
-            return between_tags(stream);
+            return sound_between_tags(stream);
     }
 }
 
@@ -106,7 +89,7 @@ region region_of(const opened_file& opened) {
 std::optional<std::uint64_t> mark_of_flac(file_stream& stream) {
     constexpr std::uint64_t size = 34;
     constexpr std::size_t digest_at = 18;
-    const auto block = read_bytes(stream, start_behind_id3v2(stream) + 4 + flac_block_header_size, size);
+    const auto block = read_bytes(stream, start_after_id3v2(stream) + 4 + flac_block_header_size, size);
     if (block.size() < size || block.find_first_not_of('\0', digest_at) == block.npos) return std::nullopt;
     return mark_of(block, 0);
 }
@@ -136,7 +119,7 @@ std::uint64_t sound_mark(const opened_file& opened) {
     if (is_ogg(opened.kind)) return mark_of_ogg(stream);
     if (opened.kind == container::flac)
         if (const auto mark = mark_of_flac(stream)) return *mark;
-    auto [begin, end] = region_of(opened);
+    auto [begin, end] = audio_of(opened);
     end = std::min(end, stream.length());
     if (begin < 0 || end <= begin) return 0;
     std::array<char, sample_size> sample;

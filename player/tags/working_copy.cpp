@@ -13,13 +13,13 @@
 #include <vector>
 
 #include "nuv/text.h"
-#include "player/tags/copy_name.h"
 #include "player/tags/errors.h"
+#include "player/tags/stale_copies.h"
 
 namespace ostrevan::tags {
 namespace {
 
-constexpr std::size_t block_size = 1 << 20;
+constexpr std::size_t copy_block_size = 1 << 20;
 
 /// Answers 0 or an error. Goes on where the calls before have left off, so that a faster way may give up half way.
 int copy_by_kernel(int from, int to, off_t size) {
@@ -35,7 +35,7 @@ int copy_by_kernel(int from, int to, off_t size) {
 }
 
 int copy_by_hand(int from, int to, off_t size) {
-    std::vector<char> buffer(block_size);
+    std::vector<char> buffer(copy_block_size);
     for (off_t at = lseek(to, 0, SEEK_CUR); at < size;) {
         const auto got =
             pread(from, buffer.data(), std::min<std::size_t>(buffer.size(), static_cast<std::size_t>(size - at)), at);

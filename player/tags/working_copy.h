@@ -41,10 +41,6 @@ private:
     descriptor file_;
 };
 
-/// Removes the copies in a folder whose makers died before they were done; answers how many. Leaves alone what is locked,
-/// what a living process made and what is not named as these copies are. Errors count as nothing to remove.
-std::size_t remove_stale_copies(const std::string& folder) noexcept;
-
 /// The folder part of a path; "." when there is none.
 std::string folder_of(const std::string& path);
 

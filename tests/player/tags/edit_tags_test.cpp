@@ -1,4 +1,4 @@
-#include "player/tags/edit_bytes.h"
+#include "player/tags/edit_tags.h"
 
 #include <map>
 #include <nlohmann/json.hpp>
@@ -8,6 +8,7 @@
 #include "player/tags/field_names.h"
 #include "player/tags/id3_frames.h"
 #include "player/tags/reader.h"
+#include "player/tags/xiph_comment.h"
 #include "tests/player/tags/audio_files.h"
 
 namespace ostrevan::tags {

@@ -11,9 +11,9 @@
 #include <functional>
 #include <thread>
 
-#include "player/tags/copy_name.h"
 #include "player/tags/ogg_pages.h"
 #include "player/tags/reader.h"
+#include "player/tags/stale_copies.h"
 #include "player/tags/working_copy.h"
 #include "tests/player/synced_files.h"
 #include "tests/player/tags/audio_files.h"

@@ -1,16 +1,19 @@
-#include <algorithm>
-#include <optional>
+// The library drops the pages of other streams that lie among those of the comment, and numbers the pages of other streams
+// after it anew; a decoder then misses sound.
+#include "player/tags/ogg_comment.h"
 
-#include "player/tags/edit_tags.h"
+#include "player/tags/bytes.h"
+#include "player/tags/errors.h"
+#include "player/tags/flac_blocks.h"
 #include "player/tags/ogg_pages.h"
-#include "player/tags/xiph_reader.h"
+#include "player/tags/outer_tags.h"
+#include "player/tags/xiph_comment.h"
 
 namespace ostrevan::tags {
 namespace {
 
 constexpr std::size_t segment_size = 255;
 constexpr std::size_t segments_a_page = 255;
-constexpr std::size_t largest_flac_block = (1u << 24) - 1;
 
 /// Segments that follow one another, and their bytes.
 struct segment_run {
@@ -48,7 +51,7 @@ comment_place find_comment(file_stream& stream, container kind) {
     std::optional<std::uint32_t> serial;
     bool open = false;
     std::size_t index = 0;
-    for (auto page = page_from(stream, start_behind_id3v2(stream)); page; page = page_from(stream, page->end())) {
+    for (auto page = page_from(stream, start_after_id3v2(stream)); page; page = page_from(stream, page->end())) {
         if (!serial) serial = page->serial();
         if (page->serial() != *serial) continue;
         const std::string body = read_bytes(stream, page->body(), static_cast<std::uint64_t>(page->body_size));
@@ -80,21 +83,16 @@ comment_place find_comment(file_stream& stream, container kind) {
 
 /// What is in front of the comment inside its packet.
 std::string start_of_comment(container kind, const std::string& packet) {
-    switch (kind) {
-        case container::vorbis:
-            return "\3vorbis";
-        case container::opus:
-            return "OpusTags";
-        case container::ogg_flac:
-            return packet.substr(0, flac_block_header_size);
-        default:
-            return {};
-    }
+    const std::string start = kind == container::vorbis     ? "\3vorbis"
+                              : kind == container::opus     ? "OpusTags"
+                              : kind == container::ogg_flac ? packet.substr(0, flac_block_header_size)
+                                                            : "";
+    if (packet.size() <= start.size() || !packet.starts_with(start)) throw edit_error("its comment header is damaged");
+    return start;
 }
 
 std::string edited_packet(container kind, const std::string& packet, const tag_changes& changes) {
     std::string start = start_of_comment(kind, packet);
-    if (packet.size() <= start.size() || !packet.starts_with(start)) throw edit_error("its comment header is damaged");
     const std::string comment = edit_xiph(packet.substr(start.size()), changes);
     if (kind == container::ogg_flac) {
         if (comment.size() > largest_flac_block) throw edit_error("its tags would grow beyond the 16 MB that FLAC allows");
@@ -157,6 +155,11 @@ void renumber(file_stream& stream, long from, std::uint32_t serial, std::uint32_
 }
 
 }  // namespace
+
+std::string read_ogg_comment(container kind, file_stream& stream) {
+    const std::string packet = find_comment(stream, kind).packet;
+    return packet.substr(start_of_comment(kind, packet).size());
+}
 
 void edit_ogg_comment(file_stream& stream, container kind, const tag_changes& changes) {
     const auto place = find_comment(stream, kind);

@@ -1,15 +1,22 @@
+// The library's own Vorbis comments are not used to write: they put the entries in the order of their names, write all names
+// in capitals, and drop entries without a "=" and texts that are not UTF-8.
+#include "player/tags/xiph_comment.h"
+
 #include <xiphcomment.h>
 
 #include <algorithm>
 
+#include "player/tags/bytes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/field_names.h"
-#include "player/tags/xiph_comment.h"
+#include "player/tags/utf8.h"
 
 namespace ostrevan::tags {
 namespace {
 
-std::string put_together(const xiph_comment& parts) {
+constexpr std::string_view picture_names[] = {"METADATA_BLOCK_PICTURE", "COVERART"};
+
+std::string bytes_of(const xiph_comment& parts) {
     std::string bytes = as_little_endian(parts.vendor.size(), 4) + parts.vendor + as_little_endian(parts.entries.size(), 4);
     for (const auto& entry : parts.entries) bytes += as_little_endian(entry.size(), 4) + entry;
     return bytes + parts.rest;
@@ -38,6 +45,28 @@ xiph_comment take_apart_xiph(const std::string& comment) {
     return parts;
 }
 
+std::uint64_t entries_stated_by(const std::string& comment) {
+    return little_endian(comment, 4 + little_endian(comment, 0, 4), 4);
+}
+
+tag_entries entries_of_comment(const std::string& comment) {
+    tag_entries entries;
+    for (const auto& entry : take_apart_xiph(comment).entries) {
+        const auto equals = entry.find('=');
+        if (equals == std::string::npos || equals + 1 == entry.size()) continue;
+        const std::string key = ascii_upper(std::string_view(entry).substr(0, equals));
+        if (std::ranges::find(picture_names, key) != std::end(picture_names)) continue;
+        values_for(entries, key).push_back(utf8_or_latin1(std::string_view(entry).substr(equals + 1)));
+    }
+    return entries;
+}
+
+bool holds_fields(const std::optional<std::string>& comment) noexcept try {
+    return comment && !entries_of_comment(*comment).empty();
+} catch (const std::exception&) {
+    return false;
+}
+
 std::string edit_xiph(const std::string& comment, const tag_changes& changes) {
     auto parts = take_apart_xiph(comment);
     for (const auto& change : changes) {
@@ -64,7 +93,7 @@ std::string edit_xiph(const std::string& comment, const tag_changes& changes) {
                 parts.entries.insert(parts.entries.begin() + static_cast<std::ptrdiff_t>(place++), name + "=" + value);
         }
     }
-    return put_together(parts);
+    return bytes_of(parts);
 }
 
 }  // namespace ostrevan::tags
