@@ -16,7 +16,7 @@ constexpr std::size_t largest_count = 65535;
 
 constexpr std::string_view description_names[] = {"Title", "Author", "Copyright", "Description", "Rating"};
 
-/// Reads one thing after another; what is beyond the end is damage.
+/// Reads one field after another; a field beyond the end is damage.
 class asf_bytes {
 public:
     explicit asf_bytes(std::string_view bytes) : bytes_(bytes) {}

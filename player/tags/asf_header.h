@@ -17,15 +17,15 @@ struct asf_attribute {
     asf_place place{};
     std::string name;
     asf_type type{};
-    /// The value's bytes as they stand in the file.
+    /// The value's bytes as in the file.
     std::string value;
     /// Stream and language, which only the metadata objects have; four bytes.
     std::string scope;
-    /// The name as it stands in the file, which need not end with a zero or be well-formed.
+    /// The name's bytes as in the file. They need not end with a zero or be well-formed.
     std::string name_bytes;
 };
 
-/// An object of the header: its 16-byte identifier and what follows its size.
+/// An object of the header: its 16-byte identifier, and the bytes after its size.
 struct asf_object {
     std::string id;
     std::string body;

@@ -21,7 +21,7 @@ inline constexpr auto stream_properties = "\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\
 
 inline constexpr std::size_t asf_object_header_size = 24;
 inline constexpr std::size_t asf_header_size = 30;
-/// What an extension has in front of the objects in it; its last four bytes are their size.
+/// The fields of an extension before its own objects; the last four bytes are the size of these.
 inline constexpr std::size_t asf_extension_prefix_size = 22;
 
 /// The header object of a Windows Media file; empty when the file does not begin with one.

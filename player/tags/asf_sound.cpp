@@ -27,7 +27,7 @@ sound sound_of_asf(file_stream& stream) {
     };
     for_each_asf_object(std::string_view(header).substr(std::min(header.size(), asf_header_size)), [&](auto id, auto body) {
         if (id == asf_id::file_properties) {
-            // In units of 100 ns; what is buffered before playing begins, in milliseconds, is counted in.
+            // In units of 100 ns, with the milliseconds of buffering before the start.
             const auto played = static_cast<double>(little_endian(body, 40, 8)) / 10000;
             const auto buffered = static_cast<double>(little_endian(body, 56, 8));
             result.length = std::max(0.0, std::floor(played - buffered + 0.5) / 1000);

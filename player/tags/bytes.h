@@ -49,7 +49,7 @@ inline std::string read_bytes(TagLib::IOStream& stream, long at, std::uint64_t s
     return to_text(stream.readBlock(static_cast<unsigned long>(size)));
 }
 
-/// Puts bytes in the place of `old_size` others; what follows moves.
+/// Replaces `old_size` bytes; the bytes after them move.
 inline void replace_bytes(TagLib::IOStream& stream, std::string_view bytes, long at, std::uint64_t old_size) {
     stream.insert(to_vector(bytes), static_cast<unsigned long>(at), static_cast<unsigned long>(old_size));
 }

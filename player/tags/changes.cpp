@@ -104,7 +104,7 @@ tag_changes difference(const file_info& before, const file_info& after, number_s
         for (std::size_t i = 0; i < info->meta_count(); ++i) {
             std::string field(info->meta_name(i));
             if (same_values(before, after, field)) continue;
-            // Either half of a pair stands for both.
+            // A change of either half writes the pair.
             if (const auto* pair = pair_of_field(field)) field = pair->number_field;
             if (std::ranges::find(fields, field) == fields.end()) fields.push_back(field);
         }

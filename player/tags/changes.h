@@ -24,8 +24,8 @@ using tag_changes = std::vector<tag_change>;
 /// Whether an entry of that upper-case key belongs to the change.
 bool concerns(const tag_change& change, const std::string& key);
 
-/// The fields under the names and in the form that reading gives: other spellings renamed, "3/12" split. Where an edit has
-/// left both an old and a new spelling of a field, the one that reading does not give is the newer.
+/// The fields under the names and in the form that reading gives: other spellings renamed, "3/12" split. Of an old
+/// and a new spelling of one field, the one that reading does not give is the newer.
 file_info canonical(const file_info& info);
 
 /// Whether the same fields hold the same values, their order aside.

@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] int get() const noexcept { return number_; }
     explicit operator bool() const noexcept { return number_ >= 0; }
-    /// Closes it and answers 0 or the error of closing, which on network file systems is where a failed write shows.
+    /// Closes it. Returns 0 or the error of closing: network file systems report failed writes there.
     int close() noexcept;
 
 private:

@@ -7,7 +7,7 @@
 namespace ostrevan::tags {
 
 /// A number for a sequence of bytes, however it is cut in pieces. Two sequences that differ in one word never have the same;
-/// others with a chance of one in 2^64. Not for what somebody may forge.
+/// others with a chance of one in 2^64. No protection against forgery.
 class digest {
 public:
     void add(std::string_view bytes) noexcept {

@@ -20,7 +20,7 @@ constexpr std::uint64_t written_version = 2000;
 
 struct ape_item {
     std::string key;
-    /// The item as it stands in the file.
+    /// The whole item, as in the file.
     std::string bytes;
 };
 

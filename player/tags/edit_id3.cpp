@@ -65,7 +65,7 @@ bool has_language(const id3_frame& frame) {
     return (frame.id == "COMM" || frame.id == "USLT" || frame.id == "COM" || frame.id == "ULT") && frame.body.size() >= 4;
 }
 
-/// Takes the entries of the changes out of the tag. Answers which changes it held anything of.
+/// Removes the entries of the changes from the tag. Returns for each change whether the tag held anything of it.
 std::vector<bool> remove_entries(id3_frames& tag, const tag_changes& changes, std::vector<id3_frame>& removed) {
     std::vector<bool> held(changes.size(), false);
     std::vector<id3_frame> kept;

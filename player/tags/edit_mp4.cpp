@@ -160,7 +160,7 @@ void edit_mp4(file_stream& stream, const tag_changes& changes) {
         items = items_in(stream, list);
         at = list.offset;
         available = list.size;
-        // Room that was left behind the list is used before anything has to move.
+        // Free room after the list is used before anything has to move.
         for (const auto& sibling : children_of(stream, parents.back()))
             if (sibling.offset == list.end() && sibling.name == "free") available += sibling.size;
     }

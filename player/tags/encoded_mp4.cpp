@@ -156,8 +156,8 @@ private:
         }
     }
 
-    /// The runs of samples in a track of a fragment, one after another unless they have offsets. `place` is what these count
-    /// from, and afterwards where the next track goes on.
+    /// The runs of samples in a track of a fragment, one after another unless they have offsets. `place` is the base of
+    /// these from, and afterwards where the next track goes on.
     void add_runs(const std::vector<mp4_atom>& parts, long& place, std::uint64_t default_size) {
         const long base = place;
         for (const auto& atom : parts) {

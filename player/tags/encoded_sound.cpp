@@ -28,7 +28,7 @@ void add_flac_sound(digest& to, file_stream& stream) {
     add_range(to, stream, blocks.back().at + flac_block_header_size + blocks.back().size, stream.length());
 }
 
-/// The chunks of a WAV or AIFF file but its tag, and what lies behind the end that its header states.
+/// The chunks of a WAV or AIFF file except its tag, and the bytes after the end stated in its header.
 void add_chunks(digest& to, file_stream& stream, std::uint64_t (*number)(std::string_view, std::size_t, std::size_t)) {
     const long length = stream.length();
     const long stated_end = chunk_header_size + static_cast<long>(number(read_bytes(stream, 4, 4), 0, 4));

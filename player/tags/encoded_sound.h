@@ -6,10 +6,9 @@
 
 namespace ostrevan::tags {
 
-/// A digest of what a decoder receives of the file: how the sound is encoded, and the encoded sound, found by the way that a
-/// decoder takes to it (packets and their checksums in Ogg, tables of offsets and fragments in MP4). Tags have no part in
-/// it: after an edit of tags it must be what it was. All bytes of the sound are read. @throws edit_error when the way is
-/// damaged
+/// A digest of the encoded sound and its description, found as a decoder finds them: by packets and checksums in Ogg, by
+/// offset tables and fragments in MP4. Tags are left out, so an edit of tags must not change it. Reads the whole sound.
+/// @throws edit_error when a decoder could not find the sound.
 std::uint64_t digest_of_sound(container kind, file_stream& stream);
 
 /// The bytes of the file between two places, and how many of them there are.

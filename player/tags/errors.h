@@ -26,7 +26,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The reason for a number of `errno`, in words that say what to do about it.
+/// An `errno` value in words, with advice where there is any.
 std::string reason_of_errno(int error);
 
 }  // namespace ostrevan::tags

@@ -11,7 +11,7 @@ struct number_pair {
     std::string_view number_field;
     std::string_view total_field;
     std::string_view number_key;
-    /// The keys under which the total may stand on its own, the one to write first.
+    /// The keys for a total in an entry of its own; the first one is written.
     std::string_view total_keys[2];
 };
 inline constexpr number_pair number_pairs[] = {

@@ -11,9 +11,9 @@
 
 namespace ostrevan::tags {
 
-/// What TagLib reads and writes through. Reading goes through two small windows, one of which stays where the tags at the
-/// head are while the other is at the tail. Writing is unbuffered, and remembers the first error: the library answers that a
-/// save succeeded whatever the disk said. One thread at a time.
+/// The stream under TagLib. Reads go through two small windows, so that one can stay on the tags at the head while the other
+/// is at the tail. Writes are unbuffered, and the first error is kept, because the library reports success even when a write
+/// failed. One thread at a time.
 class file_stream final : public TagLib::IOStream {
 public:
     enum class access { read, write };
@@ -27,7 +27,7 @@ public:
     /// The first error of reading or writing, as in `errno`; 0 when all went well.
     [[nodiscard]] int error() const noexcept { return error_; }
     void set_write_fault(write_fault fault) { fault_ = std::move(fault); }
-    /// Closes the file and answers the first error, that of closing included.
+    /// Closes the file. Returns the first error, that of closing included.
     int close();
 
     /// Reads past the windows. Returns how many bytes there were.

@@ -25,7 +25,7 @@ std::vector<std::string> supported_extensions();
 /// By the name alone; case does not matter.
 bool has_supported_extension(std::string_view path) noexcept;
 
-/// What the bytes say; the extension decides only for MPEG audio, whose frames have no distinctive beginning.
+/// Judged by the bytes. The extension decides only for MPEG audio, whose frames have no distinctive beginning.
 std::optional<container> detect(TagLib::IOStream& stream, std::string_view path);
 
 }  // namespace ostrevan::tags

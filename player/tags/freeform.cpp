@@ -16,7 +16,7 @@ bool is_hidden(const std::string_view (&prefixes)[N], const std::string& upper_n
     return std::ranges::any_of(prefixes, [&](auto prefix) { return upper_name.starts_with(prefix); });
 }
 
-/// Some programs store numbers as such, or text without saying that it is text.
+/// Some programs store binary numbers, or text that is not marked as text.
 TagLib::StringList texts_of(const TagLib::MP4::Item& item) {
     TagLib::StringList texts = item.toStringList();
     if (!texts.isEmpty()) return texts;

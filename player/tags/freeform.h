@@ -16,7 +16,7 @@ namespace ostrevan::tags {
 
 using keyed_values = std::vector<std::pair<std::string, TagLib::StringList>>;
 
-/// The name of a freeform atom, which is what follows its second colon: "----:com.apple.iTunes:NAME"; empty for other atoms.
+/// The name of a freeform atom, the part after its second colon: "----:com.apple.iTunes:NAME"; empty for other atoms.
 std::string freeform_name(const TagLib::String& atom);
 
 /// Fields with names of the user's choosing, which the library's own property map leaves out: MP4 freeform atoms whatever

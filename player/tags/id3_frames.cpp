@@ -40,7 +40,7 @@ bool ends_or_continues(const std::string& body, std::size_t at, unsigned version
             (body[at] == '\0' || is_frame_id(std::string_view(body).substr(at, id_size(version)), version)));
 }
 
-/// Version 2.4 wants sizes of seven bits a byte; some programs wrote eight, which shows in what would follow the frame.
+/// Version 2.4 has sizes of seven bits a byte. Some programs wrote eight: then only that size leads to another frame.
 std::size_t frame_size(const std::string& body, std::size_t at, unsigned version) {
     if (version == 2) return big_endian(body, at + 3, 3);
     const std::size_t plain = big_endian(body, at + 4, 4);
@@ -68,7 +68,7 @@ id3_frames take_apart_id3(const std::string& tag) {
         if (result.version == 4) result.unsynchronised = true;
         else body = to_text(ID3v2::SynchData::decode(to_vector(body)));
     }
-    // The extended header describes the tag as it was (checksum, padding) and is left out of what is written.
+    // The extended header describes the old tag (checksum, padding), and is not written again.
     std::size_t at = 0;
     if (result.version > 2 && (flags & extended_flag) != 0)
         at = std::min(extended_header_size(body, result.version), body.size());

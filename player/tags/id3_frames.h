@@ -5,7 +5,7 @@
 
 namespace ostrevan::tags {
 
-/// One frame of an ID3v2 tag, its bytes as they stand in the file.
+/// One frame of an ID3v2 tag, with its bytes as in the file.
 struct id3_frame {
     std::string id;
     /// Two bytes; none in version 2.2.
@@ -19,7 +19,7 @@ struct id3_frames {
     /// Version 2.4 only: the frames are unsynchronised each on its own, and stay so.
     bool unsynchronised = false;
     std::vector<id3_frame> frames;
-    /// Bytes behind the last frame that are no padding.
+    /// Bytes after the last frame that are no padding.
     std::string rest;
 };
 

@@ -30,7 +30,7 @@ unsigned begin_of_embedded(const TagLib::ByteVector& id, const TagLib::ByteVecto
     return at;
 }
 
-/// What the library's tag reads from.
+/// A file for the library's tag to read from.
 class tag_source final : public TagLib::File {
 public:
     explicit tag_source(TagLib::IOStream& stream) : File(&stream) {}

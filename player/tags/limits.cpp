@@ -24,7 +24,7 @@ struct mp4_container {
 };
 constexpr mp4_container mp4_containers[] = {{"moov"}, {"udta"}, {"mdia"}, {"meta", 4}, {"ilst"},   {"stbl"},
                                             {"minf"}, {"moof"}, {"traf"}, {"trak"},    {"stsd", 8}};
-/// Names behind the header of a "meta" that has no version, as QuickTime wrote it.
+/// Names after the header of a "meta" without a version, as QuickTime wrote it.
 constexpr std::string_view first_in_plain_meta[] = {"hdlr", "ilst", "mhdr", "ctry", "lang"};
 
 constexpr std::size_t deepest_atom = 16;

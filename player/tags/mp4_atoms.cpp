@@ -16,7 +16,7 @@ void write_number(file_stream& stream, long at, std::uint64_t number, std::size_
     stream.writeBlock(to_vector(as_big_endian(number, size)));
 }
 
-/// Moves the offsets of a table behind `place`: `count` entries of `size` bytes from `at` on, all inside `atom`.
+/// Moves those offsets of a table that point after `place`: `count` entries of `size` bytes from `at` on, all inside `atom`.
 void move_offsets(file_stream& stream, const mp4_atom& atom, long at, std::uint64_t count, std::size_t size, long place,
                   long by) {
     if (at > atom.end() || count > static_cast<std::uint64_t>(atom.end() - at) / size)
@@ -98,7 +98,7 @@ void replace_inside(file_stream& stream, const std::vector<mp4_atom>& parents, s
                     long old_size) {
     const long by = static_cast<long>(bytes.size()) - old_size;
     if (by != 0) {
-        // Offsets first: the sizes below would lead the search astray until the bytes are in place.
+        // Offsets first: with the new sizes, the search would go wrong until the bytes are in place.
         const auto top = atoms_between(stream, 0, stream.length());
         const bool sound_behind = std::ranges::any_of(top, [&](const auto& atom) { return atom.offset >= at; });
         if (sound_behind) move_offsets_in(stream, top, at, by);

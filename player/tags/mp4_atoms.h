@@ -32,7 +32,7 @@ const mp4_atom* find_atom(const std::vector<mp4_atom>& atoms, std::string_view n
 
 std::string atom_bytes(std::string_view name, std::string_view body);
 
-/// Puts bytes in the place of others inside `parents` (the outermost first): their sizes and every offset to sound behind
+/// Puts bytes in the place of others inside `parents` (the outermost first): their sizes and all offsets to sound after
 /// the place follow. @throws edit_error
 void replace_inside(file_stream& stream, const std::vector<mp4_atom>& parents, std::string_view bytes, long at,
                     long old_size);

@@ -27,12 +27,12 @@ struct segment_run {
     }
 };
 
-/// The comment's packet and where it lies.
+/// The comment's packet and its pages.
 struct comment_place {
     std::string packet;
     /// From the page on which it begins to that on which it ends.
     std::vector<ogg_page> pages;
-    /// What else is on the first and on the last of them.
+    /// The other packets on the first and the last of them.
     segment_run before, after;
 };
 
@@ -81,7 +81,7 @@ comment_place find_comment(file_stream& stream, container kind) {
     throw edit_error("its comment header is damaged");
 }
 
-/// What is in front of the comment inside its packet.
+/// The mark in front of the comment inside its packet.
 std::string start_of_comment(container kind, const std::string& packet) {
     const std::string start = kind == container::vorbis     ? "\3vorbis"
                               : kind == container::opus     ? "OpusTags"
@@ -130,7 +130,7 @@ std::vector<std::string> pages_of(const segment_run& run, const std::vector<ogg_
     return pages;
 }
 
-/// What lies between the pages of the comment: pages of other streams.
+/// The pages of other streams among those of the comment.
 std::string bytes_between(file_stream& stream, const std::vector<ogg_page>& pages) {
     std::string bytes;
     for (std::size_t i = 1; i < pages.size(); ++i)
@@ -138,8 +138,8 @@ std::string bytes_between(file_stream& stream, const std::vector<ogg_page>& page
     return bytes;
 }
 
-/// Counts the pages of a stream anew from a place on, up to the next stream that begins. A page that decoders drop for its
-/// checksum stays such a page.
+/// Renumbers the pages of a stream from a place to the start of the next stream. A page with a wrong checksum keeps it, so
+/// that decoders go on dropping it.
 void renumber(file_stream& stream, long from, std::uint32_t serial, std::uint32_t by) {
     for (auto page = page_from(stream, from); page; page = page_from(stream, page->end())) {
         if (page->serial() != serial) continue;

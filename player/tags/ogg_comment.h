@@ -6,7 +6,7 @@
 
 namespace ostrevan::tags {
 
-/// The Vorbis comment of the first logical stream of an Ogg file, without what is in front of it in its packet.
+/// The Vorbis comment of the first logical stream of an Ogg file, without the mark in front of it in its packet.
 /// @throws edit_error when it is not there.
 std::string read_ogg_comment(container kind, file_stream& stream);
 

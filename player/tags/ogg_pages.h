@@ -29,7 +29,7 @@ struct ogg_page {
     [[nodiscard]] std::string_view segments() const noexcept;
 };
 
-/// The first whole page at a place or after it; what lies before it is passed over, as decoders do.
+/// The first whole page at a place or after it. Other bytes before it are skipped, as decoders do.
 std::optional<ogg_page> page_from(file_stream& stream, long at);
 
 /// Whether the checksum in its header is that of the page. A decoder drops a page where it is not.

@@ -22,17 +22,18 @@ struct opened_file {
     /// Null where reading needs no library: Ogg, Windows Media, and FLAC with nothing but a Vorbis comment.
     std::unique_ptr<TagLib::File> file;
     ostrevan::tags::sound sound;
-    /// The Vorbis comment of FLAC and Ogg, as it stands in the file.
+    /// The Vorbis comment of FLAC and Ogg, as in the file.
     std::optional<std::string> xiph_comment;
     /// The APE tag at the end of a True Audio file, which the library does not look for there.
     std::unique_ptr<TagLib::Tag> ape_tag;
 };
 
-/// Opens a regular file without ever waiting for it: what is a pipe, a device or a folder is refused, not opened.
+/// Opens a regular file. Refuses pipes, devices and folders without opening them, so it never waits.
 /// @throws tag_error
 descriptor open_regular(const std::string& path, file_stream::access mode);
 
-/// Opens the file by what its bytes say. @throws tag_error: no such file, not permitted, empty, no supported audio in it.
+/// Opens the file in the format that its bytes show. @throws tag_error: no such file, not permitted, empty, no supported
+/// audio in it.
 opened_file open_audio(const std::string& path, file_stream::access mode = file_stream::access::read);
 
 }  // namespace ostrevan::tags

@@ -34,7 +34,7 @@ struct stat examined(const std::string& path, int file) {
     return about;
 }
 
-/// A rename needs no permission on the file itself; the wish of who protected it is respected all the same.
+/// A rename would work on a read-only file too, but its owner protected it.
 void require_writable(const std::string& path, const struct stat& about) {
     constexpr mode_t write_bits = S_IWUSR | S_IWGRP | S_IWOTH;
     if ((about.st_mode & write_bits) == 0 || faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
@@ -46,9 +46,8 @@ bool same_file(const struct stat& a, const struct stat& b) {
            a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
-/// Of several rewrites at a time one comes to an end; the others find that the file is no longer what they have read. The
-/// lock is on the original and closes the gap between this look and the rename. Not all file systems lock: they keep the
-/// gap.
+/// Of several rewrites of one file one succeeds; the others find it changed. The lock on the original closes the gap between
+/// this check and the rename, where the file system has locks.
 void lock_and_require_same(const std::string& path, int original, const struct stat& before) {
     if (flock(original, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         throw tag_error(path, "is being changed by another program; try again later");
@@ -67,13 +66,13 @@ void edit_copy(const std::string& copy, const file_info& before, const file_info
         refusal = refused.what();
     }
     opened.file.reset();
-    // A failed write comes first: what the library makes of it is no reason.
+    // A failed write is the reason, whatever error the library made of it.
     if (const int error = opened.stream->close(); error != 0)
         throw tag_error(copy, "its edited copy cannot be written: " + reason_of_errno(error));
     if (!refusal.empty()) throw tag_error(copy, refusal);
 }
 
-/// Of the file as it is; what cannot be found cannot be compared afterwards.
+/// Of the original. Sound that cannot be found could not be compared afterwards.
 std::uint64_t known_sound(const std::string& path, const opened_file& opened) {
     std::uint64_t sound = 0;
     try {
@@ -176,7 +175,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
 rewrite_result rewrite_file(const std::string& path, const field_edit& edit, const rewrite_options& options) try {
     return rewrite_resolved(resolved(path), edit, options);
 } catch (const tag_error& error) {
-    // The user knows the file by the name given, not by that of the copy or of what a link leads to.
+    // The user knows the file by the given name, not by that of the copy or of a link's target.
     const bool exists = access(path.c_str(), F_OK) == 0;
     throw tag_error(path, error.reason() + (exists ? " (the file is unchanged)" : ""));
 }

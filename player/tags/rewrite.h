@@ -12,13 +12,13 @@ namespace ostrevan::tags {
 /// The steps of a rewrite, in order; each is announced when it has been done.
 enum class rewrite_step {
     opened,          ///< the original was read and the edit asked for
-    copy_made,       ///< an empty file stands beside it
+    copy_made,       ///< an empty file is beside it
     copied,          ///< with the same content
     attributes_set,  ///< owner, mode, extended attributes
     edited,          ///< tags written, file closed
     verified,        ///< opened again: fields and sound are as they must be
     synced,          ///< on the disk
-    checked,         ///< the original is still what it was
+    checked,         ///< the original has not changed meanwhile
     renamed,         ///< the copy is the file now
     folder_synced,
 };
@@ -40,13 +40,13 @@ enum class rewrite_outcome { unchanged, rewritten };
 
 struct rewrite_result {
     rewrite_outcome outcome = rewrite_outcome::unchanged;
-    /// What the user should know although all went well, such as a hard link that is broken now.
+    /// Side effects to tell the user of, such as a broken hard link.
     std::vector<std::string> notes;
     /// The file as it is now; saves reading it again.
     file_info info;
 };
 
-/// Receives the file's fields, changes them and answers whether it did. May throw: nothing has happened then.
+/// Changes the file's fields; returns whether it did. May throw before anything has happened.
 using field_edit = std::function<bool(file_info&)>;
 
 /// Edits the fields of one audio file without ever endangering it: a copy is edited, checked and then takes the file's place

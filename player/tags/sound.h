@@ -12,7 +12,7 @@ class AudioProperties;
 
 namespace ostrevan::tags {
 
-/// What is known of a file's sound; 0 where it is not known.
+/// Properties of a file's sound; 0 where unknown.
 struct sound {
     /// Seconds.
     double length = 0;
@@ -25,7 +25,7 @@ struct sound {
 
 sound sound_of(container kind, const TagLib::AudioProperties& properties);
 
-/// Of a Windows Media file, from its header: the library goes astray in a damaged one, at any cost.
+/// Of a Windows Media file, from its header. In a damaged header the library takes any time and memory.
 sound sound_of_asf(file_stream& stream);
 
 /// Of an Ogg file, from its first packet and its last page: the library takes twice as long over it as over all the rest.

@@ -14,7 +14,7 @@ namespace ostrevan::tags {
 namespace {
 
 constexpr long sample_size = 1024;
-/// More pieces in front of the audio are no music.
+/// A file with more pieces in front of its audio is no music.
 constexpr int most_chunks = 1000;
 
 /// Never 0.
@@ -94,8 +94,7 @@ std::optional<std::uint64_t> mark_of_flac(file_stream& stream) {
     return mark_of(block, 0);
 }
 
-/// Headers of pages change with the tags, since they are numbered; what is in the last page does not, nor where it ends and
-/// the number of the stream.
+/// Page numbers change with the tags. The body of the last page, its position and its stream do not.
 std::uint64_t mark_of_ogg(file_stream& stream) {
     constexpr std::size_t header_size = 27;
     // Small as a rule; the second is more than the largest.

@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char* prefix = ".ostrevan-";
 
-/// Reads a hexadecimal number and what must follow it; returns whether both were there.
+/// Reads a hexadecimal number and the character after it; returns whether both were there.
 bool take_number(std::string_view& text, char end, std::uint64_t& number) noexcept {
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number, 16);
     const auto used = static_cast<std::size_t>(stop - text.data());
@@ -47,7 +47,7 @@ bool is_alive(const process_identity& maker) {
     return started == maker.started || started == 0 || maker.started == 0;
 }
 
-/// A lock outlives no process, and reaches other machines and containers that share the folder.
+/// A lock ends with its process, and also holds for other machines and containers that share the folder.
 bool remove_unlocked(const std::string& path) {
     const descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     return file && flock(file.get(), LOCK_EX | LOCK_NB) == 0 && unlink(path.c_str()) == 0;

@@ -23,7 +23,7 @@ std::string next_copy_name(std::string_view original);
 std::optional<process_identity> maker_of_copy(std::string_view name) noexcept;
 
 /// Removes the copies in a folder whose makers died before they were done; returns how many. Leaves alone what is locked,
-/// what a living process made and what is not named as these copies are. Errors count as nothing to remove.
+/// made by a living process or named otherwise. Errors count as nothing to remove.
 std::size_t remove_stale_copies(const std::string& folder) noexcept;
 
 }  // namespace ostrevan::tags

@@ -8,7 +8,7 @@ namespace ostrevan::tags {
 /// The tags of the file that hold anything, the one that wins first. docs/tag-storage.md has the table.
 std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened);
 
-/// ID3v1 and WAV INFO hold a few fields, cut off at a fixed size: they are read, never written.
+/// ID3v1 and WAV INFO hold a few fields, cut off at a fixed size. They are read, but never written.
 bool is_limited(const TagLib::Tag* tag);
 
 /// The fields of one tag under the player's names, added to what is in `info` already.

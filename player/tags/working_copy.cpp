@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t copy_block_size = 1 << 20;
 
-/// Answers 0 or an error. Goes on where the calls before have left off, so that a faster way may give up half way.
+/// Returns 0 or an error. Goes on where an earlier call stopped, so that a faster way may fail half way.
 int copy_by_kernel(int from, int to, off_t size) {
     for (off_t at = lseek(to, 0, SEEK_CUR); at < size;) {
         off_t source = at;
@@ -49,7 +49,7 @@ int copy_by_hand(int from, int to, off_t size) {
     return 0;
 }
 
-/// Errors by which `copy_file_range` says that it cannot serve here; others are about the files.
+/// Errors of `copy_file_range` that another way of copying does not have; others are about the files.
 bool needs_another_way(int error) {
     constexpr int errors[] = {ENOSYS, EXDEV, EINVAL, EOPNOTSUPP, EPERM, EIO, EBADF};
     return std::ranges::find(errors, error) != std::end(errors);
@@ -66,7 +66,7 @@ std::vector<std::string> attribute_names(int file) {
     return names;
 }
 
-/// What the user or an administrator set. The system fills in the other name spaces by itself.
+/// Set by a user or an administrator. The system fills in the other name spaces by itself.
 bool belongs_to_user(const std::string& name) { return name.starts_with("user.") || name.starts_with("system.posix_acl"); }
 
 int copy_attribute(int from, int to, const std::string& name) {
@@ -95,7 +95,7 @@ working_copy::working_copy(const std::string& original) : original_(original) {
         path_.clear();
         fail("a working copy cannot be made beside it", errno);
     }
-    // Where locks are not to be had, the number of the living process in the name still protects it.
+    // Without locks, the process in the name still protects it.
     flock(file_.get(), LOCK_EX | LOCK_NB);
 }
 
@@ -121,7 +121,7 @@ bool working_copy::take_attributes(int original, const struct stat& about) {
     if (!kept) kept = fchown(file_.get(), about.st_uid, about.st_gid) == 0;
     // The group matters to those who share the file, even where the owner cannot be given away.
     const bool group_kept = kept || fchown(file_.get(), static_cast<uid_t>(-1), about.st_gid) == 0;
-    // Rights of one group are not handed to another. Nobody runs a file as its owner after others have written it.
+    // Rights of one group are not given to another, nor set-user-id bits to content that another user wrote.
     const mode_t group_rights = group_kept ? S_IRWXG : 0;
     const mode_t mode = about.st_mode & (S_ISVTX | S_IRWXU | S_IRWXO | group_rights);
     if (fchmod(file_.get(), mode) != 0) fail("its mode cannot be kept", errno);
