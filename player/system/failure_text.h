@@ -5,8 +5,8 @@
 
 namespace ostrevan::system {
 
-/// What a failure is called before the user: of those of the standard library, which speak of functions, the path and the
-/// reason; of all others their own text.
+/// The text of a failure for the user. Those of the standard library, which speak of functions, give the path and the
+/// reason; all others their own text.
 std::string failure_text(const std::exception& failure);
 
 }  // namespace ostrevan::system
