@@ -12,7 +12,7 @@ namespace ostrevan::core {
 
 std::string module_of(const std::type_info& type) {
     Dl_info where{};
-    // Modules are loaded apart from each other, so that each describes its classes itself.
+    // Modules are loaded with local symbols, so each has its own type information.
     if (::dladdr(&type, &where) == 0 || where.dli_fname == nullptr) return "a component";
     return std::filesystem::path(where.dli_fname).filename().string();
 }

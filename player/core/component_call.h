@@ -7,17 +7,16 @@
 
 namespace ostrevan::core {
 
-/// The file that a class comes from, such as "quorvel.dll"; tells whose object it is. [any-thread]
+/// The module file that a class comes from, such as "quorvel.dll". [any-thread]
 std::string module_of(const std::type_info& type);
 
-/// What the exception says that is being handled, whatever it is. Only inside a handler.
+/// The text of the exception being handled, of any type. Only inside a handler.
 std::string text_of_failure();
 
-/// Throws a std::runtime_error that says the same as the exception being handled, with the name of the module in front. Only
-/// inside a handler.
+/// Throws the exception being handled as a std::runtime_error with the name of the module in front. Only inside a handler.
 [[noreturn]] void rethrow_as_of(const std::type_info& type);
 
-/// Calls into the component that `type` comes from. What it throws, of any type, arrives as a std::exception that names the
+/// Calls into the component that `type` comes from. Whatever it throws arrives as a std::exception that names the
 /// component.
 template <typename Work>
 auto call_component(const std::type_info& type, Work&& work) {
@@ -33,7 +32,7 @@ template <typename T, typename Work>
 requires std::is_polymorphic_v<T>
 auto call_component(const T& object, Work&& work) { return call_component(typeid(object), std::forward<Work>(work)); }
 
-/// Calls that keep to themselves what goes wrong: it is reported, and the caller goes on with other components.
+/// Calls whose failures are reported and not passed on, so that the caller goes on with other components.
 class component_guard {
 public:
     /// Called on the thread of the call.
@@ -41,7 +40,7 @@ public:
 
     explicit component_guard(failure_sink on_failure) : on_failure_(std::move(on_failure)) {}
 
-    /// `doing` says what the component failed at. False when it failed.
+    /// `doing` completes "failed at". Returns false on failure.
     template <typename T, typename Work>
     bool call(const T& object, const char* doing, Work&& work) const {
         try {
@@ -53,7 +52,7 @@ public:
         }
     }
 
-    /// For an exception that is being handled.
+    /// Reports the exception being handled.
     void report(const std::type_info& type, const std::string& doing) const;
 
 private:

@@ -16,7 +16,7 @@ namespace {
 
 std::string version_text(std::uint32_t version) { return "made for interface version " + std::to_string(version); }
 
-/// Only what is plain data is looked at, and nothing after a part that is not as expected.
+/// Reads plain data only, and stops at the first part that is not as expected.
 void check_handshake(const component_interface* component, const player_interface& player, const std::string& path) {
     constexpr const char* other_file = "Move the file out of the components folder.";
     constexpr const char* other_build = "Install the component as it was built for this player.";
@@ -95,7 +95,7 @@ const component_version* version_of(const loaded_component& component) {
     return nullptr;
 }
 
-/// An object begins with the address of its functions.
+/// An object begins with the address of its virtual table.
 std::string name_of(const loaded_component& component) {
     const auto* const version = version_of(component);
     return version != nullptr ? version->name() : std::filesystem::path(component.path).stem().string();

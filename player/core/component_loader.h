@@ -9,24 +9,25 @@
 
 namespace ostrevan::core {
 
-/// A component that answered the handshake. Its module stays loaded until the process ends: its static objects are in use.
+/// A component that passed the handshake. Its module stays loaded until the process ends, because its static objects remain
+/// in use.
 struct loaded_component {
     std::string path;
     component_api* api = nullptr;
 };
 
-/// Loads one module and checks its handshake; no virtual call is made before that. Throws with a message that names the file
-/// and says what is wrong and what to do.
+/// Loads one module and checks its handshake before any virtual call. Throws with a message that names the file, the reason
+/// and the remedy.
 loaded_component load_component(const std::string& path, const player_interface& player);
 
-/// Loads every module (`*.dll`, the name on every platform) of a folder in the order of their names. One that fails is
-/// reported and the rest go on; so is a folder that cannot be read.
+/// Loads every module of a folder (`*.dll` on every platform) in the order of their names. Reports a folder that cannot be
+/// read and each module that fails, and goes on.
 std::vector<loaded_component> load_components(const std::string& folder, const player_interface& player,
                                               const std::function<void(const std::string& message)>& on_failure);
 
-/// What a component says of itself; null when it says nothing. [main-thread]
+/// The version a component declares; null when it declares none. [main-thread]
 const component_version* version_of(const loaded_component& component);
-/// Its title, or else the name of its file. [main-thread]
+/// The component's title, or the name of its file. [main-thread]
 std::string name_of(const loaded_component& component);
 
 }  // namespace ostrevan::core

@@ -40,7 +40,7 @@ void main_loop::run_until_idle() {
         } catch (...) {
             on_error_("unknown error");
         }
-        work = nullptr;  // what the task holds is released on this thread, outside the lock
+        work = nullptr;  // releases what the task holds on this thread, outside the lock
         lock.lock();
     }
 }

@@ -10,12 +10,12 @@
 
 namespace ostrevan::core {
 
-/// The player's one loop: work posted from any thread runs on the main thread, one piece after another, in the order in
-/// which it was posted. The thread that makes the loop is the main thread.
+/// The main loop: work posted from any thread runs on the main thread, one task at a time, in the order of posting. The
+/// thread that makes the loop is the main thread.
 class main_loop {
 public:
     using task = std::function<void()>;
-    /// Told what a task threw.
+    /// Receives the text of what a task threw.
     using error_sink = std::function<void(const char* what)>;
 
     explicit main_loop(error_sink on_error) : on_error_(std::move(on_error)), main_thread_(std::this_thread::get_id()) {}
@@ -43,7 +43,7 @@ public:
         main_loop* loop_;
     };
 
-    /// Runs what is posted until nothing is left and no activity is under way. [main-thread]
+    /// Runs posted work until none is left and no activity is under way. [main-thread]
     void run_until_idle();
 
 private:

@@ -23,7 +23,7 @@ constexpr std::string_view put_there_by_the_user = "PlaybackStatistics.dat";
     throw std::runtime_error("Cannot make the profile folder " + path + ": " + reason + ". Choose another with --profile.");
 }
 
-/// Takes all rights from others. What cannot be changed stays: the profile may be on a disk that is read-only.
+/// Removes all rights of others. A failure is ignored: the profile may be on a read-only disk.
 void keep_to_user(const fs::path& path) {
     constexpr mode_t others = 077;
     struct stat status {};

@@ -15,14 +15,14 @@
 namespace ostrevan::core {
 namespace {
 
-/// The start of the file; a process number in a file that is ours.
+/// The start of the file. In a lock of ours it is a process number.
 std::string content_of(int file) {
     std::array<char, 32> text{};
     const auto size = ::pread(file, text.data(), text.size(), 0);
     return {text.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
 }
 
-/// A lock that is a link, or another program's file, is not written to.
+/// A link or another program's file is never written to.
 bool is_lock_file(int file) {
     struct stat status {};
     return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
@@ -43,7 +43,7 @@ profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds
     if (!is_writable && is_not_writable(errno)) {
         const int reason = errno;
         file_ = ::open(path.c_str(), O_RDONLY | flags);
-        // Where nobody has made a lock, nobody holds the profile.
+        // No lock file in a read-only profile: nobody holds it.
         if (file_ < 0 && errno == ENOENT) return;
         if (file_ < 0) errno = reason;
     }
@@ -68,7 +68,7 @@ profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds
     }
     const auto own = std::to_string(::getpid());
     if (is_writable && (::ftruncate(file_, 0) != 0 || ::pwrite(file_, own.data(), own.size(), 0) < 0)) {
-        // The number only serves the message above.
+        // Not needed for locking, only for the message above.
     }
 }
 

@@ -10,13 +10,13 @@
 
 namespace ostrevan::core {
 
-/// Every service that the player and its components offer, by class. Filled on the main thread before the first lookup from
-/// another one, never changed afterwards, so lookups take no lock.
+/// All services of the player and its components, by class. Filled on the main thread before the first lookup from another
+/// one and never changed afterwards, so lookups take no lock.
 class service_registry {
 public:
     explicit service_registry(component_guard::failure_sink on_failure = {}) : guard_(std::move(on_failure)) {}
 
-    /// The registry adds no reference: services live until the process ends or the session does.
+    /// Adds no reference: services live until the process or the session ends.
     void add(const nuv::guid& service_class, service_base& service) { services_[service_class].push_back(&service); }
 
     template <typename T>
@@ -28,8 +28,8 @@ public:
     /// Null past the end.
     [[nodiscard]] service_base* at(const nuv::guid& service_class, std::size_t index) const noexcept;
 
-    /// Calls `visit` with every service of one class, in the order of registration. One that throws is reported, and the
-    /// others are visited all the same; false then. `doing` completes "failed at".
+    /// Calls `visit` with every service of one class, in the order of registration. One that throws is reported and makes
+    /// the result false; the others are still visited. `doing` completes "failed at".
     template <typename T, typename Visitor>
     bool for_each(Visitor&& visit, const char* doing = "its work") const {
         bool all_well = true;
@@ -40,7 +40,7 @@ public:
         return all_well;
     }
 
-    /// For calls of what components have handed over besides services.
+    /// For calls of objects, other than services, that components have handed over.
     [[nodiscard]] const component_guard& guard() const noexcept { return guard_; }
 
 private:
