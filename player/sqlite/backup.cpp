@@ -44,7 +44,7 @@ std::string time_now() {
     return {text, std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &parts)};
 }
 
-/// What a file name says: STEM-20260131-081500-REASON.sqlite.
+/// The parts of a file name: STEM-20260131-081500-REASON.sqlite.
 struct copy_name {
     std::string name;
     std::string time;
@@ -70,8 +70,8 @@ std::vector<copy_name> copies_of(const fs::path& database) {
     return copies;
 }
 
-/// The oldest go, with what lies beside them. Copies of a later time were made by a wrong clock and count as the oldest, so
-/// that they never push out those of today. That this fails must not undo the copy just made.
+/// Removes the oldest copies and the files beside them. Copies dated in the future come from a wrong clock and count as the
+/// oldest, so that they never displace those of today. A failure here must not undo the new copy.
 void drop_old(const fs::path& database, const std::string& now, std::string_view reason) {
     auto copies = copies_of(database);
     std::erase_if(copies, [&](const copy_name& copy) { return copy.reason != reason; });
@@ -85,7 +85,8 @@ void drop_old(const fs::path& database, const std::string& now, std::string_view
                 fs::remove(path, ignored);
 }
 
-/// What a killed process left, logs of unfinished copies included: nobody else makes copies while this one has the profile.
+/// Removes what a killed process left, logs of unfinished copies included. Safe, since only the holder of the profile makes
+/// copies.
 void drop_unfinished(const fs::path& folder, const std::string& stem) {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(folder, ignored)) {
@@ -122,7 +123,7 @@ void copy_pages(const database& source, const fs::path& to) {
     if (!is_whole(raw)) fail(to, "the copy does not pass SQLite's check");
 }
 
-/// A copy under way, under a name that nobody takes for a whole one. Gone unless it was kept.
+/// A copy being made, under a temporary name. Removed unless it was kept.
 class unfinished_copy {
 public:
     explicit unfinished_copy(const fs::path& whole) : whole_(whole), part_(whole.string() + part_ending) {}
@@ -169,7 +170,7 @@ fs::path back_up(const database& source, std::string_view reason, const fs::path
     const auto now = time_now();
     const auto base = folder / (path.stem().string() + "-" + now + "-" + std::string(reason));
     const fs::path whole = base.string() + ".sqlite";
-    // The database comes last: where it stands, the set is complete.
+    // The database comes last: its presence marks a complete set.
     if (!beside.empty()) copy_beside(beside, base.string() + "." + beside.filename().string());
     unfinished_copy copy(whole);
     copy_pages(source, copy.path());

@@ -49,7 +49,7 @@ bool is_about_writing(int code) noexcept {
     return std::ranges::find(codes, code & 0xFF) != std::end(codes);
 }
 
-/// Nothing that lies in the file is trusted.
+/// Trusts nothing in the file.
 void harden(sqlite3* handle) {
     constexpr struct {
         int option, value;
@@ -110,7 +110,7 @@ bool statement::step() {
     const int code = sqlite3_step(handle_);
     if (code == SQLITE_ROW) return true;
     if (code != SQLITE_DONE) {
-        // The text of the failure is lost with the reset.
+        // The reset discards the text of the failure.
         struct resetter {
             statement& target;
             ~resetter() { target.reset(); }
@@ -160,12 +160,12 @@ database::database(std::string path, const format& expected) : path_(std::move(p
 
 database::~database() = default;
 
-/// What SQLite would fail at without saying why, wait for, or take for a new database.
+/// Checks for what SQLite would report without a reason, wait for, or take for a new database.
 void database::check_file() const {
     std::error_code failed;
     const auto status = fs::status(path_, failed);
     if (status.type() == fs::file_type::not_found) {
-        // SQLite would let everybody read it. The files beside it get the rights of the database.
+        // SQLite would make it readable for everybody. The files beside it get the mode of the database.
         constexpr mode_t user_only = 0600;
         const int made = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, user_only);
         if (made >= 0) ::close(made);
@@ -188,16 +188,16 @@ void database::open(const std::string& file, const format& expected) {
     sqlite3_busy_timeout(raw, lock_wait_ms);
     harden(raw);
 
-    // A file that is refused is not even tidied up on closing.
+    // A refused file must not change, not even by the checkpoint on closing.
     sqlite3_db_config(raw, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     check_header(expected);
     check_schema(expected);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
-    // Only now, since this writes into the header of a database that is not in WAL mode yet.
+    // Only after the checks: this writes into the header of a database that is not in WAL mode yet.
     execute("PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
 }
 
-/// For a file on a disk that is full or read-only: SQLite needs to write beside it even to read.
+/// For a file on a full or read-only disk: SQLite writes beside a database even to read it.
 void database::open_copy(const format& expected) {
     handle_.reset();
     copy_ = reading_copy::of(path_);
@@ -207,7 +207,7 @@ void database::open_copy(const format& expected) {
 }
 
 void database::check_header(const format& expected) {
-    // An empty file is what a process leaves that was killed before its first commit.
+    // A process killed before its first commit leaves an empty file.
     const auto is_empty = [&] {
         return query_integer("SELECT count(*) FROM sqlite_schema") == 0 && query_integer("PRAGMA user_version") == 0;
     };
@@ -231,7 +231,7 @@ void database::check_header(const format& expected) {
     if (version < expected.version) upgrade(version, expected);
 }
 
-/// Tables of another form, and above all triggers and views, are not ours: nothing of them may run.
+/// Refuses tables of another form, and above all triggers and views: nothing in them may run.
 void database::check_schema(const format& expected) {
     const auto found = schema_of(handle_.get());
     const auto wanted = schema_made_by(expected.schema);
@@ -279,7 +279,7 @@ std::int64_t database::last_insert_id() const noexcept { return sqlite3_last_ins
 std::int64_t database::changes() const noexcept { return sqlite3_changes64(handle_.get()); }
 
 void database::fail(int code) const {
-    // Nor is a file that turns out to be damaged later: closing would copy the log into it.
+    // Damage found later: closing must not checkpoint the log into the file.
     if ((code & 0xFF) == SQLITE_CORRUPT || (code & 0xFF) == SQLITE_NOTADB)
         sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     const bool is_current = handle_ && (sqlite3_extended_errcode(handle_.get()) & 0xFF) == (code & 0xFF);
@@ -290,7 +290,7 @@ void database::fail(int code) const {
 transaction::transaction(database& target) : target_(target) { target_.execute("BEGIN IMMEDIATE"); }
 
 transaction::~transaction() {
-    // A failed statement may have rolled back already; then there is nothing to do.
+    // A failed statement may have rolled back already; this then does nothing.
     if (open_) sqlite3_exec(target_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 

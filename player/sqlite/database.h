@@ -16,7 +16,7 @@ struct sqlite3_stmt;
 
 namespace ostrevan::sqlite {
 
-/// What SQLite refused, with the database's path and the way out in its text. `code()` is SQLite's extended result code.
+/// A failure of SQLite; the text names the database and the remedy. `code()` is SQLite's extended result code.
 class error : public std::runtime_error {
 public:
     error(int code, const std::string& text) : std::runtime_error(text), code_(code) {}
@@ -26,18 +26,18 @@ private:
     int code_;
 };
 
-/// What a database of this program says of itself in its header, and how an empty one is set up.
+/// How a database of this program is marked in its header, and how an empty one is set up.
 struct format {
     std::int32_t application_id;  ///< marks the file as ours
     std::int32_t version;         ///< `user_version`; a file with a higher one is refused
     const char* schema;           ///< statements that make the tables of an empty database
     const char* contents;         ///< what the user calls the contents, such as "library"
-    /// Statements that lead from each older version to the one after it, the first from version 1 to 2.
+    /// Statements that upgrade by one version each, the first from version 1 to 2.
     std::span<const char* const> upgrades{};
 };
 
 /// A prepared statement. Parameters count from 1 and columns from 0. Bound bytes and texts are not copied: they must live
-/// until the next `run`, or until the last `step`. Used by one thread at a time, and gone before its database.
+/// until the next `run`, or until the last `step`. Used by one thread at a time, destroyed before its database.
 class statement {
 public:
     statement() noexcept = default;
@@ -75,11 +75,11 @@ private:
 /// One connection to a database file. Used by one thread at a time. Not movable: its statements refer to it.
 class database {
 public:
-    /// Opens the file, or makes it, for its user only, when there is none. A file that is damaged, newer than this program,
-    /// another program's, changed by one or no database at all is left as it is: `error` says which, and what the user can
-    /// do. So is an empty file where copies of an earlier one are kept. An older one is put aside as a backup and brought up
-    /// to date. The database is in WAL mode and commits are durable. Where the file is there and cannot be written, a
-    /// private copy of it is opened for reading.
+    /// Opens the file, or creates it, private to its user. Throws `error` with the reason and the remedy, and leaves the
+    /// file unchanged, when it is damaged, newer than this program, altered by or belonging to another program, or no
+    /// database, and when it is empty although copies of an earlier one exist. An older format is backed up and upgraded.
+    /// The database is in WAL mode and commits are durable. A file that cannot be written is opened for reading, as a
+    /// private copy.
     database(std::string path, const format& expected);
     ~database();
     database(const database&) = delete;
@@ -89,19 +89,19 @@ public:
     /// Whether nothing can be written; attempts throw.
     [[nodiscard]] bool is_read_only() const noexcept { return copy_.has_value(); }
 
-    /// One or more statements without parameters whose rows do not matter.
+    /// Runs one or more statements without parameters and ignores their rows.
     void execute(const char* sql);
     [[nodiscard]] statement prepare(std::string_view sql) const;
-    /// First column of the first row, 0 without rows.
+    /// The first column of the first row, 0 without rows.
     [[nodiscard]] std::int64_t query_integer(std::string_view sql) const;
 
     [[nodiscard]] std::int64_t last_insert_id() const noexcept;
-    /// Rows changed by the last statement that changed any.
+    /// The number of rows changed by the last statement that changed any.
     [[nodiscard]] std::int64_t changes() const noexcept;
-    /// SQLite's own handle, for what this class does not offer.
+    /// For calls that this class does not offer.
     [[nodiscard]] sqlite3* handle() const noexcept { return handle_.get(); }
 
-    /// Throws `error` for a result code of a call on this connection.
+    /// Throws `error` for the result code of a call on this connection.
     [[noreturn]] void fail(int code) const;
 
 private:
@@ -121,7 +121,7 @@ private:
     std::unique_ptr<sqlite3, closer> handle_;
 };
 
-/// A write transaction. Dropped before `commit` it has no effect.
+/// A write transaction, rolled back unless committed.
 class transaction {
 public:
     /// Takes the write lock at once.

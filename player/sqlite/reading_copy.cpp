@@ -19,7 +19,7 @@ std::vector<std::string> temporary_folders() {
     return folders;
 }
 
-/// True as well when there is no such file, which the log need not be.
+/// Returns true when there is no such file: the log may be missing.
 bool copy_if_there(const std::string& from, const std::string& to) {
     std::error_code error;
     if (!fs::exists(from, error)) return !error;

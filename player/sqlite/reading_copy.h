@@ -6,11 +6,10 @@
 
 namespace ostrevan::sqlite {
 
-/// A copy of a database, with the log that belongs to it, in a temporary folder that only the user can read and that goes
-/// with the object.
+/// A copy of a database and its log in a private temporary folder, removed with the object.
 class reading_copy {
 public:
-    /// In the first temporary folder with enough room. None when the database cannot be read or is empty, or there is no
+    /// Uses the first temporary folder with enough room. Empty when the database cannot be read or is empty, or there is no
     /// room.
     static std::optional<reading_copy> of(const std::string& database);
 

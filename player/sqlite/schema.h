@@ -8,13 +8,13 @@ struct sqlite3;
 
 namespace ostrevan::sqlite {
 
-/// What a database consists of, such as "table records", and how each was made, without white space: a table that was
-/// changed step by step is the same as one that was made at once. What SQLite keeps for itself is left out.
+/// The parts of a database, such as "table records", and the statement that made each, without white space, so that tables
+/// changed step by step compare equal to those made at once. SQLite's own parts are left out.
 using schema = std::map<std::string, std::string>;
 
-/// None when it cannot be read.
+/// Empty when it cannot be read.
 std::optional<schema> schema_of(sqlite3* database);
-/// Of a new database after these statements.
+/// The schema of a new database after these statements.
 std::optional<schema> schema_made_by(const char* statements);
 
 }  // namespace ostrevan::sqlite
