@@ -13,8 +13,7 @@
 
 namespace ostrevan::index {
 
-/// Changes of records of one index in the order in which they were made. The bytes lie in one buffer, because a batch may
-/// hold a million of them.
+/// Changes of records of one index, in order. The bytes share one buffer, because a batch may hold a million of them.
 class change_list {
 public:
     struct change {
@@ -48,12 +47,12 @@ private:
     std::vector<std::byte> bytes_;
 };
 
-/// What is known of an index beside its records.
+/// An index without its records.
 struct catalog_entry {
     std::int64_t id = 0;  // its number inside the database, from 1
     nuv::guid guid;
     std::optional<std::uint64_t> retention;  // 100 ns; nothing when the index is not registered
-    std::string owner{};                     // the component that may register it; empty until one has
+    std::string owner{};                     // the component that may register it; empty until the first registration
 };
 
 /// Changed records of one index.

@@ -60,7 +60,7 @@ struct row {
     const change_list::change* change;
 };
 
-/// A batch often comes in the order of its unsigned keys, which is two ascending runs of signed ones.
+/// Batches often come sorted by unsigned key, which is two ascending runs of signed ones.
 void sort_runs(std::vector<row>& rows, auto projection) {
     const auto second = std::ranges::is_sorted_until(rows, {}, projection);
     const auto third = std::ranges::is_sorted_until(second, rows.end(), {}, projection);
@@ -68,7 +68,7 @@ void sort_runs(std::vector<row>& rows, auto projection) {
     else std::ranges::sort(rows, {}, projection);
 }
 
-/// The last change of every record, in the order of the table, which is twice as fast to write as any other.
+/// The last change of every record, in table order, which is twice as fast to write as any other.
 std::vector<row> final_rows(std::span<const index_job> jobs) {
     std::vector<row> rows;
     for (const index_job& job : jobs)
@@ -81,7 +81,7 @@ std::vector<row> final_rows(std::span<const index_job> jobs) {
     return rows;
 }
 
-/// Rows that one statement writes. The cost of running it is that of a row or two: a large batch takes half the time.
+/// Rows per statement. Running one costs as much as a row or two: large batches take half the time.
 constexpr std::size_t rows_of_block = 32;
 
 std::string put_statement(std::size_t rows) {
@@ -139,7 +139,7 @@ bool index_database::load(const std::function<bool(std::int64_t, const change_li
             if (!visit(entry.id, rows)) return false;
         }
     }
-    // Every page has been read by now: closing may tidy up.
+    // Every page has been read: the checkpoint on closing is safe now.
     checkpoint_on_close(database_, true);
     return true;
 }
@@ -149,7 +149,7 @@ void index_database::save(std::span<const index_job> jobs) {
     for (const index_job& job : jobs)
         if (const auto* entry = std::get_if<catalog_entry>(&job)) save_entry(*entry);
     save_records(jobs);
-    // A mark set late is a record kept longer: marks may come after changes that were made later.
+    // Marks may follow changes made after them: a late mark only keeps a record longer.
     for (const index_job& job : jobs)
         if (const auto* seen = std::get_if<seen_keys>(&job)) mark_seen(*seen);
     transaction.commit();

@@ -17,27 +17,27 @@
 
 namespace ostrevan::index {
 
-/// A mark may be so many seconds older than the moment at which the track was last seen.
+/// A mark may be this many seconds older than the last sight of the track.
 inline constexpr std::int64_t seen_slack = 24 * 60 * 60;
 
-/// The database file as the one thread that writes it sees it. Format: docs/file-formats.md. Throws sqlite::error.
+/// The database file for its one writing thread. Format: docs/file-formats.md. Throws sqlite::error.
 class index_database {
 public:
-    /// Opens or creates. Until all of a file has been read without error it is not written to, not even on closing.
+    /// Opens or creates the file. Writes nothing, not even on closing, until all of it has been read without error.
     index_database(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout);
 
     [[nodiscard]] std::vector<catalog_entry> catalog();
 
-    /// Hands over all records, a few thousand of one index at a time. Ends early when the visitor answers false, and
-    /// answers false then.
+    /// Passes all records to the visitor, a few thousand of one index at a time. Stops and returns false when the visitor
+    /// returns false.
     bool load(const std::function<bool(std::int64_t index_id, const change_list& rows)>& visit);
 
     [[nodiscard]] bool is_read_only() const noexcept { return database_.is_read_only(); }
     [[nodiscard]] const std::string& path() const noexcept { return database_.path(); }
 
-    /// Puts a copy of today aside if there is none and there are records. Throws std::runtime_error.
+    /// Makes a backup unless there is one from today or there are no records. Throws std::runtime_error.
     void back_up_once_a_day();
-    /// In one durable transaction.
+    /// Uses one durable transaction.
     void save(std::span<const index_job> jobs);
 
 private:
@@ -47,20 +47,20 @@ private:
 
     sqlite::database database_;
     sqlite::statement put_;
-    std::optional<sqlite::statement> put_block_;  // made when there is a block to write
+    std::optional<sqlite::statement> put_block_;  // made for the first block
     sqlite::statement erase_;
 };
 
-/// The same file for everyone else. Throws sqlite::error. [any-thread]
+/// The same file for all other threads. Throws sqlite::error. [any-thread]
 class index_reader {
 public:
     index_reader(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout);
 
     /// The size of the record, 0 when there is none. Copies what fits into the buffer.
     std::size_t read(std::int64_t index_id, std::uint64_t key, void* buffer, std::size_t capacity);
-    /// As `sqlite::back_up`, of what has been saved.
+    /// As `sqlite::back_up`, without changes not saved yet.
     std::filesystem::path back_up(std::string_view reason, const std::filesystem::path& beside);
-    /// Keys last seen before that time (seconds since 1970).
+    /// Keys last seen before `time` (seconds since 1970).
     std::vector<std::uint64_t> seen_before(std::int64_t index_id, std::int64_t time);
 
 private:

@@ -9,8 +9,8 @@ index_memory::index_memory(std::span<const catalog_entry> catalog) {
     for (const catalog_entry& entry : catalog) indexes_.push_back(std::make_unique<index>(index{entry, {}}));
 }
 
-/// Holds the lock for a bounded number of changes at a time. Growing the table counts as well: all its shards reach their
-/// limit at about the same time.
+/// Holds the lock for a bounded number of changes at a time. Moved records count as well, because all shards of a table
+/// grow at about the same time.
 template <typename Step>
 void index_memory::in_pieces(const change_list& list, Step step) {
     constexpr std::size_t piece = 4096;
@@ -98,7 +98,7 @@ void index_memory::update(catalog_entry entry) noexcept {
     changed.entry = std::move(entry);
 }
 
-/// The list itself is stable, but another thread may be adding to it.
+/// Entries are never removed, but another thread may be adding one.
 index_memory::index& index_memory::index_of(std::int64_t index_id) noexcept {
     const auto reading = lock_.read();
     return **std::ranges::find_if(indexes_, [&](const auto& each) { return each->entry.id == index_id; });

@@ -19,38 +19,38 @@
 
 namespace ostrevan::index {
 
-/// All indexes in memory. Reading is [any-thread] and never waits long: changes are applied in small pieces, and between
-/// two of them readers get their turn.
+/// All indexes in memory. Reading is [any-thread] and never waits long: changes are applied in small pieces, with the lock
+/// free between two of them.
 class index_memory {
 public:
-    /// What memory knows of a record. While the database is still being loaded, a record that is not found has to be looked
-    /// up there, in the index of that number. Two words, so that it is returned in registers.
+    /// The result of a read. While the database is being loaded, a record not in memory must be looked up there, under
+    /// `ask_index`. Two words, to be returned in registers.
     struct answer {
         std::size_t size = 0;
-        std::int64_t ask_index = 0;  // 0 when memory knows
+        std::int64_t ask_index = 0;  // 0 when the size is final
     };
 
     explicit index_memory(std::span<const catalog_entry> catalog);
 
     [[nodiscard]] answer read(const nuv::guid& guid, std::uint64_t key, void* buffer, std::size_t capacity) const noexcept;
 
-    /// Changes made by a commit. One thread at a time.
+    /// Applies the changes of a commit. One thread at a time.
     void apply(std::int64_t index_id, const change_list& list);
-    /// Rows found in the database; what has been written meanwhile is newer and stays.
+    /// Adds rows of the database; newer records written meanwhile stay.
     void add_loaded(std::int64_t index_id, const change_list& list);
-    /// All rows have been added: from now on memory knows everything.
+    /// All rows have been added: from now on reads are final.
     void finish_loading() noexcept;
 
     /// Sorted; sees each commit as a whole. All rows must have been loaded.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& guid) const;
 
-    /// The lowest keys from `first` on, sorted, at most so many. Costs little more than these.
+    /// At most `at_most` keys from `first` on, the lowest first. The cost is about that of these keys alone.
     [[nodiscard]] std::vector<std::uint64_t> keys_from(const nuv::guid& guid, std::uint64_t first,
                                                        std::size_t at_most) const;
 
     [[nodiscard]] std::vector<catalog_entry> catalog() const;
     [[nodiscard]] std::optional<catalog_entry> find(const nuv::guid& guid) const noexcept;
-    /// A new index, not registered. One thread at a time, as with `update`.
+    /// Adds an index that is not registered. One thread at a time, as with `update`.
     catalog_entry add(const nuv::guid& guid);
     void update(catalog_entry entry) noexcept;
 
@@ -60,11 +60,11 @@ private:
         record_table records;
     };
 
-    /// Compares in two steps instead of eleven.
+    /// For comparing in two steps instead of eleven.
     static std::array<std::uint64_t, 2> words_of(const nuv::guid& guid) noexcept {
         return std::bit_cast<std::array<std::uint64_t, 2>>(guid);
     }
-    /// The caller holds the lock, or is the only one that changes the list.
+    /// The caller holds the lock or is the only writer.
     [[nodiscard]] index* find_index(const nuv::guid& guid) const noexcept {
         const auto wanted = words_of(guid);
         for (const auto& each : indexes_)

@@ -34,12 +34,12 @@ struct index_store::state {
     const bool daily_copies;
     std::optional<std::int64_t> copied_on;  // day; the writer's thread only
     index_error_sink report;
-    std::atomic<bool> has_refused = false;  // a change that nobody has been told of by `flush` yet
+    std::atomic<bool> has_refused = false;  // a refused change, not reported by `flush` yet
     index_database database;                // the writer's thread only, once that runs
     index_reader reader;
     index_memory memory;
     write_gate gate;
-    std::mutex catalog_mutex;             // keeps memory and queue in the same order
+    std::mutex catalog_mutex;             // the order in memory and in the queue is the same
     std::optional<sqlite::error> damage;  // the writer's thread only
     index_writer writer;
 };
@@ -76,7 +76,7 @@ void index_store::state::save(std::span<const index_job> jobs) {
     database.save(jobs);
 }
 
-/// A change is not lost for want of a copy.
+/// A failed backup must not keep changes from being saved.
 void index_store::state::copy_before_first_change(std::span<const index_job> jobs) {
     constexpr std::int64_t seconds_per_day = 24 * 60 * 60;
     const auto changes_records = [](const index_job& job) { return std::holds_alternative<record_changes>(job); };
@@ -191,7 +191,7 @@ void index_store::register_index(const nuv::guid& index, std::uint64_t retention
             "The index {" + nuv::guid_text(index) + "} belongs to the component " + entry.owner + ", and " +
             std::string(owner) +
             " may not use it as its own. If this is the same component, give its file the old name again.");
-    // Nothing to save is nothing that the end of the program waits for.
+    // Without a job, the end of the program has nothing to wait for.
     if (entry.retention == retention_100ns && entry.owner == owner) return;
     entry.retention = retention_100ns;
     entry.owner = owner;
@@ -222,9 +222,9 @@ std::vector<std::uint64_t> index_store::old_keys(const nuv::guid& index, std::sp
     constexpr std::uint64_t units_per_second = 10'000'000;
     const auto entry = state_->memory.find(index);
     if (!entry || !entry->retention) return {};
-    // Rounded up: no record is taken for old too early.
+    // Rounded up, so that no record is dropped too early.
     const std::uint64_t seconds = *entry->retention / units_per_second + (*entry->retention % units_per_second != 0);
-    // The marks are on disk: everything has to be there first.
+    // The query reads marks from the disk: save everything first.
     state_->writer.wait_loaded();
     state_->writer.flush();
     auto old = state_->reader.seen_before(entry->id, now - static_cast<std::int64_t>(seconds) - seen_slack);
@@ -260,7 +260,7 @@ void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::sp
     auto list = std::ranges::find(changes_->lists, index, &std::pair<nuv::guid, change_list>::first);
     if (list == changes_->lists.end()) list = changes_->lists.insert(list, {index, change_list()});
     if (!data.empty()) return list->second.put(key, data);
-    changes_->store.writer.wait_loaded();  // what is erased before would be loaded again
+    changes_->store.writer.wait_loaded();  // or loading would bring the record back
     list->second.erase(key);
 }
 

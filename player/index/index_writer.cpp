@@ -50,7 +50,7 @@ bool index_writer::pending() const {
     return queued_ != loaded_target && done_ != queued_;
 }
 
-/// An attempt that was under way at the time of the call may have begun before room was made: its failure does not count.
+/// An attempt already under way does not count: it may have begun before disk space was freed.
 std::optional<std::string> index_writer::wait_for(std::uint64_t target) {
     std::unique_lock lock(mutex_);
     if (done_ >= target) return std::nullopt;

@@ -16,21 +16,21 @@
 
 namespace ostrevan::index {
 
-/// The one thread that uses the database. It first loads it, because nothing may be written to a file before all of it has
-/// been read without error; then it saves what is queued, everything queued at that moment at once. What fails is kept and
-/// tried again: with the next change, on request, and from time to time.
+/// The one thread that uses the database. It first loads all of it, since nothing may be written to a file not yet read
+/// without error. Then it saves whatever is queued, together. Failures are retried with the next change, on request, and
+/// from time to time.
 class index_writer {
 public:
     struct steps {
-        /// Answers false when it was stopped.
+        /// Returns false when it was stopped.
         std::function<bool(const std::stop_token&)> load;
         std::function<void(std::span<const index_job>)> save;
-        /// Called on the writer's thread, once for a row of failures. It must not wait for the writer.
+        /// Called on the writer's thread, once for a series of failures. It must not wait for the writer.
         std::function<void(const std::string&)> report;
     };
 
     index_writer(steps work, std::chrono::milliseconds retry_interval);
-    /// Saves what is queued if it can, and reports if not.
+    /// Saves what is queued, or reports the failure.
     ~index_writer();
 
     /// The jobs are saved together. [any-thread]
@@ -46,9 +46,9 @@ private:
     static constexpr std::uint64_t loaded_target = 1;
 
     void run(const std::stop_token& stop);
-    /// One attempt at the next step; false when there is nothing left to try.
+    /// Attempts the next step; returns false when there is nothing left to try.
     bool attempt(std::unique_lock<std::mutex>& lock, const std::stop_token& stop);
-    /// The failure that was met instead, if any.
+    /// Returns the failure, if any.
     std::optional<std::string> wait_for(std::uint64_t target);
 
     const steps work_;
@@ -58,14 +58,14 @@ private:
     std::condition_variable_any wake_;
     std::condition_variable done_changed_;
     std::vector<index_job> queue_;
-    std::uint64_t queued_ = loaded_target;  // steps asked for: loading is the first
+    std::uint64_t queued_ = loaded_target;  // requested steps; the first is loading
     std::uint64_t done_ = 0;
     bool urged_ = true;
     bool failing_ = false;
     std::uint64_t attempts_ = 0;
     std::uint64_t failed_attempt_ = 0;
     std::string failure_;
-    std::vector<index_job> saving_;  // the writer's own: taken from the queue and not yet on disk
+    std::vector<index_job> saving_;  // taken from the queue, not yet on disk; used by the writer only
 
     std::jthread thread_;
 };

@@ -8,10 +8,10 @@
 
 namespace ostrevan::index {
 
-/// A lock for data that is read all the time and rarely changed. Every reading thread takes a flag of its own on a cache
-/// line of its own, so readers never disturb each other; a writer takes all flags. Readers hold off while a writer wants in,
-/// and the next writer lets those go first that had to: neither side can keep the other out. Waiting means yielding, so
-/// either may hold the lock for a few hundred microseconds at most. It does not nest.
+/// A lock for data that is read often and changed rarely. Each reading thread has a flag on its own cache line, so readers
+/// never contend; a writer takes all flags. Readers wait while a writer wants the lock, and the next writer lets waiting
+/// readers go first, so that neither side starves. Waiting is yielding: hold the lock for a few hundred microseconds at
+/// most. It is not recursive.
 class reader_lock {
     struct alignas(128) slot {
         std::atomic<bool> taken{false};
@@ -55,7 +55,7 @@ public:
     [[nodiscard]] write_guard write() { return write_guard(*this); }
 
 private:
-    static constexpr std::size_t slot_count = 16;  // more threads than this share slots, which is slower but right
+    static constexpr std::size_t slot_count = 16;  // further threads share slots, which is slower but correct
 
     static bool try_take(std::atomic<bool>& flag) noexcept { return !flag.exchange(true, std::memory_order_acquire); }
 

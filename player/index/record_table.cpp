@@ -62,7 +62,7 @@ void record_table::shard::grow() {
     }
 }
 
-/// Closes the gap with the records behind it, so that no marks of removed records pile up.
+/// Moves later records up, so that removals leave no marks behind.
 void record_table::shard::erase_inline(std::uint64_t key) noexcept {
     if (capacity == 0) return;
     std::uint32_t gap = locate(key, hash_of(key));

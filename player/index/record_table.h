@@ -11,28 +11,26 @@
 
 namespace ostrevan::index {
 
-/// Records of one index in memory. Blobs of the usual size lie inside the table, those of other sizes are kept apart. A byte
-/// per slot, dense enough to stay in the processor's cache, tells where to look, so that finding a record costs one cache
-/// miss, and the processor can begin the next search before it is over. 256 shards, one for each first byte of the keys,
-/// grow on their own: where keys are spread like digests, no single insertion moves more than a 256th of the records. Going
-/// through the keys in order stays within one shard at a time. Not synchronised.
+/// Records of one index in memory. Records of the usual size are inside the table, others apart. One byte per slot, dense
+/// enough for the processor's cache, guides the search, so that a lookup costs one cache miss and lookups overlap. There
+/// are 256 shards, by the first byte of the key, that grow independently: with keys spread like digests, no insertion moves
+/// more than a 256th of the records, and a pass in key order takes one shard at a time. Not synchronised.
 class record_table {
 public:
     static constexpr std::size_t inline_size = 40;
     using bytes = std::span<const std::byte>;
 
-    /// Without data() when there is none; valid until the next change.
+    /// `data()` is null when there is none. Valid until the next change.
     [[nodiscard]] bytes find(std::uint64_t key) const noexcept;
 
-    /// Inserts or replaces. Answers how many other records had to be moved, which is what it costs beyond a few cache
-    /// misses.
+    /// Inserts or replaces. Returns how many other records had to be moved, the only cost beyond a few cache misses.
     std::size_t put(std::uint64_t key, bytes data);
     void erase(std::uint64_t key) noexcept;
 
     [[nodiscard]] static constexpr std::size_t shard_count() noexcept { return 256; }
-    /// The only shard that may hold the key. A higher key is in the same shard or in a later one.
+    /// The only shard that may hold the key. Higher keys are in this shard or a later one.
     [[nodiscard]] static constexpr std::size_t shard_of(std::uint64_t key) noexcept { return key >> 56; }
-    /// Appends the keys of one shard, in no order.
+    /// Appends the keys of one shard, unsorted.
     void append_keys(std::size_t shard_index, std::vector<std::uint64_t>& keys) const;
 
 private:
@@ -40,7 +38,7 @@ private:
         std::uint64_t key;
         std::array<std::byte, inline_size> data;
     };
-    /// With a byte in front, so that an empty record has an address.
+    /// With an extra byte in front, so that an empty record has an address.
     using odd_records = std::unordered_map<std::uint64_t, std::vector<std::byte>>;
     struct shard {
         std::unique_ptr<slot[]> slots;
@@ -49,14 +47,14 @@ private:
         std::uint32_t used = 0;
         std::unique_ptr<odd_records> odd;
 
-        /// Where the search for a key begins.
+        /// The slot at which the search for a key begins.
         [[nodiscard]] std::uint32_t home(std::uint64_t hash) const noexcept {
             return static_cast<std::uint32_t>((hash << 8 >> 32) * capacity >> 32);
         }
         [[nodiscard]] std::uint32_t after(std::uint32_t position) const noexcept {
             return position + 1 == capacity ? 0 : position + 1;
         }
-        /// The slot of the key, or the free slot where it belongs. Needs a free slot.
+        /// The slot of the key, or the free slot for it. Needs a free slot.
         [[nodiscard]] std::uint32_t locate(std::uint64_t key, std::uint64_t hash) const noexcept {
             const std::uint8_t tag = tag_of(hash);
             std::uint32_t position = home(hash);
@@ -67,7 +65,7 @@ private:
         void erase_inline(std::uint64_t key) noexcept;
     };
 
-    /// Spreads keys inside a shard that are no hashes, such as numbers counted up.
+    /// Spreads keys that are not hashes, such as consecutive numbers, within a shard.
     static std::uint64_t hash_of(std::uint64_t key) noexcept { return (key ^ key >> 32) * 0x9E3779B97F4A7C15ULL; }
     static std::uint8_t tag_of(std::uint64_t hash) noexcept {
         return std::max(static_cast<std::uint8_t>(hash >> 16), std::uint8_t{1});

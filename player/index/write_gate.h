@@ -8,11 +8,11 @@
 
 namespace ostrevan::index {
 
-/// Lets one writer in at a time, in the order in which they asked: a worker that writes one batch after another cannot keep
-/// the main thread out.
+/// Admits one writer at a time, in the order of their requests, so that a worker that writes batch after batch cannot keep
+/// the main thread waiting.
 class write_gate {
 public:
-    /// Being inside. Given up on the thread that entered.
+    /// Admission to the gate. Released on the thread that entered.
     class pass {
     public:
         explicit pass(write_gate& gate) noexcept : gate_(&gate) {}
@@ -25,7 +25,7 @@ public:
         write_gate* gate_;
     };
 
-    /// Waits for its turn. Throws std::logic_error when this thread is inside already, as it would wait for ever.
+    /// Waits for its turn. Throws std::logic_error when this thread is inside already: it would wait forever.
     [[nodiscard]] pass enter();
 
 private:
