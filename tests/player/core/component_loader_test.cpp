@@ -49,13 +49,5 @@ TEST_F(component_loading, goes_on_past_broken_components_naming_the_file_and_the
     EXPECT_EQ(module_of(typeid(*entry.service)), "whole.dll");
 }
 
-TEST_F(component_loading, of_a_folder_that_is_not_there_is_told) {
-    for (const std::string& folder : {testing::TempDir() + "no/such/folder", std::string()}) {
-        std::string told;
-        EXPECT_TRUE(load_components(folder, block_, [&](const std::string& message) { told = message; }).empty());
-        EXPECT_THAT(told, AllOf(HasSubstr(folder), HasSubstr("--components")));
-    }
-}
-
 }  // namespace
 }  // namespace ostrevan::core

@@ -334,17 +334,4 @@ TEST_F(media_library_test, refreshes_single_tracks_and_stores_those_of_the_libra
     EXPECT_EQ(listing(), "1.mp3:Uno\n");
 }
 
-TEST_F(media_library_test, keeps_playlists_in_order_with_repetitions) {
-    add_music();
-    const std::vector<ostrevan::playable_location> entries{{"/b\xFF", 2}, {"/a", 0}, {"/b\xFF", 2}};
-    EXPECT_TRUE(library_->playlists().create("Mix", entries));
-    EXPECT_FALSE(library_->playlists().create("Mix", {}));
-    auto& lists = reopen().playlists();
-    EXPECT_EQ(lists.entries("Mix"), entries);
-    EXPECT_EQ(lists.names(), std::vector<std::string>{"Mix"});
-    EXPECT_TRUE(lists.remove("Mix"));
-    EXPECT_FALSE(lists.remove("Mix"));
-    EXPECT_FALSE(lists.entries("Mix"));
-}
-
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <thread>
-#include <vector>
 
 #include "player/library/info_codec.h"
 
@@ -15,21 +14,6 @@ ostrevan::file_info info_of_length(double seconds) {
     ostrevan::file_info info;
     info.set_length(seconds);
     return info;
-}
-
-TEST(track_table, gives_all_threads_the_same_handle_for_one_location) {
-    track_table table;
-    std::vector<std::vector<track_ptr>> found(4);
-    {
-        std::vector<std::jthread> threads;
-        for (auto& mine : found)
-            threads.emplace_back([&] {
-                for (std::uint32_t i = 0; i < 2000; ++i) mine.push_back(table.obtain("/m/" + std::to_string(i / 4), i % 4));
-            });
-    }
-    for (const auto& mine : found) EXPECT_EQ(mine, found.front());
-    EXPECT_EQ(table.find("/m/7", 3), found.front()[31]);
-    EXPECT_FALSE(table.find("/m/7", 4));
 }
 
 TEST(track, shows_one_whole_snapshot_after_the_other_to_all_threads) {
