@@ -36,7 +36,7 @@ void check_installations(const std::vector<core::loaded_component>& components, 
     for_each_entry(components, [&](const core::loaded_component& component, const component_api::service_entry& entry) {
         if (entry.service_class != component_version::class_guid) return;
         auto& version = static_cast<component_version&>(*entry.service);
-        bool is_whole = true;  // a check that fails to run is told by itself
+        bool is_whole = true;  // a failure to run the check is reported by the guard
         core::component_guard(on_failure).call(version, "its installation check", [&] {
             is_whole = version.test_installation();
         });

@@ -10,14 +10,14 @@
 
 namespace ostrevan::app {
 
-/// Told what a component failed at; the rest go on.
+/// Receives what a component failed at; the others go on.
 using component_failure = std::function<void(const std::string& message)>;
 
 /// Adds the services and fields of components to the player's.
 void register_components(const std::vector<core::loaded_component>& components, core::service_registry& services,
                          titleformat::component_fields& fields);
 
-/// Asks each component whether it is installed as it must be.
+/// Lets each component check its own installation.
 void check_installations(const std::vector<core::loaded_component>& components, const component_failure& on_failure);
 
 /// Reads the components' settings, then runs the stages up to 30, the start-up notifications, and the stages from 40.

@@ -7,8 +7,8 @@
 
 namespace ostrevan::app {
 
-/// Passes changes of the library on to the components, and what other programs did to tags as an edit. Records of tracks
-/// that leave are kept for their whole time from then on, however long ago the library was last gone through.
+/// Passes changes of the library on to the components, and edits of tags by other programs too. The retention period of the
+/// records of removed tracks starts anew.
 class library_events final : public library::library_observer {
 public:
     library_events(services::tag_edit_news& news, const core::service_registry& services,

@@ -10,19 +10,19 @@
 
 namespace ostrevan::app {
 
-/// What the components made of one play.
+/// What the components say of one play.
 struct play_verdict {
-    /// At least one has said that it counted it.
+    /// At least one component counted it.
     bool is_counted = false;
     bool has_failed = false;
-    /// Why the others did not; empty texts for those that did.
+    /// Why the others did not count it; one text per component, empty for those that did.
     std::vector<std::string> reasons{};
 
     /// The reasons as one clause for the user.
     [[nodiscard]] std::string reason() const;
 };
 
-/// Tells every collector of a play, and `settled` what they said, when everything they have posted has run. [main-thread]
+/// Reports a play to every collector, and their verdict to `settled` once everything they posted has run. [main-thread]
 void tell_of_play(core::main_loop& loop, const core::service_registry& services, const metadb_handle_ptr& track,
                   std::function<void(const play_verdict&)> settled);
 

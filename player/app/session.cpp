@@ -67,11 +67,11 @@ session::session(const session_options& options, view::front_end& ui)
     register_components(components, services, fields);
     check_installations(components, report_now);
     start_components(components, services, report_now);
-    // What the process before was killed at. That they are told of some a second time changes nothing.
+    // Edits an earlier process was killed at. Reporting some of them twice does no harm.
     news_.tell(library.unfinished_edits());
 }
 
-/// Those that the player itself does not use. Services of one class are asked in the order of this list.
+/// Services that the player itself does not use. Several of one class are asked in this order.
 void session::offer_services() {
     const auto print_line = [this](const std::string& line) { ui_.print_line(line); };
     core::offer<services::configuration_store_impl>(services, file("configuration.json"));
@@ -106,7 +106,7 @@ session::~session() {
         player_.begin_shutdown();
         end_components(components, services, [this](const std::string& message) { report(message); });
         save();
-        bool all_followed = news_.all_told() && !records_.is_read_only();  // nothing can have followed then
+        bool all_followed = news_.all_told() && !records_.is_read_only();  // a read-only index takes no changes
         services.for_each<tag_edit_callback>([&](tag_edit_callback& callback) {
             if (const auto outcome = query_service<tag_edit_outcome>(callback)) all_followed &= outcome->all_followed();
         });
@@ -128,7 +128,7 @@ void session::report_later(const std::string& message) {
 
 void session::publish_rewritten(const std::vector<services::tag_rewrite>& files) {
     std::vector<tag_edit> edits;
-    std::vector<metadb_info_ptr> cached;  // keeps what the edits point to
+    std::vector<metadb_info_ptr> cached;  // owns what the edits point to
     std::vector<library::track_ptr> changed;
     for (const auto& file : files) {
         cached.push_back(file.track->info());

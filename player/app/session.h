@@ -27,36 +27,35 @@ struct session_options {
     bool quiet = false;
 };
 
-/// One run of the player on one profile: everything it is made of, from the lock on the profile to the loaded components,
-/// in the order in which it is made; destroyed in the opposite one. Made, used and destroyed on the main thread; one in a
-/// process.
+/// One run of the player on one profile, from the profile lock to the loaded components, in the order of construction.
+/// Made, used and destroyed on the main thread; one per process.
 class session {
 public:
-    /// Opens the profile and starts the components. Throws with a message for the user when the profile cannot be used;
-    /// nothing in it is changed then. A component that cannot be loaded is reported to the front end and left out.
+    /// Opens the profile and starts the components. Throws with a message for the user, and changes nothing, when the
+    /// profile cannot be used. A component that cannot be loaded is reported to the front end and left out.
     session(const session_options& options, view::front_end& ui);
     /// Ends the components and closes the profile.
     ~session();
     session(const session&) = delete;
     session& operator=(const session&) = delete;
 
-    /// Runs the loop until nothing is left to do: nothing posted, no worker, no tag update, no question open.
+    /// Runs the loop until nothing is left to do: no posted work, worker, tag update or open question.
     void run_until_idle() { loop.run_until_idle(); }
-    /// Returns when everything the components have stored is on disk; throws when that cannot be had.
+    /// Waits until all statistics are on disk; throws when they cannot be saved.
     void save() { records_.flush(); }
-    /// Throws when the profile can only be read, so that statistics could not follow an edit of tags.
+    /// Throws when the profile is read-only: statistics could not follow an edit of tags.
     void require_writable() const;
     /// Marks the records of all tracks of the library as seen now.
     void mark_library_seen();
-    /// What `index_manager_impl::drop` may drop when the user wants it.
+    /// The records that `index_manager_impl::drop` may remove at the user's request.
     [[nodiscard]] std::vector<services::index_manager_impl::old_records> old_records() const;
-    /// Every index that has ever had a record.
+    /// Every index that ever held a record.
     [[nodiscard]] std::vector<nuv::guid> stored_indexes() const { return records_.indexes(); }
 
 private:
     [[nodiscard]] std::string file(const char* name) const { return profile_ + "/" + name; }
     void report(const std::string& message);
-    /// For failures on any thread.
+    /// Reports a failure. [any-thread]
     void report_later(const std::string& message);
     void publish_rewritten(const std::vector<services::tag_rewrite>& files);
     [[nodiscard]] metadb_handle_list library_handles() const;

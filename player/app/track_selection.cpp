@@ -16,13 +16,13 @@
 namespace ostrevan::app {
 namespace {
 
-/// The items of the library are in order of their paths; these are those of one file.
+/// The items of one file; `items` is sorted by path.
 auto items_of_file(const std::vector<library::track_ptr>& items, const std::string& path) {
     return std::ranges::equal_range(
         items, path, {}, [](const library::track_ptr& track) -> const std::string& { return track->location().path; });
 }
 
-/// Told of what is left out.
+/// Receives what is left out.
 using problem_sink = std::function<void(const std::string& message)>;
 
 void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,
@@ -58,7 +58,7 @@ void append_tracks_at(session& player, const std::string& place, std::vector<met
     if (out.size() == before) throw std::runtime_error(place + " has no such part.");
 }
 
-/// The picture and the booklet of an album, which `album/*` names as well.
+/// Covers and booklets, which `album/*` matches as well.
 bool is_no_audio(const std::string& place) {
     const auto path = library::parse_location(place).path;
     std::error_code error;

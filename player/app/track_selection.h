@@ -7,20 +7,20 @@
 
 namespace ostrevan::app {
 
-/// The tracks of the library that a query matches, as the search of the library finds them.
+/// The tracks of the library that match a query.
 metadb_handle_list find_tracks(session& player, const std::string& query);
 
-/// What stands at the places that a user names.
+/// The tracks at places named by the user.
 struct selection {
     metadb_handle_list tracks{};
-    /// Files that are none of ours by their names, such as a cover.
+    /// Files that are not audio by their names, such as covers.
     std::vector<std::string> no_audio{};
-    /// What is not there or cannot be read, a sentence each that names it.
+    /// One sentence for each place that is missing or cannot be read.
     std::vector<std::string> problems{};
 };
 
-/// The tracks at these places: a file, one subsong, all subsongs of a CUE sheet, or everything below a folder in the order
-/// of listening. What is not in the library is read from the disk.
+/// A place is a file, one subsong, all subsongs of a CUE sheet, or a folder, whose tracks come in listening order. Tracks
+/// outside the library are read from the disk.
 selection tracks_at(session& player, const std::vector<std::string>& places);
 
 }  // namespace ostrevan::app
