@@ -34,7 +34,7 @@ bool run_node(const program& compiled, const node& self, const field_source& fie
     return false;
 }
 
-/// Drops what exceeds the limit, together with a character that would be cut in two. True when there is no room for more.
+/// Drops what exceeds the limit, and any character cut in two. Returns true when there is no room for more.
 bool limit(std::string& out, std::size_t start) {
     if (out.size() - start <= script::max_result) return false;
     std::size_t end = start + script::max_result;

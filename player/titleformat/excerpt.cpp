@@ -12,7 +12,7 @@ constexpr std::size_t characters_around = 50;
 constexpr std::string_view indent = "\n  ";
 constexpr std::string_view cut = "...";
 
-/// Start of the character that lies up to `characters_around` characters before a place.
+/// Start of the character up to `characters_around` characters before a place.
 std::size_t start_before(std::string_view text, std::size_t position) {
     for (std::size_t steps = 0; steps < characters_around && position > 0; ++steps) {
         do --position;
@@ -21,7 +21,7 @@ std::size_t start_before(std::string_view text, std::size_t position) {
     return position;
 }
 
-/// Appends what a terminal can show and returns the columns it takes.
+/// Appends text safe for a terminal and returns the columns it takes.
 std::size_t append_printable(std::string& out, std::string_view text) {
     std::size_t columns = 0;
     while (!text.empty()) {

@@ -6,8 +6,8 @@
 
 namespace ostrevan::titleformat {
 
-/// Two indented lines, to be printed below a message: the text around a place in it, and a caret under that place.
-/// `position` is in bytes and may be the end of the text. Control characters and malformed bytes are not passed on.
+/// Two indented lines to print below a message: the text around a place, and a caret under that place. `position` is in
+/// bytes and may be the end of the text. Control characters and malformed bytes are replaced.
 [[nodiscard]] std::string point_at(std::string_view text, std::size_t position);
 
 }  // namespace ostrevan::titleformat

@@ -13,8 +13,8 @@ namespace ostrevan::titleformat {
 
 struct node;
 
-/// One call of a function while a script runs. Arguments are evaluated when they are asked for, so a branch that is not
-/// taken costs nothing; asking twice evaluates twice. An index out of range is a programming error.
+/// One call of a function while a script runs. Arguments are evaluated on demand, so a branch not taken costs nothing;
+/// asking twice evaluates twice. An index out of range is a programming error.
 class call {
 public:
     call(const program& compiled, const node& self, const field_source& fields, std::string& target) noexcept
@@ -22,17 +22,17 @@ public:
 
     [[nodiscard]] std::size_t size() const noexcept;
 
-    /// Appends the text of an argument to `out`; true when a field in it was found.
+    /// Appends the text of an argument to `out`; returns whether a field in it was found.
     bool append(std::size_t index);
-    /// The foundness alone.
+    /// As `append`, without the text.
     bool test(std::size_t index);
     [[nodiscard]] std::string text(std::size_t index);
     /// The integer at the start of an argument's text, 0 without one.
     [[nodiscard]] std::int64_t number(std::size_t index);
-    /// A number of characters: negative ones are 0, and none exceeds what a result can hold.
+    /// A number of characters, at least 0 and at most the size limit of a result.
     [[nodiscard]] std::size_t length(std::size_t index);
 
-    /// Some argument evaluated so far was found.
+    /// Whether some argument evaluated so far was found.
     [[nodiscard]] bool found() const noexcept { return found_; }
 
     std::string& out;
@@ -50,7 +50,7 @@ struct function {
     std::string_view name;
     std::size_t fewest = 0;
     std::size_t most = 0;
-    /// Appends the result to `out` of the call; the return value is its foundness.
+    /// Appends the result to `out` of the call; returns whether it counts as found.
     bool (*body)(call&) = nullptr;
 };
 
@@ -59,7 +59,7 @@ struct function {
 [[nodiscard]] std::span<const function> text_functions() noexcept;
 [[nodiscard]] std::span<const function> part_functions() noexcept;
 
-/// Without regard to ASCII case; null when there is no such function.
+/// Ignores ASCII case; null when there is no such function.
 [[nodiscard]] const function* find_function(std::string_view name) noexcept;
 
 }  // namespace ostrevan::titleformat

@@ -3,13 +3,13 @@
 #include "player/titleformat/function.h"
 #include "player/titleformat/unicode.h"
 
-// A condition is an argument's foundness, its text does not matter. What chooses between branches answers with the branch
-// and its foundness; what only decides answers with no text.
+// A condition is whether its argument was found; the text does not matter. A function that selects a branch returns that
+// branch and whether it was found. One that only tests returns no text.
 namespace ostrevan::titleformat {
 
 namespace {
 
-/// The argument at `then` or the one behind it, which may be left out.
+/// The argument at `then` or the next one, which is optional.
 bool branch(call& c, bool condition, std::size_t then) {
     const std::size_t index = condition ? then : then + 1;
     return index < c.size() && c.append(index);

@@ -3,7 +3,7 @@
 
 #include "player/titleformat/function.h"
 
-// Integers of 64 bits. A result beyond them becomes the nearest number that fits.
+// Arithmetic on 64-bit integers, saturating.
 namespace ostrevan::titleformat {
 
 namespace {
@@ -40,7 +40,7 @@ bool over_all(call& c) {
     return c.found();
 }
 
-/// Nothing can be shown for a division by zero, so it is not found either and takes its section with it.
+/// A division by zero is not found, so that its section disappears.
 bool divide(call& c) {
     const auto dividend = c.number(0), divisor = c.number(1);
     if (divisor == 0) return false;

@@ -4,7 +4,7 @@
 #include "player/titleformat/function.h"
 #include "player/titleformat/unicode.h"
 
-// Functions that take a text apart. Places and lengths are in characters.
+// Functions for parts of a text. Positions and lengths are in characters.
 namespace ostrevan::titleformat {
 
 namespace {
@@ -27,7 +27,7 @@ bool right_part(call& c) {
     return c.found();
 }
 
-/// Both ends are counted from 1 and belong to the result.
+/// Both ends count from 1 and are included.
 bool part_between(call& c) {
     const std::string text = c.text(0);
     const std::size_t from = std::max<std::size_t>(c.length(1), 1), to = c.length(2);

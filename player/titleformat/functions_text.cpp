@@ -4,7 +4,7 @@
 #include "player/titleformat/function.h"
 #include "player/titleformat/unicode.h"
 
-// Functions that change letters or put text together. Lengths are in characters.
+// Functions that change or combine texts. Lengths are in characters.
 namespace ostrevan::titleformat {
 
 namespace {
@@ -43,7 +43,7 @@ bool initials(call& c) {
     return c.found();
 }
 
-/// What fills a text of the first argument up to the width of the second: the first character of the third, or blanks.
+/// The padding of the first argument to the width of the second, made of the first character of the third, or blanks.
 std::string filling(call& c, std::string_view text) {
     const std::size_t have = count_characters(text), width = c.length(1);
     const std::string given = c.size() > 2 ? c.text(2) : " ";

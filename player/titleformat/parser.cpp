@@ -10,7 +10,7 @@ namespace ostrevan::titleformat {
 
 namespace {
 
-/// Keeps both reading and running within a small stack, whatever the script.
+/// Bounds the stack of parsing and of running.
 constexpr std::size_t max_depth = 200;
 constexpr std::size_t max_source = 1024 * 1024;
 
@@ -71,7 +71,7 @@ private:
         close(index);
     }
 
-    /// Literal text next to literal text makes one node.
+    /// Joins adjacent literal texts into one node.
     void literal(std::string_view text) {
         if (text_open_) {
             program_.texts += text;
@@ -82,9 +82,9 @@ private:
         text_open_ = true;
     }
 
-    /// Reads up to what ends this place, and leaves that unread.
+    /// Reads up to the end of this place, without taking it.
     void content(place where) {
-        // Parentheses in an argument's literal text belong to it as long as they come in pairs.
+        // Paired parentheses in the literal text of an argument belong to the text.
         std::size_t parentheses = 0;
         while (!at_end()) {
             const char c = source_[position_];

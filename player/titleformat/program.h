@@ -11,10 +11,10 @@ struct function;
 
 enum class node_kind : std::uint8_t { sequence, section, text, field, call };
 
-/// Nodes stand in the order of the script, each directly followed by what it contains. An argument of a call is a sequence.
+/// Nodes are in script order, each directly followed by its content. An argument of a call is a sequence.
 struct node {
     node_kind kind = node_kind::sequence;
-    /// Index of the first node behind this one and its content.
+    /// Index of the first node after this one and its content.
     std::uint32_t end = 0;
     /// Text, field: place in `program::texts`, in bytes. Call: place in `program::arguments`.
     std::uint32_t first = 0;
@@ -25,9 +25,9 @@ struct node {
 struct program {
     /// The whole script is node 0, a sequence.
     std::vector<node> nodes;
-    /// Node indices of the arguments of all calls, those of one call side by side.
+    /// Node indices of the arguments of all calls, those of one call in a row.
     std::vector<std::uint32_t> arguments;
-    /// Literal texts and field names one after the other.
+    /// All literal texts and field names, joined.
     std::string texts;
 
     [[nodiscard]] std::string_view text_of(const node& item) const noexcept {

@@ -10,18 +10,18 @@
 
 namespace ostrevan::titleformat {
 
-/// Where a script finds the values of one track.
+/// The fields of one track, for a script.
 class field_source {
 public:
     virtual ~field_source() = default;
 
-    /// Appends the text of a field to `out` and tells whether the track has that field. The two are independent: a field may
-    /// write "N/A" and yet not be found. `name` stands without percent signs, its ASCII letters in lower case; it is valid
-    /// during the call only.
+    /// Appends the text of a field to `out` and returns whether the track has that field. The two are independent: a field
+    /// may write "N/A" and still not be found. `name` has no percent signs and lower-case ASCII letters; it is valid during
+    /// the call only.
     virtual bool field(std::string_view name, std::string& out) const = 0;
 
-    /// The number to sort by in place of the field's text, 0 when the track has none; nothing when the text serves. `name`
-    /// as above.
+    /// The number to sort by instead of the text, 0 when the track has none; empty when sorting by the text. `name` as
+    /// above.
     [[nodiscard]] virtual std::optional<std::uint64_t> sort_value(std::string_view /*name*/) const { return std::nullopt; }
 
 protected:
@@ -32,28 +32,28 @@ protected:
 
 struct result {
     std::string text;
-    /// At least one of the fields that went into the text was found.
+    /// At least one field used in the text was found.
     bool found = false;
 };
 
 struct program;
 
-/// A compiled script: immutable, cheap to copy, and usable from any number of threads at once.
-/// A result never grows beyond `max_result` bytes; what would follow is left out.
+/// A compiled script: immutable, cheap to copy, usable from any number of threads at once. A result is cut at `max_result`
+/// bytes.
 class script {
 public:
     static constexpr std::size_t max_result = 256 * 1024;
 
-    /// Passes on what the source throws, and throws nothing else but `std::bad_alloc`.
+    /// Throws what the source throws, and otherwise only `std::bad_alloc`.
     [[nodiscard]] result run(const field_source& fields) const;
 
-    /// Appends to `out`, so that a caller with many tracks keeps one buffer. Returns whether a field was found.
+    /// Appends to `out`, so that one buffer serves many tracks. Returns whether a field was found.
     bool run(const field_source& fields, std::string& out) const;
 
-    /// False for a script that gives the same text for every track.
+    /// False when the text is the same for every track.
     [[nodiscard]] bool reads_fields() const noexcept;
 
-    /// The name of the field that is the whole script, if that is so. Lives as long as the script.
+    /// The name of the field when the script is nothing else. Lives as long as the script.
     [[nodiscard]] std::optional<std::string_view> only_field() const noexcept;
 
 private:
@@ -68,7 +68,7 @@ class script_error : public std::runtime_error {
 public:
     script_error(std::string reason, std::string_view source, std::size_t position);
 
-    /// One line without the place.
+    /// One line, without the place.
     [[nodiscard]] const std::string& reason() const noexcept { return reason_; }
     /// Bytes from the start of the script.
     [[nodiscard]] std::size_t position() const noexcept { return position_; }

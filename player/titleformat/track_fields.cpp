@@ -75,7 +75,7 @@ constexpr auto info_fields = std::to_array<named<from_info>>({
     {"channels", [](const file_info& i) { return number(i.channels); }},
 });
 
-/// Tags that stand in for one that is absent, in the order in which they are tried.
+/// Substitutes for an absent tag, in the order in which they are tried.
 struct substitution {
     std::string_view name;
     std::array<std::string_view, 4> tags;
@@ -103,8 +103,8 @@ auto find_named(const Table& table, std::string_view name) {
     return it;
 }
 
-/// One component's field of one track while it is being asked for, on this thread. A field may format others on its way, and
-/// through them itself.
+/// One component's field of one track during its evaluation on this thread. A field may evaluate others, and through them
+/// itself.
 class field_in_work {
 public:
     field_in_work(const component_fields::entry& field, const metadb_handle& track)
@@ -120,7 +120,7 @@ public:
     field_in_work& operator=(const field_in_work&) = delete;
 
 private:
-    static constexpr std::size_t max_depth = 32;  // fields that lead from track to track without end
+    static constexpr std::size_t max_depth = 32;  // stops a chain from track to track
     static inline thread_local const field_in_work* innermost = nullptr;
 
     const component_fields::entry& field_;
@@ -133,7 +133,7 @@ private:
 void component_fields::report(std::string_view name, const entry& failed) const {
     {
         const std::lock_guard lock(mutex_);
-        if (!reported_.emplace(name).second) return;  // not for each of a hundred thousand tracks
+        if (!reported_.emplace(name).second) return;  // once, not for every track
     }
     if (on_failure_) on_failure_(*failed.provider, "the field %" + std::string(name) + "%");
 }
@@ -192,7 +192,7 @@ bool track_fields::field(std::string_view name, std::string& out) const {
     }
     if (append_tag(info, name, out)) return true;
     if (name != "title") return false;
-    out += without_extension(file_of(track_.location().path));  // an untagged file goes by its name
+    out += without_extension(file_of(track_.location().path));  // an untagged file is shown by its name
     return true;
 }
 

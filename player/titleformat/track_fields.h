@@ -12,24 +12,24 @@
 
 namespace ostrevan::titleformat {
 
-/// The fields that components publish, by name. Filled while the player starts; read from any thread afterwards.
+/// The fields of the components, by name. Filled at start; read from any thread afterwards.
 class component_fields {
 public:
     struct entry {
         field_provider* provider;
         std::size_t index;
     };
-    /// Told once of a field that throws, inside the handler; `doing` names the field. [any-thread]
+    /// Receives the first failure of each field, inside the handler; `doing` names the field. [any-thread]
     using failure_sink = std::function<void(const field_provider& provider, const std::string& doing)>;
 
     explicit component_fields(failure_sink on_failure = {}) : on_failure_(std::move(on_failure)) {}
 
-    /// The first provider of a name keeps it.
+    /// The first provider of a name wins.
     void add(field_provider& provider);
     [[nodiscard]] const entry* find(std::string_view name) const noexcept;
     [[nodiscard]] const std::unordered_map<std::string, entry>& all() const noexcept { return entries_; }
 
-    /// Inside the handler of what a field has thrown.
+    /// Called inside the handler of the exception.
     void report(std::string_view name, const entry& failed) const;
 
 private:
@@ -39,9 +39,9 @@ private:
     mutable std::set<std::string, std::less<>> reported_;
 };
 
-/// The fields of one track, for one run of a script: first those of components, then what the player derives from the
-/// location and the sound (`path`, `length`, ...), then the tags. Several values of a tag are joined by ", ". A component's
-/// field that throws, or that needs its own text of the same track, is one that the track does not have.
+/// The fields of one track: first those of components, then those the player derives from the location and the sound
+/// (`path`, `length`, ...), then the tags. Several values of a tag are joined by ", ". A component's field that throws or
+/// depends on itself for the same track counts as missing.
 class track_fields final : public field_source {
 public:
     track_fields(const component_fields& published, metadb_handle& track)

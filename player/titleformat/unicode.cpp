@@ -54,7 +54,7 @@ std::int32_t lower_of(std::int32_t code) noexcept {
 }
 
 std::int32_t fold_of(std::int32_t code) noexcept {
-    // The way over upper case brings together what lower case keeps apart, such as the two small sigmas.
+    // Folding by way of upper case unites letters that differ in lower case, such as the two small sigmas.
     return is_ascii(code) ? lower_of(code) : utf8proc_tolower(utf8proc_toupper(code));
 }
 
@@ -74,7 +74,7 @@ std::size_t columns_of(std::int32_t code) noexcept {
 
 void append_folded(std::string& out, std::string_view text) {
     while (!text.empty()) {
-        // Whole runs of ASCII at once: searches and sorting fold every text of a library.
+        // Takes runs of ASCII whole: searches and sorting fold every text of a library.
         const auto run_end = std::ranges::find_if(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
         const auto run = static_cast<std::size_t>(run_end - text.begin());
         const auto start = out.size();

@@ -7,7 +7,7 @@
 
 namespace ostrevan::titleformat {
 
-/// One Unicode code point in UTF-8 text. A byte that belongs to no valid one is a character of its own, without a code.
+/// One code point of a UTF-8 text. A malformed byte is a character without a code.
 struct character {
     static constexpr std::int32_t malformed = -1;
 
@@ -15,20 +15,20 @@ struct character {
     std::size_t length = 1;
 };
 
-/// `text` is not empty.
+/// `text` must not be empty.
 [[nodiscard]] character first_character(std::string_view text) noexcept;
 
 [[nodiscard]] std::size_t count_characters(std::string_view text) noexcept;
 /// The first `count` characters, or the whole text when it has fewer.
 [[nodiscard]] std::string_view first_characters(std::string_view text, std::size_t count) noexcept;
 
-/// Appends nothing for a number that is no Unicode scalar value.
+/// Appends nothing for a number that is not a Unicode scalar value.
 void append_character(std::string& out, std::int32_t code);
 
-/// One character to one character, as in Unicode's simple mappings.
+/// Maps one character to one, as Unicode's simple mappings.
 [[nodiscard]] std::int32_t upper_of(std::int32_t code) noexcept;
 [[nodiscard]] std::int32_t lower_of(std::int32_t code) noexcept;
-/// Letters that differ in nothing but case become the same one.
+/// Letters that differ only in case map to the same code.
 [[nodiscard]] std::int32_t fold_of(std::int32_t code) noexcept;
 
 [[nodiscard]] bool is_blank(std::int32_t code) noexcept;
@@ -37,7 +37,7 @@ void append_character(std::string& out, std::int32_t code);
 /// Columns on a terminal: 0, 1 or 2.
 [[nodiscard]] std::size_t columns_of(std::int32_t code) noexcept;
 
-/// Appends each character through `map`; malformed bytes stay as they are.
+/// Appends each character mapped; malformed bytes are kept.
 template <typename Map>
 void append_mapped(std::string& out, std::string_view text, Map map) {
     while (!text.empty()) {
