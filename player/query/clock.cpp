@@ -32,7 +32,7 @@ query_clock query_clock::local_at(sys_seconds moment) {
     const auto before = offset_at(moment - longer_than_any_change);
     const auto set_back = before - offset_at(moment);
     const auto now = shown_at(moment);
-    // For as long as it takes to show the same times again.
+    // After a clock is set back, the same times are shown again for as long as the change.
     const bool is_showing_again = set_back > seconds{0} && offset_at(moment - set_back) == before;
     return {now, is_showing_again ? now + set_back : now, moment};
 }

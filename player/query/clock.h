@@ -9,20 +9,19 @@
 
 namespace ostrevan::query {
 
-/// The moment that `DURING LAST` counts back from, as a clock on the wall shows it. One clock serves a whole search, so that
-/// all tracks are judged alike. Immutable.
+/// The moment from which `DURING LAST` counts back, as wall-clock time. One clock serves a whole search, so that all tracks
+/// are judged alike. Immutable.
 class query_clock {
 public:
-    /// A clock that nobody ever sets forward or back, from `YYYY-MM-DD HH:MM:SS`; throws `std::invalid_argument` for another
-    /// form.
+    /// A clock without changes of the offset, from `YYYY-MM-DD HH:MM:SS`; throws `std::invalid_argument` for another form.
     [[nodiscard]] static query_clock at(std::string_view text);
-    /// The clock of the system's time zone at a moment.
+    /// The clock of the system's time zone at `moment`.
     [[nodiscard]] static query_clock local_at(std::chrono::sys_seconds moment);
 
     [[nodiscard]] local_time now() const noexcept { return now_; }
-    /// What it showed so many seconds ago.
+    /// The wall-clock time `seconds` ago.
     [[nodiscard]] local_time ago(std::int64_t seconds) const;
-    /// The latest that it has shown up to now: more than `now` for a while after it was set back.
+    /// The latest time shown up to now: later than `now` for a while after the clock was set back.
     [[nodiscard]] local_time latest() const noexcept { return latest_; }
 
 private:

@@ -10,23 +10,22 @@
 
 namespace ostrevan::query {
 
-/// One track under examination.
+/// The track being tested.
 struct examined {
     const titleformat::field_source& fields;
     const query_clock& clock;
-    /// Working space, so that a search through a library does not allocate for each track. Its content lasts until the next
-    /// condition.
+    /// Scratch space, so that a search does not allocate for each track. Valid until the next condition.
     std::string& text;
     std::string& folded;
 
-    /// Puts the script's text into `text`; true when it was found.
+    /// Runs the script into `text`; returns whether it was found.
     bool read(const titleformat::script& script) const {
         text.clear();
         return script.run(fields, text);
     }
 };
 
-/// A test that a track passes or not. Immutable.
+/// A test of a track. Immutable.
 class condition {
 public:
     virtual ~condition() = default;
@@ -45,21 +44,21 @@ enum class time_test { before, after, since, during };
 
 [[nodiscard]] condition_ptr everything();
 [[nodiscard]] condition_ptr negation(condition_ptr inner);
-/// Of a single one: that one.
+/// A single condition is returned unchanged.
 [[nodiscard]] condition_ptr all_of(std::vector<condition_ptr> conditions);
 [[nodiscard]] condition_ptr any_of(std::vector<condition_ptr> conditions);
 
-/// In all that follow, a script that is not found does not match.
+/// From here on, a script that is not found does not match.
 [[nodiscard]] condition_ptr present(titleformat::script left);
-/// Letters match without regard to case and to how accents are encoded.
+/// Ignores case and the encoding of accents.
 [[nodiscard]] condition_ptr compare_text(titleformat::script left, text_test test, std::string_view right);
-/// What people search by (artists, album, title, composer, genre, date, name of the file) contains this text.
+/// Whether a field that people search by contains the text: artists, album, title, composer, genre, date, file name.
 [[nodiscard]] condition_ptr mentions(std::string_view text);
 /// Text that does not start with a number does not match.
 [[nodiscard]] condition_ptr compare_number(titleformat::script left, number_test test, std::int64_t right);
-/// Text that is no time does not match; a text that is a longer period matches when all of that period does.
+/// A text that is not a time does not match; one that names a period matches when the whole period does.
 [[nodiscard]] condition_ptr compare_time(titleformat::script left, time_test test, period right);
-/// From `count` units before the present moment up to that moment, both included.
+/// From `count` units ago to now, both included.
 [[nodiscard]] condition_ptr within_last(titleformat::script left, time_unit unit, std::int64_t count);
 
 }  // namespace ostrevan::query

@@ -21,7 +21,7 @@ private:
     condition_ptr inner_;
 };
 
-/// Goes from one to the next until the answer is `Decisive`.
+/// Evaluates conditions until one returns `Decisive`.
 template <bool Decisive>
 class series final : public condition {
 public:

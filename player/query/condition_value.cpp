@@ -15,7 +15,7 @@ namespace {
 
 using titleformat::script;
 
-/// Texts that look the same become the same: composed accents, letters without case.
+/// Normalises a text for comparison: composed accents, folded case.
 void append_comparable(std::string& out, std::string_view text) {
     const bool is_ascii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     utf8proc_uint8_t* composed = nullptr;

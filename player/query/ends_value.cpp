@@ -20,7 +20,7 @@ bool take_delimited(scanner& next) {
     return true;
 }
 
-/// SORT in capitals, or before BY: otherwise it is a word of a title.
+/// SORT in capitals, or before BY; otherwise it is part of a title.
 bool sort_follows(scanner next) {
     if (next.word().text == "SORT") return true;
     if (!next.take_word("SORT")) return false;
@@ -28,7 +28,7 @@ bool sort_follows(scanner next) {
     return next.take_word("BY");
 }
 
-/// A number at the end, or where a mistake is to be told: before SORT.
+/// LIMIT with a number at the end, or before SORT, where it is a mistake to report.
 bool limit_follows(scanner next) {
     const auto rest = next.rest();
     const auto end = std::min(rest.find_first_not_of(digits), rest.size());

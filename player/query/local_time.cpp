@@ -17,7 +17,7 @@ constexpr std::array<part, 6> parts = {{{"", 4}, {"-", 2}, {"-", 2}, {" T", 2}, 
 
 constexpr local_days earliest{year{0} / January / 1};
 
-/// Takes one part off the text.
+/// Takes one part from the text.
 std::optional<int> take(std::string_view& text, const part& form) noexcept {
     if (!form.separators.empty()) {
         if (text.empty() || form.separators.find(text.front()) == std::string_view::npos) return std::nullopt;

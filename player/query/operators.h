@@ -7,16 +7,16 @@
 
 namespace ostrevan::query {
 
-/// What can stand behind a field.
+/// An operator after a field.
 struct comparison {
     std::string_view keyword;
-    /// Reads what the operator needs on its right.
+    /// Reads the right operand.
     condition_ptr (*build)(titleformat::script left, scanner& right) = nullptr;
-    /// It asks whether there is such a field, and so makes sense for any name.
+    /// Tests for the presence of the field, so any name is valid.
     bool asks_for_presence = false;
 };
 
-/// Null when the word is no operator.
+/// Null when the word is not an operator.
 [[nodiscard]] const comparison* find_operator(std::string_view word) noexcept;
 
 }  // namespace ostrevan::query

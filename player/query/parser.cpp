@@ -12,7 +12,7 @@ namespace ostrevan::query {
 
 namespace {
 
-/// Keeps parsing, matching and destroying within a small stack.
+/// Bounds the stack of parsing, matching and destruction.
 constexpr std::size_t max_depth = 200;
 
 constexpr std::string_view operator_expected =
@@ -78,7 +78,7 @@ private:
         return made;
     }
 
-    /// In capitals, or where a comparison follows: otherwise it is a word of a title.
+    /// NOT in capitals, or before a comparison; otherwise it is part of a title.
     bool takes_not() {
         scanner next = scan_;
         const bool is_capital = next.word().text == "NOT";
@@ -96,7 +96,7 @@ private:
         return true;
     }
 
-    /// A comparison, or words to search for.
+    /// A comparison or search words.
     condition_ptr test() {
         if (scan_.next() != '%' && scan_.next() != '$' && !comparison_follows(scan_)) return search();
         const auto start = scan_.position();

@@ -20,7 +20,7 @@ struct sort_order {
     bool descending = false;
 };
 
-/// A field that a query names, and where, in bytes.
+/// A field named in a query, and its place in bytes.
 struct named_field {
     std::string name;
     std::size_t position = 0;
@@ -29,14 +29,14 @@ struct named_field {
 /// A parsed query: immutable, cheap to copy, and usable from any number of threads at once.
 class query {
 public:
-    /// Passes on what the source throws.
+    /// Throws what the source throws.
     [[nodiscard]] bool matches(const titleformat::field_source& fields, const query_clock& clock) const;
 
     [[nodiscard]] const std::optional<sort_order>& sort() const noexcept { return sort_; }
-    /// How many tracks are wanted, the first ones in the order of sorting; all without a value.
+    /// The number of tracks wanted, the first in sort order; all when empty.
     [[nodiscard]] const std::optional<std::size_t>& limit() const noexcept { return limit_; }
-    /// The fields that are compared or sorted by, but for those inside scripts: what the query says makes no sense when
-    /// there is no such field. Names are in small letters.
+    /// The fields that are compared or sorted by, in lower case, except those inside scripts. A query with an unknown field
+    /// makes no sense.
     [[nodiscard]] const std::vector<named_field>& fields() const noexcept { return fields_; }
 
 private:
@@ -51,7 +51,7 @@ private:
     std::vector<named_field> fields_;
 };
 
-/// A mistake in a query. `what()` names what was expected and shows the place.
+/// A mistake in a query. `what()` says what was expected and shows the place.
 class query_error : public std::runtime_error {
 public:
     query_error(const std::string& reason, std::string_view source, std::size_t position);
@@ -63,8 +63,7 @@ private:
     std::size_t position_;
 };
 
-/// Throws `query_error`, and `titleformat::script_error` for a mistake in a script that is part of it. An empty text matches
-/// every track.
+/// Throws `query_error`, or `titleformat::script_error` for a mistake in a script. An empty text matches every track.
 [[nodiscard]] query parse(std::string_view source);
 
 }  // namespace ostrevan::query

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-/// Where a LIMIT with its number at the end of a text starts, or else the end.
+/// Position of a LIMIT and its number at the end of a text, else of the end.
 std::size_t limit_at_end(std::string_view text) {
     for (auto at = text.find_last_not_of("0123456789"); at != std::string_view::npos && at + 1 < text.size();) {
         const auto word_end = text.find_last_not_of(blanks, at) + 1;
@@ -24,7 +24,7 @@ std::size_t limit_at_end(std::string_view text) {
     return text.size();
 }
 
-/// Inside a quoted text, two quotes stand for one.
+/// Turns doubled quotes into one.
 std::string unescaped(std::string_view inside) {
     std::string text;
     for (std::size_t i = 0; i < inside.size(); ++i) {
@@ -34,7 +34,7 @@ std::string unescaped(std::string_view inside) {
     return text;
 }
 
-/// Place in the quoted text of a place in what `unescaped` made of it.
+/// Maps a position in the result of `unescaped` back to the quoted text.
 std::size_t escaped_position(std::string_view inside, std::size_t position) {
     std::size_t extra = 0;
     for (std::size_t i = 0; i < position && i + extra < inside.size(); ++i)

@@ -10,55 +10,54 @@
 
 namespace ostrevan::query {
 
-/// A piece of the query and where it starts, in bytes.
+/// A piece of the query and its position in bytes.
 struct piece {
     std::string_view text;
     std::size_t position = 0;
 };
 
-/// Reads a query from left to right. Every function skips blanks first and throws `query_error` pointing into the query.
+/// Reads a query from left to right. Every function skips blanks first; failures throw `query_error` with the place.
 class scanner {
 public:
     explicit scanner(std::string_view source) noexcept : source_(source) {}
     [[nodiscard]] std::string_view rest() { return source_.substr(position()); }
 
-    /// Of the next piece, or the end.
+    /// Position of the next piece, or of the end.
     [[nodiscard]] std::size_t position();
     [[nodiscard]] bool at_end() { return position() == source_.size(); }
     [[nodiscard]] char next() { return at_end() ? '\0' : source_[position_]; }
 
-    /// Takes `c` if it comes next.
+    /// Takes `c` if it is next.
     bool take(char c);
-    /// Takes a keyword if it comes next as a whole word, in whatever case.
+    /// Takes a keyword if it is next as a whole word, in any case.
     bool take_word(std::string_view keyword);
     /// The next word without taking it: up to a blank or a parenthesis. Empty at the end.
     [[nodiscard]] piece word();
     void skip(const piece& taken) noexcept { position_ = taken.position + taken.text.size(); }
 
-    /// The value on the right of a comparison: a text in double quotes, where "" is one quote, or everything up to a word
-    /// that `ends_value`, a closing parenthesis without an opening one, or the end. `what` names it in the message when
-    /// there is none.
+    /// The right operand of a comparison: a text in double quotes, where "" is one quote, or everything up to a word that
+    /// `ends_value`, an unmatched closing parenthesis, or the end. `what` names it in the message when it is missing.
     std::string value(std::string_view what);
-    /// The words and the quoted texts up to the same places.
+    /// The words and quoted texts up to where `value` would end.
     std::vector<std::string> search_words();
-    /// A script that reads some field, in double quotes, which must come next.
+    /// The next piece: a script in double quotes that reads some field.
     titleformat::script quoted_script();
-    /// `%field%`, which must come next.
+    /// The next piece: `%field%`.
     titleformat::script field();
-    /// What remains, up to a LIMIT or the end: a script, quoted or not, or the plain name of a field.
+    /// The rest up to a LIMIT or the end: a script, quoted or not, or a field name.
     titleformat::script script_to_end();
-    /// LIMIT and its number, if they come next.
+    /// LIMIT and its number, if next.
     std::optional<std::size_t> limit();
-    /// The script that shows one field.
+    /// The script for one field.
     static titleformat::script field_named(std::string_view name);
 
     [[noreturn]] void fail(const std::string& reason, std::size_t position) const;
     [[noreturn]] void fail(const std::string& reason) { fail(reason, position()); }
 
 private:
-    /// The inside of a quoted text as it stands.
+    /// The inside of a quoted text, still escaped.
     piece quoted();
-    /// `text` starts at `start` in the query; `escaped` is how it stands there when it is quoted.
+    /// `text` starts at `start` in the query; `escaped` is its form there.
     titleformat::script compile(std::string_view text, std::size_t start, std::string_view escaped) const;
 
     std::string_view source_;

@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::string_view digits = "0123456789";
 
-/// "0", the number of digits, the digits: longer numbers come behind shorter ones, and all of them where digits stand among
-/// other characters.
+/// "0", the number of digits, the digits: longer numbers sort after shorter ones, and numbers sort as digits do among other
+/// characters.
 void append_number(std::string& key, std::string_view run) {
     run.remove_prefix(std::min(run.find_first_not_of('0'), run.size()));
     key += '0';
