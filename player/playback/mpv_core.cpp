@@ -17,13 +17,13 @@ struct option {
     const char* name;
     const char* value;
 };
-// Nothing is read from the user's own configuration, no pictures, sounds or lyrics beside the files are looked for, and the
-// terminal and the signals stay with the player.
+// Ignores the user's own configuration and any pictures, sounds or lyrics beside the files; leaves the terminal and the
+// signals to the player.
 //
-// Music comes from anywhere, and only the file itself is opened. libmpv goes by content and not by name, so that a list of
-// addresses or of other files could come as an .mp3: it offers files to none of its own readers of such lists
-// (`demuxer`), and of those of libavformat only to the containers that the player knows (`format_whitelist`): others open
-// sockets by themselves. What even these may refer to is not followed (`access-references`, `ordered-chapters`).
+// Music comes from anywhere, and only the file itself may be opened. libmpv goes by content, not by name, so a list of
+// addresses or of other files could come as an .mp3. Therefore its own readers of such lists are off (`demuxer`),
+// libavformat is limited to the containers that the player knows (`format_whitelist`), since others open sockets, and
+// references inside files are not followed (`access-references`, `ordered-chapters`).
 constexpr option common_options[] = {
     {"config", "no"},
     {"idle", "yes"},
@@ -54,7 +54,7 @@ void set_options(mpv_handle* handle, std::span<const option> options) {
         check(mpv_set_option_string(handle, name, value), "Cannot set up the audio engine");
 }
 
-/// Digits with a point whatever the locale says; "none" is libmpv's word for a bound that is not set.
+/// Locale-independent digits; "none" is libmpv's word for an unset bound.
 std::string seconds_text(const std::optional<double>& seconds) {
     if (!seconds) return "none";
     std::array<char, 64> buffer{};
@@ -64,7 +64,7 @@ std::string seconds_text(const std::optional<double>& seconds) {
     return {buffer.data(), end};
 }
 
-/// A map of texts as libmpv takes it. Not copied: the nodes point into their neighbours.
+/// A map of texts in libmpv's form. Not copied: the nodes point into their neighbours.
 class text_map {
 public:
     text_map() = default;

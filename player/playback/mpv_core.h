@@ -12,8 +12,8 @@ namespace ostrevan::playback {
 struct play_item;
 struct play_options;
 
-/// Holds LC_NUMERIC of the process at "C" while it lives: libmpv refuses to start otherwise, and its threads read numbers as
-/// long as it runs. [main-thread]
+/// Keeps LC_NUMERIC of the process at "C" while it lives: libmpv refuses to start otherwise, and its threads parse numbers
+/// as long as it runs. [main-thread]
 class numeric_locale {
 public:
     numeric_locale();
@@ -31,17 +31,16 @@ public:
     /// Throws std::runtime_error with libmpv's reason.
     explicit mpv_core(const play_options& options);
 
-    /// Puts the item behind the others, and starts when nothing plays. Returns the id that the item's events carry. Throws
-    /// std::runtime_error.
+    /// Appends the item, and starts when nothing plays. Returns the id in the item's events. Throws std::runtime_error.
     std::int64_t append(const play_item& item);
-    /// Takes entries out of the list by the ids `first` to `first + count - 1`, the one that plays included.
+    /// Removes the entries with ids `first` to `first + count - 1`, the playing one included.
     void remove(std::int64_t first, std::int64_t count);
     /// Seconds from the start of the file.
     void seek(double position);
 
-    /// The next event, or an event of kind none after that many seconds. Valid until the next call.
+    /// The next event, or one of kind none after `seconds`. Valid until the next call.
     [[nodiscard]] const mpv_event& wait(double seconds);
-    /// Seconds, or a negative number when the file has none.
+    /// A negative number when the file has no such property.
     [[nodiscard]] double number(const char* property);
 
 private:

@@ -27,8 +27,8 @@ bool is_url(std::string_view path) {
     return scheme.size() < path.size() && !scheme.empty() && scheme.find('/') == std::string_view::npos;
 }
 
-/// Why an item is not even offered to libmpv: it would reach into the network, wait for ever in a pipe, and take a folder
-/// for a list. Empty when nothing speaks against it.
+/// Why an item is never passed to libmpv, which would open the network, wait on a pipe forever, or take a folder for a
+/// list. Empty when it may be.
 std::string refusal(const std::string& path) {
     if (is_url(path)) return "Only files of this machine are played";
     std::error_code error;
@@ -46,8 +46,8 @@ end_reason translate(mpv_end_file_reason reason) {
 
 }  // namespace
 
-/// One list being played. libmpv never holds more than the item that plays and the one after it: enough to go on without a
-/// gap, and it cannot run ahead of the callbacks so far that events are lost.
+/// The playback of one list. libmpv holds at most the playing item and the next: enough for gapless playback, too few to
+/// run so far ahead of the callbacks that events are lost.
 class mpv_player::session {
 public:
     session(const play_options& options, const play_callbacks& callbacks, std::span<const play_item> items)
@@ -82,17 +82,17 @@ private:
     mpv_core core_;
     play_rule rule_;
 
-    std::size_t next_ = 0;                                      // first item that has not been offered to libmpv
-    std::map<std::int64_t, std::size_t> queued_;                // items that libmpv holds, by entry id
-    std::vector<std::pair<std::size_t, std::string>> refused_;  // errors whose turn has not come
+    std::size_t next_ = 0;                                      // first item not passed to libmpv yet
+    std::map<std::int64_t, std::size_t> queued_;                // items in libmpv, by entry id
+    std::vector<std::pair<std::size_t, std::string>> refused_;  // errors to report at their turn
 
     std::optional<std::size_t> current_;
     bool is_heard_ = true;
     double duration_ = 0;
-    bool sounding_ = false;       // from the moment the file is open
-    bool audible_ = false;        // from the first sound; positions before it are not from this item's start
-    bool seeking_ = false;        // from a jump to the sound after it
-    bool finding_start_ = false;  // the first seek is libmpv's own, to the start of the item
+    bool sounding_ = false;       // since the file was opened
+    bool audible_ = false;        // since the first sound; earlier positions are not this item's
+    bool seeking_ = false;        // between a jump and the next sound
+    bool finding_start_ = false;  // libmpv's own first seek, to the start of the item
 };
 
 bool mpv_player::session::run(const std::atomic<bool>& stop) {
@@ -203,7 +203,7 @@ void mpv_player::session::on_position(double seconds) {
     if (counts) report(callbacks_.on_counted, *current_);
 }
 
-/// libmpv falls back to the output that is none.
+/// libmpv falls back to the null output.
 void mpv_player::session::on_device(std::string_view output) {
     const bool heard = !wants_device_ || output != "null";
     if (heard != std::exchange(is_heard_, heard)) report(callbacks_.on_hearing, heard);

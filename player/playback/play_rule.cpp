@@ -32,7 +32,7 @@ bool play_rule::ended(end_reason reason) noexcept {
     const bool finished = reason == end_reason::finished;
     if (finished && !sought_) listened_ = std::max(listened_, duration_);
     else if (finished && last_) listened_ += std::max(duration_ - *last_, 0.0);
-    // Without a length nothing can be a share of it, so reaching the end uninterrupted stands for the whole.
+    // Without a length there is no share, so reaching the end uninterrupted counts as the whole.
     const bool heard_whole = finished && !sought_;
     const bool counts = heard_whole || (is_short() ? finished && enough() : enough());
     const bool first_time = counts && count();

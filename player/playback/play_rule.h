@@ -6,11 +6,11 @@ namespace ostrevan::playback {
 
 /// When a track counts as played.
 struct play_thresholds {
-    /// Part of the length that must have been heard, 0 to 1.
+    /// Share of the length that must be heard, 0 to 1.
     double share = 0.5;
-    /// Seconds after which any track counts, however long it is.
+    /// Seconds after which any track counts, whatever its length.
     double seconds = 240;
-    /// Tracks shorter than this many seconds count only when they are heard to their end.
+    /// Tracks shorter than this many seconds count only when heard to their end.
     double short_track = 30;
 };
 
@@ -18,33 +18,33 @@ struct play_thresholds {
 enum class end_reason {
     finished,  ///< its end was reached
     stopped,   ///< the listener left it
-    failed,    ///< it could not be decoded any further
+    failed,    ///< decoding failed
 };
 
-/// Decides from what a player reports of one track after another whether the track was played. What counts is time really
-/// listened to: the steps of the position add up, a seek adds nothing. Says yes at most once a track.
+/// Decides whether a track was played, from the reports of a player. Only time listened to counts: steps of the position
+/// add up, a seek adds nothing. Says yes at most once per track.
 ///
-/// A player reports positions as seldom as it likes: a step is taken as heard however large it is, and a track that was
-/// never sought in and reached its end was heard in full even if no position was reported at all.
+/// Positions may be rare: a step counts as heard however large it is, and a track without a seek that reached its end was
+/// heard in full even if no position was reported.
 class play_rule {
 public:
     explicit play_rule(play_thresholds thresholds = {}) noexcept : thresholds_(thresholds) {}
 
-    /// A new track begins; whatever was known of the one before is dropped.
+    /// A new track begins; the state of the previous one is dropped.
     void started() noexcept;
-    /// The length in seconds is known now; 0 or less for a stream without one.
+    /// The length in seconds; 0 or less for a stream without one.
     void loaded(double duration) noexcept;
     /// A jump begins; positions mean nothing until `restart`.
     void seek() noexcept;
-    /// Sound comes again; the next position is where it does.
+    /// The sound is back; the next position is where it resumes.
     void restart() noexcept;
 
-    /// Position in seconds from the start of the track. True when the track counts from now on.
+    /// Position in seconds from the start of the track. Returns true at the moment the track counts.
     [[nodiscard]] bool position(double seconds) noexcept;
-    /// True when it is the end that makes the track count.
+    /// Returns true when the end makes the track count.
     [[nodiscard]] bool ended(end_reason reason) noexcept;
 
-    /// Seconds of the current track that were listened to.
+    /// Seconds of the current track listened to.
     [[nodiscard]] double listened() const noexcept { return listened_; }
 
 private:
