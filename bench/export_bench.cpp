@@ -11,8 +11,8 @@
 #include "bench/ratio.h"
 #include "bench/tracks.h"
 #include "ostrevan/library.h"
-#include "quorvel/interchange/export_fields.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/exporter.h"
+#include "quorvel/store/record_fields.h"
 
 namespace {
 
@@ -39,9 +39,7 @@ void write_ready_bytes(const std::string& path, std::string_view bytes) {
     file->flush();
 }
 
-void full_backup(const std::string& path) {
-    quorvel::pcdb_export::exportToFile(path.c_str(), quorvel::export_all_fields, nullptr);
-}
+void full_backup(const std::string& path) { quorvel::pcdb_export::exportToFile(path.c_str(), quorvel::all_fields, nullptr); }
 
 /// A line of /proc/self/status, in kB.
 double kilobytes_of(std::string_view name) {

@@ -9,10 +9,10 @@
 #include "bench/bench_player.h"
 #include "bench/ratio.h"
 #include "bench/tracks.h"
-#include "quorvel/interchange/export_fields.h"
-#include "quorvel/interchange/import_run.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/entry_writer.h"
+#include "quorvel/interchange/import_command.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/record_fields.h"
 #include "quorvel/store/statistics_index.h"
 #include "quorvel/xml/xml_parser.h"
 
@@ -36,7 +36,7 @@ statistics_file make_file() {
     for (const std::uint64_t key : keys) {
         const auto record = bench::random_record(random);
         file.records.emplace_back(key, quorvel::encode_record(record));
-        quorvel::pcdb_export::writeEntry(file.text, key, record, quorvel::export_all_fields, nullptr);
+        quorvel::pcdb_export::writeEntry(file.text, key, record, quorvel::all_fields, nullptr);
     }
     file.text += "</PlaybackStatistics>";
     return file;
@@ -84,7 +84,7 @@ void import_of_a_million_records(benchmark::State& state) {
         bench::bench_player player(profile);
         const auto parse = cost::of([&] { parse_idly(file.text); });
         const auto rows = cost::of([&] { bench::write_sorted_rows(profile / "bare.sqlite", file.records); });
-        const auto import = cost::of([&] { quorvel::import_file(file.text, quorvel::export_all_fields); });
+        const auto import = cost::of([&] { quorvel::import_file(file.text, quorvel::all_fields); });
         const auto save = cost::of([&] { player.index.save_now(quorvel::statistics_index_guid); });
         processor_ratio.add(parse.processor_seconds + rows.processor_seconds,
                             import.processor_seconds + save.processor_seconds);

@@ -5,10 +5,10 @@
 #include <string_view>
 
 #include "fuzz/check.h"
-#include "quorvel/interchange/export_fields.h"
-#include "quorvel/interchange/import_run.h"
+#include "quorvel/interchange/import_command.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/record_fields.h"
 #include "tests/support/memory_player.h"
 
 namespace {
@@ -64,11 +64,11 @@ void check_fields(const t_playback_stats& was, const t_playback_stats& is, std::
     const auto kept = [&](quorvel::ExportFields field, bool same) {
         fuzz::check(same || (fields & field) != 0, "a field that was not chosen stays as it was");
     };
-    kept(quorvel::export_play_count, was.play_count == is.play_count);
-    kept(quorvel::export_first_played, was.first_played == is.first_played);
-    kept(quorvel::export_last_played, was.last_played == is.last_played);
-    kept(quorvel::export_added, was.added == is.added);
-    kept(quorvel::export_rating, was.rating == is.rating);
+    kept(quorvel::field_play_count, was.play_count == is.play_count);
+    kept(quorvel::field_first_played, was.first_played == is.first_played);
+    kept(quorvel::field_last_played, was.last_played == is.last_played);
+    kept(quorvel::field_added, was.added == is.added);
+    kept(quorvel::field_rating, was.rating == is.rating);
 }
 
 }  // namespace
@@ -76,7 +76,7 @@ void check_fields(const t_playback_stats& was, const t_playback_stats& is, std::
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static auto& here = *new desk;
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    const auto fields = static_cast<std::uint32_t>(size % quorvel::export_all_fields + 1);
+    const auto fields = static_cast<std::uint32_t>(size % quorvel::all_fields + 1);
 
     here.reset();
     auto was = here.records();

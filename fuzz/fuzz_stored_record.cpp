@@ -6,10 +6,10 @@
 #include "fuzz/check.h"
 #include "ostrevan/field_provider.h"
 #include "ostrevan/track_properties.h"
-#include "quorvel/interchange/export_fields.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/entry_writer.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/record_fields.h"
 #include "tests/support/memory_player.h"
 
 namespace {
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     counted_rows rows;
     player.component_service<ostrevan::track_property_provider>().enumerate_properties(tracks, rows);
     std::string entry;
-    quorvel::pcdb_export::writeEntry(entry, key, record, quorvel::export_all_fields, nullptr);
+    quorvel::pcdb_export::writeEntry(entry, key, record, quorvel::all_fields, nullptr);
     fuzz::check(entry.size() < 512, "an entry without tracks has its longest form");
     return 0;
 }

@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         quorvel::PCDB_write_tags(read, written);
         quorvel::t_playback_stats again;
         static_cast<void>(quorvel::PCDB_read_tags(again, written, false));
-        if ((supplied & quorvel::tag_field_play_count) != 0)
+        if ((supplied & quorvel::field_play_count) != 0)
             fuzz::check(again.play_count == read.play_count, "a count that is written is the one that is read");
         fuzz::check(again.last_played == read.last_played, "a time that is written is the one that is read");
     }

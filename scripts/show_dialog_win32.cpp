@@ -5,7 +5,8 @@
 #include <cstdio>
 #include <string_view>
 
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/export_dialog.h"
+#include "quorvel/interchange/import_command.h"
 #include "tests/support/memory_player.h"
 
 namespace {

@@ -10,13 +10,12 @@
 #include "ostrevan/popup.h"
 #include "ostrevan/registration.h"
 #include "ostrevan/startup.h"
-#include "quorvel/common/main_thread_post.h"
+#include "quorvel/common/tasks.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_import.h"
 #include "quorvel/store/migration.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/statistics_index.h"
-#include "quorvel/store/worker.h"
 
 namespace quorvel {
 namespace {

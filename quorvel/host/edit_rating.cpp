@@ -4,7 +4,7 @@
 #include <string>
 
 #include "ostrevan/core_api.h"
-#include "quorvel/common/questions.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/common/shared_tracks.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/tag_sync.h"

@@ -11,7 +11,8 @@
 #include "ostrevan/popup.h"
 #include "ostrevan/registration.h"
 #include "quorvel/common/settings.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/export_dialog.h"
+#include "quorvel/interchange/import_command.h"
 
 namespace quorvel {
 namespace {

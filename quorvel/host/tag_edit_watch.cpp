@@ -3,9 +3,9 @@
 
 #include "ostrevan/registration.h"
 #include "ostrevan/tag_edit.h"
+#include "quorvel/common/tasks.h"
 #include "quorvel/store/key_change.h"
 #include "quorvel/store/statistics_index.h"
-#include "quorvel/store/worker.h"
 
 namespace quorvel {
 namespace {

@@ -13,12 +13,13 @@
 #include "ostrevan/core_api.h"
 #include "ostrevan/exceptions.h"
 #include "ostrevan/titleformat.h"
-#include "quorvel/common/questions.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/common/settings.h"
 #include "quorvel/common/shared_tracks.h"
 #include "quorvel/platform/beep.h"
 #include "quorvel/platform/clipboard.h"
 #include "quorvel/store/pcdb.h"
+#include "quorvel/store/record_fields.h"
 #include "quorvel/store/tag_sync.h"
 #include "quorvel/store/timestamp.h"
 
@@ -52,10 +53,7 @@ public:
     }
     t_playback_stats read_record() {
         t_playback_stats record;
-        record.play_count = read<std::uint64_t>();
-        record.first_played = read<std::uint64_t>();
-        record.last_played = read<std::uint64_t>();
-        record.added = read<std::uint64_t>();
+        for (const auto& field : value_fields) record.*field.value = read<std::uint64_t>();
         record.rating = read<std::uint32_t>();
         return record;
     }
@@ -134,10 +132,7 @@ void copyStatistics(metadb_handle_list_cref tracks) {
     append(block, static_cast<std::uint32_t>(count));
     for (const auto& track : tracks) {
         const auto record = PCDB::Get(*track);
-        append(block, record.play_count);
-        append(block, record.first_played);
-        append(block, record.last_played);
-        append(block, record.added);
+        for (const auto& field : value_fields) append(block, record.*field.value);
         append(block, record.rating);
     }
     clipboard::set(clipboard_format, block);

@@ -1,3 +1,5 @@
+#include "quorvel/interchange/entry_writer.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -7,8 +9,7 @@
 
 #include "nuv/text.h"
 #include "quorvel/common/digits.h"
-#include "quorvel/interchange/export_fields.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/store/record_fields.h"
 #include "quorvel/store/timestamp.h"
 #include "quorvel/xml/entities.h"
 
@@ -16,14 +17,20 @@ namespace quorvel::pcdb_export {
 namespace {
 
 /// The start tag of an entry, put together in place. It has room for every field at its longest.
-class start_tag {
+class entry_tag {
 public:
-    /// A literal: its length is known to the compiler, which then copies without a call.
-    template <std::size_t Size>
-    void put(const char (&text)[Size]) noexcept {
-        std::memcpy(end_, text, Size - 1);
-        end_ += Size - 1;
+    /// A constant: its length is known to the compiler, which then copies without a call.
+    void put(std::string_view text) noexcept {
+        std::memcpy(end_, text.data(), text.size());
+        end_ += text.size();
     }
+    /// The name of an attribute and the quote before its value.
+    void open(std::string_view attribute, std::string_view suffix = "") noexcept {
+        put(attribute);
+        put(suffix);
+        put("=\"");
+    }
+    void close() noexcept { put("\" "); }
     void put_number(std::integral auto number) noexcept { end_ = std::to_chars(end_, characters_.end(), number).ptr; }
     /// Times have eighteen digits: they are taken apart in halves instead of digit by digit.
     void put_large_number(std::uint64_t number) noexcept {
@@ -32,14 +39,13 @@ public:
         put_large_number(number / eight_digits);
         end_ = put_eight_digits(end_, static_cast<std::uint32_t>(number % eight_digits));
     }
-    /// An attribute, or nothing for a time that cannot be shown.
-    template <std::size_t Size>
-    void put_local_time(const char (&name)[Size], std::uint64_t time) noexcept {
+    /// The readable form of an attribute; nothing for a time that cannot be shown.
+    void put_local_time(std::string_view attribute, std::uint64_t time) noexcept {
         char* const before = end_;
-        put(name);
+        open(attribute, "Friendly");
         end_ = PutTimestamp(end_, time, time_zone::local());
         if (end_ == nullptr) end_ = before;
-        else put("\" ");
+        else close();
     }
     void put_hexadecimal(std::uint64_t number) noexcept {
         for (int shift = 60; shift >= 0; shift -= 4) *end_++ = "0123456789abcdef"[number >> shift & 15U];
@@ -52,18 +58,21 @@ private:
     char* end_ = characters_.data();
 };
 
-/// The names end with the quote before the value.
-template <std::size_t NameSize, std::size_t FriendlySize>
-void put_time(start_tag& tag, const char (&name)[NameSize], const char (&friendly_name)[FriendlySize], std::uint64_t time) {
-    tag.put(name);
+/// A time that is selected and set. The names are constants of the table.
+template <ExportFields Bit>
+void put_time(entry_tag& tag, const t_playback_stats& record, std::uint32_t fields) {
+    constexpr record_field field = field_of(Bit);
+    const std::uint64_t time = record.*field.value;
+    if ((fields & Bit) == 0 || time == 0) return;
+    tag.open(field.attribute);
     tag.put_large_number(time);
-    tag.put("\" ");
-    tag.put_local_time(friendly_name, time);
+    tag.close();
+    tag.put_local_time(field.attribute, time);
 }
 
 /// Stars to a tenth. Readers of the format know these texts: whole and tenth are each written with a sign of their own, so
 /// that the lowest ratings read "0.-5", and what lies beyond the scale reads "-1".
-void put_stars(start_tag& tag, std::uint32_t rating) {
+void put_stars(entry_tag& tag, std::uint32_t rating) {
     const double tenths_of_stars = rating < 256 ? std::rint((rating - 21.333333333333332) * 0.234375) : -10.0;
     const auto tenths = static_cast<std::int32_t>(tenths_of_stars);
     tag.put_number(tenths / 10);
@@ -72,25 +81,25 @@ void put_stars(start_tag& tag, std::uint32_t rating) {
     tag.put_number(tenths % 10);
 }
 
-/// The fields that are selected and set; false when there is none. Nothing in them needs to be escaped.
-bool put_fields(start_tag& tag, const t_playback_stats& record, std::uint32_t fields) {
+/// The fields that are selected and set; false if there are none. Nothing in them needs to be escaped.
+bool put_fields(entry_tag& tag, const t_playback_stats& record, std::uint32_t fields) {
     const auto size_before = tag.view().size();
-    if ((fields & export_play_count) != 0) {
-        tag.put("Count=\"");
+    if ((fields & field_play_count) != 0) {
+        tag.open(field_of(field_play_count).attribute);
         tag.put_number(record.play_count);
-        tag.put("\" ");
+        tag.close();
     }
-    if ((fields & export_first_played) != 0 && record.first_played != 0)
-        put_time(tag, "FirstPlayed=\"", "FirstPlayedFriendly=\"", record.first_played);
-    if ((fields & export_last_played) != 0 && record.last_played != 0)
-        put_time(tag, "LastPlayed=\"", "LastPlayedFriendly=\"", record.last_played);
-    if ((fields & export_added) != 0 && record.added != 0) put_time(tag, "Added=\"", "AddedFriendly=\"", record.added);
-    if ((fields & export_rating) != 0 && record.rating != rating_not_set) {
-        tag.put("Rating=\"");
+    put_time<field_first_played>(tag, record, fields);
+    put_time<field_last_played>(tag, record, fields);
+    put_time<field_added>(tag, record, fields);
+    if ((fields & field_rating) != 0 && record.rating != rating_not_set) {
+        constexpr std::string_view name = field_of(field_rating).attribute;
+        tag.open(name);
         tag.put_number(record.rating);
-        tag.put("\" RatingFriendly=\"");
+        tag.close();
+        tag.open(name, "Friendly");
         put_stars(tag, record.rating);
-        tag.put("\" ");
+        tag.close();
     }
     return tag.view().size() != size_before;
 }
@@ -115,7 +124,7 @@ void append_item(std::string& out, const ostrevan::playable_location& location) 
 
 bool writeEntry(std::string& out, std::uint64_t key, const t_playback_stats& record, std::uint32_t fields,
                 const track_list* items) {
-    start_tag tag;
+    entry_tag tag;
     tag.put("  <Entry ID=\"");
     tag.put_hexadecimal(key);
     tag.put("\" ");

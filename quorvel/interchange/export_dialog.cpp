@@ -1,3 +1,5 @@
+#include "quorvel/interchange/export_dialog.h"
+
 #include <algorithm>
 #include <array>
 #include <exception>
@@ -8,10 +10,10 @@
 #include "ostrevan/core_api.h"
 #include "ostrevan/file_dialog.h"
 #include "ostrevan/library.h"
-#include "quorvel/common/questions.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/common/shared_tracks.h"
+#include "quorvel/interchange/exporter.h"
 #include "quorvel/interchange/field_boxes.h"
-#include "quorvel/interchange/pcdb_export.h"
 #include "quorvel/platform/beep.h"
 #include "quorvel/platform/dialog.h"
 

@@ -1,3 +1,5 @@
+#include "quorvel/interchange/exporter.h"
+
 #include <stdexcept>
 #include <string>
 
@@ -5,7 +7,6 @@
 #include "ostrevan/filesystem.h"
 #include "ostrevan/library.h"
 #include "ostrevan/progress.h"
-#include "quorvel/interchange/pcdb_export.h"
 #include "quorvel/interchange/tracks_by_key.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/pcdb.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "ostrevan/dialog.h"
-#include "quorvel/interchange/export_fields.h"
+#include "quorvel/store/record_fields.h"
 
 /// What the export and the import dialog have in common.
 namespace quorvel {
@@ -13,41 +13,32 @@ inline constexpr const char* dialog_font = "MS Shell Dlg";
 inline constexpr unsigned dialog_font_points = 8;
 inline constexpr int fields_separator = 1002;
 
-struct field_box {
-    int id;
-    ExportFields field;
-    const char* text;
-};
-inline constexpr std::array field_boxes{
-    field_box{1005, export_play_count, "Times played"},
-    field_box{1006, export_first_played, "First played time"},
-    field_box{1007, export_last_played, "Last played time"},
-    field_box{1008, export_added, "Added time"},
-    field_box{1009, export_rating, "Rating"},
-};
+/// The identifier of the box of the field at this position in `record_fields`.
+[[nodiscard]] constexpr int field_box(std::size_t position) noexcept { return 1005 + static_cast<int>(position); }
 
 /// How both dialogs end: a heading, a box for each field, and the two buttons.
-using field_controls = std::array<ostrevan::dialog_control, field_boxes.size() + 3>;
+using field_controls = std::array<ostrevan::dialog_control, record_fields.size() + 3>;
 constexpr field_controls controls_for_fields(const char* heading) noexcept {
     using ostrevan::dialog_control_kind;
     field_controls controls{};
     auto* next = controls.data();
     *next++ = {fields_separator, dialog_control_kind::separator, heading};
-    for (const auto& box : field_boxes) *next++ = {box.id, dialog_control_kind::check_box, box.text};
+    for (std::size_t i = 0; i < record_fields.size(); ++i)
+        *next++ = {field_box(i), dialog_control_kind::check_box, record_fields[i].label};
     *next++ = {ostrevan::dialog_ok, dialog_control_kind::button, "OK"};
     *next++ = {ostrevan::dialog_cancel, dialog_control_kind::button, "Cancel"};
     return controls;
 }
 
 inline void check_all_fields(ostrevan::dialog_window& window) {
-    for (const auto& box : field_boxes) window.set_checked(box.id, true);
+    for (std::size_t i = 0; i < record_fields.size(); ++i) window.set_checked(field_box(i), true);
 }
 
 /// A set of `ExportFields`.
 [[nodiscard]] inline std::uint32_t checked_fields(const ostrevan::dialog_window& window) {
     std::uint32_t fields = 0;
-    for (const auto& box : field_boxes)
-        if (window.is_checked(box.id)) fields |= box.field;
+    for (std::size_t i = 0; i < record_fields.size(); ++i)
+        if (window.is_checked(field_box(i))) fields |= record_fields[i].bit;
     return fields;
 }
 

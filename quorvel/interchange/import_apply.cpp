@@ -29,19 +29,20 @@ std::vector<GatheredTrack> known_tracks() {
 
 }  // namespace
 
-void pcdb_export::resolveNoInfo(ParseGlobals& globals, const ostrevan::index_client_ptr& older_mapping) {
-    ReadKeysInFiles(globals.gathered, globals.progress, older_mapping);
+void pcdb_export::resolveNoInfo(ParseGlobals& globals, std::vector<GatheredTrack>& gathered,
+                                const ostrevan::index_client_ptr& older_mapping) {
+    ReadKeysInFiles(gathered, globals.progress, older_mapping);
 }
 
-void apply_old_edits(ParseGlobals& globals) {
-    for (const auto& [mapping, edits] : globals.old_edits) {
+void apply_old_edits(ParseGlobals& globals, const std::map<nuv::guid, OldKeyEdits>& old_edits) {
+    for (const auto& [mapping, edits] : old_edits) {
         if (edits.empty()) continue;
         const auto older = FindMapping(mapping);
-        globals.gathered = known_tracks();
-        pcdb_export::resolveNoInfo(globals, older);
+        auto tracks = known_tracks();
+        pcdb_export::resolveNoInfo(globals, tracks, older);
         std::size_t done = 0;
-        for (auto& [track, key, older_key] : globals.gathered) {
-            globals.progress.step(++done, globals.gathered.size());
+        for (auto& [track, key, older_key] : tracks) {
+            globals.progress.step(++done, tracks.size());
             if (const auto snapshot = track->info()) {
                 key = KeyOf(snapshot->info(), track->location());
                 older_key = older->key_of(snapshot->info(), track->location());
@@ -52,17 +53,16 @@ void apply_old_edits(ParseGlobals& globals) {
     }
 }
 
-void apply_pending_items(ParseGlobals& globals) {
-    if (globals.pending.empty()) return;
+void apply_path_items(ParseGlobals& globals, const std::vector<PathItem>& items) {
+    if (items.empty()) return;
     const auto metadb = ostrevan::get_service<ostrevan::metadb>();
-    globals.gathered.clear();
-    for (const auto& item : globals.pending) globals.gathered.push_back({metadb->handle_create(item.location)});
-    pcdb_export::resolveNoInfo(globals);
-    for (std::size_t i = 0; i < globals.pending.size(); ++i) {
-        globals.progress.step(i + 1, globals.pending.size());
-        const auto& [track, key_in_file, _] = globals.gathered[i];
-        const auto key = key_in_file ? key_in_file : KeyOf(*track);
-        if (key) globals.apply(*key, globals.pending[i].stats);
+    std::vector<GatheredTrack> tracks;
+    for (const auto& item : items) tracks.push_back({metadb->handle_create(item.location)});
+    pcdb_export::resolveNoInfo(globals, tracks);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        globals.progress.step(i + 1, items.size());
+        const auto key = tracks[i].key ? tracks[i].key : KeyOf(*tracks[i].track);
+        if (key) globals.apply(*key, items[i].stats);
     }
 }
 

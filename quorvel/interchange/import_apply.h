@@ -1,21 +1,27 @@
 #pragma once
 
-#include "quorvel/interchange/import_globals.h"
+#include <map>
+#include <vector>
 
-/// The steps after the file has been read: from what it names to keys of the statistics, and the edits of these. Each throws
-/// `ostrevan::exception_aborted` when the user stops it, and what the player and the statistics throw. [main-thread]
+#include "quorvel/interchange/import_parse.h"
+#include "quorvel/store/file_keys.h"
+
+/// The later stages of an import: from what the file names to keys under the active mapping, and the edits of these. All
+/// throw `ostrevan::exception_aborted` when the user stops them, and what the player and the statistics throw.
+/// [main-thread]
 namespace quorvel {
 
-/// Gathers the tracks of the library and of all playlists; each that had one of the old keys receives its edit.
-void apply_old_edits(ParseGlobals& globals);
+/// Gives every track of the library and the playlists that had one of the old keys its edit.
+void apply_old_edits(ParseGlobals& globals, const std::map<nuv::guid, OldKeyEdits>& old_edits);
 
-/// Gathers the tracks of the pending items and applies these in their order.
-void apply_pending_items(ParseGlobals& globals);
+/// Applies the items to their tracks, in the order of the file.
+void apply_path_items(ParseGlobals& globals, const std::vector<PathItem>& items);
 
 namespace pcdb_export {
 
-/// Finds the keys of the gathered tracks whose information the player does not hold: see `ReadKeysInFiles`. [main-thread]
-void resolveNoInfo(ParseGlobals& globals, const ostrevan::index_client_ptr& older_mapping = nullptr);
+/// Finds the keys of the gathered tracks whose information the player does not hold: see `ReadKeysInFiles`.
+void resolveNoInfo(ParseGlobals& globals, std::vector<GatheredTrack>& gathered,
+                   const ostrevan::index_client_ptr& older_mapping = nullptr);
 
 }  // namespace pcdb_export
 }  // namespace quorvel

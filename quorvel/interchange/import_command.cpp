@@ -1,3 +1,5 @@
+#include "quorvel/interchange/import_command.h"
+
 #include <cstddef>
 #include <exception>
 #include <memory>
@@ -10,9 +12,9 @@
 #include "ostrevan/exceptions.h"
 #include "ostrevan/file_dialog.h"
 #include "ostrevan/filesystem.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/interchange/field_boxes.h"
-#include "quorvel/interchange/import_run.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/import_apply.h"
 #include "quorvel/platform/beep.h"
 #include "quorvel/platform/dialog.h"
 
@@ -22,6 +24,20 @@ namespace {
 constexpr const char* import_title = "Import Playback Statistics";
 constexpr field_controls import_controls = controls_for_fields("Fields to import");
 constexpr ostrevan::dialog_layout import_layout{import_title, dialog_font, dialog_font_points, import_controls};
+
+void report_import_failure(const std::string& reason) { report_failure("Playback statistics import failure: " + reason); }
+
+/// Reports the failure of one stage, so that the others work on what there is. A stop by the user ends them all.
+template <typename Stage>
+void attempt(Stage&& stage) {
+    try {
+        stage();
+    } catch (const ostrevan::exception_aborted&) {
+        throw;
+    } catch (const std::exception& e) {
+        report_import_failure(e.what());
+    }
+}
 
 /// A file as it was read; nothing is copied again.
 struct file_content {
@@ -62,6 +78,30 @@ private:
 };
 
 }  // namespace
+
+void import_file(std::string_view text, std::uint32_t fields) {
+    ostrevan::core_api::ensure_main_thread();
+    try {
+        StatsOp op;
+        ParseGlobals globals{.op = op, .fields = fields};
+        ImportedFile file;
+        try {
+            attempt([&] { XMLParser_Root(globals, file).parse({}, text.data(), text.size()); });
+            attempt([&] { apply_old_edits(globals, file.old_edits); });
+            attempt([&] { apply_path_items(globals, file.path_items); });
+        } catch (const ostrevan::exception_aborted&) {
+            const auto changed = op.has_taken_effect() ? op.changed_keys().size() : 0;
+            report_import_failure(changed == 0 ? "Interrupted. No statistics have been changed"
+                                               : "Interrupted after " + std::to_string(changed) + " records were changed");
+            if (changed == 0) return;
+        }
+        op.finish();
+        print_to_console("Playback statistics import: records read: " + std::to_string(file.records) +
+                         ", statistics changed: " + std::to_string(op.changed_keys().size()));
+    } catch (const std::exception& e) {
+        report_import_failure(e.what());
+    }
+}
 
 void pcdb_export::importStatistics() {
     ostrevan::core_api::ensure_main_thread();

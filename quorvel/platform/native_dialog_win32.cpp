@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "ostrevan/core_api.h"
-#include "quorvel/common/console_line.h"
-#include "quorvel/common/questions.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/platform/dialog_arrangement_win32.h"
 #include "quorvel/platform/dialog_template_win32.h"
 #include "quorvel/platform/module_win32.h"

@@ -4,27 +4,18 @@
 #include <string_view>
 
 #include "ostrevan/file_info.h"
-#include "quorvel/store/record.h"
+#include "quorvel/store/record_fields.h"
 
 namespace quorvel {
 
-/// Fields of a record, as bits of a mask.
-enum tag_field : std::uint32_t {
-    tag_field_play_count = 1,
-    tag_field_first_played = 2,
-    tag_field_last_played = 4,
-    tag_field_added = 8,
-    tag_field_rating = 16,
-};
-
-/// Makes the tags say what the record says: fields of values that are not set are removed. The play count goes to
-/// "play_count" alone, whatever field held it before. Times as text ("last_played", ...) are left as they are.
+/// Writes the record into the tags and removes the tags of fields that are not set. The play count is written to
+/// "play_count" alone, whichever tag held it before. Times as text ("last_played", ...) are left as they are.
 /// [any-thread]
 void PCDB_write_tags(const t_playback_stats& record, ostrevan::file_info& info);
 
-/// Fills the record from the tags and answers which `tag_field`s they supply. A missing first play is taken from the last
-/// one, and the date added is never later than the first play. `allowTextFallback`: times as text count where the time value
-/// is missing. [any-thread]
+/// Fills the record from the tags and returns the set of `ExportFields` that they supply. A missing first play is taken from
+/// the last one, and the date added is never later than the first play. With `allowTextFallback` a time as text is read
+/// where the time value is missing. [any-thread]
 std::uint32_t PCDB_read_tags(t_playback_stats& record, const ostrevan::file_info& info, bool allowTextFallback);
 
 /// The number made by the last digits of a text when nothing follows them, else 0: "12x34" gives 34, "3 " gives 0. Wraps at

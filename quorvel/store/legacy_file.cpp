@@ -98,8 +98,7 @@ legacy_record read_legacy_record(legacy_reader& reader, const legacy_format& for
         stats.added = reader.number<std::uint64_t>();
         stats.rating = reader.number<std::uint32_t>();
     }
-    // Nothing is played before it is added.
-    if (stats.first_played != 0 && (stats.added == 0 || stats.added > stats.first_played)) stats.added = stats.first_played;
+    limit_date_added(stats);
     return record;
 }
 

@@ -14,7 +14,7 @@
 #include "ostrevan/metadb.h"
 #include "ostrevan/popup.h"
 #include "ostrevan/progress.h"
-#include "quorvel/common/console_line.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/store/file_keys.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/legacy_file.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "quorvel/common/console_line.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/statistics_index.h"
 #include "quorvel/store/stats_op.h"

@@ -4,13 +4,13 @@
 #include <memory>
 
 #include "ostrevan/core_api.h"
-#include "quorvel/common/console_line.h"
+#include "quorvel/common/messages.h"
+#include "quorvel/common/tasks.h"
 #include "quorvel/platform/clock.h"
 #include "quorvel/store/date_added.h"
 #include "quorvel/store/file_tags.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/stats_op.h"
-#include "quorvel/store/worker.h"
 
 namespace quorvel {
 namespace {
@@ -29,14 +29,6 @@ std::uint32_t rating_stepped(std::uint32_t rating, int step) noexcept {
     if (rating == rating_not_set) return rating_of_stars(step < 0 ? 2 : 3);
     const std::int64_t stars = std::int64_t{stars_of(rating)} + step;
     return rating_of_stars(static_cast<std::uint32_t>(std::clamp<std::int64_t>(stars, 1, 5)));
-}
-
-void replace_fields(t_playback_stats& record, const t_playback_stats& tags, std::uint32_t present) noexcept {
-    if ((present & tag_field_play_count) != 0) record.play_count = tags.play_count;
-    if ((present & tag_field_first_played) != 0) record.first_played = tags.first_played;
-    if ((present & tag_field_last_played) != 0) record.last_played = tags.last_played;
-    if ((present & tag_field_added) != 0) record.added = tags.added;
-    if ((present & tag_field_rating) != 0) record.rating = tags.rating;
 }
 
 }  // namespace
@@ -119,7 +111,7 @@ void PCDB::ImportFromTags(ostrevan::metadb_handle_list_cref tracks) {
         if (!key) continue;
         t_playback_stats tags;
         const std::uint32_t present = PCDB_read_tags(tags, snapshot->info(), true);
-        op.Update(*key, [&](t_playback_stats& record) { replace_fields(record, tags, present); });
+        op.Update(*key, [&](t_playback_stats& record) { copy_fields(record, tags, present); });
     }
     op.finish();
     print_to_console("Playback statistics: file tags have changed the statistics of " +

@@ -3,9 +3,9 @@
 
 #include "ostrevan/registration.h"
 #include "ostrevan/statistics_collector.h"
-#include "quorvel/common/console_line.h"
-#include "quorvel/common/main_thread_post.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/common/settings.h"
+#include "quorvel/common/tasks.h"
 #include "quorvel/store/pcdb.h"
 #include "quorvel/store/statistics_index.h"
 #include "quorvel/store/tag_sync.h"

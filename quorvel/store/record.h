@@ -27,6 +27,12 @@ struct t_playback_stats {
     }
 };
 
+/// Nobody plays a track before it is there: the date added is that of the first play, if known, or earlier.
+constexpr void limit_date_added(t_playback_stats& record) noexcept {
+    if (record.first_played != 0 && (record.added == 0 || record.added > record.first_played))
+        record.added = record.first_played;
+}
+
 /// The stored form: the fields in their order, little-endian, without gaps.
 inline constexpr std::size_t record_blob_size = 40;
 using record_blob = std::array<std::byte, record_blob_size>;

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "ostrevan/core_api.h"
-#include "quorvel/common/main_thread_post.h"
+#include "quorvel/common/tasks.h"
 #include "quorvel/store/key.h"
 
 namespace quorvel {

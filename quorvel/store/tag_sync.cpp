@@ -7,7 +7,7 @@
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/filesystem.h"
-#include "quorvel/common/console_line.h"
+#include "quorvel/common/messages.h"
 #include "quorvel/common/settings.h"
 #include "quorvel/common/shared_tracks.h"
 #include "quorvel/store/file_tags.h"

@@ -1,4 +1,4 @@
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/export_dialog.h"
 #include "tests/support/statistics_test.h"
 
 namespace {

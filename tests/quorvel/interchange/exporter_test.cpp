@@ -1,12 +1,12 @@
+#include "quorvel/interchange/exporter.h"
 #include "ostrevan/exceptions.h"
-#include "quorvel/interchange/export_fields.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/store/record_fields.h"
 #include "tests/quorvel/golden.h"
 #include "tests/support/statistics_test.h"
 
 namespace {
 
-using quorvel::export_all_fields;
+using quorvel::all_fields;
 using quorvel::t_playback_stats;
 using quorvel::pcdb_export::exportToFile;
 using quorvel::pcdb_export::writeEntry;
@@ -38,22 +38,22 @@ protected:
 
 TEST_F(exporter, writes_every_record_with_the_tracks_of_the_library) {
     player.local_files.files["/out.xml"] = std::string(100'000, 'x');
-    EXPECT_EQ(exported(export_all_fields, nullptr), golden("full_backup.xml"));
+    EXPECT_EQ(exported(all_fields, nullptr), golden("full_backup.xml"));
     EXPECT_EQ(player.local_files.flushes, 1U) << "a finished backup is on the disk";
     player.withdraw(player.library.class_guid);
-    EXPECT_EQ(exported(quorvel::export_rating, nullptr), golden("ratings_without_library.xml"));
+    EXPECT_EQ(exported(quorvel::field_rating, nullptr), golden("ratings_without_library.xml"));
 }
 
 TEST_F(exporter, writes_a_selection_in_its_order_each_record_once) {
     const auto unread = support::make_track("/unread.flac", {{"title", "Unread"}});
     unread->forget_info();
     const ostrevan::metadb_handle_list selection{gulls, copy, unread, ferry};
-    EXPECT_EQ(exported(export_all_fields, &selection), golden("selection.xml"));
+    EXPECT_EQ(exported(all_fields, &selection), golden("selection.xml"));
     const ostrevan::metadb_handle_list reversed{ferry, gulls};
-    const auto text = exported(quorvel::export_play_count, &reversed);
+    const auto text = exported(quorvel::field_play_count, &reversed);
     EXPECT_LT(text.find("First Ferry"), text.find("gulls"));
     const ostrevan::metadb_handle_list none;
-    EXPECT_EQ(exported(export_all_fields, &none), head + "</PlaybackStatistics>");
+    EXPECT_EQ(exported(all_fields, &none), head + "</PlaybackStatistics>");
 }
 
 TEST_F(exporter, goes_through_an_index_of_any_size_in_portions) {
@@ -61,7 +61,7 @@ TEST_F(exporter, goes_through_an_index_of_any_size_in_portions) {
     const auto blob = quorvel::encode_record({.play_count = 3});
     for (std::uint64_t i = 0; i < count; ++i)
         player.index.write(quorvel::statistics_index_guid, ~i, blob.data(), blob.size());
-    const auto text = exported(quorvel::export_play_count, nullptr);
+    const auto text = exported(quorvel::field_play_count, nullptr);
     EXPECT_EQ(std::ranges::count(text, '\n'), count + 1 + 3) << "a line an entry, two for the one with tracks";
     EXPECT_NE(text.find("\"ffffffffffffffff\""), std::string::npos);
     EXPECT_LT(player.local_files.largest_write, 17'000U);
@@ -73,12 +73,12 @@ TEST_F(exporter, writes_no_defaults_for_records_that_cannot_be_read) {
     const ostrevan::metadb_handle_list selection{ferry};
     player.index.fail_read = true;
     for (const bool whole : {true, false})
-        EXPECT_THROW(exportToFile("/out.xml", export_all_fields, whole ? nullptr : &selection), std::runtime_error);
+        EXPECT_THROW(exportToFile("/out.xml", all_fields, whole ? nullptr : &selection), std::runtime_error);
     EXPECT_EQ(player.local_files.files.at("/out.xml").find("Entry"), std::string::npos);
 
     player.local_files.files["/out.xml"] = "older";
     player.shut_down();
-    EXPECT_THROW(exportToFile("/out.xml", export_all_fields, nullptr), std::runtime_error);
+    EXPECT_THROW(exportToFile("/out.xml", all_fields, nullptr), std::runtime_error);
     EXPECT_EQ(player.local_files.files.at("/out.xml"), "older");
 }
 
@@ -107,9 +107,9 @@ TEST(entry_writer, writes_the_selected_fields_that_are_set) {
     } const rows[] = {
         {all, 31, entry("Count=\"12\" " + first + last + added + "Rating=\"149\" RatingFriendly=\"3\" ")},
         {all, 0, ""},
-        {all, quorvel::export_first_played, entry(first)},
-        {all, quorvel::export_last_played, entry(last)},
-        {all, quorvel::export_added, entry(added)},
+        {all, quorvel::field_first_played, entry(first)},
+        {all, quorvel::field_last_played, entry(last)},
+        {all, quorvel::field_added, entry(added)},
         {{}, 31, entry("Count=\"0\" ")},
         {{}, 30, ""},
         {{.play_count = ~0ULL, .first_played = ~0ULL, .last_played = 1ULL << 63, .added = ~0ULL, .rating = 0xFFFFFFFE},
@@ -127,9 +127,9 @@ TEST(entry_writer, writes_ratings_as_stars_and_tenths) {
         {96, "1.8"}, {149, "3"},  {160, "3.2"}, {224, "4.8"}, {234, "5"}, {255, "5.5"}, {256, "-1"}, {0x80000000, "-1"},
     };
     for (const auto& [rating, stars] : rows)
-        EXPECT_EQ(entry_of({.rating = rating}, quorvel::export_rating), "  <Entry ID=\"00000000000abcde\" Rating=\"" +
-                                                                            std::to_string(rating) + "\" RatingFriendly=\"" +
-                                                                            stars + "\" />\n");
+        EXPECT_EQ(entry_of({.rating = rating}, quorvel::field_rating), "  <Entry ID=\"00000000000abcde\" Rating=\"" +
+                                                                           std::to_string(rating) + "\" RatingFriendly=\"" +
+                                                                           stars + "\" />\n");
 }
 
 TEST(entry_writer, lists_the_tracks_by_path_and_subsong) {

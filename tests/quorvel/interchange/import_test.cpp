@@ -1,7 +1,7 @@
 #include <cstdio>
 
-#include "quorvel/interchange/import_numbers.h"
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/import_command.h"
+#include "quorvel/interchange/import_parse.h"
 #include "quorvel/store/statistics_index.h"
 #include "tests/support/statistics_test.h"
 

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "quorvel/interchange/pcdb_export.h"
+#include "quorvel/interchange/export_dialog.h"
+#include "quorvel/interchange/import_command.h"
 #include "quorvel/platform/dialog.h"
 #include "quorvel/platform/separator_win32.h"
 #include "quorvel/platform/system_error_win32.h"

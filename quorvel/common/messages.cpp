@@ -1,14 +1,21 @@
-#include "quorvel/common/questions.h"
+#include "quorvel/common/messages.h"
 
 #include <utility>
 
+#include "ostrevan/console.h"
 #include "ostrevan/core_api.h"
-#include "quorvel/common/console_line.h"
 
 namespace quorvel {
 
 using ostrevan::popup_message;
 using ostrevan::popup_message_v3;
+
+void print_to_console(const std::string& line) noexcept {
+    try {
+        if (const auto console = ostrevan::find_service<ostrevan::console_service>()) console->print(line.c_str());
+    } catch (...) {  // there is no other place to say it
+    }
+}
 
 void ask(std::string text, std::string title, unsigned style, std::function<void(unsigned answer)> reply) {
     const auto popups = ostrevan::get_service<popup_message>();

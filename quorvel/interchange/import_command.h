@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace quorvel {
+
+/// Applies a statistics file that has been read: the fields of `fields`, a set of `ExportFields`, in one operation. A
+/// failure is reported, and what was read before it is applied. When the user stops it, nothing is applied, or, with a
+/// player that offers no transactions, only what was written by then. [main-thread]
+void import_file(std::string_view text, std::uint32_t fields);
+
+namespace pcdb_export {
+
+/// Asks for a file and opens the import dialog for it. [main-thread]
+void importStatistics();
+
+}  // namespace pcdb_export
+}  // namespace quorvel
