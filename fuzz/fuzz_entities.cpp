@@ -5,6 +5,7 @@
 
 #include "fuzz/check.h"
 #include "quorvel/xml/entities.h"
+#include "quorvel/xml/escape.h"
 #include "quorvel/xml/utf8.h"
 #include "quorvel/xml/xml_parser.h"
 

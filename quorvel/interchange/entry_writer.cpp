@@ -11,7 +11,7 @@
 #include "quorvel/common/digits.h"
 #include "quorvel/store/record_fields.h"
 #include "quorvel/store/timestamp.h"
-#include "quorvel/xml/entities.h"
+#include "quorvel/xml/escape.h"
 
 namespace quorvel::pcdb_export {
 namespace {

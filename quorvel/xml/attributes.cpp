@@ -44,7 +44,7 @@ void xmlAttributes::clear() noexcept {
 }
 
 void xmlAttributes::enter_last() {
-    if (used_ == few + 1 || 2 * used_ > slots_.size()) index();
+    if (used_ == few + 1 || 2 * used_ > slots_.size()) make_slots();
     else slots_[slot_of(items_[used_ - 1].first)] = static_cast<std::uint32_t>(used_);
 }
 
@@ -53,10 +53,10 @@ void xmlAttributes::remove_if(bool (*unwanted)(const value_type&)) {
     for (std::size_t i = 0; i < used_; ++i)
         if (!unwanted(items_[i])) std::swap(items_[kept++], items_[i]);
     used_ = kept;
-    index();
+    make_slots();
 }
 
-void xmlAttributes::index() {
+void xmlAttributes::make_slots() {
     if (used_ <= few) return;
     slots_.assign(std::bit_ceil(4 * used_), 0);
     for (std::size_t i = 0; i < used_; ++i) slots_[slot_of(items_[i].first)] = static_cast<std::uint32_t>(i + 1);

@@ -9,8 +9,8 @@
 
 namespace Vek {
 
-/// The attributes of one element, from name to value, both decoded, in no order that may be relied on. The storage of one
-/// element is used again for the next.
+/// The attributes of one element, from name to value, both decoded, in no order that may be relied on. Their storage is used
+/// again for the next element.
 class xmlAttributes {
 public:
     using value_type = std::pair<std::string, std::string>;
@@ -24,29 +24,35 @@ public:
     [[nodiscard]] const_iterator end() const noexcept { return items_.data() + used_; }
 
     void clear() noexcept;
-    /// False, and nothing added, when there is one of that name already. The texts are copied. Takes constant time.
+    /// False, and nothing added, if there is one of that name already. The texts are copied. Takes constant time.
     bool add(std::string_view name, std::string_view value);
-    /// The name that the element before had in the place of the next attribute, as far as both have been alike; else empty.
+    /// The name of the next attribute if this element is like the one before; empty when there is nothing to go by. It can
+    /// be compared with the written name.
     [[nodiscard]] std::string_view expected() const noexcept {
-        return alike_ && used_ < distinct_ ? std::string_view(items_[used_].first) : std::string_view();
+        return as_written_ && alike_ && used_ < distinct_ ? std::string_view(items_[used_].first) : std::string_view();
     }
-    /// Adds the attribute of that name, which is not empty.
+    /// Adds the attribute of the expected name, which is not empty.
     void add_expected(std::string_view value);
+    /// For a name that is written otherwise than it was added: there will be no expected names any more.
+    void expect_none() noexcept { as_written_ = false; }
     void remove_if(bool (*unwanted)(const value_type&));
 
 private:
     void enter_last();
-    /// Enters the names into `slots_`, if there are so many that it is worth it.
-    void index();
-    /// Where the name stands in `slots_`, or the free slot where it belongs.
+    /// Enters all names into `slots_`, if there are enough of them to be worth it.
+    void make_slots();
+    /// The slot of the name, or the free slot where it belongs.
     [[nodiscard]] std::size_t slot_of(std::string_view name) const noexcept;
 
-    std::vector<value_type> items_;  ///< those behind the first `used_` lend their memory
+    // Elements of one kind follow each other, so their names are kept. The first `distinct_` names in `items_` are left from
+    // an earlier element and differ from each other. While `alike_`, the names of this element are the first `used_` of
+    // these, in their order: they need not be copied, and none can occur twice. A name that had to be decoded may hold any
+    // byte, even `="`, so that comparing it with what is written would tell nothing: `as_written_` is false from then on.
+    std::vector<value_type> items_;
     std::size_t used_ = 0;
-    // Elements of one kind follow each other. As long as the names are those of the element before, in its order, they need
-    // neither be copied nor compared with each other.
-    bool alike_ = true;                 ///< the names so far are those that stood there before
-    std::size_t distinct_ = 0;          ///< so many of the names that stood there before differ from each other
+    std::size_t distinct_ = 0;
+    bool alike_ = true;
+    bool as_written_ = true;
     std::vector<std::uint32_t> slots_;  ///< a hash table of positions in `items_`, counted from 1
 };
 

@@ -1,6 +1,6 @@
-#include <array>
+#include "quorvel/xml/escape.h"
 
-#include "quorvel/xml/entities.h"
+#include <array>
 
 namespace Vek {
 namespace {

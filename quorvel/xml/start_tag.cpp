@@ -33,13 +33,13 @@ void start_tag::read_attributes(std::string_view list, bool plain) {
         std::string_view value = list.substr(1, close - 1);
         if (!plain) value = decoded(value, decoded_value_);
         if (as_expected) attributes.add_expected(value);
-        else if (!attributes.add(plain ? attribute : decoded_name(attribute), value)) throw xmlParser::error();
+        else add(attribute, value);
         list.remove_prefix(close + 1);
     }
 }
 
 bool start_tag::skip_expected_name(std::string_view& list) const {
-    const std::string_view expected = names_as_written_ ? attributes.expected() : std::string_view();
+    const std::string_view expected = attributes.expected();
     if (expected.empty() || !list.starts_with(expected) || !list.substr(expected.size()).starts_with("=\"")) return false;
     list.remove_prefix(expected.size() + 1);
     return true;
@@ -53,10 +53,10 @@ std::string_view start_tag::take_name(std::string_view& list) {
     return attribute;
 }
 
-std::string_view start_tag::decoded_name(std::string_view written) {
-    const std::string_view attribute = decoded(written, decoded_name_);
-    if (attribute.data() != written.data()) names_as_written_ = false;
-    return attribute;
+void start_tag::add(std::string_view written_name, std::string_view value) {
+    const std::string_view attribute = decoded(written_name, decoded_name_);
+    if (attribute.data() != written_name.data()) attributes.expect_none();
+    if (!attributes.add(attribute, value)) throw xmlParser::error();
 }
 
 }  // namespace Vek

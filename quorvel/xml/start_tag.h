@@ -8,7 +8,7 @@
 
 namespace Vek {
 
-/// A start tag; one object reads one after the other and keeps its memory.
+/// A start tag. One object reads many, one after the other, and keeps its memory.
 class start_tag {
 public:
     /// Reads the tag that begins at the `<` at `at` and returns the position after its `>`. Throws `xmlParser::error`.
@@ -19,17 +19,17 @@ public:
     bool self_closing = false;
 
 private:
-    /// `plain` when nothing in the list is to be decoded.
+    /// `plain` if nothing in the list has to be decoded.
     void read_attributes(std::string_view list, bool plain);
-    /// Goes on to the value if the name of the attribute is the expected one: then it need not be looked for.
+    /// Adds an attribute under its decoded name. Throws for one of a name that is there already.
+    void add(std::string_view written_name, std::string_view value);
+    /// Moves on to the value if the attribute has the expected name, which then need not be searched for its end.
     bool skip_expected_name(std::string_view& list) const;
-    /// Goes on to the value, and returns the name before it.
+    /// Returns the name and moves on to the value.
     static std::string_view take_name(std::string_view& list);
-    std::string_view decoded_name(std::string_view written);
 
     std::string decoded_name_;
     std::string decoded_value_;
-    bool names_as_written_ = true;  ///< no name of an attribute so far had to be decoded
 };
 
 }  // namespace Vek

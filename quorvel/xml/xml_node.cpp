@@ -1,7 +1,7 @@
 #include "quorvel/xml/xml_node.h"
 
 #include "quorvel/xml/bytes.h"
-#include "quorvel/xml/entities.h"
+#include "quorvel/xml/escape.h"
 
 namespace Vek {
 namespace {

@@ -5,6 +5,7 @@
 
 #include "docs/xml-example.h"
 #include "quorvel/xml/entities.h"
+#include "quorvel/xml/escape.h"
 #include "quorvel/xml/xml_node.h"
 #include "quorvel/xml/xml_parser.h"
 
