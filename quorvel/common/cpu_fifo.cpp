@@ -45,7 +45,7 @@ bool CPUFIFO::run_next() noexcept {
     }
     try {
         next();
-    } catch (...) {  // whoever adds a task deals with its failures inside it
+    } catch (...) {  // tasks deal with their own failures
     }
     return true;
 }

@@ -12,18 +12,18 @@ class CPUFIFO {
 public:
     using task = std::function<void()>;
 
-    /// What the task throws is dropped. When no thread can be had, that failure is thrown on; the task then stays in the
-    /// queue and runs with the next one that is added.
+    /// What the task throws is dropped. Throws when no thread can be started; the task then stays in the queue and runs with
+    /// the next one that is added.
     void add(task work);
 
-    /// Returns when the queue is empty: waits for the task in hand, and runs the others here. Not to be called by a task.
+    /// Waits for the running task, then runs the others here. Must not be called by a task.
     void finish() noexcept;
 
 private:
     bool run_next() noexcept;
     void work_until_empty() noexcept;
 
-    std::mutex turn_;  ///< whose holder takes the next task and runs it
+    std::mutex turn_;  ///< held while a task is taken and run
     std::mutex lock_;
     std::deque<task> tasks_;
     bool running_ = false;

@@ -19,13 +19,13 @@ inline constexpr auto two_digits = [] {
 }();
 }  // namespace detail
 
-/// Writes a number below 100 with two digits and answers the end.
+/// Writes a number below 100 with two digits and returns the end.
 inline char* put_two_digits(char* out, std::uint32_t number) noexcept {
     std::memcpy(out, &detail::two_digits[2 * std::size_t{number}], 2);
     return out + 2;
 }
 
-/// Writes a number below 100,000,000 with eight digits and answers the end.
+/// Writes a number below 100,000,000 with eight digits and returns the end.
 inline char* put_eight_digits(char* out, std::uint32_t number) noexcept {
     for (const std::uint32_t four : {number / 10'000, number % 10'000}) {
         out = put_two_digits(out, four / 100);

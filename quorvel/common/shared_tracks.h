@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// A copy of a track list for work that outlives the call which brought the list. It may be released on any thread.
+/// A copy of a track list, for work that outlives the call. It may be released on any thread.
 using shared_tracks = std::shared_ptr<const ostrevan::metadb_handle_list>;
 
 [[nodiscard]] inline shared_tracks share_tracks(ostrevan::metadb_handle_list_cref tracks) {

@@ -21,7 +21,7 @@ using ostrevan::info_reload_service;
 using ostrevan::metadb_handle_list_cref;
 using ostrevan::popup_message_v3;
 
-/// Whether file tags are cleared too is settled before the question, whose text says so.
+/// Whether to clear file tags, too, is decided before the question, because its text says so.
 void reset_statistics(metadb_handle_list_cref items) {
     if (items.empty()) return;
     const bool clear_tags = tag_sync_enabled.get();
@@ -56,7 +56,7 @@ private:
     shared_tracks tracks_;
 };
 
-/// The files are read again first: their tags may have been edited outside the player.
+/// The files are read again first, because other programs may have edited their tags.
 void import_tags(metadb_handle_list_cref items) {
     const auto reload = ostrevan::find_service<info_reload_service>();
     if (!reload) throw ostrevan::exception_service_extension_not_found();

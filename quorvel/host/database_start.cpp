@@ -23,7 +23,7 @@ namespace {
 /// 28 days in units of 100 ns.
 constexpr std::uint64_t retention = 24'192'000'000'000;
 
-/// Whether the library has been gone through, so that what is added from now on is new. [main-thread]
+/// Whether the tracks of the library have been gone through, so that those added from now on are new. [main-thread]
 bool started = false;
 
 void report_failed_start(const std::exception& e) {
@@ -54,7 +54,7 @@ private:
     static void forget_registration(ostrevan::index_manager& manager) noexcept {
         try {
             manager.remove_index(statistics_index_guid);
-        } catch (...) {  // why it could not be registered is what the user has to know
+        } catch (...) {  // the user is told why it could not be registered
         }
     }
 };
@@ -71,17 +71,17 @@ void stamp_others(std::vector<ostrevan::metadb_handle_ptr> waiting, ostrevan::me
     PCDB::OnAdded(std::move(tracks));
 }
 
-/// Tracks of the library whose older records are still to be taken over when the dates added are set. [main-thread]
+/// Tracks of the library whose older records could not be taken over; no dates added are set for them. [main-thread]
 std::vector<ostrevan::metadb_handle_ptr> waiting_at_start;
 
-/// Records under older keys come before the file of early releases, whose counts are added to theirs. At the end no batch is
-/// cut in half.
+/// Records under older keys come before the file of early releases, whose counts are added to theirs. At shutdown no batch
+/// is cut in half.
 class database_session : public ostrevan::startup_notification {
 public:
     void on_startup() override {
         waiting_at_start.clear();
         if (may_hold_older_records()) waiting_at_start = take_over_older_records(tracks_of_library());
-        // A player that was started to be quiet is not held up by an import.
+        // A start in quiet mode is not held up by an import.
         if (waiting_at_start.empty() && !ostrevan::core_api::is_quiet_mode()) PCDB_import_legacy();
     }
     void on_shutdown() override {
@@ -92,7 +92,7 @@ public:
     }
 };
 
-/// Goes through the tracks that are in the library already.
+/// Sets the dates added of the tracks that are in the library already.
 class library_scan : public ostrevan::initialisation_stage {
 public:
     unsigned stage() const noexcept override { return 40; }

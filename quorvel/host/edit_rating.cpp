@@ -14,7 +14,7 @@ namespace {
 
 using ostrevan::popup_message_v3;
 
-/// From here on the user is asked first: a keyboard shortcut on a whole library is easily pressed.
+/// Beyond this the user is asked first, because a keyboard shortcut on a whole library is easily pressed.
 constexpr std::size_t most_without_question = 100;
 
 shared_tracks distinct(ostrevan::metadb_handle_list_cref items) {

@@ -16,7 +16,7 @@
 namespace quorvel {
 namespace {
 
-/// The one kind of text that the fields consist of.
+/// The kind of all text that the fields write.
 constexpr nuv::guid text_kind = nuv::guid_of("{673AA1CD-A7A8-40C8-BF9B-34379929163B}");
 
 using text_out = ostrevan::titleformat_text_out;
@@ -57,7 +57,7 @@ bool write_play_count(const t_playback_stats& record, text_out& out) {
 
 bool write_played_per_day(const t_playback_stats& record, text_out& out) {
     const double rate = played_per_day(record);
-    // A rate too small to show is still a rate: it gives "0.00".
+    // A rate too small to show is a rate all the same: "0.00".
     return rate > 0 ? write_hundredths(std::llround(rate * 100.0), out) : write(out, "?", false);
 }
 

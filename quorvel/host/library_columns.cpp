@@ -15,7 +15,7 @@ struct statistics_column {
     const char* sort_script;
 };
 
-/// Lists that people have arranged are kept under these identifiers.
+/// Users arrange their lists with these identifiers, so they never change.
 constexpr std::array statistics_columns{
     statistics_column{nuv::guid_of("{A07A0249-0D0F-4EBF-9575-59BD44C14907}"), "Play Count", "%play_count%", "%play_count%"},
     statistics_column{nuv::guid_of("{3BAEAC90-3F85-4DC0-AE77-9C2158C2330A}"), "First Played", "%first_played%",
@@ -39,7 +39,7 @@ public:
     std::string get_column_name(std::size_t index) const override { return column_at(index).name; }
     std::string get_display_script(std::size_t index) const override { return column_at(index).display_script; }
     std::string get_sort_script(std::size_t index) const override { return column_at(index).sort_script; }
-    /// Answers for any index.
+    /// Returns flags for any index.
     unsigned get_column_flags(std::size_t index) const override {
         return index == rating_column ? 0U : ostrevan::column_align_right;
     }

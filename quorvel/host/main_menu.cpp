@@ -20,8 +20,8 @@ namespace {
 using ostrevan::library_search;
 using ostrevan::popup_message;
 
-/// One command. The player keeps shortcuts under `id`, so it never changes. `flags` says how it is shown now; none for not
-/// at all.
+/// One command. The player keeps shortcuts under `id`, so it never changes. `flags` returns how it is shown now, or none to
+/// hide it.
 struct main_menu_entry {
     const char* name;
     nuv::guid id;
@@ -30,7 +30,7 @@ struct main_menu_entry {
     void (*execute)();
 };
 
-/// Hidden also when there are several search windows: which of them was meant nobody could tell.
+/// Also hidden when there are several search windows, because any of them could be meant.
 std::optional<unsigned> flags_of_search() {
     std::size_t windows = 0;
     ostrevan::for_each_service<library_search>([&](library_search&) { ++windows; });

@@ -6,8 +6,8 @@
 
 namespace quorvel {
 
-/// Plays a day between the first and the last play; 0 when there is nothing to say. The play that opens the span does not
-/// count, and a short span never gives more plays a day than there were plays.
+/// Plays a day between the first and the last play; 0 if that is unknown. The first play does not count, and a short span
+/// never gives more plays a day than there were plays.
 [[nodiscard]] inline double played_per_day(const t_playback_stats& record) noexcept {
     if (record.first_played == 0 || record.last_played == 0 || record.play_count == 0) return 0;
     const double seconds = static_cast<double>(record.last_played) * 1e-7 - static_cast<double>(record.first_played) * 1e-7;

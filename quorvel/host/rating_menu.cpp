@@ -42,9 +42,9 @@ constexpr std::array rating_entries{
                  "Increases rating of the specified items by one.", rating_not_set, +1},
 };
 
-/// What the selected tracks have in common: stars, `rating_not_set`, or this.
+/// The stars that all selected tracks share, `rating_not_set`, or this.
 constexpr std::uint32_t stars_differ = 0xFFFFFFFE;
-/// From so many tracks on, reading every record would keep the menu from opening.
+/// From this many tracks on no record is read, because that would delay the menu.
 constexpr std::size_t too_many_to_read = 1000;
 
 std::uint32_t common_stars(metadb_handle_list_cref items) {
@@ -120,7 +120,7 @@ constexpr std::array rating_item{context_command_entry{
     .name = "Rating",
     .id = nuv::guid_of("{15D9655C-F6DE-4B98-8942-A9DAE2F9AD75}"),
     .description = changes_rating,
-    .execute = [](metadb_handle_list_cref) {},  // the entries of its submenu act
+    .execute = [](metadb_handle_list_cref) {},  // only the entries of its submenu do something
 }};
 
 class contextmenu_rating : public context_command_table {

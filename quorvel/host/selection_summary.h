@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// What a selection of tracks has in common. Times are 0 when no track has them.
+/// Totals of a selection of tracks. Times are 0 if no track has them.
 struct selection_summary {
     std::uint64_t play_count = 0;
     std::uint64_t first_played = 0;

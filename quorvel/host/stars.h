@@ -18,7 +18,7 @@ inline constexpr std::size_t glyph_size = 3;
     return detail::star_ruler.substr(0, stars * detail::glyph_size);
 }
 
-/// The same followed by U+2606 for each star that is missing to five.
+/// The same followed by U+2606 for each star missing from five.
 [[nodiscard]] constexpr std::string_view five_stars(std::uint32_t stars) noexcept {
     return detail::star_ruler.substr((5 - stars) * detail::glyph_size, 5 * detail::glyph_size);
 }

@@ -10,7 +10,7 @@
 namespace quorvel {
 namespace {
 
-/// Keys are made from tags: an edit can move a track to another one, and its statistics go with it.
+/// An edit of tags can change the key of a track. Its statistics follow.
 class tag_edit_watch : public ostrevan::tag_edit_callback {
 public:
     void on_tags_edited(const nuv::list_base_const_t<ostrevan::tag_edit>& edits) override {

@@ -86,7 +86,7 @@ std::string preview(metadb_handle_list_cref tracks, const pasted_records& pasted
     return text;
 }
 
-/// The tag update reports what fails by itself, and nothing is left to do when it is through.
+/// The tag update reports its own failures, and nothing remains to be done after it.
 class paste_written : public ostrevan::completion_notify {
 public:
     void on_completion(unsigned /*status*/) override {}
@@ -109,7 +109,7 @@ void report_count(std::uint32_t count) {
     ostrevan::get_service<ostrevan::popup_message>()->show(text.c_str(), message_title, ostrevan::popup_message::icon_error);
 }
 
-/// Empty when there is not enough memory.
+/// Empty if there is not enough memory.
 std::optional<pasted_records> room_for(std::size_t count) {
     try {
         pasted_records room;

@@ -12,9 +12,9 @@ inline constexpr const char* clipboard_format = "{9B7A2C92-BC1E-4a96-BB97-B19884
 /// count beyond 32 bits, and what the clipboard throws. [main-thread], checked
 void copyStatistics(ostrevan::metadb_handle_list_cref tracks);
 
-/// Shows what the clipboard holds and, when the user agrees, replaces the records of the tracks with it, the first record
-/// going to the first track and so on. False when nothing will be written; true when the user has been asked. Throws
-/// `ostrevan_io::exception_io_data_truncation` when the block ends early. [main-thread], checked
+/// Shows what the clipboard holds and, if the user agrees, replaces the records of the tracks by it, in their order. True if
+/// the user has been asked, false if nothing will be written. Throws `ostrevan_io::exception_io_data_truncation` when the
+/// block ends early. [main-thread], checked
 bool pasteStatistics(ostrevan::metadb_handle_list_cref tracks);
 
 }  // namespace quorvel

@@ -32,7 +32,7 @@ public:
     }
     void close() noexcept { put("\" "); }
     void put_number(std::integral auto number) noexcept { end_ = std::to_chars(end_, characters_.end(), number).ptr; }
-    /// Times have eighteen digits: they are taken apart in halves instead of digit by digit.
+    /// Times have eighteen digits, which are written in blocks of eight instead of one by one.
     void put_large_number(std::uint64_t number) noexcept {
         constexpr std::uint64_t eight_digits = 100'000'000;
         if (number < eight_digits) return put_number(number);
@@ -70,8 +70,8 @@ void put_time(entry_tag& tag, const t_playback_stats& record, std::uint32_t fiel
     tag.put_local_time(field.attribute, time);
 }
 
-/// Stars to a tenth. Readers of the format know these texts: whole and tenth are each written with a sign of their own, so
-/// that the lowest ratings read "0.-5", and what lies beyond the scale reads "-1".
+/// Stars to a tenth. Readers of the format know these texts: whole stars and tenths each have their own sign, so that the
+/// lowest ratings read "0.-5", and ratings beyond the scale read "-1".
 void put_stars(entry_tag& tag, std::uint32_t rating) {
     const double tenths_of_stars = rating < 256 ? std::rint((rating - 21.333333333333332) * 0.234375) : -10.0;
     const auto tenths = static_cast<std::int32_t>(tenths_of_stars);

@@ -82,7 +82,7 @@ private:
     void export_as_chosen(dialog_window& window) const {
         const auto fields = checked_fields(window);
         if (fields == 0) return beep();
-        // Read before the question, during which the window may go.
+        // Read now: the window may close while the user chooses a file.
         const bool everything = !selection_ && window.is_checked(full_backup);
         try {
             const auto path = ask_for_destination(window);
@@ -104,7 +104,7 @@ private:
     shared_tracks selection_;
 };
 
-/// Of several dialogs the one that is open is brought forward.
+/// Only one dialog is open at a time. One that is open already is brought forward.
 void open_unless_another_is(shared_tracks selection) {
     if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
     open_dialog(ostrevan::service_new<export_dialog>(std::move(selection)));

@@ -21,7 +21,7 @@ using ostrevan::filesystem;
 constexpr std::size_t full_buffer = 16384;
 constexpr std::size_t keys_at_once = 4096;
 
-/// The file, with what is still to be written in front of it.
+/// The file, with a buffer in front of it.
 class statistics_file {
 public:
     statistics_file(const char* path, std::uint32_t fields)
@@ -52,7 +52,7 @@ private:
 
     ostrevan::file_ptr file_;
     const std::uint32_t fields_;
-    // Throws for a record that cannot be read: a default one in its place would later be imported as what was counted.
+    // Its reads throw: a default record in the place of one that cannot be read would be imported later as if it were real.
     const StatsOp records_;
     std::string text_;
     ostrevan::progress_scope progress_{"records exported"};
@@ -60,14 +60,14 @@ private:
     std::size_t total_ = 0;
 };
 
-/// None where there is no library: its records are still worth a backup.
+/// None without a library: a backup of the records is worth having all the same.
 ostrevan::metadb_handle_list library_tracks() {
     ostrevan::metadb_handle_list tracks;
     if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_all_items(tracks);
     return tracks;
 }
 
-/// The keys are fetched in portions: a library may hold millions.
+/// The keys are fetched in portions, because there may be millions.
 void add_all_records(statistics_file& file, const tracks_by_key& tracks) {
     std::size_t position = 0;
     for (std::uint64_t first = 0;;) {
@@ -90,7 +90,7 @@ void add_records_of(statistics_file& file, const tracks_by_key& tracks) {
 }  // namespace
 
 void exportToFile(const char* path, std::uint32_t fields, const track_list* tracks) {
-    // Nothing but defaults could be read: they would replace an older backup, and later be imported as what was counted.
+    // Only default records could be read. They would replace an older backup and be imported later as if they were real.
     if (opened_index() == nullptr) throw std::runtime_error("No active index");
     statistics_file file(path, fields);
     const auto library = tracks == nullptr ? library_tracks() : ostrevan::metadb_handle_list();

@@ -39,7 +39,7 @@ void attempt(Stage&& stage) {
     }
 }
 
-/// A file as it was read; nothing is copied again.
+/// The content of a file.
 struct file_content {
     std::unique_ptr<char[]> bytes;
     std::size_t size;
@@ -57,7 +57,7 @@ file_content read_file(const std::string& path) {
     return content;
 }
 
-/// Asks which fields are to be imported. It holds the content of the file and goes with it when the dialog closes.
+/// Asks which fields are to be imported. It holds the content of the file until it closes.
 class import_dialog : public ostrevan::dialog_rules {
 public:
     explicit import_dialog(file_content content) noexcept : content_(std::move(content)) {}

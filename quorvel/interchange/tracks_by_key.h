@@ -41,11 +41,11 @@ public:
         std::span<const entry> entries_;
     };
 
-    /// Where the groups begin, the one of the first track of the list first.
+    /// Where the groups begin, in the order of their first tracks in the list.
     [[nodiscard]] std::vector<std::size_t> groups() const;
     [[nodiscard]] group group_at(std::size_t position) const noexcept;
 
-    /// The tracks of a key; an empty group when there are none. Keys are asked for in ascending order, and `position`, 0 at
+    /// The tracks of a key; an empty group if there are none. Keys must be asked for in ascending order; `position`, 0 at
     /// first, keeps the place between the calls.
     [[nodiscard]] group find_next(std::uint64_t key, std::size_t& position) const noexcept;
 

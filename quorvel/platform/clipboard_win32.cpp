@@ -35,7 +35,7 @@ private:
     bool opened_;
 };
 
-/// A block of global memory, freed unless the clipboard takes it over.
+/// A block of global memory, freed unless it is given to the clipboard.
 class global_block {
 public:
     explicit global_block(std::size_t size) : handle_(GlobalAlloc(GMEM_DDESHARE, size)) {

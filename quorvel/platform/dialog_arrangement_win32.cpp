@@ -66,14 +66,14 @@ SIZE size_of(const dialog_control& control, const ruler& ruler, UINT dpi) {
         case dialog_control_kind::separator:
             return {text.cx + ruler.wide(smallest_line_behind_heading), text.cy + padding.cy};
         default: {
-            // The mark that is clicked follows the screen's resolution and not the font.
+            // The mark follows the resolution of the screen and not the font.
             const SIZE mark{GetSystemMetricsForDpi(SM_CXMENUCHECK, dpi), GetSystemMetricsForDpi(SM_CYMENUCHECK, dpi)};
             return {mark.cx + ruler.wide(4) + text.cx + padding.cx, std::max(mark.cy, text.cy) + padding.cy};
         }
     }
 }
 
-/// Buttons that follow one another share a row, everything else has one of its own. Answers the first control behind it.
+/// Buttons that follow one another share a row; everything else has a row of its own. Returns the first control after it.
 std::size_t end_of_row(std::span<const dialog_control> controls, std::size_t first) {
     std::size_t end = first + 1;
     if (controls[first].kind != dialog_control_kind::button) return end;
@@ -105,7 +105,7 @@ std::vector<row> rows_of(std::span<const dialog_control> controls, std::span<con
     return rows;
 }
 
-/// The width at which the title is not cut off: its text, the button that closes, and as much again for the space around.
+/// The width that shows the whole title: its text, the close button, and as much again for the space around.
 LONG width_of_title(HWND dialog, const char* title, UINT dpi) {
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;

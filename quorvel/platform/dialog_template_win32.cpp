@@ -11,7 +11,7 @@ namespace {
 using ostrevan::dialog_control;
 using ostrevan::dialog_control_kind;
 
-/// What the system calls a kind of control, in the order of `dialog_control_kind`.
+/// The system's name for each kind of control, in the order of `dialog_control_kind`.
 struct control_class {
     const wchar_t* name;
     DWORD style;
@@ -61,7 +61,7 @@ void write_window(template_writer& out, const ostrevan::dialog_layout& layout) {
     out.text(to_utf16(layout.font));
 }
 
-/// Texts of buttons mark a letter of the keyboard by "&"; the tables mark none.
+/// In texts of buttons "&" marks a letter of the keyboard; the tables mark none.
 std::wstring shown_text(const dialog_control& control) {
     std::wstring shown;
     for (const wchar_t unit : to_utf16(control.text)) {

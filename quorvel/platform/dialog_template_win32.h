@@ -8,9 +8,9 @@
 
 namespace quorvel {
 
-/// The table as the block of memory from which the system makes a dialog (DLGTEMPLATEEX): a hidden window with the title and
-/// the font, and the controls in the table's order, which is the order of the tab key. Nothing has a size yet: that is known
-/// when the texts have been measured in the dialog's font.
+/// The table as the block of memory from which the system makes a dialog (DLGTEMPLATEEX): a hidden window with title and
+/// font, and the controls in the order of the table, which is that of the tab key. Sizes follow later, when the texts have
+/// been measured in the font of the dialog.
 [[nodiscard]] std::vector<WORD> dialog_template(const ostrevan::dialog_layout& layout);
 
 }  // namespace quorvel

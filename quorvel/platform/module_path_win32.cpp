@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// The player's word is not needed here: the system knows which file this code came from.
+/// Asks the system, which knows the file that this code was loaded from.
 std::string module_path() {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {

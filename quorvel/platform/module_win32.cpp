@@ -13,7 +13,7 @@ HINSTANCE this_module() noexcept {
 
 }  // namespace quorvel
 
-/// A player may unload the module without having ended. A window left then would call code that is gone; when the whole
+/// A player may unload the module without having ended: windows that are left would call code that is gone. When the whole
 /// process ends, the player is gone already and nothing may be touched.
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID process_ends) {
     if (reason == DLL_PROCESS_DETACH && process_ends == nullptr) quorvel::native_dialog::destroy_all();

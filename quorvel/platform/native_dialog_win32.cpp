@@ -19,7 +19,7 @@ namespace {
 
 using ostrevan::dialog_control_kind;
 
-/// Those that have a window.
+/// The dialogs that have a window.
 std::vector<native_dialog*>& open_dialogs() {
     static std::vector<native_dialog*> dialogs;
     return dialogs;
@@ -94,7 +94,7 @@ std::size_t native_dialog::index_of(int id) const {
 
 HWND native_dialog::control(int id) const { return GetDlgItem(window_, layout().controls[index_of(id)].id); }
 
-/// Escape presses the button that cancels, also where the table has none.
+/// Escape presses the cancel button, even if the table has none.
 bool native_dialog::is_button(int id) const noexcept {
     return id == ostrevan::dialog_cancel || std::ranges::any_of(layout().controls, [id](const auto& control) {
                return control.id == id && control.kind == dialog_control_kind::button;
@@ -126,12 +126,12 @@ void native_dialog::close() {
 void native_dialog::bring_forward() {
     for (const HWND hidden : {GetWindow(window_, GW_OWNER), window_})
         if (hidden != nullptr && IsIconic(hidden) != FALSE) ShowWindow(hidden, SW_RESTORE);
-    // A question for a file may stand before it.
+    // A file dialog may be open before it.
     SetForegroundWindow(GetLastActivePopup(window_));
 }
 
-/// What the rules ask may run a message loop of its own, in which another press is ignored and the window may be destroyed.
-/// No exception may leave towards the system. A dialog whose cancelling fails must not stay for ever.
+/// A question of the rules may run a message loop, in which other presses are ignored and the window may be destroyed. No
+/// exception may reach the system. A dialog that fails to cancel must not stay open for ever.
 void native_dialog::press(int id) noexcept {
     if (rules_are_running_) return;
     const auto alive = self_;

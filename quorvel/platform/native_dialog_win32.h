@@ -8,14 +8,14 @@
 
 namespace quorvel {
 
-/// A modeless dialog of the system made from a table. It belongs to its window: whatever destroys that, a button, the owner
-/// or the end of the player, takes it out of the player's registry and lets the rules go. [main-thread]
+/// A modeless dialog of the system made from a table. It lives as long as its window: when that is destroyed, by a button,
+/// by the owner or at the end of the player, the dialog leaves the player's registry and releases the rules. [main-thread]
 class native_dialog final : public ostrevan::dialog_window, public ostrevan::registered_dialog {
 public:
     /// Makes the dialog, owned by the player's main window, lets the rules fill it in and shows it. Throws
     /// `exception_system_error` or what the rules throw; then there is no dialog.
     static void open(ostrevan::dialog_rules_ptr rules);
-    /// Destroys those that are open, before the player or this module goes.
+    /// Destroys the open ones, before the player ends or the module is unloaded.
     static void destroy_all() noexcept;
 
     explicit native_dialog(ostrevan::dialog_rules_ptr rules);
@@ -35,7 +35,7 @@ private:
     static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 
     [[nodiscard]] const ostrevan::dialog_layout& layout() const noexcept { return rules_->layout(); }
-    /// The place of a control in the table; a bug check when it has none.
+    /// The position of a control in the table; a bug check if it is not there.
     [[nodiscard]] std::size_t index_of(int id) const;
     [[nodiscard]] HWND control(int id) const;
     [[nodiscard]] bool is_button(int id) const noexcept;

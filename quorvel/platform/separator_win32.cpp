@@ -5,7 +5,7 @@
 namespace quorvel {
 namespace {
 
-/// The font stands in the window's extra bytes.
+/// The font is kept in the extra bytes of the window.
 HFONT font_of(HWND window) noexcept { return reinterpret_cast<HFONT>(GetWindowLongPtrW(window, 0)); }
 
 /// The dialog is asked for the colours as for a static text, so that the heading follows themes and high contrast.

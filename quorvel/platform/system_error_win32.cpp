@@ -8,8 +8,8 @@
 namespace quorvel {
 namespace {
 
-/// Without the line end and the full stop, because it ends a sentence of ours. Asked for in UTF-16: the narrow call answers
-/// in the code page of the system.
+/// Without the line end and the full stop, because it ends a sentence of ours. UTF-16, because the narrow call uses the code
+/// page of the system.
 std::string text_of(DWORD error) {
     WCHAR* text = nullptr;
     constexpr DWORD from_system =

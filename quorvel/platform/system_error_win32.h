@@ -8,7 +8,7 @@ namespace quorvel {
 /// A call of the system failed; the text is the system's own, in the language of the user.
 class exception_system_error : public std::exception {
 public:
-    /// A number as `GetLastError` gives it.
+    /// A number from `GetLastError`.
     explicit exception_system_error(unsigned long error);
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
@@ -16,7 +16,7 @@ private:
     std::string text_;
 };
 
-/// Reports what `GetLastError` says.
+/// Throws the error that `GetLastError` returns.
 [[noreturn]] void throw_last_error();
 
 }  // namespace quorvel

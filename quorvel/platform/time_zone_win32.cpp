@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-/// A zone of the system's, with the rules that its calls apply.
+/// A zone of the system, with the rules that its calls apply.
 class system_zone final : public time_zone {
 public:
     /// The zone that is set in Windows; a change of the setting takes effect at once.
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// The rules of a named zone for a year; null stands for the zone that is set, whose rules the calls find themselves.
+    /// The rules of a named zone for a year. Null means the zone that is set, whose rules the calls find themselves.
     struct rules {
         rules(const std::optional<DYNAMIC_TIME_ZONE_INFORMATION>& zone, WORD year) noexcept {
             if (!zone) return;

@@ -9,7 +9,7 @@ namespace {
 /// The calendar with its days of the week repeats after 400 years.
 constexpr int period_years = 400;
 constexpr std::int64_t period_seconds = std::int64_t{146097} * 86400;
-/// No change of a zone, and no offset, is larger.
+/// No offset, and no change of one, is larger.
 constexpr std::int64_t widest_offset = 26 * std::int64_t{3600};
 
 int year_of(std::int64_t moment) noexcept {
@@ -54,7 +54,7 @@ zone_changes::zone_changes(const zone_rule& rule) : zone_changes(rule.standard_o
 }
 
 std::optional<zone_changes> zone_changes::from_file(std::string_view bytes) {
-    // The first block has moments of 32 bits for readers of long ago; the second is the one to read.
+    // The first block has moments of 32 bits, for very old readers; the second is the one to read.
     const auto old_header = block_header::read(bytes);
     if (!old_header || bytes[4] < '2') return std::nullopt;
     const std::size_t skipped = block_header::size + old_header->data_size(4);
@@ -140,7 +140,7 @@ std::int64_t zone_changes::utc_of(std::int64_t wall_clock) const noexcept {
     const std::int64_t wall = wall_clock - shift;
     std::size_t i = index_of(wall - widest_offset);
     for (; i < moments_.size() && moments_[i] <= wall + widest_offset; ++i) {
-        // A moment before its span begins is one that the clock jumped over.
+        // A moment before its span begins was skipped by the clock.
         if (const std::int64_t moment = wall - offsets_[i]; moment < end_of(i)) return moment + shift;
     }
     return wall - offsets_[i - 1] + shift;

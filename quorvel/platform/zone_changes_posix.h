@@ -31,6 +31,7 @@ private:
     void add(std::int64_t moment, std::int32_t offset);
     /// Adds a calendar period of the rule's changes after `known_until`.
     void add_years(const zone_rule& rule, std::int64_t known_until);
+    void make_hints();
 
     /// Index of the span that a moment before `horizon_` lies in.
     [[nodiscard]] std::size_t index_of(std::int64_t moment) const noexcept;
@@ -45,12 +46,11 @@ private:
     /// The offset at an index holds from the moment at that index to the next one.
     std::vector<std::int64_t> moments_;
     std::vector<std::int32_t> offsets_;
-    /// For each span of 2^22 seconds, about 48 days, since 1970 the index in force at its beginning: the search goes on from
-    /// there, and hardly ever further than one step.
-    void make_hints();
-    static constexpr int hint_bits = 22;
+    /// For each span of 2^22 seconds (about 48 days) since 1970 the index in force at its beginning. The search starts there
+    /// and hardly ever takes more than one step.
     std::vector<std::uint32_t> hints_;
-    /// From here on everything repeats what was one calendar period of 400 years earlier.
+    static constexpr int hint_bits = 22;
+    /// From here on everything repeats the 400 years before.
     std::int64_t horizon_ = end;
 };
 

@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-/// Reads the text from its start. Each function answers whether what it reads was there.
+/// Reads the text from its start. Each function returns whether it found what it reads.
 class rule_reader {
 public:
     explicit rule_reader(std::string_view text) noexcept : text_(text) {}
@@ -22,7 +22,7 @@ public:
             if (!time_of_day(west)) return false;
             out.summer_ = -west;
         }
-        // What systems assume when a zone has summer time but says nothing about when.
+        // The usual default for a zone with summer time but without dates for it.
         if (text_.empty()) text_ = ",M3.2.0,M11.1.0";
         return date(out.start_) && date(out.end_) && text_.empty();
     }

@@ -9,7 +9,7 @@
 namespace quorvel {
 namespace {
 
-/// Each key once, in ascending order, as the player stores them fastest.
+/// Each key once, in ascending order, which is the fastest to store.
 std::vector<std::uint64_t> keys_without_date(const ostrevan::metadb_handle_list& tracks) {
     std::vector<std::uint64_t> keys;
     for (const auto& track : tracks.items())

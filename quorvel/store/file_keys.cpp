@@ -15,7 +15,7 @@
 namespace quorvel {
 namespace {
 
-/// How often the main thread looks whether the user wants to stop.
+/// How often the main thread checks whether the user has stopped it.
 constexpr std::chrono::milliseconds between_looks{50};
 
 struct keys_in_file {
@@ -30,8 +30,8 @@ keys_in_file read_keys(const ostrevan::playable_location& location, ostrevan::in
             older_mapping == nullptr ? std::nullopt : std::optional(older_mapping->key_of(info, location))};
 }
 
-/// The tracks whose files have to be read, in their order. What is wanted of a file is its key only, so the information of
-/// many files is never in memory at once.
+/// The tracks whose files have to be read, in their order. Only keys are kept, so that the information of many files is
+/// never in memory at once.
 class unknown_tracks {
 public:
     unknown_tracks(std::vector<GatheredTrack>& gathered, ostrevan::index_client* older_mapping)
@@ -66,8 +66,7 @@ private:
 
 }  // namespace
 
-/// The thread is an own one and not the player's: it never outlives this call, whatever happens here, which a task that has
-/// been handed over could not promise.
+/// A thread of its own and not one of the player, because it must end before this call does, even when that throws.
 void ReadKeysInFiles(std::vector<GatheredTrack>& gathered, ostrevan::progress_scope& progress,
                      const ostrevan::index_client_ptr& older_mapping) {
     unknown_tracks tracks(gathered, older_mapping.get());

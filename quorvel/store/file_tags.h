@@ -18,12 +18,11 @@ void PCDB_write_tags(const t_playback_stats& record, ostrevan::file_info& info);
 /// where the time value is missing. [any-thread]
 std::uint32_t PCDB_read_tags(t_playback_stats& record, const ostrevan::file_info& info, bool allowTextFallback);
 
-/// The number made by the last digits of a text when nothing follows them, else 0: "12x34" gives 34, "3 " gives 0. Wraps at
-/// 64 bits.
+/// The number at the end of a text, 0 if there is none: "12x34" gives 34, "3 " gives 0. Wraps at 64 bits.
 [[nodiscard]] std::uint64_t parse_trailing_digits(std::string_view text) noexcept;
 
-/// The time value in `timestamp_field`; where it is missing or 0, and `allowTextFallback` is set, the local time written in
-/// `text_field`. 0 when neither can be read.
+/// The time value in `timestamp_field`. If that is missing or 0, and `allowTextFallback` is set, the local time in
+/// `text_field`. 0 if neither can be read.
 [[nodiscard]] std::uint64_t read_time_field(const ostrevan::file_info& info, std::string_view timestamp_field,
                                             std::string_view text_field, bool allowTextFallback);
 

@@ -35,11 +35,11 @@ constexpr auto ids_of_table = [] {
 
 constinit std::atomic<index_client*> active{nullptr};
 
-/// Other threads may be inside a key function when it stops being the active one, so all are kept until the module goes.
+/// Kept until the module is unloaded: other threads may still be inside one that is no longer active.
 std::vector<index_client_ptr> key_functions;
 
-/// What a thread hashed last. Plain numbers: an object with a destructor would keep the module from being unloaded as long
-/// as the thread lives.
+/// The last key that a thread computed. Plain numbers, because an object with a destructor would keep the module loaded for
+/// as long as the thread lives.
 struct remembered_key {
     const index_client* mapping;
     std::uint64_t snapshot;

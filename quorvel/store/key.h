@@ -9,8 +9,8 @@
 
 namespace quorvel {
 
-/// Rules by which the key of a track is made from its tags. The active one names the statistics index too; the others are
-/// kept to match what was stored or exported under them.
+/// Rules that make the key of a track from its tags. The active one also names the statistics index; the others are kept to
+/// match what was stored or exported under them.
 inline constexpr nuv::guid title_mapping_guid = nuv::guid_of("{C653739F-14B3-4EF2-819B-A3E2883230AE}");
 inline constexpr nuv::guid legacy_track_mapping_guid = nuv::guid_of("{163FC58C-E2D5-4D3D-BFA4-45AF2C28AC1C}");
 inline constexpr nuv::guid repeated_track_mapping_guid = nuv::guid_of("{6370B286-BE93-4A7C-AA3B-281FEC61B182}");
@@ -20,15 +20,15 @@ inline constexpr nuv::guid statistics_index_guid = active_mapping_guid;
 /// Every mapping, the active one first.
 [[nodiscard]] std::span<const nuv::guid> mapping_guids() noexcept;
 
-/// A new key function of this mapping; empty when there is no such mapping. Throws when the player has no hash service.
+/// A new key function of this mapping; empty if there is no such mapping. Throws when the player has no hash service.
 /// [any-thread]
 [[nodiscard]] ostrevan::index_client_ptr FindMapping(const nuv::guid& mapping);
 
-/// The key of a track under the active mapping; none when the player holds no information for the track, or outside the time
-/// between start and stop. Remembers the last track of each thread. [any-thread]
+/// The key of a track under the active mapping. None if the player holds no information for the track, or before start and
+/// after stop. Every thread remembers its last one. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track);
 
-/// The same for tags that are not, or no longer, those of the track. [any-thread]
+/// The same for other tags than those that the track has now. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info,
                                                  const ostrevan::playable_location& location);
 

@@ -15,13 +15,12 @@ struct key_change {
     bool operator==(const key_change&) const = default;
 };
 
-/// What the edits moved, in their order. Where the file said something else than the player knew, that key counts as one to
-/// come from, too. [any-thread]
+/// The changes of keys that follow from the edits, in their order. If the file said something else than the player knew,
+/// that key is an old one, too. [any-thread]
 [[nodiscard]] std::vector<key_change> key_changes(const nuv::list_base_const_t<ostrevan::tag_edit>& edits);
 
-/// Merges the record of each key into that of the other with `MergeMax`. The old record stays, so that an edit back finds
-/// it, and counts never add up twice. Throws when that cannot be done; a player with transactions has none of it then.
-/// [worker]
+/// Merges the record of each old key into that of the new one with `MergeMax`. The old record stays, so that an edit back
+/// finds it, and counts never add up twice. Throws on failure; with transactions nothing has been changed then. [worker]
 void follow_key_changes(std::span<const key_change> changes);
 
 }  // namespace quorvel

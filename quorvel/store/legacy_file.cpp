@@ -41,7 +41,7 @@ public:
         return id;
     }
 
-    /// The length is what a damaged file claims: the text grows only as far as there are bytes.
+    /// A damaged file can claim any length: the text grows only as far as there are bytes.
     std::string text(std::size_t length) {
         std::string text;
         while (length != 0) {

@@ -14,9 +14,9 @@ struct legacy_record {
     t_playback_stats stats;
 };
 
-/// Reads a whole file of theirs, in its order. Throws `ostrevan_io::exception_io_data` for a file of another kind, and
-/// `ostrevan_io::exception_io_data_truncation` when it ends inside a record. Takes memory for what is there, whatever the
-/// file says of itself.
+/// Reads a whole file, in its order. Throws `ostrevan_io::exception_io_data` for a file of another kind, and
+/// `ostrevan_io::exception_io_data_truncation` if it ends inside a record. Uses memory for the bytes that are there, not for
+/// those that a damaged file claims.
 std::vector<legacy_record> read_legacy_file(ostrevan::file& file);
 
 }  // namespace quorvel

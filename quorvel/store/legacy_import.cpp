@@ -48,7 +48,7 @@ std::vector<GatheredTrack> tracks_with_keys(const std::vector<legacy_record>& re
     return found;
 }
 
-/// What was stored under the keys before; nothing where there was no record.
+/// What was stored under the keys before the import; nothing where there was no record.
 using earlier_records = std::map<std::uint64_t, std::optional<t_playback_stats>>;
 
 void merge(const std::vector<legacy_record>& records, const std::vector<GatheredTrack>& tracks, earlier_records& before) {
@@ -79,8 +79,8 @@ std::size_t take_back(const earlier_records& before) {
     return failed;
 }
 
-/// The file stays when this fails: what has been written by then, or what the player goes on trying to save, would be added
-/// a second time.
+/// After a failure the file stays and is imported again, so what has been written by then is taken back: it would be added a
+/// second time. The same goes for what the player is still trying to save.
 void merge_and_save(const std::vector<legacy_record>& records) {
     const auto tracks = tracks_with_keys(records);
     earlier_records before;
@@ -100,7 +100,7 @@ void merge_and_save(const std::vector<legacy_record>& records) {
 
 void import_file(filesystem& files, const std::string& path) {
     const auto records = read_legacy_file(*files.open(path.c_str(), filesystem::open_mode::read));
-    // Without an index nothing would be written, and the file must not go then.
+    // Without an index nothing would be written, and the file has to stay.
     if (opened_index() == nullptr) throw std::runtime_error("No active index");
     if (!records.empty()) back_up_index("legacy-import", path.c_str());
     merge_and_save(records);

@@ -2,9 +2,9 @@
 
 namespace quorvel {
 
-/// Takes over the statistics file of early releases if there is one in the player's profile: its records are added to those
-/// that are stored, saved, and the file is removed, so that they are never added twice. A failure is shown to the user, and
-/// the file stays for the next start. The player is asked for a backup first where it offers one. [main-thread]
+/// Imports the statistics file of early releases, if there is one in the profile: adds its records to those stored, saves
+/// them and removes the file, so that they are never added twice. After a failure, which is shown to the user, the file
+/// stays for the next start. Asks the player for a backup first, if it offers one. [main-thread]
 void PCDB_import_legacy();
 
 }  // namespace quorvel

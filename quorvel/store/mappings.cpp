@@ -10,7 +10,7 @@ namespace {
 
 using ostrevan::file_info;
 
-/// The first of these that a track has names its artist.
+/// The artist is the first of these that a track has.
 constexpr std::array<std::string_view, 4> artist_fields{"album artist", "artist", "composer", "performer"};
 /// Lengths are counted in frames of a compact disc.
 constexpr double frames_per_second = 75;
@@ -35,7 +35,7 @@ std::optional<std::string_view> value_at(const file_info& info, std::string_view
     return info.meta_value(field, index);
 }
 
-/// The first disc of an album is fed as if the album had no discs.
+/// Nothing is fed for the first disc, so that it is the same whether the album has others or not.
 void feed_disc(unit_digest& digest, std::optional<std::string_view> disc) {
     if (!disc) return;
     const auto number = without_leading_zeros(*disc);

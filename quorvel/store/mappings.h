@@ -10,8 +10,8 @@
 
 namespace quorvel {
 
-/// What the mappings have in common: artist, album, date, something that tells the tracks of an album apart, and the length
-/// of tracks that say too little about themselves.
+/// What the mappings share: artist, album, date, something that tells the tracks of an album apart, and the length of tracks
+/// with too few tags.
 class tag_mapping : public ostrevan::index_client {
 public:
     [[nodiscard]] std::uint64_t key_of(const ostrevan::file_info& info, const ostrevan::playable_location& location) final;
@@ -19,11 +19,11 @@ public:
 protected:
     explicit tag_mapping(ostrevan::hash_service& hash) noexcept : hash_(hash) {}
 
-    /// Feeds the numbers of a track that has an album; true when they stand in place of its title.
+    /// Feeds the numbers of a track that has an album. True if they take the place of its title.
     virtual bool feed_track_part(unit_digest& digest, const ostrevan::file_info& info) const = 0;
 
 private:
-    /// A service of the player, which lives until the process ends: no reference is held, so that none is released late.
+    /// A service of the player, which lives until the process ends. No reference is held, so that none is released too late.
     ostrevan::hash_service& hash_;
 };
 
@@ -36,7 +36,7 @@ protected:
     bool feed_track_part(unit_digest& digest, const ostrevan::file_info& info) const override;
 };
 
-/// An older rule, which reads the second value of both numbers. Stored keys were made that way.
+/// An older rule, kept because of stored keys: it reads the second value of both numbers.
 class LegacyTrackMapping : public tag_mapping {
 public:
     using tag_mapping::tag_mapping;
@@ -45,7 +45,7 @@ protected:
     bool feed_track_part(unit_digest& digest, const ostrevan::file_info& info) const override;
 };
 
-/// An older rule, which feeds the track number twice. Stored keys were made that way.
+/// An older rule, kept because of stored keys: it feeds the track number twice.
 class RepeatedTrackMapping : public tag_mapping {
 public:
     using tag_mapping::tag_mapping;

@@ -5,7 +5,7 @@
 namespace quorvel {
 namespace {
 
-/// 0 stands for no time at all.
+/// 0 is no time.
 std::uint64_t earliest(std::uint64_t a, std::uint64_t b) noexcept { return a == 0 || b == 0 ? a + b : std::min(a, b); }
 
 std::uint32_t merged_rating(std::uint32_t stored, std::uint32_t incoming) noexcept {

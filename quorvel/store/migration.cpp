@@ -16,7 +16,7 @@ namespace {
 
 using ostrevan::metadb_handle_ptr;
 
-/// A record under an older mapping, and the key of a track that it belongs to.
+/// A record under an older mapping, and the key of one of its tracks.
 struct older_record {
     std::size_t mapping;  ///< position in the table
     std::uint64_t older_key;
@@ -25,8 +25,8 @@ struct older_record {
 };
 
 struct older_records {
-    /// Each once, because to merge one twice would take the average of the ratings twice; and sorted, because tracks that
-    /// differ in what an older mapping leaves out share a record.
+    /// Each once: merging one twice would average the ratings twice. Sorted: tracks that differ only in what an older
+    /// mapping leaves out share a record.
     std::vector<older_record> found;
     std::vector<metadb_handle_ptr> owners;
     std::exception_ptr failure;  ///< of reading one of them
@@ -47,7 +47,7 @@ older_records find_older_records(const StatsOp& op, ostrevan::metadb_handle_list
             if (!std::ranges::binary_search(held, older_key)) continue;
             try {
                 if (!op.Find(mappings[i], older_key)) continue;
-            } catch (const std::exception&) {  // the tracks of all others are known when it is told
+            } catch (const std::exception&) {  // reported when the tracks of all others are known
                 result.failure = std::current_exception();
             }
             const auto key = KeyOf(snapshot->info(), track->location());
@@ -62,7 +62,7 @@ older_records find_older_records(const StatsOp& op, ostrevan::metadb_handle_list
     return result;
 }
 
-/// An older record goes after it has been merged, which matters where there are no transactions.
+/// Removes an older record only after it has been merged, which matters without transactions.
 void take_over(StatsOp& op, const std::vector<older_record>& found) {
     for (auto next = found.begin(); next != found.end();) {
         const auto [mapping, older_key, first_key] = *next;

@@ -13,9 +13,9 @@
 namespace quorvel {
 
 /// The statistics database: the one place that reads and writes records, which the player keeps in its index. Without an
-/// index (before start, after a failed registration) reads give default records and writes are skipped.
-/// Everything that modifies is [main-thread], checked; it writes only what changes, in one transaction, and refreshes every
-/// changed key once. What the index throws on a failed write comes through, and then nothing has been written.
+/// index (before start, after a failed registration) reads return default records and writes are skipped. Everything that
+/// modifies is [main-thread], checked; it writes only what changes, in one transaction, and refreshes every changed key
+/// once. What the index throws on a failed write comes through, and then nothing has been written.
 class PCDB {
 public:
     using Edit = std::function<void(t_playback_stats&)>;
@@ -29,7 +29,7 @@ public:
 
     /// `edit` may be called twice, and the second time with another record.
     static void Update(std::uint64_t key, const Edit& edit);
-    /// Writes whatever the record says. False when there is nowhere to count: the track has no key, or the player no index.
+    /// Always writes. False if there is nowhere to count: the track has no key, or the player no index.
     static bool ItemPlayed(const ostrevan::metadb_handle& track);
     /// Clears everything but the date added.
     static void Reset(ostrevan::metadb_handle_list_cref tracks);
@@ -42,10 +42,10 @@ public:
     /// Stamps the date added where none is set. Returns at once; the work is done on the worker.
     static void OnAdded(ostrevan::metadb_handle_list_cref tracks);
     static void OnAdded(ostrevan::metadb_handle_list&& tracks);
-    /// Takes over what the file tags say, as far as the player has them at hand.
+    /// Replaces fields by what the file tags say, for the tracks whose tags the player holds.
     static void ImportFromTags(ostrevan::metadb_handle_list_cref tracks);
 
-    /// Returns when every record is on disk; throws when that cannot be had. [any-thread]
+    /// Returns when every record is on disk, and throws if that fails. [any-thread]
     static void SaveNow();
 };
 

@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// Rating of a track that nobody has rated. Ratings go from 0 to 255.
+/// The rating of a track without one. Others go from 0 to 255.
 inline constexpr std::uint32_t rating_not_set = 0xFFFFFFFF;
 
 /// The statistics of one track. Times count 100 ns since 1601-01-01 UTC; 0 means not set.
@@ -18,7 +18,7 @@ struct t_playback_stats {
     std::uint64_t last_played = 0;
     std::uint64_t added = 0;
     std::uint32_t rating = rating_not_set;
-    /// The last bytes of the stored form: without meaning, and carried along as they were found.
+    /// The last bytes of the stored form. They mean nothing and are kept as they were found.
     std::uint32_t trailing = 0;
 
     friend constexpr bool operator==(const t_playback_stats& a, const t_playback_stats& b) noexcept {
@@ -52,7 +52,7 @@ constexpr T little_endian(T value) noexcept {
     }
 }
 
-/// Turns every field around where the machine is not little-endian; its own inverse.
+/// Swaps the bytes of every field where the machine is not little-endian. Its own inverse.
 constexpr t_playback_stats little_endian(const t_playback_stats& record) noexcept {
     return {little_endian(record.play_count), little_endian(record.first_played), little_endian(record.last_played),
             little_endian(record.added),      little_endian(record.rating),       little_endian(record.trailing)};

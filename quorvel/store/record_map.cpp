@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-/// The slot that holds the key, or the free one where it belongs. Keys are halves of digests: any of their bits will do.
+/// The slot of the key, or the free slot where it belongs.
 std::size_t record_map::slot_of(std::uint64_t key) const noexcept {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = static_cast<std::size_t>(key * 0x9E3779B97F4A7C15ULL >> 20) & mask;
@@ -37,7 +37,7 @@ void record_map::set(std::uint64_t key, const t_playback_stats& record) {
     else slots_[slot_of(key)] = static_cast<std::uint32_t>(entries_.size());
 }
 
-/// Also makes the first slots, when the order of the keys ends.
+/// Also makes the first table, when a key comes out of order.
 void record_map::grow() {
     slots_.assign(std::bit_ceil(entries_.size() * 2), 0);
     for (std::size_t i = 0; i < entries_.size(); ++i) slots_[slot_of(entries_[i].first)] = static_cast<std::uint32_t>(i + 1);

@@ -9,12 +9,12 @@
 
 namespace quorvel {
 
-/// Records by key, in the order in which the keys came first. Made for a million entries: one array of records, and one of
-/// positions in it, probed in sequence. As long as new keys come in ascending order, as from a file that lists them, the
-/// array itself is searched and there is no other.
+/// Records by key, in the order in which the keys were first set. Made for a million entries: one array of records, and a
+/// hash table of positions in it. As long as new keys come in ascending order, as from a backup, the array itself is
+/// searched and there is no table.
 class record_map {
 public:
-    /// Null when the key is not there. Valid until the next `set`.
+    /// Null if the key is not there. Valid until the next `set`.
     [[nodiscard]] const t_playback_stats* find(std::uint64_t key) const noexcept;
     void set(std::uint64_t key, const t_playback_stats& record);
 

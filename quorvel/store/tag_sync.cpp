@@ -53,7 +53,7 @@ public:
     }
 };
 
-/// The first file system that answers for the path says whether it may be rewritten; where none does, it may.
+/// Asks the first file system that handles the path. A path that none of them handles may be rewritten.
 bool is_writable(const ostrevan::metadb_handle& track) {
     const char* const path = track.location().path.c_str();
     const ostrevan::filesystem* owner = nullptr;
@@ -63,7 +63,7 @@ bool is_writable(const ostrevan::metadb_handle& track) {
     return owner == nullptr || !owner->is_remote(path);
 }
 
-/// To write the default record in their place would remove what the files say.
+/// Default records in their place would remove what the files say.
 void report_left_out(ostrevan::metadb_handle_list_cref tracks) {
     const std::size_t others = tracks.get_count() - 1;
     print_to_console("Playback statistics: the file tags of " + tracks[0]->location().path +

@@ -28,7 +28,7 @@ public:
         }
         return number;
     }
-    /// The first three decimals; the ones that are not there are zero.
+    /// The first three decimals. Missing ones are zero.
     std::int32_t thousandths() noexcept {
         std::int32_t number = 0;
         for (int i = 0; i < 3; ++i) number = number * 10 + (at_digit() ? take_digit() : 0);

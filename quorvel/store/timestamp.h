@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-/// A text cannot be read as a time.
+/// The text cannot be read as a time.
 class exception_time_error : public nuv::fixed_exception {
 public:
     exception_time_error() noexcept : fixed_exception("Invalid timestamp") {}
@@ -35,12 +35,12 @@ private:
     std::size_t length_;
 };
 
-/// Local time, to the second. 0 is a time like any other; whoever shows times tests for it first. [any-thread]
+/// Local time, to the second. 0 is a time like any other: callers that show times test for it first. [any-thread]
 [[nodiscard]] timestamp_text FormatTimestamp(std::uint64_t time);
 [[nodiscard]] timestamp_text FormatTimestamp(std::uint64_t time, const time_zone& zone);
 
-/// Writes the same text at `out`, where there is room for `timestamp_text::capacity` characters, and answers its end; null
-/// for a time that cannot be shown. [any-thread]
+/// Writes the same text at `out`, which has room for `timestamp_text::capacity` characters, and returns its end; null for a
+/// time that cannot be shown. [any-thread]
 [[nodiscard]] char* PutTimestamp(char* out, std::uint64_t time, const time_zone& zone) noexcept;
 
 /// Reads local time: four digits of year, two each of month, day, hour, minute and second, single "-" and ":" between them

@@ -8,7 +8,7 @@
 namespace quorvel {
 namespace {
 
-/// What a sequence that begins with a byte of 0x80 or above stands for, and its length in bytes: 0 when it is not valid.
+/// A character of two or more bytes and its length in bytes, which is 0 if it is not valid.
 struct decoded {
     std::uint32_t code_point;
     std::size_t length;

@@ -25,7 +25,7 @@ public:
     }
     /// UTF-8 text up to its end or its first invalid sequence, and the terminator.
     void feed_text(std::string_view text);
-    /// The same without the zeros at the front.
+    /// The same without its leading zeros.
     void feed_number(std::string_view text);
 
     /// Both halves of the digest, little-endian, combined by exclusive or. Nothing may be fed afterwards.
@@ -37,7 +37,7 @@ private:
             unit = unit >> 24 | (unit >> 8 & 0xFF00U) | (unit << 8 & 0xFF0000U) | unit << 24;
         return unit;
     }
-    /// Feeds the characters before the first that is not ASCII; there must be room for the whole text. Answers how many.
+    /// Feeds the characters before the first that is not ASCII, and returns how many. There must be room for the whole text.
     std::size_t feed_ascii(std::string_view text) noexcept;
     void flush();
 
@@ -47,7 +47,7 @@ private:
     std::array<std::uint32_t, 256> units_;
 };
 
-/// The text without the zeros at its front; empty when there is nothing else.
+/// The text without its leading zeros; empty if there is nothing else.
 [[nodiscard]] std::string_view without_leading_zeros(std::string_view text) noexcept;
 
 }  // namespace quorvel

@@ -6,7 +6,7 @@
 
 #include "quorvel/xml/xml_parser.h"
 
-/// Small views of bytes that the reader is made of. Blanks are all bytes up to 0x20.
+/// Bytes as the reader sees them. Blanks are all bytes up to 0x20.
 namespace Vek {
 
 [[nodiscard]] constexpr bool is_blank(char byte) noexcept { return static_cast<unsigned char>(byte) <= 0x20; }
@@ -31,7 +31,7 @@ namespace Vek {
     return std::ranges::equal(one, other, {}, folded, folded);
 }
 
-/// A position that must have been found. Throws `xmlParser::error` when it was not.
+/// Returns the position, which must have been found. Throws `xmlParser::error` if not.
 [[nodiscard]] inline std::size_t required(std::size_t position) {
     if (position == std::string_view::npos) throw xmlParser::error();
     return position;

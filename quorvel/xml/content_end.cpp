@@ -37,8 +37,7 @@ std::size_t content_end::find_raw(std::string_view name, std::size_t from) {
 std::size_t content_end::enter(std::size_t at, std::size_t close) {
     const std::size_t from = close + 1;
     if (text_[close - 1] == '/') return from;
-    // The name ends at a space and at no other blank, and is not decoded: such elements are only looked at to find their
-    // end.
+    // The name ends at a space and at no other blank, and is not decoded: only the end of these elements matters.
     std::string_view name = text_.substr(at + 1, close - at - 1);
     name = name.substr(0, std::min(name.find(' '), name.size()));
     name = without_leading_blanks(without_trailing_blanks(name));
@@ -51,7 +50,7 @@ std::size_t content_end::enter(std::size_t at, std::size_t close) {
 
 void content_end::leave(std::string_view raw_name) {
     raw_name = without_trailing_blanks(raw_name);
-    // Nearly always it is the same name, of plain bytes.
+    // Nearly always they are the same plain bytes.
     const std::string_view name = open_.back();
     const bool same = std::ranges::equal(raw_name, name, [](char raw, char byte) { return raw == byte && is_plain(raw); });
     if (!same && !equal_without_case(decoded(raw_name, decoded_), name)) throw xmlParser::error();

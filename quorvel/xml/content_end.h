@@ -9,22 +9,22 @@
 
 namespace Vek {
 
-/// Finds where the content of elements ends. It keeps its own stack, so that nesting of any depth costs memory and no stack
-/// space, and looks at every byte once.
+/// Finds where the content of elements ends. It keeps its own stack, so that deep nesting takes memory but no stack space,
+/// and reads every byte once.
 class content_end {
 public:
     /// `text` is the buffer that is parsed; `parser` tells which elements are empty or raw.
     content_end(xmlParser& parser, std::string_view text) : parser_(parser), text_(text) {}
 
     /// The position of the `<` of the end tag, which is complete, for an element whose content begins at `from`. Throws
-    /// `xmlParser::error` when it is missing, has another name, or what stands before it is not well-formed.
+    /// `xmlParser::error` if it is missing or has another name, or if the content is not well-formed.
     [[nodiscard]] std::size_t find(std::string_view name, std::size_t from);
 
 private:
     /// The end tag of a raw element: the exact bytes.
     [[nodiscard]] std::size_t find_raw(std::string_view name, std::size_t from);
-    /// Goes over the start tag from `at` to `close`, and over the content of a raw element; an element with content of its
-    /// own is put on the stack. Returns where to go on.
+    /// Skips the start tag from `at` to `close`, and the content of a raw element. Pushes any other element with content.
+    /// Returns where to go on.
     std::size_t enter(std::size_t at, std::size_t close);
     void leave(std::string_view raw_name);
 

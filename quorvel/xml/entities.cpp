@@ -36,8 +36,8 @@ std::optional<std::uint32_t> numeric_reference(std::string_view body) {
     return value;
 }
 
-/// What stands for the body of a reference. The time is bounded by the digits that a body begins with, so that many bodies
-/// that end at one far `;` are looked at in time in proportion to the text.
+/// The code point of the reference with this body. A number is read only as far as its digits go, so that many `&` before
+/// one distant `;` take time in proportion to the text.
 std::optional<std::uint32_t> reference(std::string_view body) {
     if (body.starts_with('#') || (!body.empty() && body[0] >= '0' && body[0] <= '9')) return numeric_reference(body);
     for (const auto& [name, code_point] : entities)
@@ -79,7 +79,7 @@ std::string decodeEntities(const char* text, std::size_t length) {
 }
 
 bool is_plain(std::string_view text) noexcept {
-    // Without a way out of the loop the compiler looks at many bytes at a time.
+    // A loop without an early exit lets the compiler handle many bytes at a time.
     unsigned char others = 0;
     for (const char byte : text) others |= static_cast<unsigned char>(!is_plain(byte));
     return others == 0;

@@ -12,7 +12,7 @@ struct skipped_markup {
     std::string_view end;
 };
 
-/// The first that fits counts.
+/// The first match counts.
 constexpr std::array<skipped_markup, 3> skipped{{{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<!", ">"}}};
 
 }  // namespace
@@ -25,7 +25,7 @@ std::size_t after_declaration(std::string_view text, std::size_t at) {
 }
 
 std::size_t end_of_tag(std::string_view text, std::size_t from) {
-    // Looking for the `>` and counting the quotes before it are each done many bytes at a time, which a loop over both is
+    // One search for the `>` and one loop that counts quotes each handle many bytes at a time. A single loop for both would
     // not.
     unsigned char quoted = 0;
     for (;;) {

@@ -5,8 +5,8 @@
 
 namespace Vek {
 
-/// Where the comment, CDATA section or declaration that begins with the `<!` at `at` ends. Throws `xmlParser::error` for one
-/// that does not.
+/// Where the comment, CDATA section or declaration ends that begins with the `<!` at `at`. Throws `xmlParser::error` if it
+/// does not end.
 [[nodiscard]] std::size_t after_declaration(std::string_view text, std::size_t at);
 
 /// The same for any `<`; `at` itself when it begins a tag.

@@ -38,7 +38,7 @@ void namespaces::leave() {
         if (uri) (*own_)[prefix] = std::move(*uri);
         else own_->erase(prefix);
     }
-    // A context copied from this one would copy the room for declarations that are gone.
+    // Copies of this context would copy the empty buckets, too.
     if (own_ && own_->bucket_count() > 4 * own_->size() + 64) own_->rehash(0);
 }
 

@@ -9,8 +9,8 @@
 
 namespace Vek {
 
-/// The namespaces in force for one element after the other of a level. An element that declares none has the context of its
-/// parent itself; for the others one copy is made for the whole level, and their declarations are taken back after each.
+/// The namespaces of each element of a level in turn. An element without declarations has the context of its parent. For the
+/// others one copy is made for the whole level, and their declarations are undone after each.
 class namespaces {
 public:
     struct resolved {
@@ -18,7 +18,7 @@ public:
         const char* local;  ///< without the prefix; the whole name when it is in no namespace
     };
 
-    /// `parent` stays alive and unchanged.
+    /// `parent` must outlive this object unchanged.
     explicit namespaces(const xmlContext& parent) : parent_(parent) {}
 
     /// The context of an element with these attributes, from which the declarations are taken out. Good until `leave`.

@@ -11,7 +11,7 @@
 /// A small XML library: a reader that walks one nesting level at a time over the caller's buffer, entities, and a writer.
 namespace Vek {
 
-/// What is given to the library cannot be used.
+/// Input that the library cannot use.
 class invalid_input : public std::runtime_error {
 public:
     invalid_input() : std::runtime_error("invalid input") {}
@@ -36,11 +36,11 @@ public:
 
     /// Calls the functions below in document order and returns at the end of the buffer. `parent` is empty at the top level;
     /// inside an element it is the context that its `onElem` received. Throws `error` at the first mistake, and whatever the
-    /// functions throw; the calls made before it stand.
+    /// functions throw; the calls made before are not undone.
     void parse(const xmlContext& parent, const char* buffer, std::size_t length);
 
-    /// An element. Everything lives until the call returns. `ns` is empty when the name is in no namespace. `content` is
-    /// what stands between the tags, raw; null with length 0 for an element that has none.
+    /// An element. All arguments live until the call returns. `ns` is empty if the name is in no namespace. `content` is the
+    /// raw bytes between the tags; null with length 0 for an element that has none.
     virtual void onElem(const xmlContext& context, const char* ns, const char* name, const xmlAttributes& attributes,
                         const char* content, std::size_t length) = 0;
     /// Text between the elements of this level, raw: entities are not decoded and white space is kept.

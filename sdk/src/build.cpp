@@ -5,7 +5,7 @@
 namespace ostrevan {
 namespace {
 
-/// Up to the zero, or all of it where foreign data has none.
+/// The text up to its zero; all of it if foreign data has none.
 template <std::size_t Size>
 std::string_view text_of(const char (&characters)[Size]) noexcept {
     return {characters, std::ranges::find(characters, '\0')};

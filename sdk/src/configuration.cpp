@@ -22,7 +22,7 @@ bool cfg_bool::get() const {
                 value_ = store->get_bool(id(), fallback_);
                 known_ = true;
             }
-        } catch (...) {  // the default holds until the end of this run
+        } catch (...) {  // the default is used until the player ends
         }
     });
     return value_.load(std::memory_order_relaxed);

@@ -8,7 +8,7 @@
 namespace ostrevan {
 namespace {
 
-/// Constant-initialised, so that static objects of other files may ask before it is set.
+/// Constant-initialised, so that static objects of other files may use it before it is set.
 constinit std::atomic<player_api*> current_player{nullptr};
 
 std::string& library_path_storage() {

@@ -8,8 +8,8 @@
 namespace ostrevan {
 namespace {
 
-/// First eight bytes with the case bit set, mixed with the length: equal for equal names whatever their case, and different
-/// for nearly all others, so that a search compares one number a field.
+/// The first eight bytes with the case bit set, mixed with the length. Names that differ in case only have the same number,
+/// and nearly all others a different one, so that a search compares one number for each field.
 std::uint64_t name_fingerprint(std::string_view name) noexcept {
     std::uint64_t head = 0;
     std::memcpy(&head, name.data(), std::min<std::size_t>(name.size(), sizeof head));

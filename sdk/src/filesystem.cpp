@@ -20,7 +20,7 @@ service_ptr_t<Service> handler_of(const char* path) {
     return found;
 }
 
-/// Whether a failure can be over in a moment.
+/// Whether a failure can pass by itself.
 bool may_pass(const ostrevan_io::exception_io& e) noexcept {
     return dynamic_cast<const ostrevan_io::exception_io_sharing_violation*>(&e) != nullptr ||
            dynamic_cast<const ostrevan_io::exception_io_denied*>(&e) != nullptr ||

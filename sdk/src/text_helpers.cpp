@@ -9,7 +9,7 @@
 namespace ostrevan {
 namespace {
 
-/// The player's table, fetched once: a track's key lower-cases every character of its tags.
+/// The player's table, fetched once, because a key lower-cases every character of a track's tags.
 const std::uint16_t* cached_table() noexcept {
     static constinit std::atomic<const std::uint16_t*> table{nullptr};
     const auto* known = table.load(std::memory_order_acquire);
@@ -31,7 +31,7 @@ std::uint32_t lower_beyond_ascii(std::uint32_t code_point) noexcept {
 void uPrintCrashInfo_OnEvent(const char* line) noexcept {
     try {
         if (const auto log = find_service<crash_log_service>()) log->on_event(line);
-    } catch (...) {  // a log that fails must not stop what it reports on
+    } catch (...) {  // a failing log must not stop what it reports
     }
 }
 
