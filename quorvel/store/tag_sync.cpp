@@ -9,7 +9,6 @@
 #include "ostrevan/filesystem.h"
 #include "quorvel/common/messages.h"
 #include "quorvel/common/settings.h"
-#include "quorvel/common/shared_tracks.h"
 #include "quorvel/store/file_tags.h"
 #include "quorvel/store/key.h"
 #include "quorvel/store/statistics_index.h"
@@ -24,8 +23,7 @@ using record_of_track = std::map<ostrevan::metadb_handle_ptr, t_playback_stats>;
 /// Writes the records as they were when the request was made. The player keeps it until the update is over.
 class StampTagsFilter : public ostrevan::file_info_filter {
 public:
-    StampTagsFilter(shared_tracks tracks, record_of_track records) noexcept
-        : tracks_(std::move(tracks)), records_(std::move(records)) {}
+    explicit StampTagsFilter(record_of_track records) noexcept : records_(std::move(records)) {}
 
     bool apply_filter(const ostrevan::metadb_handle_ptr& track, ostrevan::file_info& info) override {
         const auto found = records_.find(track);
@@ -38,7 +36,6 @@ public:
     }
 
 private:
-    shared_tracks tracks_;
     record_of_track records_;
 };
 
@@ -87,9 +84,8 @@ void PCDB_stamp_tags(ostrevan::metadb_handle_list_cref tracks, unsigned updateFl
         }
         if (!unknown.empty()) report_left_out(unknown);
         if (known.empty()) return;
-        const auto held = share_tracks(known);
         ostrevan::get_service<tag_update_service>()->update_async(
-            *held, ostrevan::service_new<StampTagsFilter>(held, std::move(records)), ostrevan::core_api::main_window(),
+            known, ostrevan::service_new<StampTagsFilter>(std::move(records)), ostrevan::core_api::main_window(),
             updateFlags, std::move(notify));
     } catch (...) {  // the statistics are safe in the database, and a later request writes them
     }

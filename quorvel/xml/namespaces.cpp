@@ -29,7 +29,12 @@ const xmlContext& namespaces::enter(xmlAttributes& attributes) {
 
 void namespaces::declare(std::string prefix, const std::string& uri) {
     const auto [place, added] = own_->try_emplace(prefix, uri);
-    former_.emplace_back(std::move(prefix), added ? std::nullopt : std::optional(std::exchange(place->second, uri)));
+    std::optional<std::string> former;
+    if (!added) {
+        former = std::move(place->second);
+        place->second = uri;
+    }
+    former_.emplace_back(std::move(prefix), std::move(former));
 }
 
 void namespaces::leave() {
