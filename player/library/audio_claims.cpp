@@ -19,7 +19,7 @@ void audio_claims::settle(std::vector<scanned_file>& sheets) {
 }
 
 bool is_unchanged(const library_file& known, const file_stamp& now) {
-    // A sheet without tracks lost its audio to another one, which may be gone by now.
+    // A sheet without tracks lost its audio to another sheet, which may be gone by now.
     if (known.tracks.empty() || !(known.stamp == now)) return false;
     return std::ranges::all_of(known.sources, [](const source_file& source) {
         try {

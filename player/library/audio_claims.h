@@ -11,7 +11,7 @@
 
 namespace ostrevan::library {
 
-/// The audio files that CUE sheets refer to: they are not listed by themselves, and belong to one sheet each.
+/// The audio files that CUE sheets refer to. Each belongs to one sheet and is not listed by itself.
 class audio_claims {
 public:
     void add(std::span<const source_file> sources) {
@@ -20,15 +20,15 @@ public:
     [[nodiscard]] bool contains(const std::string& path) const { return paths_.contains(path); }
     [[nodiscard]] const std::unordered_set<std::string>& paths() const noexcept { return paths_; }
 
-    /// Gives audio that nobody claims yet to the first of these sheets by path. A sheet that comes too late for any of its
-    /// files loses its tracks.
+    /// Assigns unclaimed audio to the first of these sheets by path. A sheet that loses any of its files to an earlier one
+    /// loses its tracks.
     void settle(std::vector<scanned_file>& sheets);
 
 private:
     std::unordered_set<std::string> paths_;
 };
 
-/// Whether neither the file nor, for a sheet, its audio has changed.
+/// Whether the file, and the audio of a sheet, are unchanged.
 bool is_unchanged(const library_file& known, const file_stamp& now);
 
 }  // namespace ostrevan::library

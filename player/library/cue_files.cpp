@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t cue_size_limit = 1 << 20;
 
-/// Fields of an audio file that hold for each of the tracks inside it.
+/// Fields of an audio file that apply to each of its tracks.
 constexpr std::string_view shared_fields[] = {
     "artist",    "album artist", "album",      "date",         "genre", "composer",
     "performer", "discnumber",   "totaldiscs", "discsubtitle", "label", "comment",
@@ -53,7 +53,7 @@ bool is_file(const std::string& path) noexcept {
     }
 }
 
-/// How well a name in the sheet's folder answers to the one in the sheet; 0 when it does not.
+/// How well the name of a file matches the name in the sheet; 0 when it does not.
 class audio_search {
 public:
     audio_search(std::string_view wanted, std::string_view cue_name, bool is_only) noexcept
@@ -71,7 +71,7 @@ private:
     bool is_only_;
 };
 
-/// A name that leads out of the sheet's folder is not followed: a sheet comes from anywhere, and what it names is opened.
+/// Names that lead out of the sheet's folder are not followed: sheets come from anywhere, and what they name is opened.
 bool stays_inside(const std::filesystem::path& relative) {
     return relative.is_relative() && !relative.empty() && *relative.begin() != "..";
 }
@@ -91,7 +91,7 @@ std::string locate_audio(const std::string& cue_path, const std::string& name, b
     directory listing(folder);
     while (const auto entry = listing.next()) {
         const int rank = search.rank(entry->name);
-        // Among equals the first in byte order, whatever the order of the directory.
+        // Of equal ranks the first in byte order, whatever the order of the directory.
         if (rank == 0 || rank < best_rank || (rank == best_rank && entry->name >= best)) continue;
         best = entry->name;
         best_rank = rank;
@@ -108,14 +108,14 @@ void overlay(file_info& info, const cue_fields& fields, bool is_disc) {
     }
 }
 
-/// Whether a field may be stored with every track of the file.
+/// Whether a field is short enough to be stored with every track of the file.
 bool is_short(const std::vector<std::string>& values) {
     std::size_t size = 0;
     for (const auto& value : values) size += value.size() + 1;
     return size <= longest_cue_value + 1;
 }
 
-/// `owns_file` when no other track is in the same file: then all that the file says is about this track.
+/// `owns_file`: the only track in its file, so that all fields of the file apply to it.
 file_info info_of_track(const cue_sheet& sheet, const cue_track& track, const file_info& audio, bool owns_file) {
     file_info info;
     if (owns_file) {
@@ -147,7 +147,7 @@ std::vector<read_track> tracks_of(const cue_sheet& sheet, const std::vector<file
     return tracks;
 }
 
-/// Never that of one of its files, since its tracks are not theirs.
+/// Never the mark of one of its files, whose tracks are not those of the sheet.
 std::uint64_t mark_of_sheet(const std::vector<std::uint64_t>& audio) {
     std::uint64_t mark = audio.size();
     for (const auto each : audio) {
@@ -157,8 +157,8 @@ std::uint64_t mark_of_sheet(const std::vector<std::uint64_t>& audio) {
     return mark;
 }
 
-/// The sheet inside an audio file. It speaks of that file alone, whatever names it gives. Nothing when there is none that
-/// can be understood.
+/// The sheet inside an audio file. It applies to that file alone, whatever names it holds. Empty when there is none or it
+/// cannot be understood.
 std::optional<cue_sheet> embedded_sheet(const file_info& info) {
     const auto field = info.meta_find(embedded_field);
     if (field == file_info::npos || info.meta_value_count(field) == 0) return std::nullopt;
@@ -188,7 +188,7 @@ bool is_cue_path(std::string_view path) noexcept {
 located_sheet locate_sheet(const std::string& cue_path) {
     located_sheet result{parse_cue(read_sheet(cue_path)), {}};
     auto& [sheet, audio] = result;
-    // A sheet may name one file several times, or under several names.
+    // A sheet may name a file several times, or under several names.
     std::vector<std::size_t> position;
     for (const auto& name : sheet.files) {
         const auto path = locate_audio(cue_path, name, sheet.files.size() == 1);

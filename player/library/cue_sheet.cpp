@@ -19,7 +19,7 @@ std::string_view trim(std::string_view text) noexcept {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-/// Takes the first word off the line.
+/// Removes and returns the first word of the line.
 std::string_view take_word(std::string_view& line) noexcept {
     const auto end = std::min(line.find_first_of(" \t"), line.size());
     const auto word = line.substr(0, end);
@@ -27,7 +27,7 @@ std::string_view take_word(std::string_view& line) noexcept {
     return word;
 }
 
-/// A text runs to the last quotation mark of the line, so that quotation marks inside need no escaping.
+/// A text ends at the last quotation mark of the line; quotation marks inside are not escaped.
 std::string_view unquote(std::string_view text) noexcept {
     if (text.size() < 2 || text.front() != '"') return text;
     const auto last = text.rfind('"');
@@ -45,7 +45,7 @@ class parser {
 public:
     cue_sheet parse(std::string_view text) {
         while (!text.empty()) {
-            // Some old writers end lines with a carriage return alone.
+            // Old writers end lines with a carriage return alone.
             const auto end = std::min(text.find_first_of("\n\r"), text.size());
             ++line_;
             run(trim(text.substr(0, end)));
@@ -67,7 +67,7 @@ private:
     void run(std::string_view line);
 
     void on_file(std::string_view rest) {
-        // The last word is the kind of the file, unless the name ends the line.
+        // The last word is the file type, unless the name ends the line.
         if (!rest.starts_with('"')) {
             const auto kind = rest.find_last_of(" \t");
             if (kind != rest.npos) rest = trim(rest.substr(0, kind));
@@ -149,9 +149,9 @@ private:
     }
 
     cue_sheet sheet_;
-    std::string file_;              // named, without a track so far
-    cue_track track_;               // begun, without INDEX 01 so far
-    cue_track* current_ = nullptr;  // the last of the sheet's tracks while its lines go on
+    std::string file_;              // named, no track yet
+    cue_track track_;               // begun, no INDEX 01 yet
+    cue_track* current_ = nullptr;  // the last of the sheet's tracks, while its lines follow
     bool is_in_track_ = false;
     bool is_audio_ = false;
     std::size_t line_ = 0;

@@ -5,7 +5,7 @@
 
 namespace ostrevan::library {
 
-/// Text of a CUE sheet as UTF-8: as it stands when it is UTF-8, by its byte order mark when it has one, else from Latin-1.
+/// The text of a CUE sheet as UTF-8: unchanged if it is UTF-8, by its byte order mark, else from Latin-1.
 std::string cue_text(std::string_view bytes);
 
 }  // namespace ostrevan::library

@@ -32,7 +32,7 @@ entry_kind kind_of(int directory_fd, const dirent& found) noexcept {
         case DT_LNK:
             return entry_kind::link;
         case DT_UNKNOWN:
-            break;  // some file systems do not say
+            break;  // not every file system tells
         default:
             return entry_kind::other;
     }
@@ -70,7 +70,7 @@ file_status directory::status() const {
 
 file_status directory::status(std::string_view name) const {
     struct stat found {};
-    // Names come from `next`, where a terminating zero follows them.
+    // `next` returns names with a terminating zero.
     if (fstatat(dirfd(stream_of(handle_.get())), name.data(), &found, 0) != 0) fail();
     return to_status(found);
 }

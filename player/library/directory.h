@@ -11,21 +11,20 @@
 
 namespace ostrevan::library {
 
-/// What a name in a directory stands for, before symbolic links are followed.
+/// The kind of a directory entry, before symbolic links are followed.
 enum class entry_kind { file, directory, link, other };
 
 /// Device and number: equal for the same file under different names.
 using file_identity = std::pair<std::uint64_t, std::uint64_t>;
 
-/// What is known of a file or directory behind all symbolic links.
+/// The status of a file or directory, with symbolic links followed.
 struct file_status {
     entry_kind kind = entry_kind::other;
     file_stamp stamp;
     file_identity identity;
 };
 
-/// An open directory. Functions that fail throw std::system_error; no function opens a file, so that pipes and devices
-/// are never waited for.
+/// An open directory. Failures throw std::system_error. No function opens a file, so pipes and devices never block.
 class directory {
 public:
     explicit directory(const std::string& path);
@@ -34,11 +33,11 @@ public:
         std::string_view name;  // valid until the next call
         entry_kind kind;
     };
-    /// The next name, without "." and ".."; nothing at the end.
+    /// The next name except "." and ".."; empty at the end.
     std::optional<entry> next();
 
     [[nodiscard]] file_status status() const;
-    /// Follows links; throws for a link that leads nowhere.
+    /// Follows links; throws for a broken link.
     [[nodiscard]] file_status status(std::string_view name) const;
 
 private:

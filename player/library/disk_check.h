@@ -9,23 +9,23 @@
 
 namespace ostrevan::library {
 
-/// Tells a file that was deleted from one whose disk is away: what is left of its folder lies on another device then. The
-/// numbers of devices change when a machine starts, so files that are still there tell which number became which.
+/// Tells a deleted file from one on an absent disk: what remains of its folder is then on another device. Device numbers
+/// change at boot, so files still present show which number became which.
 class disk_check {
 public:
-    /// A file that is still there: the device of its folder as it was stored, and as it is. 0 is not known.
+    /// Device numbers of the folder of a file still present: stored and current. 0 is unknown.
     void note(std::uint64_t before, std::uint64_t now) {
         if (before != 0) before_[now].insert(before);
     }
 
-    /// For a file that is not there any more: the nearest folder above it that is there, if the file was on another device
-    /// than that; nothing when the file was deleted.
+    /// For a missing file: the nearest existing folder above it, if the file was on another device than that; empty when
+    /// the file was deleted.
     [[nodiscard]] std::optional<std::string> place_without_disk(const std::string& path, std::uint64_t device) const;
 
 private:
     struct folder {
         std::string path;
-        std::optional<std::uint64_t> device;  // nothing when it cannot be looked at
+        std::optional<std::uint64_t> device;  // empty when it cannot be read
     };
     const folder& nearest(const std::string& path) const;
 

@@ -39,7 +39,7 @@ folder_on_disk folder_tracks_on_disk(track_table& tracks, const std::string& fol
     if (!found.root_reason.empty()) result.problems.push_back({folder, found.root_reason});
     for (auto& place : found.hidden) result.problems.push_back({std::move(place.path), std::move(place.reason)});
 
-    // Sheets first: they say which audio is theirs.
+    // Sheets first: they claim their audio.
     std::ranges::sort(found.files, {}, [](const found_file& file) {
         return std::pair<bool, const std::string&>(!is_cue_path(file.path), file.path);
     });

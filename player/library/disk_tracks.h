@@ -8,8 +8,8 @@
 
 namespace ostrevan::library {
 
-/// The tracks of a file that the library does not hold: read from the disk, and known to the player until it ends. Throws
-/// with the reason when the file cannot be read.
+/// The tracks of a file outside the library, read from the disk and kept until the player ends. Throws with the reason when
+/// the file cannot be read.
 std::vector<track_ptr> tracks_on_disk(track_table& tracks, const std::string& path);
 
 /// What a folder of the disk holds.
@@ -18,8 +18,8 @@ struct folder_on_disk {
     std::vector<file_problem> problems;
 };
 
-/// The tracks of every file below a folder that the library does not hold, as a scan would find them: audio that belongs to
-/// a CUE sheet does not stand for itself.
+/// The tracks of every file below a folder outside the library, as a scan would find them: audio of a CUE sheet is not
+/// listed by itself.
 folder_on_disk folder_tracks_on_disk(track_table& tracks, const std::string& folder);
 
 }  // namespace ostrevan::library

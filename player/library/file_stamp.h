@@ -5,7 +5,7 @@
 
 namespace ostrevan::library {
 
-/// By which a file is known to be the one that was read: it is not opened again while both stay the same.
+/// Identifies the state of a file that was read: it is not opened again while both are unchanged.
 struct file_stamp {
     std::int64_t size = 0;   // bytes
     std::int64_t mtime = 0;  // ns since 1970

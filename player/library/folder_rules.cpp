@@ -19,7 +19,7 @@ bool is_inside(const fs::path& inner, const fs::path& outer) {
     return std::ranges::mismatch(outer, inner).in1 == outer.end();
 }
 
-/// The path behind all links; the path itself when it is not there at the moment.
+/// The path with all links resolved, or unchanged when it does not exist.
 fs::path real_path(const fs::path& path) {
     std::error_code failed;
     auto real = fs::canonical(path, failed);
@@ -48,7 +48,7 @@ std::optional<std::string> why_overlapping(const std::string& path, const std::s
     return std::nullopt;
 }
 
-/// Nothing when it is inside none of them.
+/// Null when it is inside none of them.
 const library_folder* folder_around(const std::string& path, std::span<const library_folder> present) {
     const auto holds = [&](const library_folder& each) {
         return is_inside(path, each.path) || is_inside(real_path(path), real_path(each.path));

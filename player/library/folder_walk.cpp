@@ -14,14 +14,14 @@
 namespace ostrevan::library {
 namespace {
 
-/// What one worker found in one directory.
+/// The result of one worker for one directory.
 struct listing {
     std::vector<found_file> files;
     std::vector<std::string> directories;
     std::vector<std::string> links;  // to directories
     std::vector<hidden_place> hidden;
     bool is_empty = true;
-    bool is_partly_hidden = false;  // something in it cannot be looked at, and it is among the hidden places
+    bool is_partly_hidden = false;  // something in it is unreadable; already in `hidden`
 };
 
 constexpr std::size_t unknown_number = std::numeric_limits<std::size_t>::max();
@@ -63,7 +63,8 @@ private:
         try {
             status = opened.status(entry.name);
         } catch (const std::system_error& failure) {
-            // A plain file that is gone by now is gone; what a link means is unknown, and so is what cannot be looked at.
+            // A plain file that is missing was just deleted. The target of a link is unknown, and so is anything
+            // unreadable.
             const bool is_missing = failure.code() == std::errc::no_such_file_or_directory;
             if (entry.kind == entry_kind::link)
                 result.hidden.push_back({std::move(file.path), failure.code().message(), is_missing});
@@ -99,7 +100,7 @@ public:
             return std::move(result_);
         }
         run_queue();
-        // Everything that is reached without a link goes before what is reached by one.
+        // Everything reachable without a link comes before anything behind a link.
         while (!links_.empty() && !workers_.is_stopped()) {
             auto round = std::exchange(links_, {});
             std::ranges::sort(round);
@@ -109,13 +110,13 @@ public:
             }
         }
         result_.is_complete = !workers_.is_stopped();
-        // A disk that is taken away in the middle of the walk looks like folders that were deleted.
+        // A disk removed during the walk looks like deleted folders.
         if (!is_still_there(root, identity)) result_.root_reason = "it went away while it was read";
         return std::move(result_);
     }
 
 private:
-    /// Counts a worker among the busy ones, without the lock, also when it throws.
+    /// Counts a worker as busy while the lock is released, also when it throws.
     class busy_mark {
     public:
         busy_mark(walk& owner, std::unique_lock<std::mutex>& lock) noexcept : owner_(owner), lock_(lock) {
@@ -125,7 +126,7 @@ private:
         ~busy_mark() {
             lock_.lock();
             --owner_.busy_;
-            // This worker takes the next directory itself; the others are woken for more, or to end.
+            // This worker takes the next directory itself; wakes the others for more work, or to end.
             if (owner_.queue_.size() > 1 || owner_.busy_ == 0) owner_.changed_.notify_all();
         }
         busy_mark(const busy_mark&) = delete;
@@ -197,7 +198,7 @@ private:
     const walk_rules& rules_;
     worker_group& workers_;
 
-    std::mutex mutex_;  // for everything down to busy_
+    std::mutex mutex_;  // guards everything down to busy_
     std::condition_variable changed_;
     walk_result result_;
     std::vector<std::string> queue_;

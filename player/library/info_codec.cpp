@@ -42,7 +42,7 @@ public:
         throw ostrevan_io::exception_io_data();
     }
 
-    /// A number of things of at least one byte each.
+    /// A count of items of at least one byte each.
     std::size_t count() {
         const std::uint64_t value = number();
         if (value > rest_.size()) throw ostrevan_io::exception_io_data_truncation();
@@ -65,7 +65,7 @@ private:
 }  // namespace
 
 std::string encode_info(const file_info& info) {
-    thread_local std::string out;  // so that the result is allocated once, in its size
+    thread_local std::string out;  // so that the result is allocated once, at its final size
     out.clear();
     out += format_version;
     const auto length = std::bit_cast<std::uint64_t>(info.length());

@@ -8,7 +8,7 @@
 
 namespace ostrevan::library {
 
-/// A track whose tags or place another program has changed, while the sound stayed the same.
+/// A track whose tags or location another program changed, with the same sound.
 struct track_edit {
     track_ptr track;
     metadb_info_ptr before;
@@ -16,8 +16,8 @@ struct track_edit {
     std::optional<playable_location> location_before{};  // when it has moved
 };
 
-/// What a scan did to the library. A track is in one of the first three lists at most; every edited track is a modified one
-/// as well, or an added one that was somewhere else before.
+/// The changes of a scan. A track is in at most one of the first three lists; every edited track is also modified, or added
+/// if it has moved.
 struct library_changes {
     std::vector<track_ptr> added;
     std::vector<track_ptr> removed;
@@ -27,7 +27,7 @@ struct library_changes {
     [[nodiscard]] bool empty() const noexcept { return added.empty() && removed.empty() && modified.empty(); }
 };
 
-/// Told of changes when they are in the database and the handles show them. [main-thread]
+/// Notified of changes that are saved and visible in the handles. [main-thread]
 class library_observer {
 public:
     virtual void on_library_changed(const library_changes& changes) = 0;
@@ -36,8 +36,8 @@ protected:
     ~library_observer() = default;
 };
 
-/// Whether two readings of a file are of the same sound: coding, sample rate, channels, and length within what its
-/// computation varies by when tags grow.
+/// Whether two readings of a file have the same sound: codec, sample rate, channels, and length within the error of its
+/// computation when tags grow.
 bool is_same_sound(const file_info& a, const file_info& b) noexcept;
 
 }  // namespace ostrevan::library

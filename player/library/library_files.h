@@ -13,18 +13,18 @@
 
 namespace ostrevan::library {
 
-/// A file of the library in memory.
+/// A library file in memory.
 struct library_file {
     std::int64_t id = 0;
     std::int64_t folder = 0;
     file_stamp stamp;
-    std::uint64_t device = 0;  // these three as in stored_file
+    std::uint64_t device = 0;  // these three: see stored_file
     std::optional<std::uint64_t> sound{};
     std::uint64_t arrived = 0;
     std::vector<track_ptr> tracks{};
-    std::vector<source_file> sources{};  // for a CUE sheet: the audio it refers to
+    std::vector<source_file> sources{};  // of a CUE sheet: the audio it refers to
     std::uint64_t seen = 0;              // number of the last scan that found it
-    std::uint64_t seen_on = 0;           // the device on which it did
+    std::uint64_t seen_on = 0;           // the device it was then on
 };
 
 struct path_hash {

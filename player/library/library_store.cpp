@@ -15,8 +15,7 @@ CREATE TABLE ignored(path BLOB NOT NULL PRIMARY KEY) WITHOUT ROWID;
 )",
 };
 
-// Files and tracks are only ever appended during a scan: no index on the path has to be kept, since the library knows all
-// of them in memory.
+// Scans only append files and tracks. There is no index on the path, since the library has all paths in memory.
 constexpr sqlite::format library_format{0x4F4C4942,  // "OLIB"
                                         3,
                                         R"(
@@ -123,7 +122,7 @@ void library_store::remove_ignored(const std::string& path) {
 }
 
 void library_store::load(const std::function<void(stored_file&&, std::vector<stored_track>&&)>& on_file) const {
-    // Three tables in the order of the file ids, read side by side.
+    // Reads three tables side by side, in the order of file ids.
     auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
     auto tracks = database_.prepare("SELECT file, subsong, info FROM tracks ORDER BY file, subsong");
     auto sources = database_.prepare("SELECT file, path, size, mtime FROM sources ORDER BY file, position");

@@ -7,11 +7,11 @@
 
 namespace ostrevan::library {
 
-/// A path in the form in which the library keeps it: absolute, lexically normal, without "file://". One with another
-/// protocol stays as it is. [any-thread]
+/// The path as the library stores it: absolute, lexically normal, without "file://". Other protocols are unchanged.
+/// [any-thread]
 std::string normal_path(std::string_view path);
 
-/// A location as a user writes it: `path` or `path|subsong`; a file name with "|" in it stands for itself when it is there.
+/// Parses `path` or `path|subsong`. A name that contains "|" is a path when that file exists.
 playable_location parse_location(std::string_view text);
 
 }  // namespace ostrevan::library

@@ -22,12 +22,12 @@ bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcep
 
 }  // namespace
 
-/// What has been gathered while the library changes.
+/// The changes collected during an update.
 struct media_library::outcome {
     library_changes changes;
     std::size_t tracks_unchanged = 0;
-    std::vector<placed_sound> displaced;  // what was at a path that holds another sound now
-    std::vector<track_edit> assumed;      // where the length alone speaks for the same sound
+    std::vector<placed_sound> displaced;  // sounds replaced by another one at their path
+    std::vector<track_edit> assumed;      // same sound by length only
     std::size_t tracks_moved = 0;
     std::vector<unclear_move> unclear;
 };
@@ -159,7 +159,7 @@ scan_summary media_library::scan(std::span<const library_folder> folders, const 
     try {
         auto report = scan_folders({scan_number_, folders, ignored_}, files_, reader_, options,
                                    [&](std::vector<scanned_file>&& files) { save(std::move(files), scan_number_, done); });
-        if (report.is_stopped) done.displaced.clear();  // what else there may be is not known
+        if (report.is_stopped) done.displaced.clear();  // a stopped scan does not know where they went
         drop(report.gone, done, [&] { note_scan(report); });
         summary.tracks_unchanged = done.tracks_unchanged + report.tracks_unchanged;
         summary.absent = std::move(report.absent);
@@ -248,7 +248,7 @@ void media_library::drop(std::span<const std::string> gone, outcome& done, const
         done.changes.removed.insert(done.changes.removed.end(), found->second.tracks.begin(), found->second.tracks.end());
         files_.erase(found);
     }
-    // What looked like a new coding of the same sound is another one if either of the two is found elsewhere.
+    // An edit assumed from the length alone is none if either sound was found elsewhere.
     std::erase_if(done.assumed, [&](const track_edit& each) { return moved.paths.contains(each.track->location().path); });
     done.tracks_moved = moved.edits.size();
     std::ranges::move(moved.edits, std::back_inserter(done.changes.edited));

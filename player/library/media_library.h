@@ -18,54 +18,54 @@
 
 namespace ostrevan::library {
 
-/// What became of a request for several paths.
+/// The result of a request for several paths.
 struct path_changes {
     std::size_t tracks_removed = 0;
     std::vector<file_problem> refused;
 };
 
-/// Whose information `refresh_tracks` reads from the file.
+/// Which tracks `refresh_tracks` reads again.
 enum class refresh_mode { unknown_only, if_changed, always };
 
-/// The tracks of the folders that the user has added, kept in a database and shown through handles. [main-thread] A scan
-/// blocks its caller and works on threads of its own.
+/// The tracks of the folders added by the user, stored in a database and exposed as handles. [main-thread] A scan blocks
+/// its caller and works on its own threads.
 class media_library {
 public:
-    /// Opens `database_path`, or makes it, and takes up what it holds without looking at any file. Table and observer must
-    /// outlive the library. Throws sqlite::error.
+    /// Opens or creates `database_path` and loads it without looking at any file. Table and observer must outlive the
+    /// library. Throws sqlite::error.
     media_library(const std::string& database_path, track_table& tracks, info_reader reader, library_observer& observer);
 
-    /// False while the user has added no folder.
+    /// Whether the user has added a folder.
     [[nodiscard]] bool is_enabled() const noexcept { return !folders_.empty(); }
     [[nodiscard]] const std::vector<library_folder>& folders() const noexcept { return folders_; }
     /// By path, then subsong. Valid until the library changes.
     [[nodiscard]] const std::vector<track_ptr>& items() const;
 
-    // The observer is told before these return or throw; what they throw is sqlite::error, after which the library is as far
-    // as the last portion that could be saved. A path that does not fit is refused with the reason; the others are served.
+    // The following functions notify the observer before they return or throw sqlite::error; after that the library is in
+    // the state of the last portion saved. An unsuitable path is refused with the reason; the others are processed.
 
     /// Adds the folders and scans them.
     scan_summary add_folders(std::span<const std::string> paths, const scan_options& options = {});
-    /// Nothing happens to the files.
+    /// The files are not touched.
     path_changes remove_folders(std::span<const std::string> paths);
     /// Scans all folders.
     scan_summary rescan(const scan_options& options = {});
-    /// Scans the folders of the library that these paths are, or lie in.
+    /// Scans the library folders at or around these paths.
     scan_summary rescan(std::span<const std::string> paths, const scan_options& options = {});
 
-    /// Files and folders inside the library that are not to be part of it.
+    /// Files and folders below a library folder that are not part of the library.
     [[nodiscard]] const ignored_paths& ignored() const noexcept { return ignored_; }
     path_changes ignore(std::span<const std::string> paths);
-    /// The next scan looks at them again.
+    /// The next scan includes them again.
     path_changes stop_ignoring(std::span<const std::string> paths);
 
-    /// Reads files again, also of tracks that are not in the library: new snapshots are published, those of the library
-    /// stored, and the observer told of what is modified, added or removed; never of edits, since they are the caller's.
-    /// Answers the files that could not be read, whose tracks stay as they are.
+    /// Reads files again, also for tracks outside the library. Publishes new snapshots, stores those of the library, and
+    /// notifies the observer of modified, added and removed tracks, but not of edits, which are the caller's. Returns the
+    /// files that could not be read; their tracks are unchanged.
     std::vector<file_problem> refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode);
 
-    /// Edits that were stored since `forget_edits` was last called, in this process or an earlier one, each leading to what
-    /// the track says now: for those who follow edits, and may have been cut off before they had done so.
+    /// Edits stored since the last call of `forget_edits`, also by an earlier process that may have ended before acting on
+    /// them. Each ends in the current information of the track.
     [[nodiscard]] std::vector<track_edit> unfinished_edits() const;
     void forget_edits() { store_.forget_edits(); }
 
@@ -79,7 +79,7 @@ private:
     void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done);
     void apply(scanned_file&& file, bool is_other_sound, outcome& done);
     static void update(const track_ptr& track, std::string_view encoded, bool is_other_sound, outcome& done);
-    /// Drops files, after what else is to be done in the same transaction, and lets those that have moved follow.
+    /// Removes files, with `more` in the same transaction, and lets moved files keep their tracks.
     void drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more);
     void note_scan(const scan_report& report);
     void notify(outcome& done);

@@ -18,7 +18,7 @@ std::uint64_t scan_of(std::span<const library_folder> folders, std::int64_t id) 
 
 moved_files find_moved_files(const library_files& files, std::span<const library_folder> folders,
                              std::span<const std::string> gone, std::vector<placed_sound> displaced) {
-    // Information is looked at for few files only: it would have to be decoded for each.
+    // Decodes information for a few candidate files only.
     std::unordered_set<std::uint64_t> left_marks, come_marks;
     const std::unordered_set<std::string_view> gone_paths(gone.begin(), gone.end());
     for (const auto& path : gone) left_marks.insert(files.at(path).sound.value_or(0));

@@ -13,19 +13,19 @@
 
 namespace ostrevan::library {
 
-/// What is there at a path now; what has left it when another sound has taken its place.
+/// The sound at a path. `scan` is when it came, or when it was last there.
 placed_sound sound_at(const std::string& path, const library_file& file, std::uint64_t scan);
 
-/// The number of the scan that last went through the folder with that id.
+/// The number of the last scan of the folder with this id.
 std::uint64_t scan_of(std::span<const library_folder> folders, std::int64_t id) noexcept;
 
 struct moved_files {
-    std::vector<track_edit> edits;          // each with the location before
-    std::unordered_set<std::string> paths;  // from which and to which files have moved
+    std::vector<track_edit> edits;          // each with its previous location
+    std::unordered_set<std::string> paths;  // both ends of every move
     std::vector<unclear_move> unclear;
 };
 
-/// Where the sound of files that are gone, and of those that had to give way to another one, has come to.
+/// Finds the new place of sounds whose file is gone or was replaced by another sound.
 moved_files find_moved_files(const library_files& files, std::span<const library_folder> folders,
                              std::span<const std::string> gone, std::vector<placed_sound> displaced);
 

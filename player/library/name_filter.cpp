@@ -8,7 +8,7 @@
 namespace ostrevan::library {
 namespace {
 
-/// The characters behind the last dot in lower case, packed; 0 when there are none or more than eight.
+/// The characters after the last dot in lower case, packed; 0 for none or more than eight.
 std::uint64_t packed_extension(std::string_view name) noexcept {
     std::uint64_t packed = 0;
     for (std::size_t count = 0; count < 9 && count < name.size(); ++count) {

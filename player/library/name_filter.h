@@ -6,8 +6,8 @@
 
 namespace ostrevan::library {
 
-/// Tells by the extension which names of a directory matter: supported audio and CUE sheets. Asked for every name of every
-/// directory, so that an extension is compared as one number.
+/// Selects supported audio and CUE sheets by extension. Called for every directory entry, so it compares an extension as
+/// one number.
 class name_filter {
 public:
     name_filter();

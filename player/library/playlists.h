@@ -10,19 +10,19 @@
 
 namespace ostrevan::library {
 
-/// Named lists of tracks in the order that the user gave them, kept in the library's database. A list may hold a location
-/// several times, and locations that are not in the library. [main-thread] Every function throws sqlite::error.
+/// Named lists of tracks in the user's order, stored in the library's database. A list may hold a location several times,
+/// and locations outside the library. [main-thread] Every function throws sqlite::error.
 class playlists {
 public:
     explicit playlists(sqlite::database& database) noexcept : database_(database) {}
 
-    /// In alphabetical order of their bytes.
+    /// In byte order.
     [[nodiscard]] std::vector<std::string> names() const;
-    /// Nothing when there is no playlist of that name.
+    /// Empty when there is no playlist of that name.
     [[nodiscard]] std::optional<std::vector<playable_location>> entries(const std::string& name) const;
-    /// False, with nothing changed, when there is one of that name already.
+    /// Returns false and changes nothing when the name is taken.
     bool create(const std::string& name, std::span<const playable_location> entries);
-    /// False when there is none.
+    /// Returns false when there is none.
     bool remove(const std::string& name);
 
 private:

@@ -19,7 +19,7 @@ using steady = std::chrono::steady_clock;
 constexpr std::size_t files_a_portion = 1000;
 constexpr auto longest_portion = std::chrono::seconds(1);
 
-/// An audio file is like a sheet without sources.
+/// Treats an audio file as a sheet without sources.
 cue_contents contents_of(const std::string& path, const info_reader& reader) {
     if (is_cue_path(path)) return read_cue(path, reader);
     auto [info, sound] = reader(path);
@@ -89,7 +89,7 @@ private:
 
     std::atomic<std::size_t> next_ = 0;
     steady::time_point delivered_ = steady::now();
-    std::mutex mutex_;  // for the rest
+    std::mutex mutex_;  // guards the rest
     std::vector<scanned_file> read_;
     std::vector<file_problem> problems_;
     const read_job* last_ = nullptr;
@@ -122,7 +122,7 @@ void read_files(std::span<const read_job> jobs, const info_reader& reader, worke
 }
 
 std::string reason_of(const std::exception& failure, const std::string& path) {
-    // What a file asks for that gives its own size wrongly.
+    // The allocation of a file that states a wrong size.
     if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ||
         dynamic_cast<const std::length_error*>(&failure) != nullptr)
         return "reading it takes more memory than there is; the file is probably damaged";

@@ -16,15 +16,15 @@
 
 namespace ostrevan::library {
 
-/// A file to be read, with its stamp from before the reading: what changes meanwhile is read again by the next scan.
+/// A file to read, with its stamp from before: later changes are seen by the next scan.
 struct read_job {
     std::string path;
     file_stamp stamp;
     std::int64_t folder = 0;
-    std::uint64_t device = 0;  // of the folder that it is in
+    std::uint64_t device = 0;  // of its folder
 };
 
-/// Reads the tracks of one file of the library; throws with the reason. [any-thread]
+/// Reads the tracks of one library file; throws with the reason. [any-thread]
 scanned_file scan_file(const read_job& job, const info_reader& reader);
 
 struct snapshot_track {
@@ -35,21 +35,21 @@ struct file_snapshots {
     std::vector<snapshot_track> tracks;
 };
 
-/// The same for a file that is not stored: what is to be published at once. Only the path of the job matters.
+/// As `scan_file`, for tracks to be published without storing them. Uses only the path of the job.
 file_snapshots read_tracks(const read_job& job, const info_reader& reader);
 
-/// Told on the calling thread.
+/// Called on the calling thread.
 struct read_events {
     std::function<void(std::vector<scanned_file>&&)> on_read;  // in portions of at most a second
     std::function<void(file_problem&&)> on_problem;
     std::function<void(const std::string& path)> on_progress;
 };
 
-/// Reads all files on the threads of the group, in no promised order. `done` counts them.
+/// Reads all files on the threads of the group, in any order. `done` counts them.
 void read_files(std::span<const read_job> jobs, const info_reader& reader, worker_group& workers,
                 std::atomic<std::size_t>& done, const read_events& events);
 
-/// Why a file could not be read, without the name of the file, which some readers put in front.
+/// Why a file could not be read, without the file name that some readers put in front.
 std::string reason_of(const std::exception& failure, const std::string& path);
 
 }  // namespace ostrevan::library

@@ -13,22 +13,22 @@ namespace ostrevan::library {
 
 struct scan_progress {
     std::size_t files_done = 0;
-    std::size_t files_known = 0;  // so far: grows while folders are still being looked through
-    std::string folder;           // in which something was last looked at
+    std::size_t files_known = 0;  // so far; grows during the walk
+    std::string folder;           // the current folder
 };
 
 struct scan_options {
     std::size_t workers = 4;
-    /// Set to end the scan early, by any thread or a signal handler. May be null.
+    /// Set by any thread or a signal handler to end the scan early. May be null.
     const std::atomic<bool>* stop = nullptr;
     /// Called on the scanning thread, about ten times a second and at the end. May be empty.
     std::function<void(const scan_progress&)> on_progress;
 };
 
-/// A file that was read because it is new or has changed. Its tracks stay in their stored form: a scan that kept ten
-/// thousand field lists in memory would spend more time on allocating them than on the database.
+/// A file read because it is new or changed. Its tracks are encoded: ten thousand field lists in memory would cost more in
+/// allocations than the database.
 struct scanned_file {
-    stored_file file;  // id and arrival are not known here
+    stored_file file;  // id and arrival not known yet
     std::vector<stored_track> tracks{};
     std::uint64_t seen = 0;  // number of the scan
 };
@@ -40,8 +40,8 @@ struct file_problem {
 
 enum class absence { library_folder, hidden, other_disk };
 
-/// A folder of the library, or something below one, that could not be looked into, or below which files are missing whose
-/// disk is away. Its tracks were kept.
+/// A library folder, or a place below one, that cannot be read or has missing files because a disk is absent. Its tracks
+/// were kept.
 struct absent_place {
     std::string path;
     std::string reason;
@@ -52,9 +52,9 @@ struct absent_place {
 struct scan_report {
     std::vector<absent_place> absent;
     std::vector<file_problem> problems;
-    std::vector<std::string> gone;             // paths of files that are known and not there any more; empty when stopped
-    std::vector<std::int64_t> folders_seen;    // those that were gone through to the end
-    std::vector<std::string> on_other_device;  // known files that were found on another device than the one stored
+    std::vector<std::string> gone;             // paths of known files that are missing; empty when stopped
+    std::vector<std::int64_t> folders_seen;    // those scanned to the end
+    std::vector<std::string> on_other_device;  // known files found on another device than stored
     std::size_t tracks_unchanged = 0;
     bool is_stopped = false;
 };

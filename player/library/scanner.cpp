@@ -34,7 +34,7 @@ public:
     scan_report run() {
         for (const auto& folder : request_.folders)
             if (!workers_.is_stopped()) walk(folder);
-        // Only a walk that has seen everything can tell what is gone.
+        // Only a complete walk can tell what is gone.
         if (!workers_.is_stopped()) {
             unseen_ = files_.size() - seen_;
             note_devices();
@@ -42,7 +42,7 @@ public:
             read_audio();
         }
         report_.is_stopped = workers_.is_stopped();
-        // Nor can the tracks of a file that has moved be told from those of a deleted one before everything was read.
+        // Nor can a moved file be told from a deleted one before everything was read.
         if (!report_.is_stopped) find_gone();
         report_.tracks_unchanged = tracks_unchanged_;
         std::ranges::sort(report_.problems, {}, &file_problem::path);
@@ -73,7 +73,7 @@ private:
         return std::ranges::any_of(files_, [&](const auto& each) { return each.second.folder == folder; });
     }
 
-    /// Called by the walk's threads. Each path is met by one of them, and so is its record.
+    /// Called by the threads of the walk. Each path, and so its record, is visited by one of them only.
     bool is_of_interest(const found_file& there) {
         known_.fetch_add(1, std::memory_order_relaxed);
         const auto found = files_.find(there.path);
@@ -115,7 +115,7 @@ private:
         read_files(sheets_, reader_, workers_, done_, events([&](std::vector<scanned_file>&& files) {
                        read.insert(read.end(), std::move_iterator(files.begin()), std::move_iterator(files.end()));
                    }));
-        // Those that have not changed, failed or were not reached keep their tracks and their audio, if they are not gone.
+        // Sheets that are unchanged, failed or were not reached keep their tracks and audio, unless they are gone.
         std::unordered_set<std::string_view> replaced;
         for (const auto& sheet : read) replaced.insert(sheet.file.path);
         for (const auto& [path, file] : files_)
@@ -127,7 +127,7 @@ private:
     void read_audio() {
         done_ +=
             std::erase_if(audio_, [this](const read_job& each) { return claims_.contains(each.path) && drop(each.path); });
-        // What was listed by itself so far, and has not changed.
+        // Audio listed by itself so far, and unchanged.
         for (const auto& path : claims_.paths())
             if (const auto known = files_.find(path); known != files_.end() && known->second.seen == request_.number) {
                 tracks_unchanged_ -= known->second.tracks.size();
@@ -142,7 +142,7 @@ private:
         sink_(std::move(files));
     }
 
-    /// Makes a file that was found one that is gone.
+    /// Marks a found file as gone.
     bool drop(const std::string& path) {
         if (const auto known = files_.find(path); known != files_.end()) {
             known->second.seen = 0;
@@ -160,7 +160,7 @@ private:
         return std::ranges::find(report_.folders_seen, file.folder) != report_.folders_seen.end();
     }
 
-    /// Audio that a sheet has claimed and files that the user ignores have left, wherever they are.
+    /// Audio claimed by a sheet and ignored files are gone, whatever their disk.
     [[nodiscard]] std::optional<std::string> place_without_disk(const std::string& path, const library_file& file) const {
         if (claims_.contains(path)) return std::nullopt;
         return disks_.place_without_disk(path, file.device);
@@ -172,7 +172,7 @@ private:
         return static_cast<std::size_t>(place - report_.absent.begin());
     }
 
-    /// What lies below an absent place, or on a disk that is away, is kept and counted there.
+    /// Tracks below an absent place or on an absent disk are kept and counted there.
     void find_gone() {
         if (unseen_ == 0 && report_.absent.empty()) return;
         std::map<std::string, std::size_t> on_other_disk;
@@ -184,7 +184,7 @@ private:
             else if (is_in_seen_folder(file)) on_other_disk[*place_without_disk(path, file)] += file.tracks.size();
         }
         for (const auto& [path, kept] : on_other_disk) report_.absent.push_back({path, {}, kept, absence::other_disk});
-        // A link that leads nowhere matters only when it led to something before.
+        // A broken link matters only if it used to lead somewhere.
         std::erase_if(report_.absent,
                       [&](const absent_place& each) { return each.tracks_kept == 0 && dead_links_.contains(each.path); });
     }
@@ -208,7 +208,7 @@ private:
 
     std::atomic<std::size_t> done_ = 0;
     std::atomic<std::size_t> known_ = 0;
-    std::atomic<std::size_t> seen_ = 0;  // of the files known before
+    std::atomic<std::size_t> seen_ = 0;  // of the known files
     std::size_t unseen_ = 0;
     std::atomic<std::size_t> tracks_unchanged_ = 0;
     std::vector<read_job> sheets_;

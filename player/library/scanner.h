@@ -12,11 +12,11 @@
 
 namespace ostrevan::library {
 
-/// Takes what a scan has read, on the scanning thread, in portions of at most a second.
+/// Receives scanned files, on the scanning thread, in portions of at most a second.
 using scan_sink = std::function<void(std::vector<scanned_file>&&)>;
 
 struct scan_request {
-    std::uint64_t number = 0;  // higher than that of any scan before
+    std::uint64_t number = 0;  // higher than that of any earlier scan
     std::span<const library_folder> folders;
     const ignored_paths& ignored;
 };

@@ -14,7 +14,7 @@ namespace {
 using sounds = std::vector<const placed_sound*>;
 using condition = bool (*)(const placed_sound& left, const placed_sound& come);
 
-/// Identical files by the thousand are not worth comparing each with each.
+/// Thousands of identical files are not worth comparing pairwise.
 constexpr std::size_t most_pairs = 10000;
 
 bool has_info(const placed_sound& sound) {
@@ -44,7 +44,7 @@ constexpr condition conditions[] = {
     [](const placed_sound&, const placed_sound&) { return true; },
 };
 
-/// Takes pairs out of both lists in which each has the other as its only one.
+/// Moves unambiguous pairs, each the only match of the other, from the lists to `moves`.
 void take_pairs(sounds& left, sounds& come, condition fits, sound_moves& moves) {
     const auto only_one = [](const sounds& among, const std::function<bool(const placed_sound&)>& wanted) {
         const placed_sound* found = nullptr;
@@ -71,7 +71,7 @@ void take_pairs(sounds& left, sounds& come, condition fits, sound_moves& moves) 
     }
 }
 
-/// A track with a title is known by its tags alone: where all say the same, it does not matter which is which.
+/// A track with a title is identified by its tags: if all are equal, any pairing is right.
 bool is_all_the_same(const sounds& left, const sounds& come) {
     const auto& first = *left.front();
     const auto is_same = [&](const placed_sound* each) { return has_same_tags(first, *each); };

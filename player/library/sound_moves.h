@@ -15,16 +15,16 @@ struct placed_track {
     metadb_info_ptr info;
 };
 
-/// The sound of one file, at a path that it has left or come to.
+/// The sound of one file, at its old or new path.
 struct placed_sound {
     std::string path;
     std::uint64_t mark = 0;
-    /// When it came to the path; for one that has left, when it was last there. Numbers of scans.
+    /// Number of the scan that first found it at a new path, or last saw it at an old one.
     std::uint64_t scan = 0;
     std::vector<placed_track> tracks;
 };
 
-/// More than one file fits: nothing is known of which became which.
+/// Several files match, so it is unknown which became which.
 struct unclear_move {
     std::vector<std::string> from, to;
 };
@@ -34,9 +34,9 @@ struct sound_moves {
     std::vector<unclear_move> unclear;
 };
 
-/// Which files were renamed: the same mark, and tracks of the same lengths, came to a path after they had been seen at
-/// another one for the last time. Copies with the same tags are told apart by these and by their names; for what is left,
-/// two that fit are one too many. What is returned points into both lists.
+/// Finds renamed files: the same mark and track lengths, new at one path after the last sight at another. Candidates that
+/// match several are told apart by tags, then by names; what remains ambiguous is reported as unclear. The result points
+/// into both lists.
 sound_moves find_moves(std::span<const placed_sound> left, std::span<const placed_sound> come);
 
 }  // namespace ostrevan::library

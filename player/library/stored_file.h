@@ -9,17 +9,17 @@
 
 namespace ostrevan::library {
 
-/// A file with what was seen of it when its tracks were read.
+/// A file and its state when its tracks were read.
 struct stored_file {
-    std::int64_t id = 0;  // 0 while it is not in the database
+    std::int64_t id = 0;  // 0 until stored
     std::int64_t folder = 0;
     std::string path;
     file_stamp stamp;
-    std::uint64_t device = 0;  // of the folder that it was found in; 0 when not known
-    /// Mark of the encoded audio, 0 when there is none. Nothing when the file was read by a version that took no marks.
+    std::uint64_t device = 0;  // of its folder; 0 when unknown
+    /// Mark of the encoded audio, 0 when there is none. Empty for files read by a version without marks.
     std::optional<std::uint64_t> sound{};
     std::uint64_t arrived = 0;           // number of the scan that first found this sound at this path
-    std::vector<source_file> sources{};  // for a CUE sheet: the audio it refers to
+    std::vector<source_file> sources{};  // of a CUE sheet: the audio it refers to
 };
 
 struct stored_track {
@@ -27,7 +27,7 @@ struct stored_track {
     std::string encoded;  // by encode_info
 };
 
-/// What a track of the library said before it was changed, and where it was then if it has moved.
+/// A library track before a change, with its previous location if it has moved.
 struct stored_edit {
     std::string path;
     stored_track before;

@@ -26,8 +26,7 @@ metadb_info_ptr make_snapshot(file_info info) { return service_new<info_snapshot
 metadb_info_ptr track::info() const {
     const spin_guard guard(*this);
     if (!encoded_.empty()) {
-        // Decoded under the lock, once in the life of a handle: a second reader waits as long as decoding would have taken
-        // it.
+        // Decodes under the lock, once per handle: a second reader waits no longer than it would take to decode.
         try {
             info_ = make_snapshot(decode_info(encoded_));
         } catch (const std::exception&) {
@@ -46,7 +45,7 @@ bool track::has_info() const noexcept {
 void track::publish(metadb_info_ptr snapshot) {
     std::string unused;
     const spin_guard guard(*this);
-    // What was in force is destroyed by the caller's pointer, after the lock is free.
+    // The old snapshot is destroyed by the caller's pointer, after the lock is released.
     std::swap(info_, snapshot);
     std::swap(encoded_, unused);
 }

@@ -7,7 +7,7 @@
 
 namespace ostrevan::library {
 
-/// A snapshot of track information as the player makes it.
+/// The player's snapshot of track information.
 class info_snapshot : public metadb_info {
 public:
     explicit info_snapshot(file_info info) noexcept : metadb_info(std::move(info)) {}
@@ -15,29 +15,28 @@ public:
 
 metadb_info_ptr make_snapshot(file_info info);
 
-/// The player's track handle. Information that comes from the database stays in its stored form until it is first asked
-/// for. [any-thread]
+/// The player's track handle. Information from the database stays encoded until first used. [any-thread]
 class track : public metadb_handle {
 public:
     explicit track(playable_location location) : location_(std::move(location)) {}
 
     [[nodiscard]] const playable_location& location() const noexcept override { return location_; }
-    /// Empty as well when the stored form turns out to be damaged.
+    /// Empty as well when the encoded form is damaged.
     [[nodiscard]] metadb_info_ptr info() const override;
 
     [[nodiscard]] bool has_info() const noexcept;
     void publish(metadb_info_ptr snapshot);
-    /// Takes what `encode_info` has made.
+    /// Publishes a result of `encode_info`.
     void publish_encoded(std::string bytes);
 
 private:
     class spin_guard;
 
     const playable_location location_;
-    // Held for a few instructions only: to copy or exchange a pointer.
+    // Held for a few instructions only, to copy or exchange a pointer.
     mutable std::atomic_flag lock_;
     mutable metadb_info_ptr info_;
-    mutable std::string encoded_;  // in force while it is not empty
+    mutable std::string encoded_;  // valid while not empty
 };
 using track_ptr = service_ptr_t<track>;
 

@@ -9,18 +9,18 @@
 
 namespace ostrevan::library {
 
-/// The handles of all tracks that the player has met: one for each location. They live as long as the table. [any-thread]
+/// The handles of all tracks met so far, one per location. They live as long as the table. [any-thread]
 class track_table {
 public:
-    /// The handle of that location, made when it is the first time.
+    /// Returns the handle of a location, and makes it the first time.
     track_ptr obtain(std::string_view path, std::uint32_t subsong = 0);
-    /// Empty when nobody has obtained it yet.
+    /// Null when the location was never obtained.
     [[nodiscard]] track_ptr find(std::string_view path, std::uint32_t subsong = 0) const;
 
     void reserve(std::size_t tracks);
 
 private:
-    /// Refers to the location inside the handle.
+    /// Views the location inside the handle.
     struct key {
         std::string_view path;
         std::uint32_t subsong;

@@ -9,20 +9,20 @@
 
 namespace ostrevan::library {
 
-/// Runs the same work on several threads while the calling thread looks after them.
+/// Runs the same work on several threads, attended by the calling thread.
 class worker_group {
 public:
     /// `user_stop` may be null.
     worker_group(std::size_t workers, const std::atomic<bool>* user_stop) noexcept
         : workers_(workers), user_stop_(user_stop) {}
 
-    /// Calls `work` on `min(workers, tasks)` threads, and `meanwhile` on the calling thread: when woken, at least every
-    /// 100 ms, and once after the last thread has ended. What one of them throws stops the others and is thrown on.
+    /// Calls `work` on `min(workers, tasks)` threads, and `meanwhile` on the calling thread: when woken, at least every 100
+    /// ms, and once after the last thread has ended. An exception of one stops the others and is rethrown.
     void run(std::size_t tasks, const std::function<void()>& work, const std::function<void()>& meanwhile);
 
-    /// Lets `meanwhile` run soon. [any-thread]
+    /// Calls `meanwhile` soon. [any-thread]
     void wake();
-    /// The user wants to stop, or something was thrown: work ends at the next opportunity. [any-thread]
+    /// The user wants to stop, or something was thrown: work should end. [any-thread]
     [[nodiscard]] bool is_stopped() const noexcept {
         return failed_.load(std::memory_order_relaxed) || is_stopped_by_user();
     }
