@@ -12,7 +12,7 @@ namespace {
 struct own_column {
     const char* name;
     const char* script;
-    const char* sort_script;  // null: what is shown
+    const char* sort_script;  // null: sorts by what is shown
     bool align_right;
     bool shown_by_default;
 };

@@ -8,7 +8,7 @@
 
 namespace ostrevan::view {
 
-/// A column of a list of tracks: what it shows and what it is sorted by, as title formatting scripts.
+/// A column of a track list: title formatting scripts for display and for sorting.
 struct column {
     std::string name;
     std::string display_script;
@@ -16,13 +16,13 @@ struct column {
     bool align_right = false;
 };
 
-/// The player's own columns, then those that components offer, in the order of their providers.
+/// The player's own columns, then those of components, in the order of their providers.
 std::vector<column> all_columns(const core::service_registry& services);
 
-/// What a list shows when nothing else is asked for.
+/// The columns of a list unless others are given.
 std::vector<column> default_columns(const core::service_registry& services);
 
-/// A column by its name, or by a part of it that no other has, without regard to ASCII case. Throws with a message that
+/// The column with this name or with this unique part of its name, without regard to ASCII case. Throws with a message that
 /// lists the names when there is none.
 column find_column(const std::vector<column>& columns, std::string_view name);
 

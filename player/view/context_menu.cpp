@@ -16,7 +16,7 @@ void set_display(menu_entry& entry, const context_menu_node::display_t& display)
     entry.is_radio = (display.flags & context_flag_radio) != 0;
 }
 
-/// A component's own submenu. `owner` keeps the root alive as long as any entry that runs one of its nodes.
+/// Appends a component's submenu. `owner` keeps the root alive as long as any entry that runs one of its nodes.
 bool append_node(std::vector<menu_entry>& level, const std::shared_ptr<context_menu_node>& owner, context_menu_node& node) {
     context_menu_node::display_t display;
     if (!node.get_display(display)) return false;

@@ -11,7 +11,7 @@ namespace ostrevan::view {
 /// The context menu of a selection. `tracks` must live as long as the menu. [main-thread]
 std::vector<menu_entry> context_menu_for(const core::service_registry& services, metadb_handle_list_cref tracks);
 
-/// Runs a command by its identifier, without building the menu. False when no component has it. [main-thread]
+/// Runs a command by its identifier, without building the menu. Returns false when no component has it. [main-thread]
 bool run_context_command(const core::service_registry& services, const nuv::guid& id, metadb_handle_list_cref tracks);
 
 }  // namespace ostrevan::view

@@ -11,35 +11,35 @@
 
 namespace ostrevan::view {
 
-/// What a front end does for the rest of the player. [main-thread] unless said otherwise.
+/// What the rest of the player asks of a front end. [main-thread] unless said otherwise.
 class front_end {
 public:
     virtual ~front_end() = default;
 
-    /// A line of the console. [any-thread]
+    /// Prints a line on the console. [any-thread]
     virtual void print_line(const std::string& line) = 0;
 
     /// A message that needs no answer.
     virtual void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) = 0;
-    /// Asks, and answers with one of the answers of `popup_message_v3`.
+    /// Asks and returns one of the answers of `popup_message_v3`.
     virtual unsigned ask(const popup_message_v3::query_t& query) = 0;
 
-    /// Shows a dialog and takes one step of the user's in it. Called again, with the next number of `turn` from 0 on, for as
-    /// long as the dialog stays open; what was posted meanwhile has run.
+    /// Shows a dialog and processes one step of the user. Called again with the next `turn`, counted from 0, while the
+    /// dialog is open; work posted meanwhile has run.
     virtual void show_dialog(open_dialog& dialog, unsigned turn) = 0;
-    /// The path as the user gives it; none when he cancels.
+    /// The path as typed by the user; empty on cancel.
     virtual std::optional<std::string> ask_file(const file_dialog_service::query_t& query) = 0;
 
-    /// A list of tracks that the user has asked for.
+    /// Shows a list of tracks requested by the user.
     virtual void show_listing(const track_listing& listing) = 0;
 
-    /// Progress of long work, in whatever unit `total` counts; 0 when the whole is not known yet. Cheap to call often.
+    /// Progress of long work in any unit; `total` is 0 while unknown. Cheap to call often.
     virtual void show_progress(const std::string& what, std::size_t done, std::size_t total) = 0;
     virtual void end_progress() = 0;
 
     virtual void beep() = 0;
 
-    /// Something went wrong that the user has been told: the run has failed.
+    /// The user has been told of a failure: the run has failed.
     virtual void note_failure() = 0;
 
 protected:

@@ -9,7 +9,7 @@
 namespace ostrevan::view {
 namespace {
 
-/// What the player derives from a file, and tags that any library can be asked for although no track has them yet.
+/// Fields that the player derives from a file, and common tags, valid although no track may have them yet.
 constexpr std::string_view usual[] = {
     "album",      "album artist", "artist",         "bitrate",       "channels",    "codec",      "comment",
     "composer",   "conductor",    "date",           "directoryname", "discnumber",  "filename",   "filename_ext",

@@ -8,8 +8,8 @@
 
 namespace ostrevan::view {
 
-/// Throws `query::query_error` for a query that compares or sorts by a field that is neither the player's, nor a
-/// component's, nor a usual tag, nor had by any track of the library. `source` is the query's text.
+/// Throws `query::query_error` for a query that compares or sorts by an unknown field: not the player's, a component's, a
+/// common tag, or a field of some track in the library. `source` is the text of the query.
 void check_fields(const query::query& query, std::string_view source, const library::media_library& library,
                   const titleformat::component_fields& fields);
 

@@ -12,7 +12,7 @@ bool contains_nocase(std::string_view text, std::string_view part) {
     return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
-/// Whether every word of a name is part of the text.
+/// Whether the text contains every word of a name.
 bool contains_words(std::string_view text, std::string_view name) {
     while (!name.empty()) {
         const auto word = name.substr(0, name.find(' '));

@@ -7,8 +7,8 @@
 
 namespace ostrevan::view {
 
-/// What a name stands for among labels: the label that is the same, else the only one that all its words are parts of,
-/// without regard to ASCII case.
+/// Matches a name among labels: the equal label, else the only one that contains all words of the name, without regard to
+/// ASCII case.
 struct label_match {
     std::optional<std::size_t> index;
     bool is_ambiguous = false;

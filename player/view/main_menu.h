@@ -8,9 +8,8 @@
 
 namespace ostrevan::view {
 
-/// The main menu as it stands now: the commands of all components, without those that are hidden. A group that fails is
-/// reported and left out. The player has no menus of
-/// its own that a group could name as its parent, so each component's groups stand in the submenu of its name below
+/// The current main menu: the commands of all components except hidden ones. A group that fails is reported and left out.
+/// The player has no menus that a group could name as parent, so each component's groups are in a submenu of its name below
 /// "Library". [main-thread]
 std::vector<menu_entry> main_menu_of(const std::vector<core::loaded_component>& components,
                                      const core::component_guard& guard);

@@ -21,7 +21,7 @@ using texts = std::vector<std::string>;
 
 struct placed_entry {
     const menu_entry* entry;
-    /// Of the submenus it is in, and its own.
+    /// The texts of its submenus, and its own.
     texts path;
 };
 using placed_entries = std::vector<placed_entry>;
@@ -52,7 +52,7 @@ texts split(std::string_view path) {
     return parts;
 }
 
-/// The last so many texts of a path.
+/// The last `count` texts of a path.
 std::string end_of(const texts& path, std::size_t count) {
     std::string text;
     for (auto i = path.size() - count; i < path.size(); ++i) text += (text.empty() ? "" : "/") + path[i];

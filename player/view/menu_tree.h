@@ -9,15 +9,15 @@
 
 namespace ostrevan::view {
 
-/// A menu as it stands at one moment: submenus and commands, in the order in which components registered them. It keeps what
-/// the components built for it, so it must be released before they are. [main-thread]
+/// A menu at one moment: submenus and commands, in the order of registration. It owns what the components built for it, so
+/// release it before them. [main-thread]
 struct menu_entry {
     std::string text{};
     bool is_enabled = true;
     bool is_checked = false;
-    /// The check mark is a radio mark.
+    /// The check mark is a radio button.
     bool is_radio = false;
-    /// What the player knows the command by; zero for a submenu of the player's own making.
+    /// The identifier of the command; zero for submenus made by the player.
     nuv::guid id{};
     std::string description{};
     std::vector<menu_entry> children{};
@@ -25,15 +25,16 @@ struct menu_entry {
     std::function<void()> run{};
 };
 
-/// The submenu at a path of texts separated by "/", made where it is missing.
+/// The submenu at a path of texts separated by "/"; creates missing ones.
 std::vector<menu_entry>& submenu_at(std::vector<menu_entry>& menu, std::string_view path);
 
-/// The command at a path of texts separated by "/", without regard to ASCII case. The end of a path is enough, "Rating/4",
-/// and parts of its texts, "Monitor", where they fit one command only. Throws `std::invalid_argument` with a message that
-/// lists what stands at the place where the path fails, the commands that it fits, or what the submenu holds that it names.
+/// The command at a path of texts separated by "/", without regard to ASCII case. The end of a path suffices ("Rating/4"),
+/// and so does a part of its texts ("Monitor"), if only one command matches. Otherwise throws `std::invalid_argument` with
+/// a message that lists the entries where the path fails, the commands that match, or the content of the submenu that it
+/// names.
 const menu_entry& find_command(const std::vector<menu_entry>& menu, std::string_view path);
 
-/// The command with an identifier; null when it is not in the menu.
+/// The command with this identifier; null when the menu has none.
 const menu_entry* find_command(const std::vector<menu_entry>& menu, const nuv::guid& id);
 
 }  // namespace ostrevan::view

@@ -7,7 +7,7 @@
 namespace ostrevan::view {
 namespace {
 
-/// How many bytes have to be changed, added, left out, or swapped with their neighbour.
+/// Edit distance: bytes changed, inserted, removed, or swapped with their neighbour.
 std::size_t distance(std::string_view a, std::string_view b) {
     std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
     for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
@@ -22,8 +22,7 @@ std::size_t distance(std::string_view a, std::string_view b) {
     return d[a.size()][b.size()];
 }
 
-/// How far a word is from a candidate: from all of it or its first word, else from a later one, which counts as a mistake
-/// more.
+/// Distance to the whole candidate or its first word, else to a later word plus one.
 std::size_t distance_in(std::string_view word, std::string_view candidate) {
     auto least = distance(word, candidate);
     for (std::size_t start = 0, end = 0; end < candidate.size(); start = end + 1) {
@@ -38,7 +37,7 @@ std::size_t distance_in(std::string_view word, std::string_view candidate) {
 std::string did_you_mean(std::string_view word, const std::vector<std::string>& candidates) {
     constexpr std::size_t longest = 100;
     const std::string* nearest = nullptr;
-    // One mistake in a short word, one in three letters of a long one.
+    // Allows one mistake in a short word, one per three letters of a long one.
     std::size_t least = std::max<std::size_t>(2, word.size() / 3 + 1);
     for (const auto& candidate : candidates) {
         if (word.size() > longest || candidate.size() > longest) continue;

@@ -6,8 +6,7 @@
 
 namespace ostrevan::view {
 
-/// ` Did you mean "x"?` with the candidate that a mistyped word is nearest to; empty when none is near. Without regard to
-/// ASCII case.
+/// ` Did you mean "x"?` with the candidate nearest to a mistyped word; empty when none is near. Ignores ASCII case.
 std::string did_you_mean(std::string_view word, const std::vector<std::string>& candidates);
 
 }  // namespace ostrevan::view

@@ -7,10 +7,10 @@
 
 namespace ostrevan::view {
 
-/// A dialog while it is open: its controls as they stand, and its rules. [main-thread]
+/// An open dialog: the state of its controls, and its rules. [main-thread]
 class open_dialog final : public dialog_window, public registered_dialog {
 public:
-    /// Registers itself until it is destroyed.
+    /// Registers itself while it lives.
     open_dialog(dialog_rules_ptr rules, dialog_registry& registry, player_api& player);
     ~open_dialog();
     open_dialog(const open_dialog&) = delete;
@@ -19,14 +19,14 @@ public:
     [[nodiscard]] const dialog_layout& layout() const noexcept { return rules_->layout(); }
     [[nodiscard]] bool is_open() const noexcept { return is_open_; }
     [[nodiscard]] bool is_enabled(int id) const { return states_[index_of(id)].is_enabled; }
-    /// Presses a button; the rules decide what follows. What they throw arrives with the component's name.
+    /// Presses a button and leaves the rest to the rules. What they throw arrives with the component's name.
     void press(int button);
 
     [[nodiscard]] bool is_checked(int id) const override { return states_[index_of(id)].is_checked; }
     void set_checked(int id, bool checked) override;
     void set_enabled(int id, bool enabled) override { states_[index_of(id)].is_enabled = enabled; }
     void close() override { is_open_ = false; }
-    /// Its turn to be shown comes in any case.
+    /// Nothing to do: every open dialog is shown in turn.
     void bring_forward() override {}
 
 private:

@@ -8,7 +8,7 @@
 
 namespace ostrevan::view {
 
-/// One section of the track properties, its rows in the order in which they are shown.
+/// One section of the track properties, with its rows in display order.
 struct property_section {
     std::string name;
     struct row {
@@ -19,7 +19,7 @@ struct property_section {
     std::vector<row> rows;
 };
 
-/// The sections that the player and its components have for a selection, in the order in which they were reported.
+/// The sections of the player and its components for a selection, in the order reported.
 std::vector<property_section> track_properties(const core::service_registry& services, metadb_handle_list_cref tracks);
 
 }  // namespace ostrevan::view

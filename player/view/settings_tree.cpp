@@ -23,7 +23,7 @@ std::vector<setting_entry> settings_tree(const core::service_registry& services)
     std::vector<advanced_setting*> all;
     services.for_each<advanced_setting>(
         [&](advanced_setting& setting) {
-            (void)setting.label();  // the only part of it that may throw
+            (void)setting.label();  // the only call that may throw
             all.push_back(&setting);
         },
         "its settings");

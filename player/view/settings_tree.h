@@ -9,7 +9,7 @@
 
 namespace ostrevan::view {
 
-/// An entry of the advanced settings with its place in the tree.
+/// An entry in the tree of advanced settings.
 struct setting_entry {
     advanced_setting* setting;
     /// Null for a branch.
@@ -17,12 +17,11 @@ struct setting_entry {
     std::size_t depth;
 };
 
-/// Every entry, parents before their children, children by priority and then by label. An entry whose parent nobody offers
-/// stands at the top.
+/// All entries, parents before children, children by priority and then by label. An entry whose parent is missing is at the
+/// top.
 std::vector<setting_entry> settings_tree(const core::service_registry& services);
 
-/// The checkbox that a user means: by GUID, whole label, or a part of a label that fits only one. Throws with a message that
-/// says what there is.
+/// The checkbox with this GUID, label, or unique part of a label. Throws with a message that lists what there is.
 advanced_checkbox& find_checkbox(const std::vector<setting_entry>& tree, std::string_view name);
 
 }  // namespace ostrevan::view

@@ -8,14 +8,14 @@
 
 namespace ostrevan::view {
 
-/// A list of tracks as it is shown.
+/// A list of tracks as displayed.
 struct track_listing {
     std::vector<column> columns;
-    /// One a track, with one text a column.
+    /// One row per track, one text per column.
     std::vector<std::vector<std::string>> rows;
 };
 
-/// Throws `titleformat::script_error` when the script of a column has a mistake.
+/// Throws `titleformat::script_error` for a mistake in a column's script.
 track_listing listing_of(const metadb_handle_list& tracks, std::vector<column> columns,
                          const titleformat::component_fields& fields);
 
