@@ -11,7 +11,7 @@
 namespace bench {
 namespace {
 
-/// Keeps what it is given in place of digesting it.
+/// Records the bytes instead of digesting them.
 class byte_recorder : public ostrevan::hash_service {
 public:
     explicit byte_recorder(std::string& bytes) : bytes_(bytes) {}
@@ -19,7 +19,7 @@ public:
         bytes_.assign(static_cast<const char*>(bytes), size);
         return {};
     }
-    /// For the tags of a track that do not fit into one block: there are none here.
+    /// For tags larger than one block; there are none here.
     ostrevan::service_ptr_t<ostrevan::hash_stream> open() override { std::abort(); }
 
 private:

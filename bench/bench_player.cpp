@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
     std::abort();
 }
 
-/// What components say need not be a failure: whoever measures checks the outcome.
+/// Console lines need not be failures; each bench checks its outcome.
 void show(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
 
 class temporary_folder {

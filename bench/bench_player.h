@@ -20,16 +20,16 @@
 
 namespace bench {
 
-/// A folder on the disk of the working directory, gone at exit.
+/// A folder in the working directory, removed at exit.
 const std::filesystem::path& folder();
-/// A new folder in it.
+/// A new folder inside it.
 std::filesystem::path new_folder();
 
-/// Local time has summer time, wherever the bench runs. Before anything asks for local time.
+/// Sets a time zone with summer time. Call before anything uses local time.
 void use_summer_time();
 
-/// The component, whose objects are linked in, in a player made of the real parts that the benches need: loop, index,
-/// digest, lower-casing. Started; the library is empty. One at a time, made on the main thread.
+/// The component, linked in and started, in a player made of the real parts that the benches need: loop, index, digest,
+/// lower-casing. The library is empty. One at a time, made on the main thread.
 class bench_player {
 public:
     explicit bench_player(const std::filesystem::path& profile);

@@ -6,8 +6,7 @@
 
 namespace bench {
 
-/// What anything durable cannot be faster than: 4 KiB written into a file that has its length already, and brought to the
-/// disk.
+/// The floor for durable writes: 4 KiB into a file of final length, synced to disk.
 class block_file {
 public:
     explicit block_file(const std::filesystem::path& path);

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using bench::million;
 
-/// Makes every key, and writes the rows with SQLite alone.
+/// Makes every key and writes the rows with SQLite alone.
 void bare_stamping(const fs::path& path, const quorvel::record_blob& data) {
     const auto key_function = quorvel::FindMapping(quorvel::active_mapping_guid);
     std::vector<bench::keyed_record> records;
@@ -27,7 +27,7 @@ void bare_stamping(const fs::path& path, const quorvel::record_blob& data) {
     bench::write_sorted_rows(path, records);
 }
 
-/// From the player's word that the tracks are in the library until the last date is on the disk.
+/// From the notification of the new tracks to the last date on disk.
 void dates_of_a_million_tracks(benchmark::State& state) {
     static_cast<void>(bench::new_tracks());
     bench::ratio ratio(state, 1.5);

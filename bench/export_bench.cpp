@@ -30,7 +30,7 @@ std::string contents_of(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Everything is ready; it goes through the player's file layer in pieces of the size that an export writes.
+/// Writes ready bytes through the player's file layer, in pieces of the size of an export.
 void write_ready_bytes(const std::string& path, std::string_view bytes) {
     constexpr std::size_t piece = 16'384 + 150;
     const auto file = ostrevan::filesystem::g_open(path.c_str(), ostrevan::filesystem::open_mode::write_new);
@@ -49,8 +49,8 @@ double kilobytes_of(std::string_view name) {
     std::abort();
 }
 
-/// `processor_ratio` leaves out the waiting for the disk; so does `library_ratio`, for a library of a tenth as many tracks,
-/// whose keys have to be made.
+/// `processor_ratio` excludes waiting for the disk; so does `library_ratio`, with a library of a tenth as many tracks whose
+/// keys must be made.
 void full_backup_of_a_million_records(benchmark::State& state) {
     ostrevan::service_uncounted_t<switched_library> library;
     bench::bench_player player(bench::records_of_a_million().profile);
@@ -83,8 +83,8 @@ void full_backup_of_a_million_records(benchmark::State& state) {
     state.counters["megabytes"] = static_cast<double>(ready.size()) * 1e-6;
 }
 
-/// The most memory that an export has beyond what was there before; the floor is a megabyte. There is no library, so that no
-/// tracks have to be kept by their keys.
+/// Peak memory of an export beyond what was in use before; the floor is a megabyte. There is no library, so no tracks are
+/// kept by key.
 void memory_of_a_full_backup(benchmark::State& state) {
     const bench::bench_player player(bench::records_of_a_million().profile);
     const std::string path = bench::folder() / "export.xml";
@@ -92,7 +92,7 @@ void memory_of_a_full_backup(benchmark::State& state) {
     bench::ratio ratio(state, 1);
     for (auto _ : state) {
         malloc_trim(0);
-        std::ofstream("/proc/self/clear_refs") << "5";  // forgets the peak
+        std::ofstream("/proc/self/clear_refs") << "5";  // resets the peak
         const double before = kilobytes_of("VmRSS:");
         full_backup(path);
         ratio.add(1024, kilobytes_of("VmHWM:") - before + 1);

@@ -33,8 +33,7 @@ private:
     std::size_t size_ = 0;
 };
 
-/// Tracks of a list in no order that memory could guess, all of them with records. A round goes over a part of them, so
-/// that it is short; the next round goes over others.
+/// Tracks with records, in random order. A round covers a part of them, to be short, and the next round another part.
 class rows {
 public:
     rows() : order_(bench::random_order(bench::records_of_a_million().tracks.size(), 8)) {}
@@ -63,8 +62,8 @@ std::size_t field_named(const ostrevan::field_provider& provider, std::string_vi
 
 using text = std::array<char, 20>;
 
-/// The floor is to make the key, to read the record and to copy a ready text. `bare_ratio` compares with the digest of
-/// ready bytes and an array in their place.
+/// The floor is making the key, reading the record and copying a ready text. `bare_ratio` compares with digesting ready
+/// bytes and reading an array instead.
 void one_time_field(benchmark::State& state) {
     rows list;
     const auto ready_bytes = bench::key_bytes_of(bench::records_of_a_million().tracks);

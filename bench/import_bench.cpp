@@ -25,7 +25,7 @@ struct statistics_file {
     std::string text;
 };
 
-/// A million records in the order in which an export writes them, with every field.
+/// A million records with every field, in export order.
 statistics_file make_file() {
     statistics_file file;
     file.text = "<PlaybackStatistics Version=\"3.0\" Mapping=\"" + nuv::guid_text(quorvel::active_mapping_guid) + "\">\n";
@@ -42,7 +42,7 @@ statistics_file make_file() {
     return file;
 }
 
-/// Reads the levels that an import reads and does nothing with them.
+/// Reads the same levels as an import and does nothing with them.
 class idle_reader : public Vek::xmlParser {
 public:
     explicit idle_reader(Vek::xmlParser* inner) noexcept : inner_(inner) {}
@@ -61,7 +61,7 @@ void parse_idly(const std::string& text) {
     idle_reader(&entries).parse({}, text.data(), text.size());
 }
 
-/// Wall clock and processor time, the latter of all threads: on a busy machine the second says more.
+/// Wall time, and processor time of all threads, which is more reliable on a busy machine.
 struct cost {
     double seconds = 0;
     double processor_seconds = 0;
@@ -75,7 +75,7 @@ struct cost {
     }
 };
 
-/// From the content of the file until all is on the disk and shown.
+/// From the content of the file until everything is on disk and shown.
 void import_of_a_million_records(benchmark::State& state) {
     static auto file = make_file();
     bench::ratio ratio(state, 1.5), processor_ratio(state, 1.5), import_of_parse(state, 0), save_of_rows(state, 0);

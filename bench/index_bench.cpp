@@ -28,7 +28,7 @@ std::uint64_t key_of(std::uint64_t number) { return (number + 1) * 0x9E3779B97F4
 
 void print_failure(const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); }
 
-/// A folder on the disk of the working directory, gone at exit.
+/// A folder in the working directory, removed at exit.
 const fs::path& folder() {
     static const struct temporary {
         fs::path path;
@@ -51,7 +51,7 @@ void write_records(index_store& store, std::uint64_t count) {
     transaction.commit();
 }
 
-/// A closed database with that many records.
+/// A closed database with `count` records.
 fs::path database_with(std::uint64_t count) {
     const fs::path path = folder() / (std::to_string(count) + ".sqlite");
     if (!fs::exists(path)) {
@@ -69,7 +69,7 @@ std::vector<std::uint64_t> random_order(unsigned seed) {
     return order;
 }
 
-/// What a read cannot be faster than: 48 bytes somewhere in an array of as many.
+/// The floor for reads: 48 bytes anywhere in an array of the same length.
 class array_floor {
 public:
     array_floor() : slots_(million) {}
@@ -115,7 +115,7 @@ void one_record_read(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(million));
 }
 
-/// Mean processor time of a thread when both do the same at the same time.
+/// Mean processor time per thread when both work at once.
 template <typename Work>
 double seconds_beside_each_other(Work work) {
     std::array<double, 2> times{};
@@ -130,7 +130,7 @@ double seconds_beside_each_other(Work work) {
     return (times[0] + times[1]) / 2;
 }
 
-/// The floor is the same thread reading alone. `array_ratio` tells what the machine itself does to two threads.
+/// The floor is one thread reading alone. `array_ratio` shows what two threads cost the machine itself.
 void one_record_read_from_two_threads(benchmark::State& state) {
     const index_store store(database_with(million), print_failure);
     static_cast<void>(store.keys(plays));

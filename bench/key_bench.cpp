@@ -8,8 +8,7 @@
 
 namespace {
 
-/// The floor is the digest of the bytes that the key is made from, when they lie ready. A thousand tracks, so that the time
-/// is that of the work and not of memory.
+/// The floor is the digest of the ready bytes of the key. Only a thousand tracks, so that memory does not matter.
 void key_of_a_track(benchmark::State& state) {
     bench::bench_player player(bench::new_folder());
     const auto tracks = bench::make_tracks(1000, 1);

@@ -14,8 +14,7 @@
 #include "player/library/media_library.h"
 #include "player/tags/reader.h"
 
-// Opens the parts of a player's profile one after the other, and says what memory each of them takes: library_memory PROFILE
-// Prints JSON.
+// Opens the parts of a player's profile one after the other, and prints the memory of each as JSON: library_memory PROFILE
 
 namespace {
 
@@ -32,14 +31,14 @@ double resident_megabytes() {
     std::abort();
 }
 
-/// What is in use of the heap; SQLite's part is told apart.
+/// The heap in use; SQLite's part is counted separately.
 double allocated_megabytes() {
     const auto heap = mallinfo2();
     return static_cast<double>(heap.uordblks + heap.hblkhd) / megabyte;
 }
 double sqlite_megabytes() { return static_cast<double>(sqlite3_memory_used()) / megabyte; }
 
-/// Prints what has been added since the step before.
+/// Prints what was added since the previous step.
 class steps {
 public:
     void note(const char* what) {

@@ -1,4 +1,4 @@
-"""What every measuring script says of the machine, and how it leaves its figures."""
+"""How every measuring script describes the machine and writes its figures."""
 
 import datetime
 import json
@@ -17,7 +17,7 @@ def processor():
 
 
 def describe_machine():
-    """`load` is the one-minute load average before anything was measured: well below 1 on a machine that is left alone."""
+    """`load` is the one-minute load average before the run: well below 1 on an idle machine."""
     return {"date": datetime.date.today().isoformat(), "processor": processor(), "cores": os.cpu_count(),
             "system": f"{platform.system()} {platform.release()}", "load": round(os.getloadavg()[0], 2)}
 

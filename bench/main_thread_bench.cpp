@@ -29,12 +29,11 @@ constexpr steady::duration longest_idle = std::chrono::seconds(2);
 /// In milliseconds.
 struct waits {
     double longest = 0;
-    double processor =
-        0;  ///< the most that the main thread has computed between two answers: without what others took of it
+    double processor = 0;  ///< the longest computation of the main thread alone, without other programs
 };
 
-/// Runs `work` beside the main loop and meanwhile, a thousand times a second at most, asks the main thread for something.
-/// Answers the longest time between asking and the end of what was asked for.
+/// Runs `work` beside the main loop and meanwhile posts requests to the main thread, at most a thousand per second. Returns
+/// the longest time from posting to completion.
 waits longest_wait(bench::bench_player& player, const std::function<void()>& work,
                    const std::function<void(std::function<void()>)>& ask) {
     std::atomic<bool> done = false;
@@ -76,7 +75,7 @@ waits longest_callback(bench::bench_player& player, const std::function<void()>&
     });
 }
 
-/// A play, until it has been counted.
+/// The wait of a play until it is counted.
 waits longest_play(bench::bench_player& player, const std::function<void()>& work) {
     const auto track = bench::make_tracks(1, 4)[0];
     auto& collector = player.service<ostrevan::playback_statistics_collector>();
@@ -86,7 +85,7 @@ waits longest_play(bench::bench_player& player, const std::function<void()>& wor
     });
 }
 
-/// What is done to a million tracks: asked for on the main thread, and over when so many keys were refreshed and are saved.
+/// An operation on a million tracks, started on the main thread; it ends when their keys are redrawn and saved.
 struct operation {
     std::function<void(bench::bench_player&)> prepare;
     std::function<void(bench::bench_player&)> ask;
@@ -109,10 +108,9 @@ waits wait_during(const operation& what, wait_of wait) {
     return wait(player, [&] { run_operation(player, what); });
 }
 
-/// What the main thread needs for a posted callback that reads, at the longest, while a million tracks are worked on: 50 ms
-/// are 1. `processor_ms` leaves out what other programs have taken meanwhile. `play_ms` is the longest wait of a play, which
-/// has to have its turn to write; `idle_ms` the first beside a thread that only computes, which is what the machine itself
-/// does to a wait.
+/// The longest wait for a posted callback that reads, during work on a million tracks; 1 is 50 ms. `processor_ms` excludes
+/// other programs. `play_ms` is the longest wait of a play, which must get its turn to write; `idle_ms` is the longest wait
+/// beside a thread that only computes, caused by the machine itself.
 void measure_waits(benchmark::State& state, const operation& what) {
     static_cast<void>(bench::new_tracks());
     waits callback;
@@ -145,7 +143,7 @@ void main_thread_while_stamping(benchmark::State& state) {
     measure_waits(state, {.prepare = [](bench::bench_player&) {}, .ask = bench::add_to_library});
 }
 
-/// Every track gets the tags of another one, as when another program has edited the whole library.
+/// Gives every track the tags of another one, as when a program has edited the whole library.
 const std::vector<ostrevan::library::track_edit>& edits() {
     static const auto made = [] {
         std::vector<ostrevan::library::track_edit> list;
@@ -161,20 +159,21 @@ const std::vector<ostrevan::library::track_edit>& edits() {
 }
 
 void main_thread_while_keys_change(benchmark::State& state) {
-    static std::vector<ostrevan::library::track_edit> seen;  // as a scan hands them over
-    measure_waits(state, {.prepare =
-                              [](bench::bench_player& player) {
-                                  stamp_all(player);
-                                  seen = edits();
-                              },
-                          .ask =
-                              [](bench::bench_player& player) {
-                                  static std::optional<ostrevan::services::tag_edit_news> news;  // outlives what it posts
-                                  news.emplace(player.loop, player.services).tell(std::move(seen));
-                              }});
+    static std::vector<ostrevan::library::track_edit> seen;  // as from a scan
+    measure_waits(state,
+                  {.prepare =
+                       [](bench::bench_player& player) {
+                           stamp_all(player);
+                           seen = edits();
+                       },
+                   .ask =
+                       [](bench::bench_player& player) {
+                           static std::optional<ostrevan::services::tag_edit_news> news;  // must outlive what it posts
+                           news.emplace(player.loop, player.services).tell(std::move(seen));
+                       }});
 }
 
-/// A rating is one operation on the main thread by contract: nothing else has its turn before every track is rated.
+/// A rating is one operation on the main thread by contract: nothing else runs before every track is rated.
 void main_thread_while_rating(benchmark::State& state) {
     measure_waits(state, {.prepare = stamp_all, .ask = [](bench::bench_player&) {
                               quorvel::PCDB::SetRating(bench::new_tracks(), quorvel::rating_of_stars(4));

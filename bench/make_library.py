@@ -48,7 +48,7 @@ def text(value):
 
 
 def tags_of(track, edition):
-    """Another edition gives every track another album, and so another key."""
+    """Each edition has other albums, and so other keys."""
     album = track // TRACKS_OF_ALBUM
     artist_number = album // ALBUMS_OF_ARTIST
     artist = f"{ARTISTS[artist_number % len(ARTISTS)]} {artist_number}"
@@ -71,7 +71,7 @@ def path_of(track):
 
 
 def make_library(binaries, profile, tracks):
-    """A profile whose library has so many tracks, and no records yet."""
+    """Makes a profile with so many library tracks and no records."""
     subprocess.run(ostrevan(binaries, profile, "playlist", "list"), check=True, stdout=subprocess.DEVNULL)
     database = sqlite3.connect(profile / "library.sqlite")
     with database:
@@ -84,7 +84,7 @@ def make_library(binaries, profile, tracks):
 
 
 def add_plays(profile):
-    """Gives the records that the player has made at its first start plays and ratings. Answers how many there are."""
+    """Adds plays and ratings to the records made by the first start. Returns their number."""
     numbers = random.Random(7)
     today = FILETIME_OF_1970 + int(time.time()) * FILETIME_SECOND
 
@@ -115,7 +115,7 @@ def count_records(profile, stars=None):
 
 
 def edit_tags(profile, tracks, edition):
-    """As if another program had edited every file: the library has the new tags, and the statistics have yet to follow."""
+    """As if another program had edited every file: the library has the new tags, the statistics are still under the old keys."""
     database = sqlite3.connect(profile / "library.sqlite")
     with database:
         database.execute("INSERT INTO edits SELECT path, subsong, info FROM tracks JOIN files ON id = file")

@@ -10,8 +10,7 @@
 
 namespace {
 
-/// From the player's word that a track was played until the play is on the disk. The floor is a bare 4K write, with
-/// fdatasync.
+/// From the notification of a play until it is on disk. The floor is a bare 4K write with fdatasync.
 void durable_play(benchmark::State& state) {
     bench::bench_player player(bench::new_folder());
     bench::block_file floor(bench::folder() / "blocks");

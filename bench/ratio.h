@@ -17,14 +17,14 @@ double seconds_of(Work&& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// What this thread has had of the processor, or all of them with another clock.
+/// Processor time of this thread, or of all with another clock.
 inline double processor_seconds(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
     timespec time{};
     clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-/// For work that never waits: other programs on the machine do not count.
+/// For work that never waits: excludes other programs on the machine.
 template <typename Work>
 double processor_seconds_of(Work&& work, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
     const double start = processor_seconds(clock);
@@ -32,15 +32,14 @@ double processor_seconds_of(Work&& work, clockid_t clock = CLOCK_THREAD_CPUTIME_
     return processor_seconds(clock) - start;
 }
 
-/// Which of the times of all rounds stands for them.
+/// The statistic over all rounds.
 enum class typical {
-    median,  ///< where the disk takes part, whose times vary by themselves
-    least,   ///< where only the processor works: what other programs take of it is left out, if rounds are short
+    median,  ///< for work with the disk, whose times vary by themselves
+    least,   ///< for work of the processor alone: short rounds escape other programs
 };
 
-/// Times a floor and what is compared with it, one after the other, so that both meet the same machine; the counter `ratio`
-/// is the quotient of their typical times, `goal` what it should not exceed, and the label names the floor. To be finished
-/// with `report`.
+/// Times a floor and the measured work in turn, so that both meet the same machine. The counter `ratio` is the quotient of
+/// their typical times, `goal` its limit, and the label names the floor. Finish with `report`.
 class ratio {
 public:
     ratio(benchmark::State& state, double goal, typical which = typical::median)

@@ -23,7 +23,7 @@ keys keys_in_random_order(unsigned seed) {
     return chosen;
 }
 
-/// A round reads a part of the million, so that it is short; the next round reads another.
+/// A round reads a part of the million, to be short; the next round reads another part.
 constexpr std::size_t reads = 50'000;
 
 template <typename Item>
@@ -43,7 +43,7 @@ void read_array(const bench::record_array& array, std::span<const std::size_t> o
     }
 }
 
-/// Mean time of a thread when both do the same at the same time.
+/// Mean time per thread when both work at once.
 template <typename Work>
 double seconds_beside_each_other(Work work) {
     std::array<double, 2> times{};
@@ -74,7 +74,7 @@ void one_record_through_the_database(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(reads));
 }
 
-/// The floor is the same thread reading alone. `array_ratio` tells what the machine itself does to two threads.
+/// The floor is one thread reading alone. `array_ratio` shows what two threads cost the machine itself.
 void records_from_two_threads(benchmark::State& state) {
     const std::array chosen{keys_in_random_order(2), keys_in_random_order(4)};
     const std::array orders{bench::random_order(million, 3), bench::random_order(million, 5)};

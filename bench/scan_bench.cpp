@@ -32,7 +32,7 @@ class nobody : public library_observer {
     void on_library_changed(const library_changes& /*changes*/) override {}
 };
 
-/// Ten thousand files of two seconds in five formats, a folder for each twelve or so, on the disk of the working directory.
+/// Ten thousand files of two seconds in five formats, about twelve per folder, in the working directory.
 class music {
 public:
     music() {
@@ -78,7 +78,7 @@ const music& the_music() {
     return made;
 }
 
-/// Does something with each file, on as many threads as a scan has.
+/// Calls `work` for each file, on as many threads as a scan uses.
 void with_each_file(const std::function<void(const std::string&)>& work) {
     std::atomic<std::size_t> next = 0;
     std::vector<std::jthread> threads;
@@ -89,7 +89,7 @@ void with_each_file(const std::function<void(const std::string&)>& work) {
         });
 }
 
-/// Every field that TagLib has for the file, without the sound.
+/// Reads every field with TagLib, without audio properties.
 void read_with_taglib(const std::string& path) {
     const TagLib::FileRef file(path.c_str(), false);
     if (file.isNull()) std::abort();
@@ -102,7 +102,7 @@ void look_at(const std::string& path) {
     benchmark::DoNotOptimize(status);
 }
 
-/// A library of its own, in a database that goes with it.
+/// A library in a new database, removed with the object.
 class fresh_library {
 public:
     fresh_library() : database_(the_music().folder() / "library.sqlite") {

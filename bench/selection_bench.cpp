@@ -12,7 +12,7 @@ namespace {
 using quorvel::record_blob;
 using quorvel::statistics_index_guid;
 
-/// What every operation on tracks has to do: make the key and read the record.
+/// The minimum of any operation on tracks: make the key and read the record.
 class bare_reader {
 public:
     explicit bare_reader(bench::bench_player& player)
@@ -58,7 +58,7 @@ void properties_of_a_selection(benchmark::State& state) {
     ratio.report("key + read of each");
 }
 
-/// Until the new ratings are visible; the disk follows in the background. The floor also writes each record in one
+/// Until the new ratings are visible; the disk follows in the background. The floor also writes each record, in one
 /// transaction.
 void rating_of_many_tracks(benchmark::State& state) {
     const auto selection = selection_of(10'000);

@@ -27,7 +27,7 @@ def ostrevan(binaries, profile, *arguments):
 
 
 def make_profile(binaries, profile, music, records):
-    """A player that has this music in its library, has played it, and remembers so many tracks besides."""
+    """A profile with this music in its library, played, and records of so many other tracks."""
     subprocess.run(ostrevan(binaries, profile, "library", "add", str(music)), check=True, stdout=subprocess.DEVNULL)
     subprocess.run(ostrevan(binaries, profile, "play", "--fast", "--audio", "null", "--where", "ALL"), check=True,
                    stdout=subprocess.DEVNULL)
@@ -44,7 +44,7 @@ def make_profile(binaries, profile, music, records):
 
 
 def seconds_to_answer(binaries, profile, tracks):
-    """Until the first line, and until the end."""
+    """Seconds to the first line and to the end."""
     command = ostrevan(binaries, profile, "list", "%play_count% GREATER 0", "--format", "%title%")
     began = time.perf_counter()
     with subprocess.Popen(command, stdout=subprocess.PIPE) as player:
@@ -88,7 +88,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--bin", type=Path, default=ROOT / "build/bench/bin", help="folder of ostrevan and its components")
     parser.add_argument("--rounds", type=int, default=7, help="starts of each kind in a repetition (default 7)")
-    parser.add_argument("--repetitions", type=int, default=1, help="ratios to be measured (default 1)")
+    parser.add_argument("--repetitions", type=int, default=1, help="ratios to measure (default 1)")
     parser.add_argument("--json", action="store_true", help="print JSON")
     options = parser.parse_args()
     os.environ.pop("XDG_DATA_HOME", None)

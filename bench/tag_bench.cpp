@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t file_count = 2000;
 
-/// Copies of a few small files of five formats, the same in every such folder.
+/// Copies of a few small files in five formats, the same in every such folder.
 std::vector<std::string> music_in(const fs::path& folder) {
     static const fs::path samples = bench::new_folder();
     if (std::system(("bash '" MAKE_MUSIC "' '" + samples.string() + "'").c_str()) != 0)
@@ -70,7 +70,7 @@ void write_fields(TagLib::File& file, std::uint64_t plays) {
     if (!file.save()) std::abort();
 }
 
-/// The least that leaves the old file or the new one when it is killed: a copy, edited, on the disk, renamed.
+/// The minimum that survives a kill with the old file or the new one: copy, edit, sync, rename.
 void rewrite_with_taglib(const std::string& path, std::uint64_t plays) {
     const fs::path copy = fs::path(path).replace_extension("copy" + fs::path(path).extension().string());
     fs::copy_file(path, copy);

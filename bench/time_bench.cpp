@@ -30,7 +30,7 @@ const std::array<char, 200> pairs = [] {
 
 void put(char* out, int number) { std::memcpy(out, &pairs[2 * static_cast<std::size_t>(number)], 2); }
 
-/// The C library's conversion, and the digits as fast as they can be written.
+/// The C library's conversion with the fastest formatting of digits.
 std::array<char, 20> text_by_localtime(std::uint64_t time) {
     const auto seconds = static_cast<std::time_t>(time / filetime_second) - 11'644'473'600;
     std::tm local;
@@ -71,7 +71,7 @@ void random_times_of_twenty_years(benchmark::State& state) {
     compare_formatting(state, times);
 }
 
-/// As a list shows them: album by album, each played as a whole, most of them in the last year.
+/// Times as in a list: album by album, each played as a whole, most in the last year.
 void times_of_a_library(benchmark::State& state) {
     std::mt19937_64 random(6);
     std::exponential_distribution<double> age(1.0 / 300);            // days

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// What a reader has found in a file; all of them find the same.
+/// The totals of a reader, equal for all of them.
 struct found {
     std::size_t entries = 0;
     std::size_t attributes = 0;
@@ -27,7 +27,7 @@ struct found {
     friend bool operator==(const found&, const found&) = default;
 };
 
-/// A file as the export writes it: ten attributes and one track for each entry, 330 bytes of them.
+/// A file as exported: ten attributes (330 bytes) and one track per entry.
 std::string statistics_file(std::size_t entries) {
     std::mt19937_64 random(1);
     std::string out = "<PlaybackStatistics Version=\"3.0\" Mapping=\"C653739F-14B3-4EF2-819B-A3E2883230AE\">\n";
@@ -57,7 +57,7 @@ std::string statistics_file(std::size_t entries) {
     return out + "</PlaybackStatistics>";
 }
 
-/// The entries with all their attributes; what stands inside them is passed over, as in an import.
+/// Reads the entries with all attributes and skips their content, as an import does.
 class entry_reader : public Vek::xmlParser {
 public:
     found result;
@@ -85,7 +85,7 @@ found read_by_vek(std::string_view text) {
     return reader.result;
 }
 
-/// A tree over the text itself, in which references are decoded and nothing else is done to values.
+/// A tree over the text itself, with references decoded and values otherwise unchanged.
 found read_by_pugixml(std::string& text, pugi::xml_document& tree) {
     found result;
     const auto outcome = tree.load_buffer_inplace(text.data(), text.size(), pugi::parse_minimal | pugi::parse_escapes);
@@ -118,14 +118,14 @@ found read_by_expat(std::string_view text) {
     return all.result;
 }
 
-/// Time of a reader that is the first in its process to read a file: the memory it takes is new.
+/// Time of a reader that starts with fresh memory, like the first in its process.
 template <typename Reader>
 double first_time(const Reader& reader) {
     malloc_trim(0);
     return bench::processor_seconds_of(reader);
 }
 
-/// Two levels of a file of a million entries, every attribute decoded and looked at; the floor is the fastest tree there is.
+/// Two levels of a million entries, every attribute decoded and visited; the floor is the fastest tree available.
 void parsing_a_million_entries(benchmark::State& state) {
     constexpr std::size_t entries = 1'000'000;
     static const std::string text = statistics_file(entries);

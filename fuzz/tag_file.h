@@ -53,8 +53,8 @@ private:
     std::string path_;
 };
 
-/// What one input may cost: ten times its size in memory beyond a constant for what is compressed, and two seconds of the
-/// processor, the sanitizers included.
+/// The limits of one input: memory of ten times its size plus a constant for compressed data, and two seconds of processor
+/// time, sanitizers included.
 class cost {
 public:
     explicit cost(std::size_t size) : most_(10 * size + (64u << 20)), began_(used()) {

@@ -26,7 +26,7 @@ if [[ ! -e $folder/build.ninja ]]; then
     cmake --preset "$preset" >"$log" 2>&1 || fail "configuring $preset"
 fi
 
-# On a terminal the line counts up in place; in a log it appears once, when all is done.
+# On a terminal the line counts up in place; in a log it appears once, at the end.
 progress() {
     local line shown=no
     while IFS= read -r line; do

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Installs the distribution packages the project needs and that are missing. Debian 12 or a current Ubuntu.
-#   run    what the built player needs and the sample music is made with
-#   build  that and what compiles it
-#   test   that and what the tests and the lint use (the default)
-#   windows  what builds the component for Windows and runs its tests here
+# Installs the missing distribution packages. Debian 12 or a current Ubuntu.
+#   run    for the built player and the sample music
+#   build  also for compiling
+#   test   also for the tests and the lint (the default)
+#   windows  for building the component for Windows and testing it here
 set -euo pipefail
 
-# One need a word; alternatives, the preferred one first, stand between bars where distributions differ.
+# One word per need, with alternatives between bars, preferred one first, where distributions differ.
 run_packages=(ffmpeg)
 build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcli11-dev libsqlite3-dev libssl-dev
     "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev)
@@ -37,7 +37,7 @@ if ! command -v dpkg-query >/dev/null; then
 fi
 
 mapfile -t names < <(printf '%s\n' "${needs[@]}" | tr '|' '\n')
-# Fails as soon as one name is unknown, and prints what it knows of the others all the same.
+# Fails when any name is unknown, but still prints the others.
 installed=$(dpkg-query -W -f ' ${Package}:${db:Status-Status} ' "${names[@]}" 2>/dev/null || true)
 
 missing=()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes a small folder of tagged music in five formats: make-music.sh FOLDER
-# The same notes and tags every time. Files that are there already stay as they are.
+# The same notes and tags every time. Existing files are kept.
 set -euo pipefail
 
 if (($# != 1)) || [[ $1 == -* ]]; then
@@ -13,7 +13,7 @@ if ! command -v ffmpeg >/dev/null; then
     exit 1
 fi
 
-# Plays a chord of three tones, struck softly one after the other and dying away: track FILE SECONDS HZ HZ HZ TAG=VALUE...
+# A chord of three tones, struck softly one after the other and fading: track FILE SECONDS HZ HZ HZ TAG=VALUE...
 track() {
     local file=$folder/$1 seconds=$2 first=$3 second=$4 third=$5
     shift 5

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Runs a Windows program under Wine: run-in-wine.sh PROGRAM.exe [ARGUMENT...]
 #                                   run-in-wine.sh --stop
-# The Windows folder it sees is made at the first use, in build/wine or where WINEPREFIX says. What serves the programs stays
-# until it is stopped, and with it the screen (DISPLAY) of the first of them.
+# The Windows folder is made at the first use, in build/wine or WINEPREFIX. The server runs until it is stopped, on the screen
+# (DISPLAY) of the first program.
 set -euo pipefail
 
 if (($# == 0)) || [[ $1 == -h || $1 == --help ]]; then
@@ -11,15 +11,15 @@ if (($# == 0)) || [[ $1 == -h || $1 == --help ]]; then
 fi
 WINEPREFIX=${WINEPREFIX:-$(cd "$(dirname "$0")/.." && pwd)/build/wine}
 export WINEPREFIX WINEDEBUG=${WINEDEBUG:--all}
-export WINEDLLOVERRIDES="mscoree=;mshtml="  # else it asks to download them
+export WINEDLLOVERRIDES="mscoree=;mshtml="  # or Wine asks to download them
 
 if [[ $1 == --stop ]]; then
     if [[ -e $WINEPREFIX ]]; then wineserver --kill || true; fi # none may be running
     exit 0
 fi
 
-# A server that stays makes a start take 0.03 s instead of 3 s. It and what Wine starts with it must not hold our output open,
-# or whoever reads that waits for ever; of several that begin at once, one starts them.
+# With a server running, a program starts in 0.03 s instead of 3 s. The server and its children must not hold our output open,
+# or its reader waits forever. Of several scripts starting at once, one starts the server.
 mkdir -p "$WINEPREFIX"
 (
     flock 9

@@ -1,5 +1,5 @@
-// Shows one dialog as the component draws it, for a picture: show_dialog full|full-without-library|short|import
-// Prints where it stands on the screen, "WIDTHxHEIGHT+X+Y", and stays until its input ends.
+// Shows one of the component's dialogs, for a picture: show_dialog full|full-without-library|short|import
+// Prints its place on the screen, "WIDTHxHEIGHT+X+Y", and runs until its input ends.
 #include <windows.h>
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Photographs the component's dialogs as Wine draws them at 96 and at 192 dots an inch: windows-screenshots.sh [FOLDER]
-# The pictures go to FOLDER, build/screenshots unless given. Needs Xvfb and ImageMagick; nothing appears on your own screen.
+# Takes pictures of the component's dialogs under Wine at 96 and 192 dots per inch: windows-screenshots.sh [FOLDER]
+# They go to FOLDER, by default build/screenshots. Needs Xvfb and ImageMagick; nothing appears on your own screen.
 set -euo pipefail
 
 if [[ ${1:-} == -h || ${1:-} == --help ]]; then
@@ -12,7 +12,7 @@ folder=$(cd "${1:-$(dirname "$0")/../build/screenshots}" && pwd)
 cd "$(dirname "$0")/.."
 scripts/build.sh windows show_dialog
 
-# A Windows folder of its own, because screen and resolution are kept there.
+# A separate Windows folder, because it stores screen and resolution.
 export WINEPREFIX=$PWD/build/wine-screenshots
 exec {display}< <(exec Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 2>/dev/null)
 xvfb=$!
@@ -29,8 +29,8 @@ set_value 'Software\Wine\Drivers' Graphics REG_SZ x11
 for dpi in 96 192; do
     set_value 'Control Panel\Desktop' LogPixels REG_DWORD "$dpi"
     for dialog in full full-without-library short import; do
-        # In a desktop of Wine's own, which draws the frames. The program says where the dialog stands once it is drawn, and
-        # stays until its input ends.
+        # In a desktop of Wine's own, which draws the frames. The program prints the dialog's position once it is drawn, and
+        # runs until its input ends.
         coproc shown { timeout 60 scripts/run-in-wine.sh explorer "/desktop=at$dpi,1280x1024" \
             build/windows/bin/show_dialog.exe "$dialog" 2>/dev/null; }
         program=$!
