@@ -18,7 +18,7 @@ void print_to_console(const std::string& line) noexcept;
 void ask(std::string text, std::string title, unsigned style, std::function<void(unsigned answer)> reply);
 
 /// Tells the user that a command has failed, in a message box titled "Information", and returns at once. A player without
-/// message boxes shows a plain message, one without any the text on its console. [main-thread]
+/// such boxes shows a plain message, and one without messages prints the text on its console. [main-thread]
 void report_failure(const std::string& text);
 
 }  // namespace quorvel

@@ -23,7 +23,7 @@ namespace {
 /// 28 days in units of 100 ns.
 constexpr std::uint64_t retention = 24'192'000'000'000;
 
-/// Whether the tracks of the library have been gone through, so that those added from now on are new. [main-thread]
+/// Whether the tracks found at the start have been handled, so that those added from now on are new. [main-thread]
 bool started = false;
 
 void report_failed_start(const std::exception& e) {

@@ -15,7 +15,7 @@ struct statistics_column {
     const char* sort_script;
 };
 
-/// Users arrange their lists with these identifiers, so they never change.
+/// The player keeps the layout of lists under these identifiers, so they never change.
 constexpr std::array statistics_columns{
     statistics_column{nuv::guid_of("{A07A0249-0D0F-4EBF-9575-59BD44C14907}"), "Play Count", "%play_count%", "%play_count%"},
     statistics_column{nuv::guid_of("{3BAEAC90-3F85-4DC0-AE77-9C2158C2330A}"), "First Played", "%first_played%",

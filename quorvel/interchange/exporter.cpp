@@ -52,7 +52,7 @@ private:
 
     ostrevan::file_ptr file_;
     const std::uint32_t fields_;
-    // Its reads throw: a default record in the place of one that cannot be read would be imported later as if it were real.
+    // Its reads throw. A default record in place of an unreadable one would be imported later as if it were real.
     const StatsOp records_;
     std::string text_;
     ostrevan::progress_scope progress_{"records exported"};
@@ -60,7 +60,7 @@ private:
     std::size_t total_ = 0;
 };
 
-/// None without a library: a backup of the records is worth having all the same.
+/// Empty without a library: the records are worth a backup all the same.
 ostrevan::metadb_handle_list library_tracks() {
     ostrevan::metadb_handle_list tracks;
     if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_all_items(tracks);

@@ -11,8 +11,8 @@
 namespace quorvel {
 namespace {
 
-/// Each track once, in the order of the library and then of the playlists, so that the outcome does not depend on chance
-/// where two of them share a key.
+/// Each track once, in the order of the library and then of the playlists. A fixed order matters where two tracks share a
+/// key.
 std::vector<GatheredTrack> known_tracks() {
     ostrevan::metadb_handle_list tracks;
     ostrevan::get_service<ostrevan::library_manager>()->get_all_items(tracks);

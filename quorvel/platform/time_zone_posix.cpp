@@ -17,7 +17,8 @@ constexpr int first_year = 1601;
 constexpr int last_year = 30827;
 constexpr std::int64_t seconds_per_day = 86400;
 
-/// A zone whose changes are known.
+/// A zone whose changes are known. They are read once: the conversion of the C library takes a lock, and changes when any
+/// code in the process sets TZ.
 class database_zone final : public time_zone {
 public:
     explicit database_zone(zone_changes changes) : changes_(std::move(changes)) {}

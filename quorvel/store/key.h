@@ -28,7 +28,7 @@ inline constexpr nuv::guid statistics_index_guid = active_mapping_guid;
 /// after stop. Every thread remembers its last one. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track);
 
-/// The same for other tags than those that the track has now. [any-thread]
+/// The same for other tags than those that the player holds for the track. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info,
                                                  const ostrevan::playable_location& location);
 

@@ -35,7 +35,7 @@ std::optional<std::string_view> value_at(const file_info& info, std::string_view
     return info.meta_value(field, index);
 }
 
-/// Nothing is fed for the first disc, so that it is the same whether the album has others or not.
+/// The first disc feeds nothing, as if the album had no discs.
 void feed_disc(unit_digest& digest, std::optional<std::string_view> disc) {
     if (!disc) return;
     const auto number = without_leading_zeros(*disc);

@@ -22,7 +22,7 @@ struct stored_blob {
     t_playback_stats record;
 };
 
-/// A blob that has not the size of a record reads as the default record.
+/// A blob of any other size than that of a record reads as the default record.
 stored_blob read_blob(const ostrevan::index_manager& manager, const nuv::guid& index, std::uint64_t key) {
     record_blob blob;
     const std::size_t size = manager.read(index, key, blob.data(), blob.size());
