@@ -38,6 +38,14 @@ struct collector : playback_statistics_collector, tally {
 };
 
 struct follower : tag_edit_callback, tally {
+    struct answer : tag_edit_outcome {
+        bool has_followed = true;
+        bool all_followed() noexcept override { return has_followed; }
+    };
+    service_uncounted_t<answer> outcome;
+    service_base* service_query(const nuv::guid& id) noexcept override {
+        return id == tag_edit_outcome::class_guid ? &outcome : nullptr;
+    }
     void on_tags_edited(const nuv::list_base_const_t<tag_edit>&) override { meet(); }
 };
 

@@ -89,12 +89,17 @@ TEST_F(files, what_became_of_a_request_is_told) {
 TEST_F(files, edits_that_a_component_has_not_followed_are_told_of_again) {
     const std::string song = path("music/1.wav"), folders[] = {path("music")};
     write_sound("music/1.wav");
-    for (const std::size_t kept : {0, 1, 0}) {
+    const struct {
+        std::size_t kept;
+        bool fails, has_followed;
+    } runs[] = {{0, true, true}, {1, false, false}, {2, false, true}, {0, false, true}};
+    for (const auto& [kept, fails, has_followed] : runs) {
         service_uncounted_t<follower> followers[2];
         session run({path("profile"), path("none"), true}, player.ui);
         EXPECT_EQ(run.library.unfinished_edits().size(), kept);
         (void)run.library.add_folders(folders);
-        if (kept == 0) followers[0].fails = [] { throw 1; };
+        if (fails) followers[0].fails = [] { throw 1; };
+        followers[0].outcome.has_followed = has_followed;
         for (auto& each : followers) run.services.add(each);
         tags::rewrite_file(song, [&](file_info& info) { return info.meta_set("title", std::to_string(kept)), true; });
         (void)run.library.rescan();

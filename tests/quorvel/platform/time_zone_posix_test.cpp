@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <ctime>
@@ -134,7 +135,7 @@ TEST(time_zone, of_a_file_follows_its_rule_after_the_last_change_and_is_refused_
         "\0\0\0\0\0\0"
         "\0\0\x2A\x30\0\0",
         21);
-    const std::string path = testing::TempDir() + "zone";
+    const std::string path = testing::TempDir() + "zone-" + std::to_string(getpid());
     const auto load = [&](const std::string& contents) {
         std::ofstream(path, std::ios::binary) << contents;
         return time_zone::load(path);
