@@ -95,7 +95,7 @@ TEST(time_zone, agrees_with_the_c_library_everywhere) {
 }
 
 TEST(time_zone, reads_skipped_and_repeated_times_by_rule) {
-    for (const char* rule : {"PST8PDT,M3.2.0,M11.1.0", "PST8PDT"}) {
+    for (const char* rule : {"PST8PDT,M3.2.0,M11.1.0", "XST8XDT"}) {
         const auto zone = time_zone::load(rule);
         EXPECT_EQ(zone->to_utc({2021, 3, 14, 1, 59, 59}), utc(2021, 3, 14, 9, 59, 59));
         EXPECT_EQ(zone->to_utc({2021, 3, 14, 2, 30, 0}), utc(2021, 3, 14, 9, 30, 0)) << "skipped";
