@@ -64,11 +64,12 @@ TEST(script, result_is_bounded_whatever_the_script_asks_for) {
     std::string script = "ä";
     for (int i = 0; i < 20; ++i) script = "$repeat(" + script + ",999999999)";
     for (const std::string& source :
-         {script + script, std::string("$pad(x,9223372036854775807,€)"), std::string("$num(1,99999999999999999999)")}) {
+         {script + script, std::string("$pad(x,9223372036854775807,€)"), std::string("$pad(xy,9223372036854775807,€)"),
+          std::string("$num(1,99999999999999999999)")}) {
         const std::string text = compile(source).run(track).text;
         EXPECT_LE(text.size(), script::max_result);
         EXPECT_GT(text.size(), script::max_result - 4);
-        EXPECT_TRUE(text.ends_with("ä") || text.ends_with("€") || text.ends_with('0')) << "no character is cut";
+        EXPECT_TRUE(text.ends_with("ä") || text.ends_with("€") || text.ends_with('1')) << "no character is cut";
     }
     std::string growing = "xx";
     for (int i = 0; i < 12; ++i) growing = "$replace(" + growing + ",x,xxxx)";
