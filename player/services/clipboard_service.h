@@ -7,13 +7,13 @@
 
 namespace ostrevan::services {
 
-/// The clipboard as one file that only its user can read, so that it outlives the process and serves where there is no
-/// display: in `$XDG_RUNTIME_DIR`, or in the temporary folder under the user's number. Layout: length of the format name (32
-/// bits, little-endian), the name, the bytes.
+/// The clipboard as a private file that outlives the process and works without a display: in `$XDG_RUNTIME_DIR`, or in the
+/// temporary folder under the user's number. Layout: length of the format name (32 bits, little-endian), the name, the
+/// bytes.
 class clipboard_service_impl : public clipboard_service {
 public:
     clipboard_service_impl() : clipboard_service_impl(default_folder()) {}
-    /// The folder is made, for its user alone, when something is copied.
+    /// Creates the folder, private to the user, at the first copy.
     explicit clipboard_service_impl(std::string folder) : folder_(std::move(folder)) {}
 
     [[nodiscard]] bool has_format(const char* format) const override;

@@ -9,7 +9,7 @@
 
 namespace ostrevan::services {
 
-/// Console lines go to whoever the front end names, one at a time.
+/// Passes on the lines of the console, one at a time.
 class console_service_impl : public console_service {
 public:
     using sink = std::function<void(const std::string& line)>;

@@ -6,7 +6,7 @@
 
 namespace ostrevan::services {
 
-/// Of the dialogs registered here one may be open at a time.
+/// Allows one open dialog at a time.
 class dialog_registry_impl : public dialog_registry {
 public:
     [[nodiscard]] bool can_create_new() const noexcept override { return open_.empty(); }

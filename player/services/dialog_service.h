@@ -8,8 +8,8 @@
 
 namespace ostrevan::services {
 
-/// Dialogs for components. An open one gets turn after turn of the main loop until it is closed, so that what its rules
-/// post, such as a message, comes in between.
+/// Dialogs for components. An open dialog is shown once per turn of the main loop until it is closed, so that work posted
+/// by its rules, such as a message, runs in between.
 class dialog_service_impl : public dialog_service {
 public:
     dialog_service_impl(core::main_loop& loop, view::front_end& ui, dialog_registry& registry, player_api& player)

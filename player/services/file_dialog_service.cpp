@@ -7,7 +7,7 @@
 namespace ostrevan::services {
 namespace {
 
-/// What is there under the name as it is, such as a device, and protocols other than files are left alone.
+/// Leaves alone an existing file of that name, such as a device, and protocols other than files.
 std::string with_extension(const std::string& name, const std::string& extension) {
     const std::filesystem::path path = system::local_path(name);
     std::error_code error;

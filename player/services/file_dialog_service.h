@@ -9,7 +9,7 @@
 
 namespace ostrevan::services {
 
-/// Questions for files. A name for saving gets the default extension, and what would be replaced is asked for.
+/// Asks for files. A name for saving gets the default extension; replacing a file needs a confirmation.
 class file_dialog_service_impl : public file_dialog_service {
 public:
     file_dialog_service_impl(const core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}

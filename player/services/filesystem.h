@@ -7,7 +7,7 @@
 
 namespace ostrevan::services {
 
-/// Files of this machine: paths without a protocol, and `file://`.
+/// Files on this machine: paths without a protocol, and `file://`.
 class local_filesystem_impl : public filesystem {
 public:
     explicit local_filesystem_impl(unfinished_file_sink on_unfinished = {}) : on_unfinished_(std::move(on_unfinished)) {}
@@ -21,12 +21,12 @@ private:
     const unfinished_file_sink on_unfinished_;
 };
 
-/// What is reached through a network protocol, such as a radio station.
+/// Locations with a network protocol, such as radio stations.
 class network_filesystem_impl : public filesystem {
 public:
     [[nodiscard]] bool is_our_path(const char* path) const noexcept override;
     [[nodiscard]] bool is_remote(const char* /*path*/) const noexcept override { return true; }
-    /// These three always throw: nothing here speaks the protocols.
+    /// These three always throw: the protocols are not supported.
     [[nodiscard]] file_ptr open(const char* path, open_mode mode) override;
     [[nodiscard]] bool exists(const char* path) override;
     void remove(const char* path) override;

@@ -4,8 +4,8 @@
 
 namespace ostrevan::services {
 
-/// MD5 by OpenSSL. The algorithm is fetched once and every thread reuses one context: fetching it for each digest costs
-/// three times the digest of a track.
+/// MD5 by OpenSSL. The algorithm is fetched once, and every thread reuses one context: fetching it per digest costs three
+/// times the digest of a track.
 class hash_service_impl : public hash_service {
 public:
     [[nodiscard]] hash_digest digest(const void* bytes, std::size_t size) override;

@@ -32,13 +32,13 @@ private:
     index::index_store& store_;
 };
 
-/// The index manager for components, over the store.
+/// The index manager for components, on top of the store.
 class index_manager_impl : public index_manager {
 public:
-    /// Told which keys are to be shown afresh. [main-thread]
+    /// Receives keys to redraw. [main-thread]
     using redraw = std::function<void(const nuv::guid& index, const std::vector<std::uint64_t>& keys)>;
 
-    /// The name of the component that a key function belongs to; stays the same over all runs.
+    /// Returns the name of the component that owns a key function; the same in every run.
     using owner_finder = std::function<std::string(const index_client&)>;
 
     index_manager_impl(index::index_store& store, owner_finder owner_of, redraw on_refresh)
@@ -59,28 +59,28 @@ public:
     void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
     service_base* service_query(const nuv::guid& interface_guid) noexcept override;
 
-    /// The indexes that components have registered, in that order, and their key functions. [main-thread]
+    /// The registered indexes in order of registration, with their key functions. [main-thread]
     struct registration {
         nuv::guid index;
         index_client_ptr client;
     };
     [[nodiscard]] const std::vector<registration>& registrations() const noexcept { return registrations_; }
 
-    /// Key of a track in one index; none while nothing is known of the track.
+    /// The key of a track in one index; empty while the track has no information.
     [[nodiscard]] static std::optional<std::uint64_t> key_of(const registration& index, const metadb_handle& track);
 
-    /// The time for which the records of these tracks are kept begins anew. [main-thread]
+    /// Restarts the retention period of the records of these tracks. [main-thread]
     void mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now);
 
-    /// Records that no track of the library has and that have been kept for longer than their components asked for.
+    /// Records without a track in the library, past the retention period of their component.
     struct old_records {
         nuv::guid index;
         std::vector<std::uint64_t> keys;
     };
-    /// Of every registered index that has any. [main-thread]
+    /// For every registered index with old records. [main-thread]
     [[nodiscard]] std::vector<old_records> find_old(const nuv::list_base_const_t<metadb_handle_ptr>& library,
                                                     std::int64_t now) const;
-    /// Puts a copy aside, then drops them. [main-thread]
+    /// Makes a backup, then removes the records. [main-thread]
     void drop(const std::vector<old_records>& old);
 
 private:

@@ -15,7 +15,7 @@ std::vector<library::track_ptr> own_tracks(library::track_table& tracks, metadb_
     return own;
 }
 
-/// What other programs did to the tags shows here first: the next scan finds the tracks as they are now.
+/// Edits of other programs must be found here: the next scan only sees the tracks as they are now.
 std::vector<library::track_edit> edits_between(std::span<const library::track_ptr> tracks,
                                                const std::vector<metadb_info_ptr>& before) {
     std::vector<library::track_edit> edits;

@@ -10,8 +10,8 @@
 
 namespace ostrevan::services {
 
-/// The file-info reload service: files are read in portions between which the main loop serves others. Components are told
-/// of tags that another program has edited.
+/// The file-info reload service: reads files in portions, between which the main loop serves others, and reports edits by
+/// other programs to the components.
 class info_reload_service_impl : public info_reload_service {
 public:
     info_reload_service_impl(core::main_loop& loop, view::front_end& ui, tag_edit_news& news,

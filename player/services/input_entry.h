@@ -4,7 +4,7 @@
 
 namespace ostrevan::services {
 
-/// Reads audio files and CUE sheets of this machine, as a scan of the library does.
+/// Reads audio files and CUE sheets on this machine, as a library scan does.
 class input_entry_impl : public input_entry {
 public:
     [[nodiscard]] bool is_our_path(const char* path) const noexcept override;

@@ -11,7 +11,7 @@
 
 namespace ostrevan::services {
 
-/// The library's search for components: shows what a query matches with the columns of a list.
+/// The library search for components: shows the tracks that match a query, with the default columns.
 class library_search_impl : public library_search {
 public:
     library_search_impl(const core::main_loop& loop, view::front_end& ui, const core::service_registry& services,

@@ -6,7 +6,7 @@
 
 namespace ostrevan::services {
 
-/// A file of this machine. Only a regular file has a size; nothing waits for the other end of a pipe.
+/// A file on this machine. Only a regular file has a size; pipes never block.
 class local_file : public file {
 public:
     /// The path is for messages. Takes the descriptor over.
@@ -27,10 +27,10 @@ protected:
     const int descriptor_;
 };
 
-/// Opens what is there, such as a file to read or a device to write to. Throws as the file system's `open`.
+/// Opens an existing file or device. Throws as the file system's `open`.
 file_ptr open_local_file(const std::string& path, filesystem::open_mode mode);
 
-/// The exception of an error number: what failed, then the system's reason.
+/// Throws the exception for an error number: what failed, then the system's reason.
 [[noreturn]] void throw_io_error(const std::string& what, int error);
 
 }  // namespace ostrevan::services

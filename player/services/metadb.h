@@ -5,7 +5,7 @@
 
 namespace ostrevan::services {
 
-/// Track handles for components: those of the library, by whatever form of its path a track is asked for.
+/// Track handles for components; any form of a path leads to the library's handle.
 class metadb_impl : public metadb {
 public:
     explicit metadb_impl(library::track_table& tracks) : tracks_(tracks) {}

@@ -51,7 +51,7 @@ private:
     bool is_in_place_ = false;
 };
 
-/// The file that is replaced: absolute, since the process may change its folder, and not a link to it.
+/// The file to replace: absolute, since the process may change its folder, with links resolved.
 std::string place_of(const std::string& path) {
     std::error_code error;
     const auto target = fs::canonical(path, error);
@@ -61,14 +61,14 @@ std::string place_of(const std::string& path) {
 }  // namespace
 
 file_ptr open_new_file(const std::string& path, const unfinished_file_sink& on_unfinished) {
-    constexpr mode_t everybody = 0666;  // the user's mask takes away from it
+    constexpr mode_t everybody = 0666;  // reduced by the user's mask
     struct stat older {};
     const bool is_there = ::stat(path.c_str(), &older) == 0;
     if (is_there && !S_ISREG(older.st_mode)) return open_local_file(path, filesystem::open_mode::write_new);
     if (is_there && ::access(path.c_str(), W_OK) != 0) throw_io_error(path + " cannot be replaced", errno);
 
     const auto place = place_of(path);
-    // An unfinished one of before stays.
+    // Never overwrites an unfinished file of an earlier attempt.
     constexpr int most_parts = 100;
     std::string part;
     int descriptor = -1;

@@ -12,7 +12,7 @@
 namespace ostrevan::services {
 namespace {
 
-/// A file that is gone or damaged leaves its tracks without information.
+/// Tracks of a missing or damaged file have no information.
 void read_if_possible(library::track_table& tracks, const std::string& path) {
     try {
         library::tracks_on_disk(tracks, path);

@@ -7,8 +7,8 @@
 
 namespace ostrevan::services {
 
-/// The playlists for components, in alphabetical order of their names. Tracks that the library does not hold are read from
-/// the disk, so that they have information wherever it can be had.
+/// The playlists for components, in byte order of their names. Tracks outside the library are read from the disk, to have
+/// information where possible.
 class playlist_manager_impl : public playlist_manager {
 public:
     playlist_manager_impl(const core::main_loop& loop, const library::playlists& playlists, library::track_table& tracks)

@@ -6,8 +6,8 @@
 
 namespace ostrevan::services {
 
-/// Questions go through the loop, so that the command which asked has returned when the answer comes. An open question keeps
-/// the loop from being idle.
+/// Asks questions from the loop, so that the command has returned when the reply comes. An open question keeps the loop
+/// from being idle.
 class popup_message_v3_impl : public popup_message_v3 {
 public:
     popup_message_v3_impl(core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}

@@ -9,7 +9,7 @@
 
 namespace ostrevan::services {
 
-/// Progress of components' long work on the front end. Ctrl-C asks the work to stop.
+/// Shows the progress of components' long work. Ctrl-C asks the work to stop.
 class progress_service_impl : public progress_service {
 public:
     progress_service_impl(const core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}

@@ -16,9 +16,8 @@ void tag_edit_news::tell(std::vector<library::track_edit> seen) {
     if (!seen.empty()) tell_from(std::make_shared<std::vector<library::track_edit>>(std::move(seen)), 0);
 }
 
-/// A component works on each edit before it returns: in portions, between which the main loop serves others, a tool that has
-/// retagged the whole library stops nobody. Each portion is let go when it is done, since freeing all at once takes long
-/// too.
+/// Components process each edit before they return. Portions let the main loop serve others when a tool has retagged the
+/// whole library. Each portion is freed on its own, since freeing everything at once takes long too.
 void tag_edit_news::tell_from(const std::shared_ptr<std::vector<library::track_edit>>& seen, std::size_t first) {
     constexpr std::size_t portion = 1024;
     const auto rest = std::span(*seen).subspan(first);

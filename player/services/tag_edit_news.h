@@ -10,16 +10,16 @@
 
 namespace ostrevan::services {
 
-/// Tells the components of edited tags. What is named must live until the loop is idle. [main-thread]
+/// Reports edited tags to the components. The constructor's arguments must live until the loop is idle. [main-thread]
 class tag_edit_news {
 public:
     tag_edit_news(core::main_loop& loop, const core::service_registry& services) : loop_(loop), services_(services) {}
 
     void tell(const std::vector<tag_edit>& edits);
-    /// Of edits that the library has seen: of the first portion at once, of others as posted work.
+    /// Reports edits seen by the library: the first portion at once, the others as posted work.
     void tell(std::vector<library::track_edit> seen);
 
-    /// False when a component failed at one of them.
+    /// False when a component failed at an edit.
     [[nodiscard]] bool all_told() const noexcept { return all_told_; }
 
 private:

@@ -27,8 +27,8 @@ void tag_update_service_impl::update_async(metadb_handle_list_cref tracks, servi
     is_working_ = true;
 }
 
-/// After every other batch of the user's, and after those of the background that are for one of the same files: what was
-/// asked for last is what a file says in the end.
+/// After every other batch of the user, and after background batches with a common file: the last request for a file
+/// decides its content.
 std::deque<tag_update_service_impl::batch>::iterator tag_update_service_impl::place_of(const batch& fresh) {
     if (fresh.is_background()) return waiting_.end();
     std::unordered_set<std::string_view> files;

@@ -13,18 +13,18 @@
 
 namespace ostrevan::services {
 
-/// A file whose tags have been rewritten.
+/// A file with rewritten tags.
 struct tag_rewrite {
     metadb_handle_ptr track;
     file_info before_in_file;
     file_info after;
 };
 
-/// The tag-update service: batches of files, rewritten one after another on one worker. What the user asked for goes before
-/// what runs in the background, but the requests for one file are carried out in the order in which they were made.
+/// The tag-update service: batches of files, rewritten one after another on one worker. Requests of the user go before
+/// background work, but those for one file keep their order.
 class tag_update_service_impl : public tag_update_service {
 public:
-    /// Told of the files of a finished batch. [main-thread]
+    /// Receives the files of a finished batch. [main-thread]
     using rewritten_sink = std::function<void(const std::vector<tag_rewrite>& files)>;
 
     tag_update_service_impl(core::main_loop& loop, view::front_end& ui, rewritten_sink on_rewritten)

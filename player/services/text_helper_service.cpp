@@ -13,7 +13,7 @@ std::uint32_t lower_by_library(std::uint32_t code_point) noexcept {
     return static_cast<std::uint32_t>(utf8proc_tolower(static_cast<utf8proc_int32_t>(code_point)));
 }
 
-/// Every lower-case form of this range lies below 0x10000. Lives in the process, as components keep its address.
+/// Every lower-case form of this range is below 0x10000. Lives as long as the process, because components keep its address.
 const auto& table() noexcept {
     static const auto made = [] {
         std::array<std::uint16_t, text_helper_service::lower_table_size> result{};

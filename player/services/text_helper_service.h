@@ -4,7 +4,7 @@
 
 namespace ostrevan::services {
 
-/// Lower-casing by utf8proc; the common planes come from a table made once.
+/// Lower-casing by utf8proc; a table made once covers the common planes.
 class text_helper_service_impl : public text_helper_service {
 public:
     text_helper_service_impl();

@@ -5,7 +5,7 @@
 
 namespace ostrevan::services {
 
-/// The formatting language for components.
+/// Title formatting for components.
 class titleformat_service_impl : public titleformat_service {
 public:
     explicit titleformat_service_impl(const titleformat::component_fields& published) : published_(published) {}
