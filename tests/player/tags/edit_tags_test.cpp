@@ -172,6 +172,7 @@ TEST_F(edit_tags_in_files, say_what_a_format_cannot_hold_and_what_is_damaged) {
         {"id3v23.mp3", "", "x", "a field needs a name"},
         {"faststart.m4a", "lyrics", std::string(9000, 'x'), "table of offsets is damaged", {"stco", 11, 1}},
         {"fragments.m4a", "lyrics", std::string(9000, 'x'), "table of offsets is damaged", {"\x24tfhd", 0, -20}},
+        {"pcm.wav", "title", "x", "announces more data than there is", {"RIFF", 6, 1}},
         {"opus.opus", "title", "x", "has no known length", {"OggS", 13, -128}},
         {"ape.ape", "title", "x", "more than 5,000 entries", {"APETAGEX", 17, 20}},
         {"wma.wma", "title", "x", "more than 5,000 entries", {"\x40\xA4\xD0\xD2", 25, 20}}};
@@ -184,7 +185,7 @@ TEST_F(edit_tags_in_files, say_what_a_format_cannot_hold_and_what_is_damaged) {
         EXPECT_TRUE(message.starts_with(path.string())) << message;
         EXPECT_EQ(bytes_of(path), bytes) << each.file;
     }
-    EXPECT_EQ(files_in_folder(), 9u);
+    EXPECT_EQ(files_in_folder(), 10u);
 }
 
 TEST_F(edit_tags_in_files, bring_repeated_windows_media_objects_together_and_keep_long_names) {
@@ -249,6 +250,14 @@ TEST(edit_id3v2, drops_nothing_but_the_one_role_from_a_list_of_people) {
     const auto edited = edit_id3v2(people, {{"producer", {"PRODUCER"}, {}}}, tag_role::primary);
     EXPECT_EQ(edited.find("Mary"), edited.npos);
     EXPECT_NE(edited.find("Luigi"), edited.npos);
+}
+
+TEST(edit_ape, keeps_every_item_and_says_where_the_tag_begins) {
+    const auto end = [](char flags) { return "APETAGEX\xD0\7\0\0\x3C\0\0\0\2\0\0\0\0\0\0"s + flags + std::string(8, '\0'); };
+    const auto old = "\1\0\0\0\1\0\0\0Zed\0\xE9"s, title = "\1\0\0\0\0\0\0\0tItle\0"s;
+    const auto tag_with = [&](const std::string& text) { return end('\xA0') + old + title + text + end('\x80'); };
+    const tag_changes changes = {{"title", {"TITLE"}, {{"TITLE", {"n"}}}}, {"rating", {"RATING"}, {{"RATING", {"5"}}}}};
+    EXPECT_EQ(edit_ape(tag_with("o"), changes, tag_role::other), tag_with("n"));
 }
 
 TEST(edit_xiph, keeps_order_spelling_and_what_follows_the_entries) {
