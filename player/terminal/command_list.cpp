@@ -47,7 +47,7 @@ void print_lines(const run_context& context, const metadb_handle_list& tracks, c
 
 using json = nlohmann::ordered_json;
 
-/// What a field's text is in JSON: nothing when it was not found, a number where it reads like one.
+/// A field in JSON: null when not found, a number where it reads like one.
 json value_of(const titleformat::track_fields& fields, const std::string& name, bool may_be_number) {
     std::string text;
     if (!fields.field(name, text)) return nullptr;
@@ -56,7 +56,7 @@ json value_of(const titleformat::track_fields& fields, const std::string& name, 
     return text;
 }
 
-/// The number at the start of a field, as in "3/12"; else its text ("A1").
+/// The leading number of a field ("3/12"), else its text ("A1").
 json leading_number(const titleformat::track_fields& fields, const std::string& name) {
     const auto text = value_of(fields, name, false);
     if (!text.is_string()) return text;
@@ -91,7 +91,7 @@ void print_json(const run_context& context, const metadb_handle_list& tracks) {
     std::set<std::string> component_fields;
     for (const auto& [name, entry] : context.player.fields.all()) component_fields.insert(name);
 
-    // One object a line: as large as the library may be, only one track is held as JSON at a time.
+    // One object per line, so that only one track is held as JSON at a time.
     std::cout << '[';
     const char* separator = "\n";
     for (const auto& track : tracks) {

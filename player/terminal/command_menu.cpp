@@ -17,7 +17,7 @@ const view::menu_entry& entry_of(const std::vector<view::menu_entry>& menu, cons
     return *entry;
 }
 
-/// The mark that the command has now.
+/// The current mark of the command.
 bool is_marked(run_context& context, const nuv::guid& id) {
     const auto menu = view::main_menu_of(context.player.components, context.player.services.guard());
     const auto* const entry = view::find_command(menu, id);

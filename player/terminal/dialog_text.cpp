@@ -16,12 +16,12 @@ bool has_mark(const dialog_control& control) {
     return control.kind == kind::radio_button || control.kind == kind::check_box;
 }
 
-/// OK and Cancel have letters.
+/// OK and Cancel have letters instead.
 bool has_number(const dialog_control& control) {
     return has_mark(control) || (control.kind == kind::button && control.id != dialog_ok && control.id != dialog_cancel);
 }
 
-/// In the order of their numbers, from 1 on.
+/// In the order of their numbers, from 1.
 std::vector<const dialog_control*> numbered_controls(const view::open_dialog& dialog) {
     std::vector<const dialog_control*> controls;
     for (const auto& control : dialog.layout().controls)
@@ -61,7 +61,7 @@ bool is_one_of(std::string_view word, std::initializer_list<std::string_view> wo
     return false;
 }
 
-/// The controls that the words are numbers of; empty when one of them is not.
+/// The controls with these numbers; empty when any word is not such a number.
 std::vector<const dialog_control*> controls_named(const view::open_dialog& dialog, std::istringstream words) {
     const auto controls = numbered_controls(dialog);
     std::vector<const dialog_control*> named;

@@ -9,7 +9,7 @@ namespace ostrevan::terminal {
 /// 16 lower-case hexadecimal digits, most significant first.
 std::string hexadecimal(std::uint64_t key);
 
-/// The track's key in the first index that a component has registered; empty when there is none.
+/// The track's key in the first registered index; empty when there is none.
 std::string key_text(const services::index_manager_impl& index, const metadb_handle& track);
 
 }  // namespace ostrevan::terminal

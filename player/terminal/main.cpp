@@ -18,14 +18,14 @@ int run_all(const arguments& wanted, terminal& screen) {
     try {
         std::visit([&](const auto& chosen) { run(context, chosen); }, wanted.chosen);
     } catch (...) {
-        player.run_until_idle();  // what the components have begun is finished in any case
+        player.run_until_idle();  // finishes what the components have begun
         screen.end_progress();
         throw;
     }
     player.run_until_idle();
     screen.end_progress();
     player.save();
-    player.run_until_idle();  // what was said of the saving
+    player.run_until_idle();  // shows messages about saving
     const int status = screen.exit_status();
     if (status == exit_done) screen.note_unused_answers();
     return status;
@@ -49,10 +49,10 @@ int run_reporting(const arguments& wanted, terminal& screen) {
     }
 }
 
-/// What the process returns after everything has been written, or could not be.
+/// The exit status, after all output is written or has failed.
 int final_status(int status, terminal& screen, standard_output& output) {
     output.flush();
-    // Whoever closed the other end of a pipe has read enough, and needs no message.
+    // A reader that closed its end of the pipe has read enough.
     if (output.error() != 0 && output.error() != EPIPE)
         screen.error(std::string("standard output could not be written: ") + std::strerror(output.error()) + ".");
     if (system::interrupted()) return exit_interrupted;

@@ -6,16 +6,16 @@
 
 namespace ostrevan::terminal {
 
-/// What the command line answers before anything is asked.
+/// Answers from the command line.
 struct prepared_answers {
-    /// Yes or no to every question, OK or Cancel in every dialog.
+    /// For every question, and OK or Cancel in every dialog.
     std::optional<bool> yes;
     std::optional<std::string> file;
-    /// Labels, or parts of them, to be changed in the first dialog that opens.
+    /// Labels, or parts of them, for the first dialog that opens.
     std::vector<std::string> check;
     std::vector<std::string> uncheck;
 
-    /// Whether any of them is for a dialog only.
+    /// Whether any answer is for dialogs only.
     [[nodiscard]] bool fill_dialogs() const noexcept { return file || !check.empty() || !uncheck.empty(); }
 };
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t block = 64 * 1024;
 
-/// The system's number of a failure; 0 when all has been written.
+/// Returns 0 or the system's error number.
 int write_all(std::string_view bytes) {
     while (!bytes.empty()) {
         const auto written = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
@@ -55,7 +55,7 @@ standard_output::int_type standard_output::overflow(int_type c) {
 std::streamsize standard_output::xsputn(const char* text, std::streamsize size) {
     const std::lock_guard lock(mutex_);
     waiting_.append(text, static_cast<std::size_t>(size));
-    // Whole lines, so that no character is cut in two.
+    // Whole lines, so that no character is split.
     if (is_terminal_) write_out(waiting_.find_last_of('\n') + 1);
     else if (waiting_.size() >= block) write_out(waiting_.size());
     return error_ == 0 ? size : 0;

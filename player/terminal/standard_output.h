@@ -7,28 +7,28 @@
 
 namespace ostrevan::terminal {
 
-/// What `std::cout` writes to. On a terminal text goes out line by line, made harmless; to a file or a pipe the bytes go as
-/// they are. The first failed write is remembered, and nothing more is written. [any-thread] but for construction and
+/// The buffer of `std::cout`. On a terminal, text is written line by line with control characters replaced; to a file or a
+/// pipe, bytes are unchanged. After the first failure nothing more is written. [any-thread] except construction and
 /// destruction.
 class standard_output final : private std::streambuf {
 public:
-    /// Takes the place of the buffer of `std::cout` while it lives.
+    /// Replaces the buffer of `std::cout` while it lives.
     standard_output();
     ~standard_output() override;
     standard_output(const standard_output&) = delete;
     standard_output& operator=(const standard_output&) = delete;
 
-    /// Called before anything is written, to clear what is drawn on the same terminal. Set before there are other threads.
+    /// `work` runs before each write, to clear drawings on the same terminal. Set it before other threads start.
     void before_writing(std::function<void()> work) { before_writing_ = std::move(work); }
     void flush() { sync(); }
-    /// The system's number of the first failure; 0 while there is none.
+    /// The system's error number of the first failure; 0 without one.
     [[nodiscard]] int error() const noexcept { return error_; }
 
 private:
     int sync() override;
     int_type overflow(int_type c) override;
     std::streamsize xsputn(const char* text, std::streamsize size) override;
-    /// Writes the first bytes of what is waiting.
+    /// Writes the first `size` bytes of the buffer.
     void write_out(std::size_t size);
 
     const bool is_terminal_;

@@ -4,7 +4,7 @@
 
 namespace ostrevan::terminal {
 
-/// "on" and "off", and what else is said for them. Throws `usage_error` for another word.
+/// Parses "on", "off" and their synonyms. Throws `usage_error` for other words.
 bool parse_switch(const std::string& word);
 
 const char* switch_word(bool is_on);

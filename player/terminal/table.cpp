@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* ellipsis = "…";
 constexpr std::size_t gap = 2;
-/// How far columns of text are shortened before and after the table becomes compact.
+/// Minimum width of shortened text columns, before and after the table becomes compact.
 constexpr std::size_t comfortable = 20;
 constexpr std::size_t narrowest = 8;
 
@@ -32,14 +32,14 @@ glyph glyph_at(const std::string& text, std::size_t position) {
     return {static_cast<std::size_t>(bytes), static_cast<std::size_t>(std::max(0, utf8proc_charwidth(code)))};
 }
 
-/// A row is one line, whatever stands in a tag.
+/// A row is one line, whatever a tag contains.
 std::string one_line(std::string cell) {
     std::ranges::replace_if(
         cell, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
     return shown_on_terminal(cell);
 }
 
-/// What stands before the first blank; of a time that is the day.
+/// The text before the first blank; of a time that is the day.
 std::string first_word(const std::string& cell) { return cell.substr(0, cell.find(' ')); }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 namespace ostrevan::terminal {
 
-/// A table in plain text: columns as wide as their widest cell, numbers at the right.
+/// A plain-text table: columns as wide as their widest cell, numbers right-aligned.
 class table {
 public:
     struct column {
@@ -16,17 +16,17 @@ public:
     };
 
     explicit table(std::vector<column> columns);
-    /// One cell a column.
+    /// One cell per column.
     void add_row(std::vector<std::string> cells);
-    /// `max_width`: columns of text are shortened with "…" until a line fits. Where that would leave too little of them, the
-    /// table becomes compact: headings break in two, and times show their day. 0: nothing is left out.
+    /// Shortens text columns with "…" until a line fits `max_width`. If too little of them would remain, the table becomes
+    /// compact: headings break in two, and times show only the day. A `max_width` of 0 is unlimited.
     [[nodiscard]] std::string text(std::size_t max_width);
 
 private:
     void measure();
     [[nodiscard]] std::array<std::string, 2> heading_of(std::size_t place) const;
     [[nodiscard]] std::string cell_of(const std::vector<std::string>& row, std::size_t place) const;
-    /// False when columns of text would have to be narrower.
+    /// Returns false when text columns would have to be narrower.
     bool fit(std::size_t max_width, std::size_t narrowest);
 
     std::vector<column> columns_;
@@ -35,10 +35,10 @@ private:
     std::vector<std::size_t> widths_;
 };
 
-/// Terminal columns that a UTF-8 text takes.
+/// Terminal columns of a UTF-8 text.
 std::size_t display_width(const std::string& text);
 
-/// As much of a text as fits a width, with "…" at its end when something is left out.
+/// The text, cut to a width with "…" at the end.
 std::string shortened(const std::string& text, std::size_t width);
 
 /// Width of the terminal at a descriptor; 0 when there is none.

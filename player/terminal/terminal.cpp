@@ -21,7 +21,7 @@ long long now_ms() {
         .count();
 }
 
-/// Nothing while the whole is not known.
+/// Empty while the total is unknown.
 std::string bar(std::size_t done, std::size_t total) {
     constexpr std::size_t width = 24;
     if (total == 0) return {};
@@ -29,7 +29,7 @@ std::string bar(std::size_t done, std::size_t total) {
     return "[" + std::string(filled, '#') + std::string(width - filled, '.') + "] ";
 }
 
-/// Whether escape codes mean something to the terminal at standard error.
+/// Whether standard error is a terminal that understands escape codes.
 bool can_redraw() {
     const char* const kind = std::getenv("TERM");
     return ::isatty(STDERR_FILENO) != 0 && kind != nullptr && *kind != '\0' && std::string_view(kind) != "dumb";
@@ -104,7 +104,7 @@ void terminal::show_progress(const std::string& what, std::size_t done, std::siz
     if (progress_shown_ && now - last_drawn_ms_ < redraw_ms && done != total) return;
     last_drawn_ms_ = now;
     const auto count = std::to_string(done) + (total == 0 ? "" : " of " + std::to_string(total));
-    // One row: of a line that is wrapped, only the last row could be erased.
+    // One row only: of a wrapped line, only the last row could be erased.
     const auto width = terminal_width(STDERR_FILENO);
     const auto line = shown_on_terminal(bar(done, total) + count + " " + what);
     std::fprintf(stderr, "\r\033[K%s", (width == 0 ? line : shortened(line, width - 1)).c_str());

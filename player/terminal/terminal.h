@@ -10,9 +10,9 @@
 
 namespace ostrevan::terminal {
 
-/// The front end on a terminal: lists go to standard output, as the results of the commands do, everything else to standard
-/// error. Questions are asked on the terminal; without one, the answers given on the command line hold, and a question that
-/// nobody answers counts as declined.
+/// The front end on a terminal: lists and results go to standard output, everything else to standard error. Questions are
+/// asked on the terminal; without one, the answers of the command line apply, and a question without an answer counts as
+/// declined.
 class terminal final : public view::front_end {
 public:
     terminal(bool quiet, prepared_answers answers, standard_output& output);
@@ -29,25 +29,25 @@ public:
     void beep() override;
     void note_failure() override { ++failures_; }
 
-    /// A line that is not a result: left out when quiet.
+    /// Prints a line that is not a result, unless quiet.
     void note(const std::string& line);
     void error(const std::string& line);
-    /// A note that names the file as well, when one was asked for. Left out when the work has failed, was declined or
+    /// A note, with the name of the file if one was asked for. Omitted when the work has failed, was declined or
     /// interrupted, or has shown a list.
     void note_done(const std::string& what);
-    /// Tells of answers on the command line that nothing has asked for.
+    /// Reports answers of the command line that were never used.
     void note_unused_answers();
 
-    /// What the process answers, as far as the user has been told.
+    /// The exit status that follows from what the user was told.
     [[nodiscard]] int exit_status() const noexcept;
 
 private:
     void write_line(const std::string& line);
     void clear_progress();
 
-    /// Whether somebody can be asked. False as well when all answers are given.
+    /// Whether the user can be asked; false also when all answers are given.
     [[nodiscard]] bool can_ask() const;
-    /// A line that the user types after a prompt; none when he interrupts or ends the input.
+    /// Reads a line after a prompt; empty on interruption or end of input.
     std::optional<std::string> read_line(const std::string& prompt);
     void decline(const char* way_out);
     void apply_labels(view::open_dialog& dialog);
@@ -69,7 +69,7 @@ private:
     std::optional<std::string> file_asked_for_;
     bool list_shown_ = false;
     bool file_used_ = false;
-    // While a dialog is open: what had failed and been declined before its OK was pressed, and declined before it opened.
+    // While a dialog is open: failures and refusals before its OK was pressed, and refusals before it opened.
     unsigned known_troubles_ = 0;
     unsigned declined_before_ = 0;
 };

@@ -1,4 +1,4 @@
-// How the terminal asks: questions, dialogs, names of files.
+// The questions of the terminal: messages, dialogs, file names.
 #include <poll.h>
 #include <unistd.h>
 
@@ -34,7 +34,7 @@ const buttons& buttons_of(unsigned style) {
     return button_table[0];
 }
 
-/// False when the user interrupts first. A signal that comes while a line is being read would go unnoticed.
+/// Returns false on interruption. A signal during a blocking read would go unnoticed.
 bool wait_for_input() {
     constexpr int look_again_ms = 100;
     pollfd input{STDIN_FILENO, POLLIN, 0};
@@ -51,14 +51,14 @@ std::optional<bool> meaning_of(const std::string& line) {
     return std::nullopt;
 }
 
-/// What a shell would have done to a path.
+/// Expands a path like a shell.
 std::string with_home(std::string path) {
     const char* const home = std::getenv("HOME");
     if (home != nullptr && path.starts_with("~/")) path.replace(0, 1, home);
     return path;
 }
 
-/// Also a dialog whose rules ignore Cancel must end.
+/// Ends even a dialog whose rules ignore Cancel.
 void cancel(view::open_dialog& dialog) {
     if (dialog.is_open()) dialog.press(dialog_cancel);
     dialog.close();
@@ -145,7 +145,7 @@ void terminal::ask_in_dialog(view::open_dialog& dialog) {
     const auto effect = apply_input(dialog, *line);
     if (effect == input_effect::none) write_line("\"" + *line + "\" is none of these.");
     if (effect == input_effect::cancel_pressed) ++declined_;
-    // What was declined on the way, such as the first name of a file, no longer counts.
+    // Earlier refusals, such as of the first file name, no longer count.
     if (effect == input_effect::ok_pressed && !dialog.is_open()) declined_ = declined_before_;
 }
 

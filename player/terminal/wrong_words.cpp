@@ -8,7 +8,7 @@
 namespace ostrevan::terminal {
 namespace {
 
-/// The program, the command, its command: as far as they were understood.
+/// The program and the commands, as far as understood.
 std::vector<const CLI::App*> chosen_commands(const CLI::App& app) {
     std::vector<const CLI::App*> chosen{&app};
     while (!chosen.back()->get_subcommands().empty()) chosen.push_back(chosen.back()->get_subcommands().front());
@@ -41,7 +41,7 @@ std::vector<std::string> commands_of(const CLI::App& app) {
     return names;
 }
 
-/// The commands, and then theirs, as `library rescan`.
+/// The commands and their subcommands, as `library rescan`.
 std::vector<std::string> near_commands_of(const CLI::App& app) {
     auto names = commands_of(app);
     for (const auto* command : subcommands_of(app))

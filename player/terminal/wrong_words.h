@@ -5,11 +5,11 @@
 
 namespace ostrevan::terminal {
 
-/// Names the first word that is no command or option of the program, and what was probably meant. Empty when there is none.
-/// `app` has read a command line.
+/// Describes the first word that is not a command or option, with a suggestion. Empty when there is none. `app` has parsed
+/// a command line.
 std::string describe_unknown_words(const CLI::App& app);
 
-/// A mistake of another kind, such as a missing value, with the way to the help.
+/// Describes another mistake, such as a missing value, and refers to the help.
 std::string describe_mistake(const CLI::App& app, const std::string& mistake);
 
 }  // namespace ostrevan::terminal
