@@ -12,7 +12,7 @@
 
 namespace nuv {
 
-/// A 128-bit identifier in its usual binary order: one 32-bit and two 16-bit fields, then eight bytes as they stand.
+/// A 128-bit identifier in its usual binary order: one 32-bit and two 16-bit fields, then eight bytes.
 struct guid {
     std::uint32_t data1 = 0;
     std::uint16_t data2 = 0;

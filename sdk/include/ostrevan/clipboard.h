@@ -8,8 +8,8 @@
 
 namespace ostrevan {
 
-/// The clipboard where the system has none of its own: one block of bytes under one named format. It outlives the process
-/// and is readable only by its user. [main-thread]
+/// The clipboard on systems without one of their own: one block of bytes in one named format. It outlives the process, and
+/// only its user can read it. [main-thread]
 class clipboard_service : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{11A59756-CFFD-46CD-881D-D2391B4EF0A1}");
@@ -17,7 +17,7 @@ public:
     [[nodiscard]] virtual bool has_format(const char* format) const = 0;
     /// False when the clipboard holds nothing in that format or cannot be read.
     virtual bool get(const char* format, std::vector<std::uint8_t>& bytes) const = 0;
-    /// Replaces whatever the clipboard held. Throws when it cannot be kept.
+    /// Replaces the contents of the clipboard. Throws when they cannot be kept.
     virtual void set(const char* format, std::span<const std::uint8_t> bytes) = 0;
 };
 

@@ -4,7 +4,7 @@
 
 namespace ostrevan {
 
-/// What a component says of itself. [main-thread]
+/// The component's description of itself. [main-thread]
 class component_version : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{05B5A42F-12EA-4B98-9AEE-370E142245CD}");
@@ -15,8 +15,8 @@ public:
     [[nodiscard]] virtual const char* about() const noexcept = 0;
     /// The name that the component's library file must have.
     [[nodiscard]] virtual const char* file_name() const noexcept = 0;
-    /// The installation check, once after loading: false when something is not as it must be. The component says in the
-    /// crash log what it found; the player tells the user.
+    /// The installation check, once after loading. False when the installation is wrong: the component writes the reason
+    /// into the crash log, and the player tells the user.
     virtual bool test_installation() = 0;
 };
 

@@ -22,11 +22,11 @@ enum context_menu_flags : unsigned {
 namespace context_caller {
 /// The player's front end, for a selection of tracks.
 inline constexpr nuv::guid selection = nuv::guid_of("{A89AAAA2-CDF5-4F20-B341-3BFC1880A594}");
-/// Nobody: the player enumerates commands, for keyboard shortcuts and menu customisation.
+/// No selection: the player enumerates commands for keyboard shortcuts and menu customisation.
 inline constexpr nuv::guid command_enumeration = nuv::guid_of("{FABEE3E9-8901-4DF4-A2D7-B9898D86C39B}");
 }  // namespace context_caller
 
-/// A menu entry that an item builds afresh each time its menu opens: a submenu with children or a command without. Lives as
+/// A menu entry that an item builds each time its menu opens: a submenu with children, or a command without any. Lives as
 /// long as the menu. [main-thread]
 class context_menu_node {
 public:
@@ -46,7 +46,7 @@ public:
     virtual void execute() {}
 };
 
-/// A group of commands for a selection of tracks. An index out of range is a bug check, but for `get_item_description`.
+/// A group of commands for a selection of tracks. An index out of range is a bug check, except for `get_item_description`.
 /// [main-thread]
 class context_menu_item : public service_base {
 public:
@@ -54,7 +54,7 @@ public:
 
     [[nodiscard]] virtual std::size_t get_item_count() const noexcept = 0;
     [[nodiscard]] virtual std::string get_item_name(std::size_t index) const = 0;
-    /// Under which the player keeps keyboard shortcuts and menu customisation.
+    /// The key of keyboard shortcuts and menu customisation.
     [[nodiscard]] virtual nuv::guid get_item_guid(std::size_t index) const = 0;
     /// The submenu the item is placed in, levels separated by "/".
     [[nodiscard]] virtual std::string get_item_default_path(std::size_t index) const = 0;
@@ -71,7 +71,7 @@ public:
 
     virtual void context_command(std::size_t index, metadb_handle_list_cref items, const nuv::guid& caller) = 0;
 
-    /// For an item that is a submenu of its own making: its root for this selection. Null for a plain command.
+    /// The root of the submenu that the item builds for this selection; null for a plain command.
     virtual std::unique_ptr<context_menu_node> make_node(std::size_t /*index*/, metadb_handle_list_cref /*items*/,
                                                          const nuv::guid& /*caller*/) {
         return nullptr;

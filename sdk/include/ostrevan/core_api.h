@@ -5,8 +5,7 @@
 #include "ostrevan/exceptions.h"
 #include "ostrevan/player_api.h"
 
-/// The component's view of the player that loaded it. Before the handshake every function behaves as with a player that has
-/// no service.
+/// The player that loaded this component. Before the handshake every function behaves as with a player without services.
 namespace ostrevan::core_api {
 
 /// [any-thread]
@@ -35,7 +34,7 @@ void set_library_path(std::string path);
 
 namespace ostrevan {
 
-/// A promise was broken in code: ends the process with the text in the crash log. [any-thread]
+/// Ends the process with the text in the crash log, because code broke a promise of an interface. [any-thread]
 [[noreturn]] void uBugCheck(const char* text = "Bug check") noexcept;
 
 /// The first service registered under `T::class_guid`, or empty. [any-thread]

@@ -10,7 +10,7 @@ namespace ostrevan {
 /// component to fill, the player's front end draws the table.
 enum class dialog_control_kind {
     separator,     ///< a line with a heading
-    radio_button,  ///< those that follow one another are one group, of which one is checked
+    radio_button,  ///< consecutive ones form a group; one of the group is checked
     check_box,
     button,
 };
@@ -21,7 +21,7 @@ struct dialog_control {
     const char* text;
 };
 
-/// Everything that is drawn. The tables live until the process ends.
+/// The whole look of a dialog. The tables live until the process ends.
 struct dialog_layout {
     const char* title;
     const char* font;
@@ -29,7 +29,7 @@ struct dialog_layout {
     std::span<const dialog_control> controls;
 };
 
-/// Numbers of the buttons that every dialog has; return and escape press them.
+/// Numbers of the two buttons that every dialog has; the return and escape keys press them.
 inline constexpr int dialog_ok = 1;
 inline constexpr int dialog_cancel = 2;
 
@@ -74,7 +74,7 @@ class registered_dialog {
 public:
     virtual void bring_forward() = 0;
     /// The window in the system's terms (an `HWND`), null where there is none. On Windows the player's message loop offers
-    /// each message to the dialogs that have one, with `IsDialogMessageW`, for otherwise no key works in them.
+    /// each message to the dialogs that have one, with `IsDialogMessageW`; without that no key works in them.
     [[nodiscard]] virtual void* native() const noexcept { return nullptr; }
 
 protected:
@@ -89,7 +89,7 @@ public:
     [[nodiscard]] virtual bool can_create_new() const noexcept = 0;
     /// Does nothing when none is open.
     virtual void poke_existing() = 0;
-    /// For whoever draws a dialog: it must be forgotten before it is destroyed.
+    /// Called by the code that draws a dialog. A dialog must be forgotten before it is destroyed.
     virtual void add(registered_dialog& dialog) = 0;
     virtual void forget(registered_dialog& dialog) noexcept = 0;
 };

@@ -23,7 +23,7 @@ public:
     exception_service_extension_not_found() noexcept : exception_service_not_found("Service extension not found") {}
 };
 
-/// The user has asked for long work to stop.
+/// The user asked to stop the work.
 class exception_aborted : public nuv::fixed_exception {
 public:
     exception_aborted() noexcept : fixed_exception("Interrupted") {}
@@ -54,7 +54,7 @@ public:
     [[nodiscard]] const char* what() const noexcept override { return "Unexpected end of file"; }
 };
 
-/// What the file system answered, with the file and the reason in the text.
+/// An error of the file system, with the file and the reason in the text.
 class exception_io_system : public exception_io {
 public:
     explicit exception_io_system(std::string text) : text_(std::move(text)) {}
@@ -64,7 +64,7 @@ private:
     std::string text_;
 };
 
-/// Nobody handles the protocol of a path.
+/// No file system handles the protocol of a path.
 class exception_io_no_handler_for_path : public exception_io_system {
 public:
     using exception_io_system::exception_io_system;
@@ -82,7 +82,7 @@ class exception_io_denied : public exception_io_system {
 public:
     using exception_io_system::exception_io_system;
 };
-/// Another program has the file open and lets nobody else.
+/// Another program has the file open and shares it with no one.
 class exception_io_sharing_violation : public exception_io_system {
 public:
     using exception_io_system::exception_io_system;

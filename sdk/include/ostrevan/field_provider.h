@@ -16,7 +16,7 @@ class titleformat_text_out {
 public:
     static constexpr std::size_t whole_text = std::numeric_limits<std::size_t>::max();
 
-    /// UTF-8 text; `kind` says what sort of text it is, `whole_text` that it runs to its terminating zero.
+    /// UTF-8 text. `kind` names the sort of text; `whole_text` means up to the terminating zero.
     virtual void write(const nuv::guid& kind, const char* text, std::size_t length = whole_text) = 0;
 
     void write_int(const nuv::guid& kind, std::uint64_t number) {
@@ -37,18 +37,18 @@ public:
     [[nodiscard]] virtual std::size_t get_field_count() const noexcept = 0;
     /// Name without percent signs, lower case. An index out of range is a bug check.
     [[nodiscard]] virtual const char* get_field_name(std::size_t index) const = 0;
-    /// Writes the field's text and answers whether it was found: a section in square brackets is dropped when none of its
-    /// fields was. `track` may be null. An index out of range is a bug check.
+    /// Writes the field's text. False when the track has no such value: a section in square brackets is dropped when all its
+    /// fields returned false. `track` may be null. An index out of range is a bug check.
     virtual bool process_field(std::size_t index, metadb_handle* track, titleformat_text_out& out) = 0;
 };
 
-/// Extension of a field provider, found by `service_query`: numbers to sort by where the texts would mislead, as local times
-/// do in the hour that comes twice when the clocks go back. [any-thread]
+/// Extension of a field provider, found by `service_query`: numbers to sort by where the texts sort wrongly, as local times
+/// do in the hour that occurs twice when the clocks go back. [any-thread]
 class field_sort_values : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{6E4B9D0C-1F5E-4B43-A4C7-52B0E6C1D7F8}");
 
-    /// 0 when the track has no value; none for a field that is sorted by its text.
+    /// 0 when the track has no value; none for a field to sort by its text.
     [[nodiscard]] virtual std::optional<std::uint64_t> sort_value(std::size_t index, metadb_handle& track) = 0;
 };
 

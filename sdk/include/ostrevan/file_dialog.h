@@ -19,10 +19,10 @@ public:
         /// Appended to a name for saving that has no extension.
         const char* default_extension = "";
         const char* title = "";
-        /// For writing: a file that exists is only answered when the user agrees to replace it.
+        /// For writing: the user is asked before an existing file is returned.
         bool save = false;
     };
-    /// Waits for the answer; none when the user cancels.
+    /// Returns the path that the user chose; none when the user cancels.
     virtual std::optional<std::string> ask(const query_t& query) = 0;
 };
 

@@ -12,47 +12,51 @@ namespace ostrevan {
 /// The key function of an index. The player calls it for every track that it indexes. [any-thread]
 class index_client : public service_base {
 public:
-    /// Best a digest: keys that are spread over all 64 bits are kept fastest.
+    /// Use a digest: the index is fastest with keys spread over all 64 bits.
     [[nodiscard]] virtual std::uint64_t key_of(const file_info& info, const playable_location& location) = 0;
 };
 using index_client_ptr = service_ptr_t<index_client>;
 
-/// The track-information index: blobs that the player keeps for components under 64-bit keys, apart from the tracks
-/// themselves. [any-thread] unless said otherwise.
+/// The track-information index: blobs under 64-bit keys that the player keeps for components, independent of the tracks.
+/// [any-thread] unless a method says otherwise.
 class index_manager : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{B9633863-2683-4163-A58D-26475DB0E79B}");
 
-    /// Registers an index. `retention` is how long at least the blobs of tracks that have left the library are kept, in 100
-    /// ns. Throws when the index cannot be opened. [main-thread]
+    /// Registers an index. The blobs of tracks that have left the library are kept at least for `retention`, in units of 100
+    /// ns. Throws when the index cannot be opened or belongs to another component. [main-thread]
     virtual void register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) = 0;
-    /// Forgets a registration, whether it was complete or not; the blobs stay. [main-thread]
+    /// Undoes a registration, also one that failed; the blobs stay. [main-thread]
     virtual void remove_index(const nuv::guid& index) = 0;
 
     /// Copies at most `capacity` bytes of the blob and returns its whole size; 0 when there is none. Never waits for a
     /// writer.
     virtual std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const = 0;
-    /// A transaction of one blob; an empty one removes what is there. The index need not be registered.
+    /// A transaction of one blob; an empty blob removes the record. The index need not be registered. Throws
+    /// `std::invalid_argument` for a blob of more than 65,536 bytes, and `std::logic_error` while this thread has a
+    /// transaction open.
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
     /// Every key that has a blob, in ascending order.
     [[nodiscard]] virtual std::vector<std::uint64_t> keys(const nuv::guid& index) const = 0;
-    /// The lowest keys from `first` on that have a blob, at most so many, in ascending order: for going through an index of
-    /// any size in portions.
+    /// The lowest keys from `first` on that have a blob, `at_most` of them, in ascending order: for walking through a large
+    /// index in portions.
     [[nodiscard]] virtual std::vector<std::uint64_t> keys_from(const nuv::guid& index, std::uint64_t first,
                                                                std::size_t at_most) const = 0;
-    /// Returns when everything committed before the call is on disk; throws when that cannot be had.
+    /// Returns once everything committed before the call is on disk; throws when it cannot be written.
     virtual void save_now(const nuv::guid& index) = 0;
-    /// Redraws everything that shows one of these keys. [main-thread]
+    /// Redraws every view of these keys. [main-thread]
     virtual void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) = 0;
 };
 
-/// Writes that take effect together or not at all. While a transaction is open it excludes all other writers; released
-/// without `commit` it has no effect. It belongs to the thread that began it.
+/// Writes that take effect together or not at all. An open transaction excludes all other writers. Released without
+/// `commit` it has no effect. Only the thread that began it may use and release it.
 class index_transaction : public service_base {
 public:
-    /// As `index_manager::write`, but seen by reads after `commit`.
+    /// As `index_manager::write`, but reads see it only after `commit`, those of this thread too. Not after
+    /// `commit`.
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
-    /// Makes the writes visible and hands them to the disk; `index_manager::save_now` waits for that. At most once.
+    /// Makes the writes visible and starts writing them to disk; `index_manager::save_now` waits for that. A second call is
+    /// a bug check.
     virtual void commit() = 0;
 };
 using index_transaction_ptr = service_ptr_t<index_transaction>;
@@ -66,14 +70,14 @@ public:
     virtual index_transaction_ptr begin() = 0;
 };
 
-/// Extension of the index manager, found by `service_query`: copies of everything that is stored.
+/// Extension of the index manager, found by `service_query`: backups.
 class index_manager_backup : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{F7C1B7E2-5E1B-4E7C-9C43-7B7F0A4D2E68}");
 
-    /// Puts a dated copy of all indexes aside, before a change that nobody could take back, and beside it a copy of a file
-    /// (null for none). `reason` becomes part of the names: "legacy-import". Throws when the copies cannot be made; there
-    /// are none then. [main-thread]
+    /// Makes a dated copy of all indexes before a change that cannot be undone, and next to it a copy of the file `beside`
+    /// (null for none). `reason` becomes part of the names: "legacy-import". Throws when the copies cannot be made, and
+    /// leaves none. [main-thread]
     virtual void back_up(const char* reason, const char* beside) = 0;
 };
 

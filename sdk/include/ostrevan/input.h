@@ -4,7 +4,7 @@
 
 namespace ostrevan {
 
-/// What a decoder says of one file. Used by one thread at a time.
+/// The information that a decoder reads from one file. Used by one thread at a time.
 class input_info_reader : public service_base {
 public:
     /// Throws when the file has no such subsong or cannot be read.
@@ -20,7 +20,7 @@ public:
     /// Throws when the file cannot be opened.
     [[nodiscard]] virtual service_ptr_t<input_info_reader> open_for_info_read(const char* path) = 0;
 
-    /// By whichever decoder handles the path. Throws `ostrevan_io::exception_io_data` when none does.
+    /// Opens the file with the decoder that handles the path. Throws `ostrevan_io::exception_io_data` when none does.
     static service_ptr_t<input_info_reader> g_open_for_info_read(const char* path);
 };
 

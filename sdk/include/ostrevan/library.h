@@ -14,7 +14,7 @@ public:
     virtual void get_all_items(metadb_handle_list& out) const = 0;
 };
 
-/// Told of changes to the library's contents. [main-thread]
+/// Called when the contents of the library change. [main-thread]
 class library_callback : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{E4134152-8536-453B-963A-61E6FEF6E516}");

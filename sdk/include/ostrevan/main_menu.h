@@ -23,13 +23,13 @@ public:
     };
 
     [[nodiscard]] virtual std::size_t get_command_count() const noexcept = 0;
-    /// Under which the player keeps keyboard shortcuts and menu customisation.
+    /// The key of keyboard shortcuts and menu customisation.
     [[nodiscard]] virtual nuv::guid get_command(std::size_t index) const = 0;
     [[nodiscard]] virtual std::string get_name(std::size_t index) const = 0;
     /// Status-bar help; false when there is none.
     virtual bool get_description(std::size_t index, std::string& out) const = 0;
-    /// The menu that the group belongs into. The player puts a group with a parent that it does not know into its "Library"
-    /// menu, in a submenu named like the component.
+    /// The menu that the group belongs to. A group with a parent unknown to the player goes into its "Library" menu, in a
+    /// submenu named after the component.
     [[nodiscard]] virtual nuv::guid get_parent() const noexcept = 0;
 
     /// Display state now: false when hidden. The default is the command's name without flags.

@@ -7,7 +7,7 @@
 
 namespace ostrevan {
 
-/// What the player offers before any service is known.
+/// The player, before any of its services is known.
 class player_api {
 public:
     /// Number of services registered under a class identifier, and one of them; null past the end. The reference belongs to
@@ -17,7 +17,7 @@ public:
 
     /// [any-thread]
     virtual bool is_main_thread() const noexcept = 0;
-    /// True from the moment the player has begun to end. [any-thread]
+    /// True once the player has begun to end. [any-thread]
     virtual bool is_shutting_down() const noexcept = 0;
     /// True when the player was started without a front end that can show or ask anything. [any-thread]
     virtual bool is_quiet_mode() const noexcept = 0;
@@ -27,7 +27,7 @@ public:
     /// The window that owns dialogs, or null without one. [main-thread]
     virtual void* main_window() const noexcept = 0;
 
-    /// Ends the process after writing the text into the crash log: a promise was broken in code. [any-thread]
+    /// Ends the process after writing the text into the crash log, because code broke a promise. [any-thread]
     [[noreturn]] virtual void bug_check(const char* text) noexcept = 0;
 
 protected:

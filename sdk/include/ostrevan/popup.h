@@ -39,8 +39,8 @@ public:
         std::string text;
         std::string title;
         unsigned style = style_ok;
-        /// Called once with the answer on the main thread, after `messageBoxAsync` has returned; dropped uncalled when the
-        /// player ends first. May be empty.
+        /// Called once on the main thread, after `messageBoxAsync` has returned; never called when the player ends before
+        /// the answer. May be empty.
         std::function<void(unsigned answer)> reply;
     };
     virtual void messageBoxAsync(query_t query) = 0;

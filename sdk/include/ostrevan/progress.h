@@ -7,10 +7,10 @@
 
 namespace ostrevan {
 
-/// Shows how far long work on the main thread has come, until it is released. [main-thread]
+/// Shows the progress of long work on the main thread, until it is released. [main-thread]
 class progress_display : public service_base {
 public:
-    /// `total` 0: the whole is not known yet. Cheap to call often.
+    /// `total` 0: not known yet. Cheap to call often.
     virtual void set(std::size_t done, std::size_t total) = 0;
     /// Whether the user wants the work to stop.
     [[nodiscard]] virtual bool is_aborting() const noexcept = 0;
@@ -21,20 +21,20 @@ class progress_service : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{47B2E6A1-8D0C-4B7F-9C5E-1E2D3F4A5B60}");
 
-    /// `what` is counted: "records exported". [main-thread]
+    /// `what` names the things counted: "records exported". [main-thread]
     [[nodiscard]] virtual progress_display_ptr start(const char* what) = 0;
 };
 
-/// Progress of work that may run where nobody shows any. Throws `exception_aborted` when the user wants the work to stop.
-/// [main-thread]
+/// Progress that also works in a player without a display for it. Throws `exception_aborted` when the user wants the work to
+/// stop. [main-thread]
 class progress_scope {
 public:
     explicit progress_scope(const char* what);
-    /// Looks at the player only once in some hundred calls.
+    /// Looks at the player in one of 256 calls.
     void step(std::size_t done, std::size_t total) {
         if (++calls_ % calls_between_looks == 0) look(done, total);
     }
-    /// Looks at the player now, for work that itself comes here seldom.
+    /// Looks at the player now, for work with few and long steps.
     void look(std::size_t done, std::size_t total);
 
 private:

@@ -29,7 +29,8 @@ private:
 };
 
 /// Makes the one object of a service and registers it: a static object at namespace scope. `Implementation` derives from
-/// `Interface`, under whose `class_guid` it is found; that need not be said where there is but one.
+/// `Interface`, under whose `class_guid` it is found; the second argument may be left out when the first inherits the right
+/// one.
 template <typename Implementation, typename Interface = Implementation>
 class service_factory_single_t {
 public:

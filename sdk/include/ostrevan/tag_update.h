@@ -4,7 +4,7 @@
 
 namespace ostrevan {
 
-/// Told once when asynchronous work is done. [main-thread]
+/// Called once when asynchronous work is done. [main-thread]
 class completion_notify : public service_base {
 public:
     static constexpr unsigned status_success = 0;
@@ -18,19 +18,19 @@ using completion_notify_ptr = service_ptr_t<completion_notify>;
 /// Edits the tags of one file.
 class file_info_filter : public service_base {
 public:
-    /// `info` holds what the file says now; edit it in place and answer whether it changed. A file for which the answer is
-    /// no is not written. Called once a track, from one thread at a time. [worker]
+    /// `info` holds the tags that are in the file. Edit it in place and return whether it changed; only then is the file
+    /// written. Called once for each track, on one thread at a time. [worker]
     virtual bool apply_filter(const metadb_handle_ptr& track, file_info& info) = 0;
 };
 
-/// Rewrites file tags: asynchronous, one progress display for the whole batch, a file that fails is reported and the rest go
-/// on. [main-thread]
+/// Rewrites file tags asynchronously, with one progress display for the batch. A file that fails is reported and the others
+/// are still written. [main-thread]
 class tag_update_service : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{DFE57C9C-B917-4EA9-A9B8-59971E30C26B}");
 
-    /// Option bits. `option_silent | option_background` (5): no progress display, errors to the console only, and whatever
-    /// the user does goes first.
+    /// Option bits. `option_silent | option_background` (5): no progress display, errors to the console only, and
+    /// requests of the user take precedence.
     static constexpr unsigned option_silent = 1;
     static constexpr unsigned option_background = 4;
 
@@ -44,11 +44,11 @@ class info_reload_service : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{F1F90C21-4259-4C9E-9E95-59EE95368AA8}");
 
-    /// Whose information is read: none that is known already, that of files that have changed, or all.
+    /// Which tracks are read: those without information, those whose files have changed, or all.
     static constexpr unsigned mode_unknown_only = 0;
     static constexpr unsigned mode_if_changed = 1;
     static constexpr unsigned mode_force = 2;
-    /// No progress display for what is done at once.
+    /// No progress display for work that takes only a moment.
     static constexpr unsigned option_delayed_progress = 4;
 
     /// Copies the list and returns at once. Success means that every track could be read.

@@ -7,7 +7,7 @@
 
 namespace ostrevan {
 
-/// The player's text helpers, behind the functions below. [any-thread]
+/// The service that the functions below use. [any-thread]
 class text_helper_service : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{409FE609-66B4-47AB-BD50-443DBD76D442}");
@@ -19,10 +19,10 @@ public:
     static constexpr std::uint32_t lower_table_size = 0x3000;
 };
 
-/// The player's lower-casing, for code points outside ASCII. Gives the code point back before the handshake.
+/// The player's lower-casing for code points outside ASCII. Returns the code point itself before the handshake.
 std::uint32_t lower_beyond_ascii(std::uint32_t code_point) noexcept;
 
-/// Lower-cases one character by the player's table; ASCII is answered here. [any-thread]
+/// Lower-cases one character by the player's table, ASCII without asking the player. [any-thread]
 inline std::uint32_t uCharLower(std::uint32_t code_point) noexcept {
     if (code_point < 0x80) return code_point - 'A' < 26U ? code_point + ('a' - 'A') : code_point;
     return lower_beyond_ascii(code_point);

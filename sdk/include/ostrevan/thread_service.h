@@ -7,7 +7,7 @@ namespace ostrevan {
 /// Work for a thread of its own.
 class thread_task : public service_base {
 public:
-    /// [worker] What it throws is written to the console and dropped.
+    /// [worker] An exception that leaves it is written to the console and dropped.
     virtual void run() = 0;
 };
 

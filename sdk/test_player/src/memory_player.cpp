@@ -47,7 +47,7 @@ void memory_player::start() {
     std::vector<ostrevan::initialisation_stage*> stages;
     ostrevan::for_each_service<ostrevan::initialisation_stage>([&](auto& stage) { stages.push_back(&stage); });
     std::ranges::stable_sort(stages, {}, &ostrevan::initialisation_stage::stage);
-    const auto late = std::ranges::find_if(stages, [](auto* stage) { return stage->stage() >= 40; });
+    const auto late = std::ranges::find_if(stages, [](auto* stage) { return stage->stage() > 30; });
     std::for_each(stages.begin(), late, [](auto* stage) { stage->on_stage(); });
     ostrevan::for_each_service<ostrevan::startup_notification>([](auto& notification) { notification.on_startup(); });
     std::for_each(late, stages.end(), [](auto* stage) { stage->on_stage(); });
