@@ -5,7 +5,7 @@
 
 namespace fuzz {
 
-/// Ends the run with a finding when `holds` is false; `promise` is what should have held.
+/// Ends the run with a finding, named `promise`, unless `holds`.
 inline void check(bool holds, const char* promise) {
     if (holds) return;
     std::fprintf(stderr, "ERROR: does not hold: %s\n", promise);

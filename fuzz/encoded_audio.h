@@ -9,7 +9,7 @@ extern "C" {
 
 namespace fuzz {
 
-/// What lies between the tags in front and at the end, of the formats that have nothing else around their sound.
+/// The bytes between the tags at the start and the end, for formats with nothing else around the sound.
 inline std::string_view without_outer_tags(std::string_view file) {
     const auto size_at = [&](std::size_t at, unsigned bits, bool big) {
         std::size_t number = 0;
@@ -30,7 +30,7 @@ inline std::string_view without_outer_tags(std::string_view file) {
     return file;
 }
 
-/// The packets of all streams of sound as an independent demuxer finds them; empty when it finds none.
+/// The packets of all sound streams, as found by an independent demuxer; empty when it finds none.
 inline std::string packets_of(const std::string& path) {
     av_log_set_level(AV_LOG_QUIET);
     std::string found;

@@ -20,7 +20,7 @@ support::memory_player& started_player() {
 
 }  // namespace
 
-/// Pastes onto three tracks, and agrees to whatever the player asks.
+/// Pastes onto three tracks and confirms every question.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     auto& player = started_player();
     static const auto tracks = support::make_tracks(3);

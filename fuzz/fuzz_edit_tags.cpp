@@ -16,11 +16,11 @@ using ostrevan::file_info;
 
 struct field {
     std::string name;
-    /// None removes it.
+    /// Empty removes the field.
     std::vector<std::string> values;
 };
 
-/// Each is one edit. Small and large, new and common fields, several values, numbers kept in pairs.
+/// One edit each: small and large, new and common fields, several values, paired numbers.
 const std::vector<field> edits[] = {
     {{"play_count", {"17"}}, {"last_played_timestamp", {"133700000000000000"}}},
     {{"title", {"Ein neuer Titel – ほ"}}, {"play_count", {}}},

@@ -16,10 +16,10 @@ namespace {
 using quorvel::PCDB;
 using quorvel::t_playback_stats;
 
-/// What every record of the library holds before an import; the values tell the fields apart.
+/// Every record before an import; distinct values tell the fields apart.
 constexpr t_playback_stats before{.play_count = 1, .first_played = 2, .last_played = 3, .added = 4, .rating = 5};
 
-/// A player with a small library, some of whose files the player has not read.
+/// A player with a small library; some of its files have not been read.
 class desk {
 public:
     desk() {

@@ -39,7 +39,7 @@ support::memory_player& started_player() {
 
 }  // namespace
 
-/// Shows and exports whatever bytes the index holds for a track.
+/// Shows and exports any bytes that the index holds for a track.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     auto& player = started_player();
     static const auto tracks = support::make_tracks(1);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int deepest = 30;
 
-/// Reads every level below its own and checks what it is given on the way.
+/// Reads every level below its own and checks the arguments of each call.
 class level : public Vek::xmlParser {
 public:
     level(std::string_view text, const Vek::xmlContext& context, int depth)

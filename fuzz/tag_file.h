@@ -23,8 +23,8 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t*, std::size_t, std::size_t)
 
 namespace fuzz {
 
-/// A folder with nothing but the audio file of an input. Its name lets the bytes decide over the container, and makes MPEG
-/// audio of what they do not tell.
+/// A folder with only the audio file of an input. Its name leaves the container to the content, and makes MPEG audio of
+/// unknown content.
 class tag_file {
 public:
     tag_file() {
@@ -89,7 +89,7 @@ private:
     std::int64_t start_ = 0;
 };
 
-/// Half of the changes go to the first and the last kilobytes, where the tags are.
+/// Makes half of the changes in the first and the last kilobytes, where the tags are.
 inline std::size_t mutate_tags(std::uint8_t* data, std::size_t size, std::size_t most, unsigned seed) {
     constexpr std::size_t part = 3000;
     if (size <= part || seed % 4 >= 2) return LLVMFuzzerMutate(data, size, most);

@@ -10,7 +10,7 @@
 
 namespace ostrevan::app {
 
-/// Receives what a component failed at; the others go on.
+/// Receives a failure of a component; the others go on.
 using component_failure = std::function<void(const std::string& message)>;
 
 /// Adds the services and fields of components to the player's.

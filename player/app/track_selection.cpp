@@ -22,7 +22,7 @@ auto items_of_file(const std::vector<library::track_ptr>& items, const std::stri
         items, path, {}, [](const library::track_ptr& track) -> const std::string& { return track->location().path; });
 }
 
-/// Receives what is left out.
+/// Receives a message for everything left out.
 using problem_sink = std::function<void(const std::string& message)>;
 
 void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,

@@ -12,7 +12,7 @@ namespace ostrevan::library {
 /// the file cannot be read.
 std::vector<track_ptr> tracks_on_disk(track_table& tracks, const std::string& path);
 
-/// What a folder of the disk holds.
+/// The content of a folder on the disk.
 struct folder_on_disk {
     std::vector<track_ptr> tracks;
     std::vector<file_problem> problems;

@@ -11,7 +11,7 @@
 
 namespace ostrevan::services {
 
-/// The player's side of the handshake: what components see before they know any service.
+/// The player's side of the handshake, all that components see before they know any service.
 class player_api_impl final : public player_api {
 public:
     player_api_impl(core::main_loop& loop, core::service_registry& services, crash_log_service_impl& crash_log,
