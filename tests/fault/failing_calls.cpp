@@ -2,10 +2,10 @@
 // the clock. The harness talks to it through a small file that both map, so that it can look and change while the player
 // runs.
 //
-//   FAULT_FOLDER    the folder, absolute and without links; what lies elsewhere is left alone
+//   FAULT_FOLDER    the folder, absolute and without links; other files are not affected
 //   FAULT_CONTROL   the file: a `control` as below, made by the harness
 //
-// Everything goes straight to the kernel: no allocation, no lock, nothing that the player could be holding.
+// Everything is a bare system call: no allocation and no lock that the player could be holding.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
@@ -65,7 +65,7 @@ bool is_below(const char* path) {
            (path[folder_size] == '/' || path[folder_size] == '\0');
 }
 
-/// Counts one call, and answers the errno with which it fails; 0 when it may go on.
+/// Counts one call and returns the errno to fail with, or 0.
 int next_call(const char* name, const char* path) {
     const auto number = shared->calls.fetch_add(1) + 1;
     const auto chosen = shared->chosen.load();
@@ -75,7 +75,7 @@ int next_call(const char* name, const char* path) {
     return static_cast<int>(shared->error.load());
 }
 
-/// Does what was asked unless it is to fail.
+/// Makes the call unless it is to fail.
 template <typename Call>
 auto unless_failing(const char* name, const char* path, Call call) -> decltype(call()) {
     const int error = is_below(path) ? next_call(name, path) : 0;
@@ -121,7 +121,7 @@ timespec now() {
 }  // namespace
 
 #define SAME_AS(name) __attribute__((alias(name)))
-// The kernel passes over the mode where none is needed.
+// The kernel ignores the mode where none is needed.
 #define OPEN_MODE(last)                     \
     va_list rest;                           \
     va_start(rest, last);                   \
@@ -140,7 +140,7 @@ int openat(int at, const char* path, int flags, ...) {
     return open_at("openat", at, path, flags, mode);
 }
 int openat64(int at, const char* path, int flags, ...) SAME_AS("openat");
-// What fortified builds call when there is no mode.
+// Fortified builds call these when there is no mode.
 int __open_2(const char* path, int flags) { return open_at("open", AT_FDCWD, path, flags, 0); }
 int __open64_2(const char* path, int flags) SAME_AS("__open_2");
 int mkstemp(char* path) {

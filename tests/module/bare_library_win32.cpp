@@ -1,5 +1,5 @@
-// What the compiler's runtime needs in a library of its own, and keeps when that is unloaded: room for exceptions when
-// memory is short, and what belongs to the thread that loaded it.
+// The part of the compiler's runtime that a library needs, and that stays when it is unloaded: memory reserved for
+// exceptions, and data of the thread that loaded it.
 #include <mutex>
 #include <stdexcept>
 #include <thread>

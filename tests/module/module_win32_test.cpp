@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A library file in this process, until this is destroyed.
+/// A loaded library file, unloaded with the object.
 class loaded_library {
 public:
     explicit loaded_library(const fs::path& path) : handle_(LoadLibraryW(path.c_str())) {
@@ -35,14 +35,14 @@ private:
     HMODULE handle_;
 };
 
-/// Services in memory, and the component loaded from its file as a player does it.
+/// Services in memory, and the component loaded from its file as by a player.
 struct tiny_player {
     tiny_player(const fs::path& path, const std::string& utf8_path)
         : library(std::make_unique<loaded_library>(path)),
           player(std::make_unique<support::memory_player>(
               library->address_of<ostrevan::get_interface_function>(ostrevan::entry_name), utf8_path.c_str())) {}
     support::memory_player* operator->() const noexcept { return player.get(); }
-    /// Whether the command of the context menu could be chosen. The order of the groups is the linker's.
+    /// Whether the command of the context menu can be chosen. The linker decides the order of the groups.
     bool run_context(const std::string& name, const ostrevan::metadb_handle_list& tracks) const {
         for (std::size_t which = 0;; ++which) {
             auto& group = player->component_service<ostrevan::context_menu_item>(which);
@@ -57,7 +57,7 @@ struct tiny_player {
     }
 
     std::unique_ptr<loaded_library> library;
-    std::unique_ptr<support::memory_player> player;  // what it holds is made of the library's code
+    std::unique_ptr<support::memory_player> player;  // holds objects with the library's code
 };
 
 std::string utf8(const fs::path& path) {
@@ -65,7 +65,7 @@ std::string utf8(const fs::path& path) {
     return {text.begin(), text.end()};
 }
 
-/// A copy of the library under a path of our choice, which goes when this does.
+/// A copy of the library at a given path, removed with the object.
 class copied_library {
 public:
     explicit copied_library(const fs::path& name) : folder_(fs::temp_directory_path() / u8"quorvel tests \u00e9\u97f3") {
@@ -82,7 +82,7 @@ private:
     fs::path path_;
 };
 
-/// Bytes in use on all heaps; that of the C library is one of its own.
+/// Bytes in use on all heaps; the C library has its own.
 std::size_t heap_in_use() {
     std::array<HANDLE, 64> heaps{};
     const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
@@ -107,7 +107,7 @@ DWORD handles_in_use() {
 constexpr const char* copy = "Copy statistics";
 constexpr const char* paste = "Paste statistics";
 
-/// Loads the component, lets it work with everything it has, and unloads it.
+/// Loads the component, uses all of it, and unloads it.
 void one_life(const copied_library& library) {
     const tiny_player player = library.load();
     const auto tracks = support::make_tracks(3);
@@ -140,7 +140,7 @@ TEST(module, says_that_its_file_was_renamed) {
               std::vector<std::string>{"Component rename detected: quorvel.dll >> Qu\xC3\xB6rvel copy.dll"});
 }
 
-/// What a number of lives leaves on the heaps, after some that fill the caches of the system and of this program.
+/// Heap growth of a number of runs, after some that fill the caches of the system and of this program.
 std::size_t left_by(const std::function<void()>& life) {
     for (int i = 0; i < 3; ++i) life();
     const auto before = heap_in_use();
@@ -161,13 +161,13 @@ TEST(module, leaves_no_more_behind_than_a_library_that_does_nothing) {
     EXPECT_EQ(GetModuleHandleW(L"quorvel.dll"), nullptr);
 }
 
-/// The one that the component drew for this owner, or null.
+/// The dialog drawn by the component for this owner, or null.
 HWND dialog_of(HWND owner) {
     const HWND front = GetLastActivePopup(owner);
     return front == owner ? nullptr : front;
 }
 
-/// A player that ends, and one that takes the component away in the middle of its life.
+/// One player that ends, and one that unloads the component while it runs.
 TEST(module, takes_its_open_dialog_along) {
     const HWND owner = CreateWindowW(L"Static", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 20, 20, 900, 700, nullptr, nullptr,
                                      nullptr, nullptr);
@@ -191,7 +191,7 @@ TEST(module, takes_its_open_dialog_along) {
     DestroyWindow(owner);
 }
 
-/// What was copied outlives the component that copied it, and its library.
+/// Copied statistics outlive the component and its library.
 TEST(module, leaves_what_it_has_copied_on_the_clipboard) {
     const copied_library library("quorvel.dll");
     {

@@ -9,12 +9,12 @@
 
 namespace ostrevan {
 
-/// What this thread has brought to the disk, by the names of that moment: nothing else shows what a power failure leaves.
+/// The files synced by this thread, by their names at that moment: only this shows what a power failure leaves.
 inline thread_local std::vector<std::string> synced;
 
 }  // namespace ostrevan
 
-/// Takes the place of the C library's function in the test program.
+/// Replaces the C library's function in the test program.
 extern "C" __attribute__((used)) inline int fsync(int file) {
     char name[PATH_MAX];
     const auto size = ::readlink(("/proc/self/fd/" + std::to_string(file)).c_str(), name, sizeof name);

@@ -13,7 +13,7 @@
 
 namespace ostrevan {
 
-/// What a call says that it failed with.
+/// The message of a failed call.
 template <class Call>
 std::string failure_of(Call call) {
     try {
@@ -24,7 +24,7 @@ std::string failure_of(Call call) {
     return "(no error)";
 }
 
-/// A folder of its own for a test that is gone afterwards.
+/// A temporary folder for one test.
 class temporary_folder : public testing::Test {
 protected:
     temporary_folder() { folder_ = ::mkdtemp(folder_.data()); }

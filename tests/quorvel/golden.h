@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-/// A text that is written or shown, kept in golden/ for as long as others rely on it.
+/// A written or displayed text that others rely on, kept in golden/.
 inline std::string golden(const std::string& name) {
     std::ifstream file(std::string(GOLDEN_FOLDER) + "/" + name, std::ios::binary);
     EXPECT_TRUE(file) << name;

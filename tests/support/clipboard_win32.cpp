@@ -8,7 +8,7 @@
 
 extern "C" {
 
-/// Stands where the linker looks for the system's function.
+/// Replaces the system's function for the linker.
 static BOOL WINAPI count_beep(UINT) {
     if (const auto beeps = ostrevan::find_service<ostrevan::beep_service>()) beeps->beep();
     return TRUE;
@@ -29,8 +29,8 @@ public:
     opened_clipboard& operator=(const opened_clipboard&) = delete;
 };
 
-/// A window keeps the clipboard open while it is blocked, as a rude program does; without one it could be opened a second
-/// time.
+/// A window keeps the clipboard open while it is blocked, like a misbehaving program; without a window it could be opened a
+/// second time.
 class system_clipboard : public memory_clipboard {
 public:
     system_clipboard() {

@@ -1,4 +1,4 @@
-// For tests that link the component's objects; those that load its library hand over the entry themselves.
+// For tests that link the component's objects; those that load its library pass the entry themselves.
 #include <cstdlib>
 
 #include "tests/support/memory_player.h"

@@ -24,7 +24,7 @@ protected:
     }
 
     static std::uint64_t key_of(const ostrevan::metadb_handle_ptr& track) { return quorvel::KeyOf(*track).value(); }
-    /// Stores a record as if it had always been there: no refresh is left behind.
+    /// Stores a record as if it had always existed: no refresh remains.
     void put(const ostrevan::metadb_handle_ptr& track, const quorvel::t_playback_stats& record) {
         quorvel::PCDB::Update(key_of(track), [&](quorvel::t_playback_stats& stored) { stored = record; });
         player.index.refreshes.clear();

@@ -9,7 +9,7 @@ namespace support {
 ostrevan::hash_service& md5_hash();
 ostrevan::text_helper_service& text_helper();
 
-/// What the system, or a library, has for these.
+/// The implementation of the system or of a library.
 ostrevan::hash_digest md5_of(const void* bytes, std::size_t size);
 std::uint32_t lower_case_of(std::uint32_t code_point) noexcept;
 

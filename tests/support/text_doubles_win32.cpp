@@ -14,7 +14,7 @@ struct lower_pair {
     std::uint32_t from;
     std::uint32_t to;
 };
-/// Made by lower_pairs.py; the system's own table leaves out code points of two units and a few others.
+/// Made by lower_pairs.py; the system's own table lacks code points of two units and a few others.
 constexpr lower_pair lower_pairs[] = {
 #include "lower_pairs.inc"
 };

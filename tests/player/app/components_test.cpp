@@ -18,7 +18,7 @@
 namespace ostrevan::app {
 namespace {
 
-/// How often the second of two doubles is called, of which the first one fails.
+/// How often the second of two doubles is called when the first fails.
 template <typename Double, typename Work>
 std::function<int(world&, fault)> guarded(Work work) {
     return [work](world& player, fault fails) {

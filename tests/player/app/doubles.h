@@ -15,7 +15,7 @@ namespace ostrevan::app {
 using lines = std::vector<std::string>;
 using fault = void (*)();
 
-/// Fails when it is told to, and otherwise counts its calls.
+/// Fails on request, otherwise counts its calls.
 struct tally {
     fault fails = nullptr;
     mutable int calls = 0;
@@ -130,7 +130,7 @@ struct setting : advanced_checkbox, tally {
     bool default_state() const noexcept override { return false; }
 };
 
-/// Writes down what it is told, and gives the answers set in it.
+/// Records its calls and gives the answers set in it.
 struct screen final : view::front_end {
     lines said;
     std::function<void(view::open_dialog&, unsigned)> turn = [](view::open_dialog& dialog, unsigned) { dialog.close(); };
@@ -146,7 +146,7 @@ struct screen final : view::front_end {
     void note_failure() override { said.emplace_back("failed"); }
 };
 
-/// A player with one component, which has all that is added.
+/// A player with one component, made of everything added.
 struct world {
     struct api final : component_api {
         std::vector<service_entry> entries;

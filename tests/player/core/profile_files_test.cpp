@@ -1,4 +1,4 @@
-// What the core keeps in the profile folder: the configuration, the lock; and who may read it.
+// The files of the core in the profile folder: configuration, lock, and their permissions.
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -7,8 +7,8 @@
 
 namespace ostrevan::index {
 
-/// Stands between SQLite and the disk for as long as it lives: from the n-th change of a file on, every change fails until
-/// the disk is healed. One at a time.
+/// Comes between SQLite and the disk while it lives: from the n-th change of a file, every change fails until the disk is
+/// healed. One at a time.
 class faulty_disk {
 public:
     faulty_disk() {
@@ -33,7 +33,7 @@ public:
 private:
     static constexpr long healthy = 1'000'000'000;
     struct methods {
-        sqlite3_io_methods patched;  // first, so that a file's methods lead here
+        sqlite3_io_methods patched;  // first, so that a file's methods point here
         const sqlite3_io_methods* original;
     };
 

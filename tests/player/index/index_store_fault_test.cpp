@@ -73,7 +73,7 @@ TEST_F(index_store_fault, leaves_a_file_alone_whose_damage_shows_only_when_it_is
         for (std::uint64_t key = 1; key <= 2000; ++key) transaction.write(plays, key, record_of(key));
         transaction.commit();
     }
-    // A write-ahead log lies beside the file, as after a crash: copying it into the file would be a change, too.
+    // There is a write-ahead log, as after a crash: copying it into the file would be a change, too.
     const std::filesystem::path crashed = path("crashed.sqlite");
     {
         index_store store(path_, fail_on_report);
@@ -133,7 +133,7 @@ TEST_F(index_store_fault, loses_nothing_acknowledged_wherever_the_disk_fails) {
                 was_reached = disk.has_failed();
                 disk.heal();
                 EXPECT_EQ(is_durable, !was_reached);
-                for (const char* suffix : {"", "-wal"})  // what would be found if the machine stopped here
+                for (const char* suffix : {"", "-wal"})  // what remains if the machine stops here
                     std::filesystem::copy_file(path_.string() + suffix, copy.string() + suffix,
                                                std::filesystem::copy_options::overwrite_existing);
                 const index_store found(copy, fail_on_report);

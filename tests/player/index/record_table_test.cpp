@@ -9,7 +9,7 @@
 namespace ostrevan::index {
 namespace {
 
-/// Keys that are likely to end up beside each other, so that chains run into each other and over the end of a shard.
+/// Keys that are likely to be adjacent, so that chains meet and wrap around the end of a shard.
 std::vector<std::uint64_t> crowded_keys() {
     std::vector<std::uint64_t> keys;
     for (std::uint64_t i = 0; i < 600; ++i) keys.insert(keys.end(), {i, i << 48, ~i, i * 0x100000001ULL});

@@ -14,7 +14,7 @@ constexpr nuv::guid moods = nuv::guid_of("{11111111-2222-3333-4444-555555555555}
 
 using record_bytes = std::vector<std::byte>;
 
-/// Bytes that tell which key and which version they belong to, all through.
+/// Bytes that show their key and version throughout.
 inline record_bytes record_of(std::uint64_t key, std::uint64_t version = 0, std::size_t size = 40) {
     record_bytes data(size);
     const std::array<std::uint64_t, 2> pattern{key, version};
@@ -22,7 +22,7 @@ inline record_bytes record_of(std::uint64_t key, std::uint64_t version = 0, std:
     return data;
 }
 
-/// What the store answers, or nothing where it has no record.
+/// The stored record, or empty where there is none.
 inline std::optional<record_bytes> stored(const index_store& store, const nuv::guid& index, std::uint64_t key) {
     record_bytes data(store.read(index, key, nullptr, 0));
     data.resize(store.read(index, key, data.data(), data.size()));

@@ -28,7 +28,7 @@ TEST_F(cue_files, the_sheet_is_listed_in_place_of_its_audio) {
     }
     EXPECT_EQ(info->info().length(), 40);
     EXPECT_EQ(info->info().codec(), "FLAC");
-    // What was counted for the file as a whole is not each track's.
+    // Statistics of the whole file are not those of each track.
     EXPECT_FALSE(info->info().meta_exists("play_count"));
 }
 
@@ -49,7 +49,7 @@ TEST_F(cue_files, follow_their_audio_and_give_it_back) {
     put("a.flac", "title=Whole\nlength=200\n");
     rescan();
     EXPECT_EQ(library_->items()[1]->info()->info().length(), 140);
-    // A second sheet for the same audio comes too late, and has its turn when the first is gone.
+    // A second sheet for the same audio is too late, until the first is gone.
     put("b.cue", sheet_of("a.flac"));
     rescan();
     EXPECT_EQ(listing(), "a.cue|1:One\na.cue|2:Two\n");
@@ -105,7 +105,7 @@ TEST_F(cue_files, find_audio_that_was_converted_or_renamed) {
 TEST_F(cue_files, copy_no_long_text_into_each_of_their_tracks) {
     const std::string longest(longest_cue_value, 'x'), longer = longest + 'x';
     put("a.flac", "comment=" + longer + "\nlabel=" + longest + "\ngenre=" + longest + "\ngenre=x\nlyrics=Words\n");
-    // That each names the file for itself does not make it a file with one track.
+    // Naming the file for each track does not make it a file with one track.
     put("a.cue", "TITLE " + longer + "\nPERFORMER " + longest + "\nFILE a.flac WAVE\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n" +
                      "FILE A.wav WAVE\nTRACK 02 AUDIO\nTITLE " + longer + "\nTITLE B\nTITLE Two\nINDEX 01 00:00:00\n");
     add_music();

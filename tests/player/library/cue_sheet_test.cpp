@@ -15,7 +15,7 @@ std::string to_text(const cue_fields& fields) {
     return text;
 }
 
-/// The whole sheet on one line a track: number, file, start-end, fields.
+/// The sheet with one line per track: number, file, start-end, fields.
 std::string to_text(const cue_sheet& sheet) {
     std::string text = "disc" + to_text(sheet.fields) + "\n";
     for (const auto& track : sheet.tracks)

@@ -35,7 +35,7 @@ inline ostrevan::tags::audio_reading read_lines(const std::string& path) {
     return {std::move(info), sound};
 }
 
-/// A music folder and a database of their own.
+/// A temporary music folder and database.
 class library_files_test : public ostrevan::temporary_folder, public library_observer {
 protected:
     void SetUp() override {
@@ -46,7 +46,7 @@ protected:
 
     void on_library_changed(const library_changes& changes) override { changes_ = changes; }
 
-    /// Gives every write a time of its own, however coarse the clock of the file system.
+    /// Gives every write its own time, however coarse the clock of the file system.
     fs::path put(const fs::path& path, const std::string& contents) {
         const auto full = music_ / path;
         fs::create_directories(full.parent_path());
@@ -55,7 +55,7 @@ protected:
         return full;
     }
 
-    /// Does something to the database behind the library's back.
+    /// Changes the database behind the library's back.
     void change_database(const char* sql) {
         library_.reset();
         sqlite3* database = nullptr;
@@ -64,7 +64,7 @@ protected:
         sqlite3_close(database);
     }
 
-    /// The library as a new process sees it.
+    /// The library as seen by a new process.
     media_library& reopen() {
         library_.reset();
         tracks_ = std::make_unique<track_table>();
@@ -80,7 +80,7 @@ protected:
         changes_ = {};
         return shown(library_->rescan());
     }
-    /// What went wrong belongs to the picture when an expectation fails.
+    /// Shows problems as well when an expectation fails.
     static scan_summary shown(scan_summary summary) {
         for (const auto& [path, reason] : summary.problems) std::clog << path << ": " << reason << '\n';
         return summary;

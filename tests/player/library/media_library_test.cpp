@@ -135,12 +135,12 @@ TEST_F(media_library_test, keeps_the_tracks_of_what_is_not_there) {
          }},
         {music_ / "link", 1, move(folder_ / "disk", away), move(away, folder_ / "disk")},
         {music_ / "album", 1, allow(fs::perms::none), allow(fs::perms::all)},
-        // Names can be read, but not what they stand for.
+        // The names are readable, but not the files.
         {music_ / "album", 1, allow(fs::perms::owner_read | fs::perms::others_read), allow(fs::perms::all)}};
     fs::permissions(folder_, fs::perms::all);
     for (const auto& each : cases) {
         each.begin();
-        const bool is_root = geteuid() == 0;  // to whom nothing is unreadable
+        const bool is_root = geteuid() == 0;  // root can read everything
         ASSERT_EQ(is_root ? seteuid(65534) : 0, 0);
         changes_ = {};
         const auto summary = library_->rescan({.on_progress = each.during});
@@ -209,7 +209,7 @@ TEST_F(media_library_test, reports_files_that_fail_and_goes_on) {
 
 TEST_F(media_library_test, goes_on_after_a_kill) {
     for (int i = 0; i < 3000; ++i) put(std::to_string(i) + ".mp3", "title=T\n");
-    // A process that dies when something has been saved and something has not.
+    // A process that dies with some changes saved and some not.
     const pid_t child = fork();
     if (child == 0) {
         reader_ = [&](const std::string& path) {
@@ -235,7 +235,7 @@ TEST_F(media_library_test, shows_nothing_that_could_not_be_saved) {
     put("1.mp3", "title=One\n");
     add_music();
     put("2.mp3", "title=Two\n");
-    // What a full disk does: every write fails.
+    // Like a full disk: every write fails.
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit nothing{0, RLIM_INFINITY}, anything{RLIM_INFINITY, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &nothing);

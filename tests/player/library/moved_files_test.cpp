@@ -12,7 +12,7 @@ protected:
         const auto name = fs::path(location.path).lexically_relative(music_).string();
         return location.subsong == 0 ? name : name + "|" + std::to_string(location.subsong);
     }
-    /// "from>to" for what has moved, "=path" for an edit in place.
+    /// "from>to" for a move, "=path" for an edit in place.
     std::string edits_in(const std::vector<track_edit>& edits) const {
         std::vector<std::string> found;
         for (const auto& [track, before, after, from] : edits)
@@ -40,7 +40,7 @@ TEST_F(moved_files_test, are_known_again_by_their_sound_unless_two_fit) {
         {{{"1.mp3", one}, {"3.mp3", uno}}, {{"3.mp3", uno}}, ""},
         {{{"1.mp3", one}}, {{"2.mp3", uno}, {"3.mp3", uno}}, "", 1},
         {{{"1.mp3", one}, {"2.mp3", uno}}, {{"3.mp3", "title=Eins\n" + plain}}, "", 1},
-        // Copies: known again by their names or tags, and all the same where these say nothing.
+        // Copies are recognised by their names or tags, and are interchangeable where these are equal.
         {{{"a/1.mp3", plain}, {"a/2.mp3", plain}},
          {{"b/1.mp3", plain}, {"b/2.mp3", plain}},
          "a/1.mp3>b/1.mp3 a/2.mp3>b/2.mp3"},
@@ -54,7 +54,7 @@ TEST_F(moved_files_test, are_known_again_by_their_sound_unless_two_fit) {
         {{{"1.mp3", one}}, {{"1.mp3", "title=Coded anew\nlength=10\nsound=8\n"}}, "=1.mp3"},
         {{{"a.flac", plain}, {"a.cue", sheet}}, {{"a.flac", plain}, {"b.cue", "TITLE New\n" + sheet}}, "a.cue|1>b.cue|1"},
         {{{"a.flac", plain}}, {{"a.flac", plain}, {"b.cue", sheet}}, ""},
-        // Without a mark of its audio a sheet is not known again; and a copy that was there before has not come.
+        // A sheet without a mark of its audio is not recognised, and an older copy is not a new file.
         {{{"a.flac", ""}, {"a.cue", sheet}}, {{"a.flac", ""}, {"b.cue", sheet}}, ""},
         {{{"1.mp3", one}, {"3.mp3", one}}, {{"3.mp3", uno}}, "=3.mp3"}};
     for (const auto& each : cases) {

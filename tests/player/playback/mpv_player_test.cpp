@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-/// The audio outputs that mpv tries in turn keep some bytes of their own.
+/// The audio outputs tried by mpv leak some bytes of their own.
 extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions() { return "leak:libSDL2\n"; }
 
 namespace ostrevan::playback {
@@ -106,7 +106,7 @@ TEST_F(mpv_player_test, measures_the_parts_of_a_cue_sheet_by_their_own_length) {
 }
 
 TEST_F(mpv_player_test, does_not_count_what_a_seek_skipped) {
-    // In real time, so that the seek surely comes before the end; what is left after it is half a second.
+    // In real time, so that the seek comes before the end and half a second remains.
     const std::vector<play_item> items{{path("long.flac"), {}, {}}};
     auto callbacks = recording();
     bool sought = false;
@@ -142,7 +142,7 @@ TEST_F(mpv_player_test, passes_on_what_a_callback_throws_and_can_play_again) {
     EXPECT_EQ(log_, (lines{"started 0", "started 0", "finished 0"}));
 }
 
-/// Says which files of a folder are opened.
+/// Lists the files of a folder that are opened.
 class open_watch {
 public:
     explicit open_watch(const fs::path& folder) { inotify_add_watch(notify_, folder.c_str(), IN_OPEN); }

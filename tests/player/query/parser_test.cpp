@@ -68,7 +68,7 @@ TEST(query, combines_conditions_by_precedence) {
 }
 
 TEST(query, during_last_counts_back_from_the_clock) {
-    // When it was played, what the clock shows, how far back.
+    // The time of the play, the current time, how far back.
     const auto matches = [](std::string_view text) {
         const table_of_fields track({{"last_played", std::string(text.substr(0, 19))}});
         return parse("%last_played% DURING LAST " + std::string(text.substr(40)))

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 
 class local_files : public temporary_folder {
 protected:
-    /// What opening says that it failed with.
+    /// The message of a failed opening.
     template <typename Exception>
     std::string refusal(const std::string& file, filesystem::open_mode mode) {
         try {

@@ -21,7 +21,7 @@ constexpr format shelf{0x53484C46, 2, "CREATE TABLE books(title TEXT); INSERT IN
 class database_file : public ostrevan::temporary_folder {
 protected:
     [[nodiscard]] std::string bytes() const { return fs::is_regular_file(path_) ? content(path_) : ""; }
-    /// What another program does to the file.
+    /// Changes by another program.
     void change(const char* sql) const {
         sqlite3* raw = nullptr;
         ASSERT_EQ(sqlite3_open(path_.c_str(), &raw), SQLITE_OK);

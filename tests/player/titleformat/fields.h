@@ -12,7 +12,7 @@
 
 namespace ostrevan::titleformat {
 
-/// A track as a table: fields that it has, and what it shows for some that it lacks.
+/// A track as a table: its fields, and texts of some that it lacks.
 struct table_of_fields final : field_source {
     using table = std::map<std::string, std::string, std::less<>>;
 

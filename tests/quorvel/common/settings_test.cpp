@@ -22,7 +22,7 @@ TEST(settings, are_read_once_and_written_through) {
     EXPECT_FALSE(store.at(never_stored.id()));
 }
 
-/// What is written back at the end is what was read or set, and nothing that only took its place.
+/// Only values that were read or set are written back at the end, never defaults in their place.
 TEST(settings, that_the_store_failed_under_are_not_overwritten) {
     support::memory_player player;
     static ostrevan::cfg_bool unread{nuv::guid_of("{6F3B1B1E-8F0B-4C8B-9C2D-0C7C3B8E5A03}"), false};

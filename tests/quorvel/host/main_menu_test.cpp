@@ -8,7 +8,7 @@ class main_menu : public support::statistics_test {
 protected:
     ostrevan::main_menu_commands& menu = player.component_service<ostrevan::main_menu_commands>();
 
-    /// The commands as they are shown now, each with its flags.
+    /// The current commands with their flags.
     std::string shown() {
         std::string texts;
         ostrevan::main_menu_commands::display_t display;

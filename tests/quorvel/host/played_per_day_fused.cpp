@@ -1,5 +1,5 @@
-// Built with the component's own options on a processor that can multiply and add in one instruction: where the compiler
-// may do that, the difference of two equal times is what one of them was rounded by.
+// Built with the component's own options for a processor with fused multiply and add: if the compiler may fuse, the
+// difference of two equal times is the rounding error of one of them.
 #include "quorvel/host/played_per_day.h"
 
 #include <gtest/gtest.h>

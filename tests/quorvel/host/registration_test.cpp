@@ -16,10 +16,10 @@ namespace {
 
 using registration = support::statistics_test;
 
-/// Players store shortcuts, layouts and settings under these identifiers, and ask by these positions.
+/// Players store shortcuts, layouts and settings by these identifiers and positions.
 TEST_F(registration, keeps_what_players_have_stored) {
     std::string description;
-    std::vector<std::string> groups;  // in no order of their own
+    std::vector<std::string> groups;  // in any order
     ostrevan::for_each_service<ostrevan::context_menu_item>([&](auto& group) {
         auto& lines = groups.emplace_back("context menu in " + nuv::guid_text(group.get_parent()) + '\n');
         for (std::size_t i = 0; i < group.get_item_count(); ++i)

@@ -15,7 +15,7 @@ using quorvel::t_playback_stats;
 
 constexpr std::uint64_t moment = 133'541'244'480'000'000, second = 10'000'000, earlier = 133'500'000'000'000'000;
 
-/// A selection that says how long it is and has nothing in it.
+/// A selection that only states its length.
 struct empty_selection final : nuv::list_base_const_t<ostrevan::metadb_handle_ptr> {
     explicit empty_selection(std::size_t size) : size_(size) {}
     std::size_t get_count() const noexcept override { return size_; }

@@ -22,7 +22,7 @@ protected:
         for (const auto& track : tracks) put(track, {.play_count = 3, .rating = 63});
         player.file_dialog.answer = "/out.xml";
     }
-    /// How many records are in the file that OK writes.
+    /// The number of records in the file written by OK.
     std::size_t records_after_ok() {
         player.dialogs.press(ok);
         EXPECT_FALSE(player.dialogs.is_open());

@@ -31,7 +31,7 @@ protected:
     }
     static std::string under_active(const std::string& entries) { return under(quorvel::active_mapping_guid, entries); }
 
-    /// What the user is told, without the part that is always the same.
+    /// The message without its constant part.
     messages import(const std::string& text, std::initializer_list<int> unchecked = {}) {
         player.local_files.files["/s.xml"] = text;
         player.file_dialog.answer = "/s.xml";

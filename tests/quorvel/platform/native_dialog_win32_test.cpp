@@ -23,7 +23,7 @@ using quorvel::pcdb_export::open_export_dialog;
 
 constexpr int library_only = 1003, full_backup = 1004, times_played = 1005;
 
-/// What a live window shows, and acting on it as a user would.
+/// The content of a live window, and the actions of a user.
 std::string text_of(HWND window) {
     std::wstring text(256, L'\0');
     text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
@@ -39,7 +39,7 @@ std::vector<HWND> controls_of(HWND dialog) {
     return controls;
 }
 
-/// A control as the double that draws dialogs in memory describes it.
+/// A control in the form of the double that draws dialogs in memory.
 std::string picture_of(HWND control) {
     static const std::map<LONG_PTR, std::array<const char*, 2>> marks{{BS_AUTORADIOBUTTON, {"( )", "(*)"}},
                                                                       {BS_AUTOCHECKBOX, {"[ ]", "[x]"}},
@@ -73,7 +73,7 @@ std::vector<std::uint32_t> drawing_of(HWND control) {
     return drawing;
 }
 
-/// Dialogs of the system, owned by a window of a player that draws none itself.
+/// Native dialogs, owned by a window of a player that draws none itself.
 class native_dialogs : public support::statistics_test {
 protected:
     ostrevan::metadb_handle_list tracks = support::make_tracks(2);
@@ -193,7 +193,7 @@ TEST_F(native_dialogs, are_made_from_the_tables) {
         EXPECT_EQ(GetFocus(), GetNextDlgTabItem(dialog(), nullptr, FALSE));
         LOGFONTW font{};
         GetObjectW(font_of(dialog()), sizeof font, &font);
-        // The system may put the font in place that the name stands for there.
+        // The system may substitute another font for the name.
         EXPECT_TRUE(std::wstring_view(font.lfFaceName).starts_with(L"MS Shell Dlg"));
         EXPECT_EQ(font.lfHeight, -MulDiv(8, static_cast<int>(GetDpiForWindow(dialog())), 72));
         for (const HWND control : controls_of(dialog())) EXPECT_EQ(font_of(control), font_of(dialog())) << text_of(control);
@@ -311,7 +311,7 @@ TEST_F(native_dialogs, survive_their_rules) {
     open([&](dialog_window& window, int id) {
         if (id == 0) return;
         ++presses;
-        click(ostrevan::dialog_cancel);  // while the first press is being worked at
+        click(ostrevan::dialog_cancel);  // while the first press is being handled
         EXPECT_EQ(window.native(), dialog());
         DestroyWindow(owner);
         EXPECT_EQ(window.native(), nullptr);

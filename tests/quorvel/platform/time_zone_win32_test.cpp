@@ -14,7 +14,7 @@ using quorvel::time_zone;
 
 namespace {
 
-/// The system's own answer for the zone that is set.
+/// The system's own result for the current zone.
 std::optional<civil_time> local_by_the_system(std::uint64_t time) {
     const FILETIME stamp{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
     SYSTEMTIME utc;
@@ -52,7 +52,7 @@ TEST(system_time, is_that_of_the_systems_calls) {
         EXPECT_EQ(text(time), "<invalid timestamp>");
 }
 
-/// ctest runs this once a zone; what is expected was looked up in the rules of the countries.
+/// ctest runs this once per zone; expected values come from the rules of the countries.
 TEST(system_time, changes_the_clocks_when_the_country_does) {
     struct change {
         std::uint64_t time;

@@ -35,7 +35,7 @@ protected:
         player.index.events.clear();
         player.index.begun = 0;
     }
-    /// Once, and after it was committed where there are transactions: what is shown must be there.
+    /// Redraws once, and only after the commit where there are transactions.
     [[nodiscard]] bool refreshed_once() const {
         auto events = player.index.offer_transactions ? std::vector<std::string>{"commit"} : std::vector<std::string>{};
         events.emplace_back("refresh");

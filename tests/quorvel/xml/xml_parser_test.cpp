@@ -19,7 +19,7 @@ namespace {
 /// raw; these and `opaque` are not read on.
 class event_list : public Vek::xmlParser {
 public:
-    /// What happened until the end or the first mistake. The text is read from memory of exactly its size.
+    /// The events up to the end or the first mistake. The text is in memory of exactly its size.
     static event_list of(std::string_view text) {
         event_list events;
         const auto copy = std::make_unique<char[]>(text.size());
@@ -98,7 +98,7 @@ std::string repeated(std::string_view text, std::size_t times) {
     return all;
 }
 
-/// Hands each element to a function and does nothing else.
+/// Passes each element to a function.
 template <typename Function>
 class for_each_element : public Vek::xmlParser {
 public:

@@ -38,7 +38,7 @@ TEST(xml_node, refuses_a_node_without_a_name) {
     }
 }
 
-// Each takes minutes if every `&` is looked at up to its `;`, or up to the end for lack of one.
+// Each would take minutes if every `&` were scanned to its `;`, or to the end for lack of one.
 TEST(entities, a_megabyte_of_what_is_no_reference_stays_as_it_is) {
     for (const char* piece : {"&", "&#x00000000000000000000000000000001"})
         for (const char* end : {"", "a;"}) {

@@ -1,4 +1,4 @@
-// Answers the handshake with what the build defines.
+// A component with the handshake that the build defines.
 #include "ostrevan/component.h"
 
 extern "C" OSTREVAN_EXPORT ostrevan::component_interface* ostrevan_get_interface(

@@ -1,4 +1,4 @@
-// A library that is no component.
+// A library that is not a component.
 #include "ostrevan/component.h"
 
 extern "C" OSTREVAN_EXPORT int some_other_symbol() { return 0; }

@@ -1,4 +1,4 @@
-// A component as small as can be: it loads, and has one service.
+// The smallest component: it loads, and has one service.
 #include "ostrevan/component.h"
 #include "ostrevan/component_version.h"
 #include "ostrevan/registration.h"
