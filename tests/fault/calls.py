@@ -1,21 +1,21 @@
-"""One work, broken: killed at a random moment, cut off after a call that changes a file, or with a failing call."""
+"""Breaks one work: a kill at a random moment, a kill after a call that changes a file, or a failing call."""
 import errno
 
 from sandbox import require
 
 KILLED = -9
-KILL = -1  # in place of an errno
+KILL = -1  # instead of an errno
 
-# Each call fails once, or that one and all after it, as on a full disk.
+# One call fails, or it and all later ones, as on a full disk.
 WAYS = [(error, mode) for mode in (0, 1) for error in (errno.ENOSPC, errno.EIO, errno.EACCES)]
 
-# Where older records may be added a second time at the next start: they are saved and their file cannot be removed; or the disk
-# fails for good when it is asked for the last of what was written, which SQLite finds whole in its log afterwards.
+# When older records may be added a second time at the next start: they are saved and their file cannot be removed; or the disk
+# fails for good at the last sync, and SQLite finds the commit complete in its log afterwards.
 SAVED_ALL_THE_SAME = [("unlinkat", "PlaybackStatistics.dat"), ("from then on", "fdatasync", "index.sqlite-wal")]
 
 
 def restart(job, work, result):
-    """Gives what is worth counting apart, if anything is."""
+    """Returns what to count separately, if anything."""
     work.after_fault(result)
     if outcome := work.finish():
         job.count(outcome)
@@ -37,19 +37,19 @@ class OfWork:
 
 
 class RandomKills(OfWork):
-    """Spread over the time that the work takes."""
+    """Spread over the duration of the work."""
     kind = "kill"
     cases = None
 
     def run(self, job, index, random):
         work = job.ready(self.work)
         result = job.box.run(*work.words(), kill_after=random.uniform(0.02, work.seconds))
-        work.seconds *= 1.05 if result.status == KILLED else 0.8  # the machine is now faster, now slower
+        work.seconds *= 1.05 if result.status == KILLED else 0.8  # the speed of the machine varies
         self.restart_killed(job, work, result)
 
 
 class KillsAtCalls(OfWork):
-    """After each call in turn. Always at the same place, which a random moment is not."""
+    """After each call in turn: reproducible, unlike a random moment."""
     kind = "cut"
 
     def run(self, job, index, random):
@@ -68,7 +68,7 @@ class FailingCalls(OfWork):
 
     def run(self, job, index, random):
         work = job.ready(self.work)
-        # Every call is reached before the next way to fail comes, and each call meets another way at first.
+        # Tries every call before the next way to fail, starting with a different way for each call.
         way, call = divmod(index, work.calls)
         error, lasting = WAYS[(way + call) % len(WAYS)]
         job.box.control.set(chosen=call + 1, error=error, mode=lasting)

@@ -16,7 +16,7 @@ QUERIES = ("%last_played% DURING LAST 1 WEEK", "%added% SINCE 2020-01-01", "%fir
 
 
 def offset(random):
-    """Mostly what happens: seconds by a time server, hours by hand; sometimes an empty battery or a far future."""
+    """Mostly common changes: seconds by a time server, hours by hand; sometimes an empty battery or the far future."""
     return random.choice([0, random.randint(-5 * SECOND, 5 * SECOND), random.randint(-86_400, 86_400) * SECOND,
                           random.randint(-56 * YEAR, 0), random.randint(0, 230 * YEAR)])
 
@@ -50,10 +50,10 @@ class Clock:
 
     @staticmethod
     def play(box, random, zone):
-        """Plays while the clock jumps; gives when by the real clock, in ns, and the offsets that it had."""
+        """Plays while the clock jumps; returns the real times, in ns, and the offsets of the clock."""
         offsets = [offset(random)]
         box.control.set(clock_offset=offsets[0])
-        # A zone by the name of a file that is exchanged meanwhile, as a user who travels does.
+        # A zone file that is exchanged meanwhile, as for a travelling user.
         file = box.root / "zone"
         shutil.copy(f"/usr/share/zoneinfo/{zone}", file)
         began = time.time_ns()
@@ -70,7 +70,7 @@ class Clock:
 
     @staticmethod
     def check_text(box, zone):
-        """What is shown is the stored time in the zone of the moment."""
+        """Displayed times are the stored ones in the current zone."""
         records = {f"{key:016x}": RECORD.unpack(data) for key, data in box.records().items()}
         for track in box.tracks(zone=zone):
             seconds = (records[track["key"]][2] - UNITS_TO_1970) // 10_000_000

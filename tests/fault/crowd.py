@@ -1,4 +1,4 @@
-"""Two to six players on one profile at once, and sometimes one of them is killed."""
+"""Two to six players on one profile at once, some of them killed."""
 import re
 
 from sandbox import require

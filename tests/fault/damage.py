@@ -1,4 +1,4 @@
-"""Databases with damaged bytes, cut short, exchanged; damaged logs of them, and settings."""
+"""Databases that are damaged, truncated or exchanged; damaged logs and settings."""
 import contextlib
 import json
 import shutil
@@ -37,7 +37,7 @@ class Damage:
 
     @staticmethod
     def prepare(job):
-        """A profile as it lies there after an ordinary end, and as a killed player leaves it: with a log."""
+        """A profile after a regular end, and one left by a killed player: with a log."""
         work = job.ready(Plays)
         box = job.box
         wanted = {}
@@ -81,7 +81,7 @@ class Damage:
 
     @staticmethod
     def check_next_play(job):
-        """What was not met in reading may be met in writing."""
+        """Damage not met in reading may be met in writing."""
         before = job.box.counts()
         result = job.box.run("play", "--audio", "null", "--fast", job.box.music)
         require(result.status in (0, 1), f"a play then ended with {result.status}: {result.err}")
@@ -90,7 +90,7 @@ class Damage:
 
 
 def passes_for_whole(path):
-    """Looks for all damage that SQLite can find, in a copy that nobody has opened yet."""
+    """Lets SQLite look for all damage that it can find, in a fresh copy."""
     with contextlib.closing(sqlite3.connect(path)) as database, contextlib.suppress(sqlite3.DatabaseError):
         return database.execute("PRAGMA integrity_check").fetchall() == [("ok",)]
     return False

@@ -1,4 +1,4 @@
-"""A disk that is full before anything is begun, for a profile that exists and for one that does not yet."""
+"""A disk that is full from the start, with an existing and with a new profile."""
 import errno
 
 from sandbox import require

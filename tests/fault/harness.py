@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the real player, breaks it, and looks whether anything is lost."""
+"""Runs the real player, breaks it, and checks that nothing is lost."""
 import argparse
 import collections
 import itertools
@@ -68,7 +68,7 @@ class Harness:
         return range(total) if share >= 1 else chance.sample(range(total), math.ceil(total * share))
 
     def run(self):
-        # The faults take turns, so that a run that ends early has tried a bit of everything.
+        # The faults take turns, so that a short run tries a bit of everything.
         turns = itertools.zip_longest(*([(fault, index) for index in self.chosen(fault)] for fault in self.faults))
         waiting = collections.deque(case for turn in turns for case in turn if case is not None)
         signal.signal(signal.SIGTERM, signal.default_int_handler)
@@ -82,7 +82,7 @@ class Harness:
         self.job.begin(fault)
         try:
             fault.run(self.job, index, random.Random(f"{self.wishes.seed}/{fault.name}/{index}"))
-        except Exception as failure:  # also a mistake of the harness must not end it, or pass for success
+        except Exception as failure:  # even a mistake of the harness must not end the run or count as success
             self.report(fault, index, failure)
         self.tried[fault.name] += 1
 

@@ -1,4 +1,4 @@
-"""One sandbox, the works prepared in it so far, and what was seen there. Used by one thread at a time."""
+"""One sandbox, the works prepared in it, and the observations. Used by one thread at a time."""
 import collections
 import re
 
@@ -14,7 +14,7 @@ class Job:
 
     def begin(self, fault):
         self.name = fault.name
-        self.fault = ""  # what exactly is done to the player, for a report
+        self.fault = ""  # the exact fault, for a report
 
     def known(self, work):
         if work not in self.works:
@@ -22,7 +22,7 @@ class Job:
         return self.works[work]
 
     def ready(self, work):
-        """The work, with its place as it was prepared."""
+        """The work, with its place freshly prepared."""
         known = self.known(work)
         self.box.restore(work.name)
         return known
@@ -31,14 +31,14 @@ class Job:
         self.outcomes[self.name][outcome] += 1
 
     def judge(self, result, well="worked"):
-        """Whatever the fault, the player ends by itself, and a failure says where."""
+        """Under any fault the player must end by itself, and a failure must name the place."""
         require(result.status in (0, 1), f"it ended with {result.status}: {result.err}")
         self.count("failed" if result.status else well)
         self.say(result.err)
         require(result.status == 0 or str(self.box.root) in result.err, f"the message does not say where: {result.err}")
 
     def say(self, text):
-        """Remembers the player's messages without what differs from case to case."""
+        """Collects the player's messages without the parts that differ between cases."""
         for line in text.splitlines():
             if not line.startswith("Playing "):
                 line = line.replace(str(self.box.place), "<place>")

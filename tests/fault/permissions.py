@@ -1,4 +1,4 @@
-"""What may not be written: as an ordinary user, on a profile or music that is read-only in part or as a whole."""
+"""Missing permissions: an ordinary user on a profile or music that is read-only in part or as a whole."""
 import os
 
 from sandbox import require
@@ -8,7 +8,7 @@ from work_tags import WRITE_TAGS as WRITE
 NOBODY = 65534
 PLAY = ["play", "--audio", "null", "--fast"]
 
-# What is withdrawn, and what is tried then.
+# The rights withdrawn, and the commands to try.
 CASES = [
     (["profile"], PLAY), (["profile", "profile/*"], PLAY), (["profile", "profile/*"], ["list"]), (["profile/*"], PLAY),
     (["profile/index.sqlite"], PLAY), (["profile/library.sqlite"], ["library", "rescan"]), (["profile/lock"], PLAY),
@@ -46,7 +46,7 @@ class ReadOnly:
 
     @staticmethod
     def give_to_nobody(box):
-        """Modes do not bind root: the player runs as somebody else then."""
+        """Modes do not bind root, so the player then runs as another user."""
         if os.getuid() != 0:
             return ()
         for path in [box.place, *box.place.rglob("*")]:

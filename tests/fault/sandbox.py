@@ -1,4 +1,4 @@
-"""A place of its own in which the player runs and is broken: a profile, music, and what looks at them from outside."""
+"""A separate place to run and break the player: a profile, music, and tools to inspect them from outside."""
 import collections
 import contextlib
 import json
@@ -14,16 +14,16 @@ import time
 PROGRAM, MUSIC, FAILING_CALLS = (os.environ[name] for name in ("OSTREVAN", "MUSIC", "FAILING_CALLS"))
 
 STATISTICS = "C653739F-14B3-4EF2-819B-A3E2883230AE"
-RECORD = struct.Struct("<QQQQII")  # play count, first played, last played, added, rating, nothing
+RECORD = struct.Struct("<QQQQII")  # play count, first played, last played, added, rating, unused
 NO_RATING = 0xFFFFFFFF
-TIME_LIMIT = 60  # seconds after which a run hangs
+TIME_LIMIT = 60  # seconds after which a run counts as hanging
 
 Result = collections.namedtuple("Result", "status out err")  # status: as subprocess gives it, or HUNG
 HUNG = "hung"
 
 
 class Control:
-    """What the preloaded library shares with this process."""
+    """Memory shared with the preloaded library."""
     FORMAT = struct.Struct("<6q512s")
     FIELDS = {name: at for at, name in enumerate(("clock_offset", "calls", "chosen", "error", "mode", "failed"))}
 
@@ -34,7 +34,7 @@ class Control:
             self.map = mmap.mmap(file.fileno(), 0)
 
     def set(self, **values):
-        """Starts anew with these values."""
+        """Resets everything to these values."""
         self.map[:] = self.FORMAT.pack(*(values.get(name, 0) for name in self.FIELDS), b"")
 
     def put(self, field, value):
@@ -51,7 +51,7 @@ class Sandbox:
     def __init__(self, root):
         self.root = pathlib.Path(root).resolve()
         self.root.mkdir(parents=True)
-        self.place = self.root / "place"  # all that a fault may hit, and all that is put back between two of them
+        self.place = self.root / "place"  # everything that a fault may hit, restored between cases
         self.profile = self.place / "profile"
         self.music = self.place / "music"
         self.control = Control(self.root / "control")
@@ -73,7 +73,7 @@ class Sandbox:
 
     def restore(self, name):
         shutil.rmtree(self.place)
-        shutil.copytree(self.root / "saved" / name, self.place)  # times of files stay, so a rescan finds them unchanged
+        shutil.copytree(self.root / "saved" / name, self.place)  # keeps file times, so that a rescan finds no change
 
     def files(self, folder="music"):
         """Path below the place, and content."""
@@ -92,7 +92,7 @@ class Sandbox:
 
     @staticmethod
     def finish(player, kill_after=None):
-        """Waits for the end, or kills after so many seconds."""
+        """Waits for the end, or kills the player after a time."""
         try:
             out, err = player.communicate(timeout=kill_after or TIME_LIMIT)
             return Result(player.returncode, out, err)
@@ -105,7 +105,7 @@ class Sandbox:
         return self.finish(self.start(*words, **options), kill_after)
 
     def must(self, *words, **options):
-        """Runs what cannot fail without a fault; gives what it printed."""
+        """Runs a command that must succeed; returns its output."""
         done = self.run(*words, **options)
         require(done.status == 0, f"without a fault, {words} ended with {done.status}: {done.err.strip()}")
         return done.out
@@ -117,20 +117,20 @@ class Sandbox:
         """Play count by title."""
         return {t["title"]: int(t["play_count"] or 0) for t in self.tracks()}
 
-    # The database, seen without the player.
+    # The database, read without the player.
 
     def edit_index(self, sql, rows):
         with contextlib.closing(sqlite3.connect(self.profile / "index.sqlite")) as database, database:
             database.executemany(sql, rows)
 
     def put_records(self, guid, records):
-        """Stores records by key, as a component would have under an index of its own."""
+        """Stores records by key, as a component would in its own index."""
         self.edit_index("INSERT OR IGNORE INTO indexes (guid) VALUES (?)", [(guid,)])
         self.edit_index("INSERT OR REPLACE INTO records SELECT id, ?, ?, ? FROM indexes WHERE guid = ?",
                         [(key - (key >> 63 << 64), int(time.time()), data, guid) for key, data in records.items()])
 
     def records(self, guid=STATISTICS):
-        """Every stored record by key. Looks at a copy: the place stays as the player left it."""
+        """Every stored record by key. Reads a copy, to keep the place as the player left it."""
         copy = self.root / "copy"
         shutil.rmtree(copy, ignore_errors=True)
         copy.mkdir()
@@ -145,7 +145,7 @@ class Sandbox:
 
 
 class Violation(Exception):
-    """Something was lost, wrong, or not said."""
+    """Something was lost, wrong, or not reported."""
 
 
 def require(holds, text):

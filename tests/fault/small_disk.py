@@ -1,5 +1,5 @@
-"""A real file system that fills up while the player works: short writes, and mapped pages without room, which failing calls do
-not bring about. Mounting one takes an administrator; others try nothing here."""
+"""A real file system that fills up during the work, with short writes and mapped pages without room, which failing calls cannot
+produce. Mounting one requires an administrator; other users skip this."""
 import os
 import shutil
 import subprocess
@@ -17,7 +17,7 @@ def mount(path, size):
 
 
 def used(folder):
-    """At most; every file and folder takes a page for itself."""
+    """At most; every file and folder takes at least a page."""
     return sum(PAGE + -(-path.stat().st_size // PAGE) * PAGE for path in [folder, *folder.rglob("*")])
 
 
@@ -44,7 +44,7 @@ class SmallDisk:
 
 
 class Filling:
-    """Puts the folder onto a disk of its own with so much room, and back in the end."""
+    """Puts the folder onto a separate disk with limited room, and back at the end."""
 
     def __init__(self, folder, aside, room):
         self.folder, self.aside, self.room = folder, aside, room

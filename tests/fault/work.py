@@ -1,5 +1,5 @@
-"""What the works have in common during which the player is broken: each knows how to prepare a place, what to run, what must
-hold after any fault, and what must be there once it has been run again without one."""
+"""The base of all works: each prepares a place, runs a command, and checks what must hold after any fault and after a further
+run without one."""
 import time
 
 from sandbox import NO_RATING, RECORD, STATISTICS, require
@@ -17,7 +17,7 @@ def is_only_dated(data):
 
 
 class Work:
-    """`start` and `goal` are the states before and after a run that nothing disturbs."""
+    """`start` and `goal` are the states before and after an undisturbed run."""
     def __init__(self, box):
         self.box = box
         box.clear()
@@ -43,7 +43,7 @@ class Work:
         return {"records": self.box.records(), "files": self.box.files()}
 
     def between(self):
-        """Every record and every file is the old or the new one, and nothing else lies there but unfinished copies."""
+        """Every record and file is the old or the new one, and there is nothing else except unfinished copies."""
         now = self.state()
         for part, content in now.items():
             for name in {*self.start[part], *self.goal[part], *content}:
@@ -61,7 +61,7 @@ class Work:
             require(now[part] == self.goal[part], f"{part}: not what a run without a fault makes of them")
 
     def after_fault(self, result):
-        """Before any restart. `result` is what the player said and how it ended."""
+        """Before any restart. `result` is the output and exit status of the player."""
         self.between()
         if result.status == 0:
             self.complete()

@@ -36,11 +36,11 @@ class Migration(Work):
         return ["list"]
 
     def state(self):
-        # Of the tag files nothing changes here, and dates put into records on the way are no matter of the migration.
+        # The tag files do not change, and dates added on the way do not matter here.
         return {guid: self.box.records(guid) for guid in (STATISTICS, *OLDER_MAPPINGS)}
 
     def after_fault(self, result):
-        """A failure is no matter of the command, which has its own end: it is told, and the next start tries again."""
+        """A failure does not fail the command: it is reported, and the next start tries again."""
         self.between()
         failures = "Track information database save failure: ", "records under older keys could not be taken over: "
         if result.status == 0 and not any(failure in result.err for failure in failures):
@@ -54,7 +54,7 @@ class Migration(Work):
 
 class LegacyImport(Work):
     name = "legacy import"
-    twice = "added twice"  # what the order of saving and removing allows
+    twice = "added twice"  # allowed by the order of saving and removing
     added = 5
 
     def prepare(self):

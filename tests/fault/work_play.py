@@ -1,4 +1,4 @@
-"""Plays, and the dates on which tracks came into the library."""
+"""Plays, and the dates added of tracks."""
 import re
 import struct
 import wave

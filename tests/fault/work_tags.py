@@ -1,4 +1,4 @@
-"""Tags that are rewritten in the files, and statistics that follow a change of the tags."""
+"""Rewriting tags in the files, and statistics following a change of the tags."""
 import subprocess
 
 from sandbox import MUSIC, require

@@ -1,4 +1,4 @@
-"""Statistics that go into an XML file and come back."""
+"""Export and import of statistics as XML."""
 from sandbox import STATISTICS, require
 from work import Work, record
 

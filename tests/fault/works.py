@@ -1,4 +1,4 @@
-"""Every work during which the player is broken."""
+"""All works."""
 from work_older import LegacyImport, Migration
 from work_play import Plays, Stamping
 from work_tags import KeyChange, Retagging, TagRewrites

@@ -1,10 +1,10 @@
-"""Who may include whom: the folders are the architecture, and this keeps them so."""
+"""Which folder may include which: keeps the folders in line with the architecture."""
 
 import re
 
 from tracked import lines, report, tracked
 
-# What each folder may name in quotes, itself apart; the longest folder that fits a file decides.
+# The folders that each folder may include besides itself; the longest match for a file decides.
 SDK = ["sdk", "nuv", "ostrevan"]
 DOMAINS = ["sqlite", "index", "library", "tags", "titleformat", "query", "playback"]
 GROUND = {
@@ -30,7 +30,7 @@ GROUND = {
     "quorvel/interchange": SDK + ["quorvel/common", "quorvel/xml", "quorvel/platform", "quorvel/store"],
     "quorvel/host": SDK + ["quorvel"],
 }
-# These link the standard library alone, whose headers have neither a folder nor an ending; system headers are for the platform.
+# These use only the standard library, whose headers have neither folder nor suffix; system headers are for `platform`.
 STANDARD_ONLY = ("sdk/", "quorvel/")
 SYSTEM_TOO = ("quorvel/platform/",)
 

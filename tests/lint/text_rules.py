@@ -1,4 +1,4 @@
-"""What no line may say: names of systems outside the folder for them, and what points at papers or places that readers lack."""
+"""Forbidden words: names of systems outside `platform`, and references to papers or places that readers lack."""
 
 import re
 
@@ -8,7 +8,7 @@ EXPORT_MACRO = "sdk/include/ostrevan/component.h"
 PLATFORM = "quorvel/platform/"
 PLATFORM_FILE = re.compile(r"_(win32|posix)\.(h|cpp)$")
 PRODUCT = ("sdk/", "quorvel/", "player/")
-# A test may leave out what a system cannot do; the product may not.
+# Tests may skip what a system cannot do; the product may not.
 WINDOWS = re.compile(r"\b(_WIN32|_WIN64)\b")
 ANY_SYSTEM = re.compile(r"\b(_WIN32|_WIN64|WIN32|__linux__|__unix__|__MINGW\w+__|_MSC_VER)\b")
 ELSEWHERE = [

@@ -25,7 +25,7 @@ def lines(name):
 
 
 def report(checked, complaints):
-    """Prints the complaints and ends the process; a check that looked at nothing has failed too."""
+    """Prints the complaints and ends the process; a check without any files has failed too."""
     print("\n".join(complaints))
     print(f"{checked} files looked at, {len(complaints)} complaints")
     sys.exit(1 if complaints or checked == 0 else 0)
