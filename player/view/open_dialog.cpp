@@ -26,15 +26,9 @@ std::size_t open_dialog::index_of(int id) const {
 }
 
 void open_dialog::set_checked(int id, bool checked) {
-    const auto controls = layout().controls;
-    const auto is_radio = [&](std::size_t at) { return controls[at].kind == dialog_control_kind::radio_button; };
-    const auto index = index_of(id);
-    if (checked && is_radio(index)) {
-        auto first = index;
-        while (first > 0 && is_radio(first - 1)) --first;
-        for (auto at = first; at < controls.size() && is_radio(at); ++at) states_[at].is_checked = false;
-    }
-    states_[index].is_checked = checked;
+    if (checked)
+        for (const auto& other : radio_group(layout(), id)) states_[index_of(other.id)].is_checked = false;
+    states_[index_of(id)].is_checked = checked;
 }
 
 }  // namespace ostrevan::view

@@ -85,14 +85,12 @@ void native_dialog::destroy() noexcept {
     if (window_ != nullptr) DestroyWindow(window_);
 }
 
-std::size_t native_dialog::index_of(int id) const {
+HWND native_dialog::control(int id) const {
     const auto controls = layout().controls;
-    const auto found = std::ranges::find(controls, id, &ostrevan::dialog_control::id);
-    if (found == controls.end()) ostrevan::uBugCheck("dialog_window: the layout has no control with this id");
-    return static_cast<std::size_t>(found - controls.begin());
+    if (std::ranges::find(controls, id, &ostrevan::dialog_control::id) == controls.end())
+        ostrevan::uBugCheck("dialog_window: the layout has no control with this id");
+    return GetDlgItem(window_, id);
 }
-
-HWND native_dialog::control(int id) const { return GetDlgItem(window_, layout().controls[index_of(id)].id); }
 
 /// Escape presses the cancel button, even if the table has none.
 bool native_dialog::is_button(int id) const noexcept {
@@ -104,15 +102,9 @@ bool native_dialog::is_button(int id) const noexcept {
 bool native_dialog::is_checked(int id) const { return SendMessageW(control(id), BM_GETCHECK, 0, 0) == BST_CHECKED; }
 
 void native_dialog::set_checked(int id, bool checked) {
-    const auto controls = layout().controls;
-    const auto is_radio = [&](std::size_t at) { return controls[at].kind == dialog_control_kind::radio_button; };
-    const auto index = index_of(id);
-    if (checked && is_radio(index)) {
-        auto first = index;
-        while (first > 0 && is_radio(first - 1)) --first;
-        for (auto at = first; at < controls.size() && is_radio(at); ++at)
-            SendMessageW(control(controls[at].id), BM_SETCHECK, BST_UNCHECKED, 0);
-    }
+    if (checked)
+        for (const auto& other : ostrevan::radio_group(layout(), id))
+            SendMessageW(control(other.id), BM_SETCHECK, BST_UNCHECKED, 0);
     SendMessageW(control(id), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 

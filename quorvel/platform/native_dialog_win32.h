@@ -35,8 +35,7 @@ private:
     static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 
     [[nodiscard]] const ostrevan::dialog_layout& layout() const noexcept { return rules_->layout(); }
-    /// The position of a control in the table; a bug check if it is not there.
-    [[nodiscard]] std::size_t index_of(int id) const;
+    /// A bug check if the layout has no such control.
     [[nodiscard]] HWND control(int id) const;
     [[nodiscard]] bool is_button(int id) const noexcept;
     void create();

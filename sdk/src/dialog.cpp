@@ -1,9 +1,22 @@
 #include "ostrevan/dialog.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "ostrevan/core_api.h"
 #include "ostrevan/file_dialog.h"
 
 namespace ostrevan {
+
+std::span<const dialog_control> radio_group(const dialog_layout& layout, int id) noexcept {
+    const auto controls = layout.controls;
+    const auto is_radio = [](const dialog_control& control) { return control.kind == dialog_control_kind::radio_button; };
+    const auto found = std::ranges::find(controls, id, &dialog_control::id);
+    if (found == controls.end() || !is_radio(*found)) return {};
+    auto first = found;
+    while (first != controls.begin() && is_radio(*std::prev(first))) --first;
+    return {first, std::find_if_not(found, controls.end(), is_radio)};
+}
 
 bool ModalDialog_CanCreateNew() noexcept {
     const auto registry = find_service<dialog_registry>();

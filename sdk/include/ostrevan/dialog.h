@@ -29,6 +29,10 @@ struct dialog_layout {
     std::span<const dialog_control> controls;
 };
 
+/// The group of the radio button with this id: the consecutive ones around it, itself included. Empty when the layout has
+/// no such radio button. For those who draw dialogs.
+[[nodiscard]] std::span<const dialog_control> radio_group(const dialog_layout& layout, int id) noexcept;
+
 /// Numbers of the two buttons that every dialog has; the return and escape keys press them.
 inline constexpr int dialog_ok = 1;
 inline constexpr int dialog_cancel = 2;

@@ -88,17 +88,9 @@ private:
         explicit window(memory_dialog_registry& known) noexcept : registry(known) {}
         bool is_checked(int id) const override { return states.at(id).checked; }
         void set_checked(int id, bool checked) override {
-            const auto controls = rules->layout().controls;
-            const auto is_radio = [&](std::size_t i) { return controls[i].kind == dialog_control_kind::radio_button; };
-            std::size_t at = 0;
-            while (controls[at].id != id)
-                if (++at == controls.size()) throw std::logic_error("there is no such control");
-            if (is_radio(at) && checked) {
-                std::size_t first = at;
-                while (first > 0 && is_radio(first - 1)) --first;
-                for (std::size_t i = first; i < controls.size() && is_radio(i); ++i) states[controls[i].id].checked = false;
-            }
-            states[id].checked = checked;
+            if (checked)
+                for (const auto& other : ostrevan::radio_group(rules->layout(), id)) states.at(other.id).checked = false;
+            states.at(id).checked = checked;
         }
         void set_enabled(int id, bool enabled) override { states.at(id).enabled = enabled; }
         void close() override { closing = true; }
