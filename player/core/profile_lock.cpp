@@ -38,28 +38,25 @@ bool is_not_writable(int error) noexcept {
 profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds patience) {
     const auto path = profile + "/lock";
     constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    file_ = ::open(path.c_str(), O_RDWR | O_CREAT | flags, 0600);
-    const bool is_writable = file_ >= 0;
+    file_ = system::descriptor(::open(path.c_str(), O_RDWR | O_CREAT | flags, 0600));
+    const bool is_writable{file_};
     if (!is_writable && is_not_writable(errno)) {
         const int reason = errno;
-        file_ = ::open(path.c_str(), O_RDONLY | flags);
+        file_ = system::descriptor(::open(path.c_str(), O_RDONLY | flags));
         // No lock file in a read-only profile: nobody holds it.
-        if (file_ < 0 && errno == ENOENT) return;
-        if (file_ < 0) errno = reason;
+        if (!file_ && errno == ENOENT) return;
+        if (!file_) errno = reason;
     }
-    if (file_ < 0 && errno != ELOOP && errno != EISDIR)
+    if (!file_ && errno != ELOOP && errno != EISDIR)
         throw std::runtime_error("Cannot open " + path + ": " + std::system_category().message(errno) +
                                  ". Correct the permissions of the profile folder, or choose another with --profile.");
-    if (file_ < 0 || !is_lock_file(file_)) {
-        if (file_ >= 0) ::close(file_);
+    if (!file_ || !is_lock_file(file_.get()))
         throw std::runtime_error(path + " is not the player's lock file and was left as it is. Move it away, or choose " +
                                  "another profile with --profile.");
-    }
     const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (::flock(file_, LOCK_EX | LOCK_NB) != 0) {
+    while (::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) {
-            const auto holder = content_of(file_);
-            ::close(file_);
+            const auto holder = content_of(file_.get());
             throw std::runtime_error("The profile " + profile + " is in use by process " +
                                      (holder.empty() ? "unknown" : holder) +
                                      ". Wait until it ends, or choose another profile with --profile.");
@@ -67,13 +64,9 @@ profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     const auto own = std::to_string(::getpid());
-    if (is_writable && (::ftruncate(file_, 0) != 0 || ::pwrite(file_, own.data(), own.size(), 0) < 0)) {
+    if (is_writable && (::ftruncate(file_.get(), 0) != 0 || ::pwrite(file_.get(), own.data(), own.size(), 0) < 0)) {
         // Not needed for locking, only for the message above.
     }
-}
-
-profile_lock::~profile_lock() {
-    if (file_ >= 0) ::close(file_);
 }
 
 }  // namespace ostrevan::core

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <string>
 
+#include "player/system/descriptor.h"
+
 namespace ostrevan::core {
 
 /// Keeps a profile to one process. The lock ends with the process, however that ends. A profile that cannot be written
@@ -12,12 +14,9 @@ public:
     /// Waits up to `patience` for another holder to end, then throws with a message that names its process. Throws as well
     /// when something else is in the place of the lock, and leaves that alone.
     profile_lock(const std::string& profile, std::chrono::milliseconds patience);
-    ~profile_lock();
-    profile_lock(const profile_lock&) = delete;
-    profile_lock& operator=(const profile_lock&) = delete;
 
 private:
-    int file_;
+    system::descriptor file_;
 };
 
 }  // namespace ostrevan::core

@@ -8,6 +8,7 @@
 
 #include "nuv/text.h"
 #include "player/library/directory.h"
+#include "player/system/durable_file.h"
 #include "player/tags/formats.h"
 
 namespace ostrevan::library {
@@ -21,11 +22,6 @@ constexpr std::string_view shared_fields[] = {
     "performer", "discnumber",   "totaldiscs", "discsubtitle", "label", "comment",
 };
 constexpr std::string_view embedded_field = "cuesheet";
-
-std::string folder_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    return slash == path.npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
-}
 
 std::string_view stem_of(std::string_view name) noexcept { return name.substr(0, std::min(name.rfind('.'), name.size())); }
 
@@ -77,7 +73,7 @@ bool stays_inside(const std::filesystem::path& relative) {
 }
 
 std::string locate_audio(const std::string& cue_path, const std::string& name, bool is_only) {
-    const std::string folder = folder_of(cue_path);
+    const std::string folder = system::folder_of(cue_path);
     std::string relative = name;
     std::ranges::replace(relative, '\\', '/');
     if (const auto inside = std::filesystem::path(relative).lexically_normal();

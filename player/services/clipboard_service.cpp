@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "player/system/descriptor.h"
 #include "player/system/durable_file.h"
 
 namespace ostrevan::services {
@@ -26,21 +27,20 @@ bool is_private(const struct stat& status) {
 
 /// At most `limit` bytes of the file; none when it is not this user's own regular file.
 std::optional<std::string> read_private(const std::string& path, std::size_t limit) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0) return std::nullopt;
+    const system::descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file) return std::nullopt;
     std::optional<std::string> content;
     struct stat status {};
-    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && is_private(status)) {
+    if (::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && is_private(status)) {
         content.emplace();
         std::array<char, 64 * 1024> block;
         while (content->size() < limit) {
-            const auto size = ::read(file, block.data(), std::min(block.size(), limit - content->size()));
+            const auto size = ::read(file.get(), block.data(), std::min(block.size(), limit - content->size()));
             if (size < 0) content.reset();
             if (size <= 0) break;
             content->append(block.data(), static_cast<std::size_t>(size));
         }
     }
-    ::close(file);
     return content;
 }
 

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#include "player/system/descriptor.h"
+
 namespace ostrevan::services {
 
 void crash_log_service_impl::on_event(const char* line) {
@@ -21,10 +23,9 @@ void crash_log_service_impl::write_crash(const char* text) noexcept {
         for (const auto& line : events_) lines += line + '\n';
         lines += std::string("Bug check: ") + text + '\n';
         // A pipe that lies in its place must not hold up the end of the process.
-        const int file = ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0600);
-        if (file < 0) return;
-        (void)!::write(file, lines.data(), lines.size());
-        ::close(file);
+        const system::descriptor file(
+            ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0600));
+        if (file) (void)!::write(file.get(), lines.data(), lines.size());
     } catch (...) {  // the process ends with the text on standard error in any case
     }
 }

@@ -3,17 +3,15 @@
 #include <string>
 
 #include "ostrevan/filesystem.h"
+#include "player/system/descriptor.h"
 
 namespace ostrevan::services {
 
 /// A file on this machine. Only a regular file has a size; pipes never block.
 class local_file : public file {
 public:
-    /// The path is for messages. Takes the descriptor over.
-    local_file(std::string path, int descriptor) noexcept;
-    local_file(const local_file&) = delete;
-    local_file& operator=(const local_file&) = delete;
-    ~local_file() override;
+    /// The path is for messages.
+    local_file(std::string path, system::descriptor opened) noexcept;
 
     std::optional<std::uint64_t> size() override;
     void seek(std::uint64_t position) override;
@@ -22,9 +20,9 @@ public:
     void flush() override;
 
 protected:
-    [[noreturn]] void fail(const char* done) const;
+    [[noreturn]] void fail(const char* done, int error) const;
     const std::string path_;
-    const int descriptor_;
+    const system::descriptor file_;
 };
 
 /// Opens an existing file or device. Throws as the file system's `open`.

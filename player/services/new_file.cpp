@@ -11,6 +11,7 @@
 
 #include "ostrevan/exceptions.h"
 #include "player/services/local_file.h"
+#include "player/system/durable_file.h"
 
 namespace ostrevan::services {
 namespace {
@@ -19,13 +20,15 @@ namespace fs = std::filesystem;
 
 class new_file : public local_file {
 public:
-    new_file(std::string final, std::string part, int descriptor, unfinished_file_sink on_unfinished) noexcept
-        : local_file(std::move(final), descriptor), part_(std::move(part)), on_unfinished_(std::move(on_unfinished)) {}
+    new_file(std::string final, std::string part, system::descriptor opened, unfinished_file_sink on_unfinished) noexcept
+        : local_file(std::move(final), std::move(opened)),
+          part_(std::move(part)),
+          on_unfinished_(std::move(on_unfinished)) {}
 
     ~new_file() override {
         if (is_in_place_) return;
         struct stat status {};
-        if (::fstat(descriptor_, &status) == 0 && status.st_size == 0) {
+        if (::fstat(file_.get(), &status) == 0 && status.st_size == 0) {
             ::unlink(part_.c_str());
         } else if (on_unfinished_) {
             std::error_code ignored;
@@ -37,12 +40,9 @@ public:
     void flush() override {
         local_file::flush();
         if (is_in_place_) return;
-        if (::rename(part_.c_str(), path_.c_str()) != 0) fail("replaced");
+        if (::rename(part_.c_str(), path_.c_str()) != 0) fail("replaced", errno);
         is_in_place_ = true;
-        const int folder = ::open(fs::path(path_).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (folder < 0) return;
-        ::fsync(folder);
-        ::close(folder);
+        (void)system::sync_to_disk(system::folder_of(path_));
     }
 
 private:
@@ -71,15 +71,14 @@ file_ptr open_new_file(const std::string& path, const unfinished_file_sink& on_u
     // Never overwrites an unfinished file of an earlier attempt.
     constexpr int most_parts = 100;
     std::string part;
-    int descriptor = -1;
-    for (int number = 1; number <= most_parts && (number == 1 || (descriptor < 0 && errno == EEXIST)); ++number) {
+    system::descriptor file;
+    for (int number = 1; number <= most_parts && (number == 1 || (!file && errno == EEXIST)); ++number) {
         part = place + ".part" + (number == 1 ? "" : std::to_string(number));
-        descriptor = ::open(part.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, everybody);
+        file = system::descriptor(::open(part.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, everybody));
     }
-    if (descriptor < 0) throw_io_error(part + " cannot be made beside " + path, errno);
-    auto opened = service_new<new_file>(place, part, descriptor, on_unfinished);
-    if (is_there) (void)!::fchmod(descriptor, older.st_mode & 0777);
-    return opened;
+    if (!file) throw_io_error(part + " cannot be made beside " + path, errno);
+    if (is_there) (void)!::fchmod(file.get(), older.st_mode & 0777);
+    return service_new<new_file>(place, part, std::move(file), on_unfinished);
 }
 
 }  // namespace ostrevan::services

@@ -1,17 +1,16 @@
 #include "player/sqlite/backup.h"
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <ctime>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
+
+#include "player/system/durable_file.h"
 
 namespace ostrevan::sqlite {
 namespace {
@@ -28,11 +27,7 @@ constexpr auto user_only = fs::perms::owner_read | fs::perms::owner_write;
 }
 
 void sync(const fs::path& path) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool done = file >= 0 && ::fsync(file) == 0;
-    const int error = errno;
-    if (file >= 0) ::close(file);
-    if (!done) fail(path, std::system_category().message(error));
+    if (const int error = system::sync_to_disk(path.string()); error != 0) fail(path, std::system_category().message(error));
 }
 
 /// 20260131-081500, in UTC, so that names sort by time.

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -12,6 +11,7 @@
 
 #include "player/sqlite/backup.h"
 #include "player/sqlite/schema.h"
+#include "player/system/descriptor.h"
 
 namespace ostrevan::sqlite {
 namespace {
@@ -167,8 +167,7 @@ void database::check_file() const {
     if (status.type() == fs::file_type::not_found) {
         // SQLite would make it readable for everybody. The files beside it get the mode of the database.
         constexpr mode_t user_only = 0600;
-        const int made = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, user_only);
-        if (made >= 0) ::close(made);
+        const system::descriptor made(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, user_only));
     } else if (!failed && status.type() != fs::file_type::regular) {
         throw error(SQLITE_NOTADB, describe(contents_, path_, "is not a file. ") + way_out_of(SQLITE_NOTADB));
     } else if (!failed && fs::file_size(path_, failed) == 0 && has_copies(path_)) {

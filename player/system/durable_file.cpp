@@ -4,10 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <filesystem>
+#include <cstdlib>
 #include <stdexcept>
 #include <system_error>
+
+#include "player/system/descriptor.h"
 
 namespace ostrevan::system {
 namespace {
@@ -17,40 +20,45 @@ namespace {
                              ". Free some space or correct the permissions of the folder, then try again.");
 }
 
-void write_all(int file, std::string_view bytes) {
+}  // namespace
+
+std::string folder_of(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+int write_all(int file, std::string_view bytes) noexcept {
     while (!bytes.empty()) {
         const auto written = ::write(file, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) throw std::system_error(errno, std::system_category());
+        if (written < 0) return errno;
+        if (written == 0) return ENOSPC;
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    return 0;
 }
 
-}  // namespace
+int sync_to_disk(int file) noexcept { return ::fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno; }
+
+int sync_to_disk(const std::string& path) noexcept {
+    const descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    return file ? sync_to_disk(file.get()) : errno;
+}
 
 void replace_file(const std::string& path, std::string_view bytes, unsigned mode) {
     std::string fresh = path + ".XXXXXX";
-    const int file = ::mkstemp(fresh.data());
-    if (file < 0) fail(path, errno);
-    int error = 0;
-    try {
-        write_all(file, bytes);
-        if (::fchmod(file, mode) != 0 || ::fsync(file) != 0) error = errno;
-    } catch (const std::system_error& failure) {
-        error = failure.code().value();
-    }
-    if (::close(file) != 0 && error == 0) error = errno;
+    descriptor file(::mkstemp(fresh.data()));
+    if (!file) fail(path, errno);
+    int error = write_all(file.get(), bytes);
+    if (error == 0 && ::fchmod(file.get(), mode) != 0) error = errno;
+    if (error == 0) error = sync_to_disk(file.get());
+    if (const int closing = file.close(); error == 0) error = closing;
     if (error == 0 && ::rename(fresh.c_str(), path.c_str()) != 0) error = errno;
     if (error != 0) {
         ::unlink(fresh.c_str());
         fail(path, error);
     }
-    const auto folder = std::filesystem::path(path).parent_path();
-    const int directory = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (directory >= 0) {
-        ::fsync(directory);
-        ::close(directory);
-    }
+    (void)sync_to_disk(folder_of(path));
 }
 
 }  // namespace ostrevan::system

@@ -9,7 +9,7 @@
 
 namespace ostrevan::tags {
 
-file_stream::file_stream(std::string path, descriptor file, access mode)
+file_stream::file_stream(std::string path, system::descriptor file, access mode)
     : path_(std::move(path)), file_(std::move(file)), mode_(mode) {
     struct stat about {};
     if (fstat(file_.get(), &about) != 0) error_ = errno;

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "player/tags/descriptor.h"
+#include "player/system/descriptor.h"
 
 namespace ostrevan::tags {
 
@@ -20,7 +20,7 @@ public:
     /// Called before every write with its size; a number other than 0 is the error that the write then fails with.
     using write_fault = std::function<int(std::size_t)>;
 
-    file_stream(std::string path, descriptor file, access mode);
+    file_stream(std::string path, system::descriptor file, access mode);
 
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
     [[nodiscard]] int file() const noexcept { return file_.get(); }
@@ -59,7 +59,7 @@ private:
     void move_tail(long from, long to);
 
     std::string path_;
-    descriptor file_;
+    system::descriptor file_;
     access mode_;
     int error_ = 0;
     long position_ = 0;

@@ -100,12 +100,12 @@ void open_with_library(opened_file& opened) {
 
 }  // namespace
 
-descriptor open_regular(const std::string& path, file_stream::access mode) {
+system::descriptor open_regular(const std::string& path, file_stream::access mode) {
     struct stat about {};
     if (stat(path.c_str(), &about) != 0) throw tag_error(path, "cannot be opened: " + reason_of_errno(errno));
     require_regular(path, about);
     const int flags = (mode == file_stream::access::write ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    descriptor file(open(path.c_str(), flags));
+    system::descriptor file(open(path.c_str(), flags));
     if (!file) throw tag_error(path, "cannot be opened: " + reason_of_errno(errno));
     // The name may lead to another file by now.
     if (fstat(file.get(), &about) != 0) throw tag_error(path, "cannot be examined: " + reason_of_errno(errno));

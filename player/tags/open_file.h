@@ -30,7 +30,7 @@ struct opened_file {
 
 /// Opens a regular file. Refuses pipes, devices and folders without opening them, so it never waits.
 /// @throws tag_error
-descriptor open_regular(const std::string& path, file_stream::access mode);
+system::descriptor open_regular(const std::string& path, file_stream::access mode);
 
 /// Opens the file in the format that its bytes show. @throws tag_error: no such file, not permitted, empty, no supported
 /// audio in it.

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 
+#include "player/system/durable_file.h"
 #include "player/tags/changes.h"
 #include "player/tags/edit_tags.h"
 #include "player/tags/encoded_sound.h"
@@ -117,11 +118,6 @@ file_info verified_copy(const std::string& copy, const file_info& before, const 
     return now;
 }
 
-bool sync_folder(const std::string& folder) {
-    const descriptor handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return handle && (fsync(handle.get()) == 0 || errno == EINVAL);
-}
-
 rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit, const rewrite_options& options) {
     const auto done = [&](rewrite_step step) {
         if (options.faults != nullptr && options.faults->at_step) options.faults->at_step(step);
@@ -142,7 +138,8 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     const std::uint64_t sound = known_sound(path, original);
     done(rewrite_step::opened);
 
-    remove_stale_copies(folder_of(path));
+    const std::string folder = system::folder_of(path);
+    remove_stale_copies(folder);
     working_copy copy(path);
     done(rewrite_step::copy_made);
     copy.take_content(original.stream->file(), about);
@@ -162,7 +159,7 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     copy.take_place();
     result.outcome = rewrite_outcome::rewritten;
     done(rewrite_step::renamed);
-    if (!sync_folder(folder_of(path)))
+    if (system::sync_to_disk(folder) != 0)
         result.notes.emplace_back(
             "its folder could not be brought to the disk; a power failure now may bring back the old file");
     done(rewrite_step::folder_synced);

@@ -13,7 +13,7 @@
 #include <fstream>
 
 #include "nuv/text.h"
-#include "player/tags/descriptor.h"
+#include "player/system/descriptor.h"
 
 namespace ostrevan::tags {
 namespace {
@@ -49,7 +49,7 @@ bool is_alive(const process_identity& maker) {
 
 /// A lock ends with its process, and also holds for other machines and containers that share the folder.
 bool remove_unlocked(const std::string& path) {
-    const descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const system::descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     return file && flock(file.get(), LOCK_EX | LOCK_NB) == 0 && unlink(path.c_str()) == 0;
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "nuv/text.h"
+#include "player/system/durable_file.h"
 #include "player/tags/errors.h"
 #include "player/tags/stale_copies.h"
 
@@ -80,16 +81,10 @@ int copy_attribute(int from, int to, const std::string& name) {
 
 }  // namespace
 
-std::string folder_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 working_copy::working_copy(const std::string& original) : original_(original) {
     do {
-        path_ = folder_of(original) + "/" + next_copy_name(original);
-        file_ = descriptor(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+        path_ = system::folder_of(original) + "/" + next_copy_name(original);
+        file_ = system::descriptor(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
     } while (!file_ && errno == EEXIST);
     if (!file_) {
         path_.clear();
@@ -137,7 +132,8 @@ void working_copy::take_times(const struct stat& about) {
 }
 
 void working_copy::sync() {
-    if (fsync(file_.get()) != 0) fail("the edited copy cannot be brought to the disk", errno);
+    if (const int error = system::sync_to_disk(file_.get()); error != 0)
+        fail("the edited copy cannot be brought to the disk", error);
 }
 
 void working_copy::take_place() {

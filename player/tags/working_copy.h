@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "player/tags/descriptor.h"
+#include "player/system/descriptor.h"
 
 namespace ostrevan::tags {
 
@@ -38,10 +38,7 @@ private:
 
     std::string original_;
     std::string path_;
-    descriptor file_;
+    system::descriptor file_;
 };
-
-/// The folder part of a path; "." when there is none.
-std::string folder_of(const std::string& path);
 
 }  // namespace ostrevan::tags

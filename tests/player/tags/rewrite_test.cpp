@@ -270,7 +270,7 @@ TEST_F(rewrite, removes_only_copies_whose_makers_are_dead) {
     for (const auto& name : {std::string(dead), std::string(reused), own}) put_bytes(folder_ / name, "x");
     {
         // In the hands of another machine that shares the folder.
-        const descriptor held(open((folder_ / dead).c_str(), O_RDONLY));
+        const system::descriptor held(open((folder_ / dead).c_str(), O_RDONLY));
         ASSERT_EQ(flock(held.get(), LOCK_EX), 0);
         EXPECT_EQ(remove_stale_copies(folder_.string()), 1u);
     }

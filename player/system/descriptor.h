@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace ostrevan::tags {
+namespace ostrevan::system {
 
 /// Owns an open file descriptor.
 class descriptor {
@@ -27,4 +27,4 @@ private:
     int number_ = -1;
 };
 
-}  // namespace ostrevan::tags
+}  // namespace ostrevan::system

@@ -1,10 +1,10 @@
-#include "player/tags/descriptor.h"
+#include "player/system/descriptor.h"
 
 #include <unistd.h>
 
 #include <cerrno>
 
-namespace ostrevan::tags {
+namespace ostrevan::system {
 
 descriptor::~descriptor() { close(); }
 
@@ -13,4 +13,4 @@ int descriptor::close() noexcept {
     return ::close(std::exchange(number_, -1)) == 0 || errno == EINTR ? 0 : errno;
 }
 
-}  // namespace ostrevan::tags
+}  // namespace ostrevan::system
