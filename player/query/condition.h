@@ -1,11 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "player/query/local_time.h"
 #include "player/query/query.h"
 
 namespace ostrevan::query {
@@ -13,7 +15,8 @@ namespace ostrevan::query {
 /// The track being tested.
 struct examined {
     const titleformat::field_source& fields;
-    const query_clock& clock;
+    /// The present moment, the same for all tracks of a search.
+    std::chrono::sys_seconds now;
     /// Scratch space, so that a search does not allocate for each track. Valid until the next condition.
     std::string& text;
     std::string& folded;

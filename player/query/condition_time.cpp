@@ -1,3 +1,4 @@
+#include <optional>
 #include <utility>
 
 #include "player/query/condition.h"
@@ -6,21 +7,37 @@ namespace ostrevan::query {
 
 namespace {
 
+using std::chrono::seconds;
+using std::chrono::sys_seconds;
 using titleformat::script;
 
-std::optional<period> read_period(const examined& track, const script& left) {
-    if (!track.read(left)) return std::nullopt;
-    return parse_period(track.text);
+/// `time` counts 100 ns since 1601-01-01 UTC.
+sys_seconds moment_of(std::uint64_t time) {
+    constexpr std::uint64_t units_per_second = 10'000'000;
+    constexpr std::chrono::sys_days start{std::chrono::year{1601} / 1 / 1};
+    return start + seconds{time / units_per_second};
 }
 
-bool inside(const period& inner, local_time first, local_time end) { return inner.first >= first && inner.end <= end; }
+/// The moment of a field that is a time. Otherwise the script's text may be a time all the same, such as a date of a tag.
+std::optional<std::uint64_t> exact_time(const examined& track, const script& left) {
+    const auto name = left.only_field();
+    return name ? track.fields.sort_value(*name) : std::nullopt;
+}
+
+std::optional<period> shown_period(const examined& track, const script& left) {
+    if (const auto time = exact_time(track, left)) {
+        const auto first = shown_at(moment_of(*time));
+        return *time == 0 ? std::nullopt : std::optional(period{first, first + seconds{1}});
+    }
+    return track.read(left) ? parse_period(track.text) : std::nullopt;
+}
 
 class time_condition final : public condition {
 public:
     time_condition(script left, time_test test, period right) noexcept
         : left_(std::move(left)), test_(test), right_(right) {}
     [[nodiscard]] bool matches(const examined& track) const override {
-        const auto value = read_period(track, left_);
+        const auto value = shown_period(track, left_);
         if (!value) return false;
         switch (test_) {
             case time_test::before:
@@ -30,7 +47,7 @@ public:
             case time_test::since:
                 return value->first >= right_.first;
             case time_test::during:
-                return inside(*value, right_.first, right_.end);
+                return value->first >= right_.first && value->end <= right_.end;
         }
         return false;
     }
@@ -46,13 +63,19 @@ public:
     recent_condition(script left, time_unit unit, std::int64_t count) noexcept
         : left_(std::move(left)), unit_(unit), count_(count) {}
     [[nodiscard]] bool matches(const examined& track) const override {
-        const auto value = read_period(track, left_);
-        return value && inside(*value, first(track.clock), track.clock.latest() + std::chrono::seconds{1});
+        if (const auto time = exact_time(track, left_)) {
+            const auto moment = moment_of(*time);
+            return *time != 0 && moment <= track.now &&
+                   (unit_.months == 0 ? moment >= start(track) : shown_at(moment) >= shown_start(track));
+        }
+        const auto value = shown_period(track, left_);
+        return value && value->first >= shown_start(track) && value->end <= shown_at(track.now) + seconds{1};
     }
 
 private:
-    [[nodiscard]] local_time first(const query_clock& clock) const {
-        return unit_.months == 0 ? clock.ago(unit_.seconds * count_) : months_before(clock.now(), unit_.months * count_);
+    [[nodiscard]] sys_seconds start(const examined& track) const { return track.now - seconds{unit_.seconds * count_}; }
+    [[nodiscard]] local_time shown_start(const examined& track) const {
+        return unit_.months == 0 ? shown_at(start(track)) : months_before(shown_at(track.now), unit_.months * count_);
     }
 
     script left_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ctime>
 
 namespace ostrevan::query {
 
@@ -51,6 +52,13 @@ local_time end_of(local_time first, const year_month_day& date, std::size_t give
 }
 
 }  // namespace
+
+local_time shown_at(sys_seconds moment) noexcept {
+    const std::time_t time = moment.time_since_epoch().count();
+    std::tm local{};
+    const auto offset = ::localtime_r(&time, &local) == nullptr ? 0 : local.tm_gmtoff;
+    return local_time{moment.time_since_epoch() + seconds{offset}};
+}
 
 std::optional<period> parse_period(std::string_view text) noexcept {
     std::array<int, parts.size()> values{0, 1, 1, 0, 0, 0};

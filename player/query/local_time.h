@@ -7,8 +7,11 @@
 
 namespace ostrevan::query {
 
-/// A wall-clock time, as fields show it. Only such times are compared with each other, so no time zone is involved.
+/// A wall-clock time, as fields show it.
 using local_time = std::chrono::local_seconds;
+
+/// What a clock on the wall shows at `moment`, in the system's time zone.
+[[nodiscard]] local_time shown_at(std::chrono::sys_seconds moment) noexcept;
 
 /// From `first` to before `end`.
 struct period {

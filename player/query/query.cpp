@@ -4,9 +4,9 @@
 
 namespace ostrevan::query {
 
-bool query::matches(const titleformat::field_source& fields, const query_clock& clock) const {
+bool query::matches(const titleformat::field_source& fields, std::chrono::sys_seconds now) const {
     std::string text, folded;
-    return root_->matches({fields, clock, text, folded});
+    return root_->matches({fields, now, text, folded});
 }
 
 }  // namespace ostrevan::query

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -8,7 +9,6 @@
 #include <string_view>
 #include <vector>
 
-#include "player/query/clock.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::query {
@@ -30,7 +30,7 @@ struct named_field {
 class query {
 public:
     /// Throws what the source throws.
-    [[nodiscard]] bool matches(const titleformat::field_source& fields, const query_clock& clock) const;
+    [[nodiscard]] bool matches(const titleformat::field_source& fields, std::chrono::sys_seconds now) const;
 
     [[nodiscard]] const std::optional<sort_order>& sort() const noexcept { return sort_; }
     /// The number of tracks wanted, the first in sort order; all when empty.

@@ -20,8 +20,8 @@ public:
     /// the call only.
     virtual bool field(std::string_view name, std::string& out) const = 0;
 
-    /// The number to sort by instead of the text, 0 when the track has none; empty when sorting by the text. `name` as
-    /// above.
+    /// The moment that a field shows: in units of 100 ns since 1601-01-01 UTC, 0 when the track has none; empty for a field
+    /// that shows no time. `name` as above.
     [[nodiscard]] virtual std::optional<std::uint64_t> sort_value(std::string_view /*name*/) const { return std::nullopt; }
 
 protected:

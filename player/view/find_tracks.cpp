@@ -13,13 +13,12 @@ metadb_handle_list find_tracks(const library::media_library& library, const titl
                                const std::string& text) {
     const auto wanted = query::parse(text);
     check_fields(wanted, text, library, fields);
-    const auto clock =
-        query::query_clock::local_at(std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()));
+    const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     const auto limit = wanted.limit().value_or(library.items().size());
     std::vector<metadb_handle_ptr> found;
     for (const auto& track : library.items()) {
         if (!wanted.sort() && found.size() == limit) break;
-        if (wanted.matches(titleformat::track_fields(fields, *track), clock)) found.emplace_back(track);
+        if (wanted.matches(titleformat::track_fields(fields, *track), now)) found.emplace_back(track);
     }
 
     metadb_handle_list tracks(std::move(found));

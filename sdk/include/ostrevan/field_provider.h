@@ -42,13 +42,13 @@ public:
     virtual bool process_field(std::size_t index, metadb_handle* track, titleformat_text_out& out) = 0;
 };
 
-/// Extension of a field provider, found by `service_query`: numbers to sort by where the texts sort wrongly, as local times
-/// do in the hour that occurs twice when the clocks go back. [any-thread]
+/// Extension of a field provider, found by `service_query`: the moments behind fields that show times, to sort and to compare
+/// by. The texts mislead in the hour that occurs twice when the clocks go back. [any-thread]
 class field_sort_values : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{6E4B9D0C-1F5E-4B43-A4C7-52B0E6C1D7F8}");
 
-    /// 0 when the track has no value; none for a field to sort by its text.
+    /// In units of 100 ns since 1601-01-01 UTC; 0 when the track has none. Empty for a field that shows no time.
     [[nodiscard]] virtual std::optional<std::uint64_t> sort_value(std::size_t index, metadb_handle& track) = 0;
 };
 

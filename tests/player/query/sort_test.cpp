@@ -39,17 +39,10 @@ TEST(sort, never_played_tracks_have_a_count_to_sort_by_but_no_time) {
 }
 
 TEST(sort, goes_by_the_number_behind_a_field_when_the_field_is_all_there_is) {
-    struct repeated_hour final : titleformat::field_source {
-        std::uint64_t time = 0;
-        bool field(std::string_view, std::string& out) const override {
-            out += "2026-10-25 02:30:00";
-            return true;
-        }
-        [[nodiscard]] std::optional<std::uint64_t> sort_value(std::string_view) const override { return time; }
-    } track;
+    titleformat::table_of_fields track({{"last_played", "2026-10-25 02:30:00"}}, {}, {{"last_played", 0}});
     const auto by_time = *parse("SORT BY %last_played%").sort();
     EXPECT_TRUE(entry_of(by_time, 0, track).absent);
-    track.time = 134'067'546'000'000'000;
+    track.moments["last_played"] = 134'067'546'000'000'000;
     EXPECT_EQ(entry_of(by_time, 0, track).text, "134067546000000000");
     EXPECT_EQ(entry_of(*parse("SORT BY $left(%last_played%,10)").sort(), 0, track).text, "2026-10-25");
 }

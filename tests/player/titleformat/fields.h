@@ -15,8 +15,10 @@ namespace ostrevan::titleformat {
 /// A track as a table: its fields, and texts of some that it lacks.
 struct table_of_fields final : field_source {
     using table = std::map<std::string, std::string, std::less<>>;
+    using numbers = std::map<std::string, std::uint64_t, std::less<>>;
 
-    explicit table_of_fields(table has, table lacks = {}) : found(std::move(has)), absent(std::move(lacks)) {}
+    explicit table_of_fields(table has, table lacks = {}, numbers times = {})
+        : found(std::move(has)), absent(std::move(lacks)), moments(std::move(times)) {}
 
     bool field(std::string_view name, std::string& out) const override {
         if (const auto value = found.find(name); value != found.end()) {
@@ -27,7 +29,13 @@ struct table_of_fields final : field_source {
         return false;
     }
 
+    [[nodiscard]] std::optional<std::uint64_t> sort_value(std::string_view name) const override {
+        const auto value = moments.find(name);
+        return value == moments.end() ? std::nullopt : std::optional(value->second);
+    }
+
     table found, absent;
+    numbers moments;
 };
 
 /// The rows of a table in a file, without comments and blank lines.
