@@ -8,7 +8,7 @@
 namespace ostrevan::library {
 
 void audio_claims::settle(std::vector<scanned_file>& sheets) {
-    std::ranges::sort(sheets, {}, [](const scanned_file& each) -> const std::string& { return each.file.path; });
+    std::ranges::sort(sheets, {}, [](const scanned_file& each) -> const std::string& { return each.path; });
     for (auto& sheet : sheets) {
         if (std::ranges::any_of(sheet.file.sources, [this](const source_file& source) { return contains(source.path); })) {
             sheet.file.sources.clear();

@@ -16,7 +16,7 @@ namespace ostrevan::library {
 
 std::vector<track_ptr> tracks_on_disk(track_table& tracks, const std::string& path) try {
     std::vector<track_ptr> found;
-    for (const auto& read : read_tracks({path, {}, 0}, tags::read_file).tracks) {
+    for (const auto& read : read_tracks(path, tags::read_file)) {
         found.push_back(tracks.obtain(path, read.subsong));
         found.back()->publish(read.info);
     }

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "player/library/directory.h"
+#include "player/library/locations.h"
 
 namespace ostrevan::library {
 namespace {
@@ -63,12 +64,8 @@ void add_once(std::vector<library_folder>& folders, const library_folder& folder
 
 }  // namespace
 
-std::string normal_path(const std::string& path) {
-    std::error_code failed;
-    auto normal = fs::absolute(path, failed).lexically_normal().string();
-    if (failed) return path;
-    while (normal.size() > 1 && normal.back() == '/') normal.pop_back();
-    return normal;
+bool is_below(std::string_view path, std::string_view place) noexcept {
+    return path.starts_with(place) && (path.size() == place.size() || path[place.size()] == '/' || place == "/");
 }
 
 std::vector<std::string> check_new_folders(std::span<const std::string> paths, std::span<const library_folder> present,

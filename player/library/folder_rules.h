@@ -1,7 +1,9 @@
 #pragma once
 
+#include <set>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "player/library/library_store.h"
@@ -9,8 +11,11 @@
 
 namespace ostrevan::library {
 
-/// Absolute and lexically normal, without a final separator. Symbolic links are kept.
-std::string normal_path(const std::string& path);
+/// Files and folders inside library folders that the user does not want in the library.
+using ignored_paths = std::set<std::string, std::less<>>;
+
+/// True for `place` itself as well. "/Music/Alpha" is not below "/Music/A". Paths are normal.
+bool is_below(std::string_view path, std::string_view place) noexcept;
 
 // Unsuitable paths are added to `refused` with the reason.
 

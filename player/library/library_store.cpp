@@ -121,7 +121,8 @@ void library_store::remove_ignored(const std::string& path) {
     database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
 }
 
-void library_store::load(const std::function<void(stored_file&&, std::vector<stored_track>&&)>& on_file) const {
+void library_store::load(
+    const std::function<void(std::string&&, stored_file&&, std::vector<stored_track>&&)>& on_file) const {
     // Reads three tables side by side, in the order of file ids.
     auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
     auto tracks = database_.prepare("SELECT file, subsong, info FROM tracks ORDER BY file, subsong");
@@ -131,7 +132,6 @@ void library_store::load(const std::function<void(stored_file&&, std::vector<sto
     while (files.step()) {
         stored_file file{.id = files.integer(0),
                          .folder = files.integer(1),
-                         .path = from_blob(files.blob(2)),
                          .stamp = {files.integer(3), files.integer(4)},
                          .device = as_number(files.integer(5)),
                          .arrived = as_number(files.integer(7))};
@@ -141,13 +141,14 @@ void library_store::load(const std::function<void(stored_file&&, std::vector<sto
             of_file.push_back({static_cast<std::uint32_t>(tracks.integer(1)), from_blob(tracks.blob(2))});
         for (; has_source && sources.integer(0) <= file.id; has_source = sources.step())
             file.sources.push_back({from_blob(sources.blob(1)), {sources.integer(2), sources.integer(3)}});
-        on_file(std::move(file), std::move(of_file));
+        on_file(from_blob(files.blob(2)), std::move(file), std::move(of_file));
     }
 }
 
-std::int64_t library_store::put_file(const stored_file& file, std::span<const stored_track> tracks) {
+std::int64_t library_store::put_file(const std::string& path, const stored_file& file,
+                                     std::span<const stored_track> tracks) {
     auto& put = file.id == 0 ? insert_file_ : update_file_;
-    put.bind(1, file.folder).bind(2, to_blob(file.path)).bind(3, file.stamp.size).bind(4, file.stamp.mtime);
+    put.bind(1, file.folder).bind(2, to_blob(path)).bind(3, file.stamp.size).bind(4, file.stamp.mtime);
     put.bind(5, as_integer(file.device)).bind(7, as_integer(file.arrived));
     if (file.sound) put.bind(6, as_integer(*file.sound));
     else put.bind_null(6);
@@ -163,10 +164,10 @@ std::int64_t library_store::put_file(const stored_file& file, std::span<const st
     for (const auto& track : tracks)
         insert_track_.bind(1, id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.encoded)).run();
     for (std::size_t i = 0; i < file.sources.size(); ++i) {
-        const auto& [path, stamp] = file.sources[i];
+        const auto& [source, stamp] = file.sources[i];
         insert_source_.bind(1, id)
             .bind(2, as_integer(i))
-            .bind(3, to_blob(path))
+            .bind(3, to_blob(source))
             .bind(4, stamp.size)
             .bind(5, stamp.mtime)
             .run();

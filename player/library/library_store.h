@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "player/library/stored_file.h"
+#include "player/library/library_files.h"
 #include "player/sqlite/database.h"
 
 namespace ostrevan::library {
@@ -37,11 +37,11 @@ public:
     void remove_ignored(const std::string& path);
 
     /// Loads every file with its tracks, in the order in which they were first stored.
-    void load(const std::function<void(stored_file&&, std::vector<stored_track>&&)>& on_file) const;
+    void load(const std::function<void(std::string&& path, stored_file&&, std::vector<stored_track>&&)>& on_file) const;
 
     // To be called inside a transaction on `database()`.
     /// Adds the file, or replaces what is stored under its id; answers the id.
-    std::int64_t put_file(const stored_file& file, std::span<const stored_track> tracks);
+    std::int64_t put_file(const std::string& path, const stored_file& file, std::span<const stored_track> tracks);
     void remove_file(std::int64_t id);
     void set_device(std::int64_t file, std::uint64_t device);
 

@@ -7,7 +7,8 @@
 
 namespace ostrevan::library {
 
-/// The path as the library stores it: absolute, lexically normal, without "file://". Other protocols are unchanged.
+/// The path as the library stores it: absolute, lexically normal, without a final separator and "file://". Symbolic links
+/// are kept, and other protocols are unchanged.
 /// [any-thread]
 std::string normal_path(std::string_view path);
 

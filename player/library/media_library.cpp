@@ -9,6 +9,7 @@
 #include "player/library/audio_claims.h"
 #include "player/library/directory.h"
 #include "player/library/info_codec.h"
+#include "player/library/locations.h"
 #include "player/library/moved_files.h"
 #include "player/library/read_files.h"
 #include "player/library/scanner.h"
@@ -48,21 +49,15 @@ void media_library::load() {
     const auto count = static_cast<std::size_t>(store_.database().query_integer("SELECT count(*) FROM files"));
     files_.reserve(count);
     tracks_.reserve(count);
-    store_.load([this](stored_file&& file, std::vector<stored_track>&& tracks) {
-        library_file known{.id = file.id,
-                           .folder = file.folder,
-                           .stamp = file.stamp,
-                           .device = file.device,
-                           .sound = file.sound,
-                           .arrived = file.arrived,
-                           .sources = std::move(file.sources)};
-        last_arrival_ = std::max(last_arrival_, file.arrived);
+    store_.load([this](std::string&& path, stored_file&& file, std::vector<stored_track>&& tracks) {
+        library_file known{std::move(file)};
+        last_arrival_ = std::max(last_arrival_, known.arrived);
         known.tracks.reserve(tracks.size());
         for (auto& [subsong, encoded] : tracks) {
-            known.tracks.push_back(tracks_.obtain(file.path, subsong));
+            known.tracks.push_back(tracks_.obtain(path, subsong));
             known.tracks.back()->publish_encoded(std::move(encoded));
         }
-        files_.emplace(std::move(file.path), std::move(known));
+        files_.emplace(std::move(path), std::move(known));
     });
     scan_number_ = last_arrival_;
     for (const auto& folder : folders_) scan_number_ = std::max(scan_number_, folder.scanned);
@@ -181,14 +176,14 @@ scan_summary media_library::scan(std::span<const library_folder> folders, const 
 void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done) {
     std::vector<bool> is_other_sound;
     sqlite::transaction saving(store_.database());
-    for (auto& [file, tracks, seen] : files) {
-        const auto known = files_.find(file.path);
+    for (auto& [path, file, tracks] : files) {
+        const auto known = files_.find(path);
         if (known != files_.end()) file.id = known->second.id;
         const auto before = known != files_.end() ? known->second.sound.value_or(0) : 0;
         is_other_sound.push_back(before != 0 && file.sound.value_or(0) != 0 && before != file.sound);
         file.arrived = known != files_.end() && !is_other_sound.back() ? known->second.arrived : scan;
         last_arrival_ = std::max(last_arrival_, file.arrived);
-        file.id = store_.put_file(file, tracks);
+        file.id = store_.put_file(path, file, tracks);
     }
     saving.commit();
     for (std::size_t i = 0; i < files.size(); ++i) apply(std::move(files[i]), is_other_sound[i], done);
@@ -196,8 +191,10 @@ void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, 
 
 void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& done) {
     items_valid_ = false;
-    auto& known = files_[scanned.file.path];
-    if (is_other_sound) done.displaced.push_back(sound_at(scanned.file.path, known, scan_of(folders_, known.folder)));
+    const auto [place, is_new] = files_.try_emplace(scanned.path);
+    const auto& path = place->first;
+    auto& known = place->second;
+    if (is_other_sound) done.displaced.push_back(sound_at(path, known, scan_of(folders_, known.folder)));
     std::vector<track_ptr> tracks;
     tracks.reserve(scanned.tracks.size());
     for (auto& fresh : scanned.tracks) {
@@ -207,17 +204,18 @@ void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& 
             tracks.push_back(*old);
             update(*old, fresh.encoded, is_other_sound, done);
         } else {
-            tracks.push_back(tracks_.obtain(scanned.file.path, fresh.subsong));
+            tracks.push_back(tracks_.obtain(path, fresh.subsong));
             tracks.back()->publish_encoded(std::move(fresh.encoded));
             done.changes.added.push_back(tracks.back());
         }
     }
     for (const auto& old : known.tracks)
         if (std::ranges::find(tracks, old) == tracks.end()) done.changes.removed.push_back(old);
-    auto& file = scanned.file;
-    known = {file.id,      file.folder,  file.stamp,        file.device,
-             file.sound,   file.arrived, std::move(tracks), std::move(file.sources),
-             scanned.seen, file.device};
+    // The walk has noted this for the files it knew.
+    if (is_new) known.seen = scan_number_;
+    if (is_new) known.seen_on = scanned.file.device;
+    static_cast<stored_file&>(known) = std::move(scanned.file);
+    known.tracks = std::move(tracks);
 }
 
 void media_library::update(const track_ptr& track, std::string_view encoded, bool is_other_sound, outcome& done) {
@@ -291,12 +289,12 @@ std::vector<file_problem> media_library::refresh_tracks(std::span<const track_pt
             const auto stamp = status_of(path).stamp;
             const auto known = files_.find(path);
             if (known == files_.end()) {
-                for (const auto& [subsong, info] : read_tracks({path, stamp, 0}, reader_).tracks) {
+                for (const auto& [subsong, info] : read_tracks(path, reader_)) {
                     changes.modified.push_back(tracks_.obtain(path, subsong));
                     changes.modified.back()->publish(info);
                 }
             } else if (mode != refresh_mode::if_changed || !is_unchanged(known->second, stamp)) {
-                of_library.push_back(scan_file({path, stamp, known->second.folder, known->second.device}, reader_));
+                of_library.push_back(scan_file({{path, stamp, known->second.device}, known->second.folder}, reader_));
             }
         } catch (const std::exception& failure) {
             problems.push_back({path, reason_of(failure, path)});

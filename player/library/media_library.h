@@ -8,7 +8,6 @@
 
 #include "player/library/cue_files.h"
 #include "player/library/folder_rules.h"
-#include "player/library/ignored_paths.h"
 #include "player/library/library_changes.h"
 #include "player/library/library_files.h"
 #include "player/library/library_store.h"

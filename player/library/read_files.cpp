@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "player/library/info_codec.h"
-#include "player/library/track.h"
 
 namespace ostrevan::library {
 namespace {
@@ -58,7 +57,7 @@ private:
         } catch (const std::exception& failure) {
             const std::lock_guard guard(mutex_);
             last_ = &job;
-            problems_.push_back({job.path, reason_of(failure, job.path)});
+            problems_.push_back({job.found.path, reason_of(failure, job.found.path)});
         }
     }
 
@@ -78,7 +77,7 @@ private:
             events_.on_read(std::move(files));
             delivered_ = steady::now();
         }
-        if (last != nullptr) events_.on_progress(last->path);
+        if (last != nullptr) events_.on_progress(last->found.path);
     }
 
     const std::span<const read_job> jobs_;
@@ -98,21 +97,22 @@ private:
 }  // namespace
 
 scanned_file scan_file(const read_job& job, const info_reader& reader) {
-    auto contents = contents_of(job.path, reader);
-    scanned_file result{.file = {.folder = job.folder,
-                                 .path = job.path,
-                                 .stamp = job.stamp,
-                                 .device = job.device,
+    const auto& [path, stamp, device] = job.found;
+    auto contents = contents_of(path, reader);
+    scanned_file result{.path = path,
+                        .file = {.folder = job.folder,
+                                 .stamp = stamp,
+                                 .device = device,
                                  .sound = contents.sound,
                                  .sources = std::move(contents.sources)}};
     for (const auto& [subsong, info] : contents.tracks) result.tracks.push_back({subsong, encode_info(info)});
     return result;
 }
 
-file_snapshots read_tracks(const read_job& job, const info_reader& reader) {
-    file_snapshots result;
-    auto contents = contents_of(job.path, reader);
-    for (auto& [subsong, info] : contents.tracks) result.tracks.push_back({subsong, make_snapshot(std::move(info))});
+std::vector<track_snapshot> read_tracks(const std::string& path, const info_reader& reader) {
+    std::vector<track_snapshot> result;
+    auto contents = contents_of(path, reader);
+    for (auto& [subsong, info] : contents.tracks) result.push_back({subsong, make_snapshot(std::move(info))});
     return result;
 }
 

@@ -9,34 +9,25 @@
 #include <string>
 #include <vector>
 
-#include "ostrevan/track.h"
 #include "player/library/cue_files.h"
+#include "player/library/folder_walk.h"
 #include "player/library/scan_types.h"
+#include "player/library/track.h"
 #include "player/library/worker_group.h"
 
 namespace ostrevan::library {
 
 /// A file to read, with its stamp from before: later changes are seen by the next scan.
 struct read_job {
-    std::string path;
-    file_stamp stamp;
-    std::int64_t folder = 0;
-    std::uint64_t device = 0;  // of its folder
+    found_file found;
+    std::int64_t folder = 0;  // of the library
 };
 
 /// Reads the tracks of one library file; throws with the reason. [any-thread]
 scanned_file scan_file(const read_job& job, const info_reader& reader);
 
-struct snapshot_track {
-    std::uint32_t subsong = 0;
-    metadb_info_ptr info;
-};
-struct file_snapshots {
-    std::vector<snapshot_track> tracks;
-};
-
-/// As `scan_file`, for tracks to be published without storing them. Uses only the path of the job.
-file_snapshots read_tracks(const read_job& job, const info_reader& reader);
+/// As `scan_file`, for tracks to be published without storing them.
+std::vector<track_snapshot> read_tracks(const std::string& path, const info_reader& reader);
 
 /// Called on the calling thread.
 struct read_events {

@@ -2,12 +2,11 @@
 
 #include <atomic>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "player/library/stored_file.h"
+#include "player/library/library_files.h"
 
 namespace ostrevan::library {
 
@@ -28,9 +27,9 @@ struct scan_options {
 /// A file read because it is new or changed. Its tracks are encoded: ten thousand field lists in memory would cost more in
 /// allocations than the database.
 struct scanned_file {
-    stored_file file;  // id and arrival not known yet
+    std::string path;
+    stored_file file{};  // id and arrival not known yet
     std::vector<stored_track> tracks{};
-    std::uint64_t seen = 0;  // number of the scan
 };
 
 struct file_problem {

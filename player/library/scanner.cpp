@@ -58,8 +58,7 @@ private:
                                [this](const std::string& directory) { tell(directory); }};
         tell(folder.path);
         auto found = walk_folder(folder.path, rules, workers_);
-        for (auto& [path, stamp, device] : found.files)
-            (is_cue_path(path) ? sheets_ : audio_).push_back({std::move(path), stamp, folder.id, device});
+        for (auto& file : found.files) (is_cue_path(file.path) ? sheets_ : audio_).push_back({std::move(file), folder.id});
         if (found.root_reason.empty() && found.is_empty && holds_files(folder.id)) found.root_reason = "it is empty";
         if (found.root_reason.empty()) report_.folders_seen.push_back(folder.id);
         else report_.absent.push_back({folder.path, std::move(found.root_reason), 0, absence::library_folder});
@@ -105,8 +104,8 @@ private:
     void read_sheets() {
         if (sheets_.empty() && unseen_ == 0) return;
         std::erase_if(sheets_, [&](const read_job& sheet) {
-            const auto known = files_.find(sheet.path);
-            const bool is_same = known != files_.end() && is_unchanged(known->second, sheet.stamp);
+            const auto known = files_.find(sheet.found.path);
+            const bool is_same = known != files_.end() && is_unchanged(known->second, sheet.found.stamp);
             if (is_same) note_unchanged(known->second);
             return is_same;
         });
@@ -117,29 +116,23 @@ private:
                    }));
         // Sheets that are unchanged, failed or were not reached keep their tracks and audio, unless they are gone.
         std::unordered_set<std::string_view> replaced;
-        for (const auto& sheet : read) replaced.insert(sheet.file.path);
+        for (const auto& sheet : read) replaced.insert(sheet.path);
         for (const auto& [path, file] : files_)
             if (!file.sources.empty() && !replaced.contains(path) && !is_gone(path, file)) claims_.add(file.sources);
         claims_.settle(read);
-        if (!read.empty()) deliver(std::move(read));
+        if (!read.empty()) sink_(std::move(read));
     }
 
     void read_audio() {
-        done_ +=
-            std::erase_if(audio_, [this](const read_job& each) { return claims_.contains(each.path) && drop(each.path); });
+        done_ += std::erase_if(
+            audio_, [this](const read_job& each) { return claims_.contains(each.found.path) && drop(each.found.path); });
         // Audio listed by itself so far, and unchanged.
         for (const auto& path : claims_.paths())
             if (const auto known = files_.find(path); known != files_.end() && known->second.seen == request_.number) {
                 tracks_unchanged_ -= known->second.tracks.size();
                 drop(path);
             }
-        read_files(audio_, reader_, workers_, done_,
-                   events([this](std::vector<scanned_file>&& files) { deliver(std::move(files)); }));
-    }
-
-    void deliver(std::vector<scanned_file>&& files) {
-        for (auto& file : files) file.seen = request_.number;
-        sink_(std::move(files));
+        read_files(audio_, reader_, workers_, done_, events(sink_));
     }
 
     /// Marks a found file as gone.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "player/library/cue_files.h"
-#include "player/library/ignored_paths.h"
+#include "player/library/folder_rules.h"
 #include "player/library/library_files.h"
 #include "player/library/library_store.h"
 #include "player/library/scan_types.h"

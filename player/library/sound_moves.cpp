@@ -18,18 +18,18 @@ using condition = bool (*)(const placed_sound& left, const placed_sound& come);
 constexpr std::size_t most_pairs = 10000;
 
 bool has_info(const placed_sound& sound) {
-    return std::ranges::all_of(sound.tracks, [](const placed_track& each) { return static_cast<bool>(each.info); });
+    return std::ranges::all_of(sound.tracks, [](const track_snapshot& each) { return static_cast<bool>(each.info); });
 }
 
 bool is_possible(const placed_sound& left, const placed_sound& come) {
     return come.scan > left.scan && left.path != come.path && has_info(left) && has_info(come) &&
-           std::ranges::equal(left.tracks, come.tracks, [](const placed_track& a, const placed_track& b) {
+           std::ranges::equal(left.tracks, come.tracks, [](const track_snapshot& a, const track_snapshot& b) {
                return a.subsong == b.subsong && is_same_sound(a.info->info(), b.info->info());
            });
 }
 
 bool has_same_tags(const placed_sound& a, const placed_sound& b) {
-    return std::ranges::equal(a.tracks, b.tracks, [](const placed_track& one, const placed_track& other) {
+    return std::ranges::equal(a.tracks, b.tracks, [](const track_snapshot& one, const track_snapshot& other) {
         return one.info->info() == other.info->info();
     });
 }
@@ -75,7 +75,7 @@ void take_pairs(sounds& left, sounds& come, condition fits, sound_moves& moves) 
 bool is_all_the_same(const sounds& left, const sounds& come) {
     const auto& first = *left.front();
     const auto is_same = [&](const placed_sound* each) { return has_same_tags(first, *each); };
-    const auto has_title = [](const placed_track& each) { return each.info->info().meta_exists("title"); };
+    const auto has_title = [](const track_snapshot& each) { return each.info->info().meta_exists("title"); };
     return std::ranges::all_of(left, is_same) && std::ranges::all_of(come, is_same) &&
            std::ranges::all_of(first.tracks, has_title);
 }

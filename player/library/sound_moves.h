@@ -6,14 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "ostrevan/track.h"
+#include "player/library/track.h"
 
 namespace ostrevan::library {
-
-struct placed_track {
-    std::uint32_t subsong = 0;
-    metadb_info_ptr info;
-};
 
 /// The sound of one file, at its old or new path.
 struct placed_sound {
@@ -21,7 +16,7 @@ struct placed_sound {
     std::uint64_t mark = 0;
     /// Number of the scan that first found it at a new path, or last saw it at an old one.
     std::uint64_t scan = 0;
-    std::vector<placed_track> tracks;
+    std::vector<track_snapshot> tracks;
 };
 
 /// Several files match, so it is unknown which became which.

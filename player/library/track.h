@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <string>
 
 #include "ostrevan/track.h"
@@ -14,6 +15,12 @@ public:
 };
 
 metadb_info_ptr make_snapshot(file_info info);
+
+/// Information about a track of a known file.
+struct track_snapshot {
+    std::uint32_t subsong = 0;
+    metadb_info_ptr info;
+};
 
 /// The player's track handle. Information from the database stays encoded until first used. [any-thread]
 class track : public metadb_handle {
