@@ -42,8 +42,8 @@ public:
     virtual bool process_field(std::size_t index, metadb_handle* track, titleformat_text_out& out) = 0;
 };
 
-/// Extension of a field provider, found by `service_query`: the moments behind fields that show times, to sort and to compare
-/// by. The texts mislead in the hour that occurs twice when the clocks go back. [any-thread]
+/// Extension of a field provider, found by `service_query`: the moments behind fields that show times, to sort and to
+/// compare by. The texts mislead in the hour that occurs twice when the clocks go back. [any-thread]
 class field_sort_values : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{6E4B9D0C-1F5E-4B43-A4C7-52B0E6C1D7F8}");
