@@ -39,7 +39,8 @@ TEST(sort, never_played_tracks_have_a_count_to_sort_by_but_no_time) {
 }
 
 TEST(sort, goes_by_the_number_behind_a_field_when_the_field_is_all_there_is) {
-    titleformat::table_of_fields track({{"last_played", "2026-10-25 02:30:00"}}, {}, {{"last_played", 0}});
+    titleformat::table_of_fields track({{"last_played", "2026-10-25 02:30:00"}}, {});
+    track.moments["last_played"] = 0;
     const auto by_time = *parse("SORT BY %last_played%").sort();
     EXPECT_TRUE(entry_of(by_time, 0, track).absent);
     track.moments["last_played"] = 134'067'546'000'000'000;

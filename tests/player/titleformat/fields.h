@@ -15,10 +15,8 @@ namespace ostrevan::titleformat {
 /// A track as a table: its fields, and texts of some that it lacks.
 struct table_of_fields final : field_source {
     using table = std::map<std::string, std::string, std::less<>>;
-    using numbers = std::map<std::string, std::uint64_t, std::less<>>;
 
-    explicit table_of_fields(table has, table lacks = {}, numbers times = {})
-        : found(std::move(has)), absent(std::move(lacks)), moments(std::move(times)) {}
+    explicit table_of_fields(table has, table lacks = {}) : found(std::move(has)), absent(std::move(lacks)) {}
 
     bool field(std::string_view name, std::string& out) const override {
         if (const auto value = found.find(name); value != found.end()) {
@@ -35,7 +33,7 @@ struct table_of_fields final : field_source {
     }
 
     table found, absent;
-    numbers moments;
+    std::map<std::string, std::uint64_t, std::less<>> moments;
 };
 
 /// The rows of a table in a file, without comments and blank lines.
