@@ -40,7 +40,7 @@ public:
     void load(const std::function<void(std::string&& path, stored_file&&, std::vector<stored_track>&&)>& on_file) const;
 
     // To be called inside a transaction on `database()`.
-    /// Adds the file, or replaces what is stored under its id; answers the id.
+    /// Adds the file, or replaces the one with its id; returns the id.
     std::int64_t put_file(const std::string& path, const stored_file& file, std::span<const stored_track> tracks);
     void remove_file(std::int64_t id);
     void set_device(std::int64_t file, std::uint64_t device);
