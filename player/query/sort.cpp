@@ -10,7 +10,7 @@ namespace ostrevan::query {
 
 namespace {
 
-constexpr std::string_view digits = "0123456789";
+constexpr std::string_view decimal_digits = "0123456789";
 
 /// "0", the number of digits, the digits: longer numbers sort after shorter ones, and numbers sort as digits do among other
 /// characters.
@@ -29,10 +29,10 @@ std::string natural_key(std::string_view text) {
     std::string key;
     key.reserve(text.size() + 8);
     while (!text.empty()) {
-        const auto words = text.substr(0, text.find_first_of(digits));
+        const auto words = text.substr(0, text.find_first_of(decimal_digits));
         titleformat::append_folded(key, words);
         text.remove_prefix(words.size());
-        const auto number = text.substr(0, text.find_first_not_of(digits));
+        const auto number = text.substr(0, text.find_first_not_of(decimal_digits));
         if (!number.empty()) append_number(key, number);
         text.remove_prefix(number.size());
     }

@@ -103,7 +103,7 @@ void print_json(const run_context& context, const metadb_handle_list& tracks) {
     std::cout << "\n]\n";
 }
 
-std::string joined(const std::vector<std::string>& words) {
+std::string in_one_line(const std::vector<std::string>& words) {
     std::string text;
     for (const auto& word : words) text += (text.empty() ? "" : " ") + word;
     return text;
@@ -114,7 +114,7 @@ std::string joined(const std::vector<std::string>& words) {
 void run(run_context& context, const list_tracks& arguments) {
     const auto columns = columns_of(context, arguments.columns);
     const auto order = order_of(context, arguments);
-    const auto query = joined(arguments.query);
+    const auto query = in_one_line(arguments.query);
     auto tracks = app::find_tracks(context.player, query);
     if (order) tracks = view::sorted_by(*order, tracks, context.player.fields);
     if (arguments.json) print_json(context, tracks);

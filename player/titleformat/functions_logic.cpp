@@ -73,7 +73,7 @@ bool same_text_nocase(call& c) {
     return left == right;
 }
 
-constexpr std::array table = std::to_array<function>({
+constexpr std::array logic_table = std::to_array<function>({
     {"if", 2, 3, if_found},
     {"if2", 2, 2, first_found},
     {"if3", 2, function::any_number, first_found},
@@ -90,6 +90,6 @@ constexpr std::array table = std::to_array<function>({
 
 }  // namespace
 
-std::span<const function> logic_functions() noexcept { return table; }
+std::span<const function> logic_functions() noexcept { return logic_table; }
 
 }  // namespace ostrevan::titleformat

@@ -63,7 +63,7 @@ bool zero_padded(call& c) {
     return c.found();
 }
 
-constexpr std::array table = std::to_array<function>({
+constexpr std::array number_table = std::to_array<function>({
     {"add", 2, function::any_number, over_all<added>},
     {"sub", 2, function::any_number, over_all<subtracted>},
     {"mul", 2, function::any_number, over_all<multiplied>},
@@ -76,6 +76,6 @@ constexpr std::array table = std::to_array<function>({
 
 }  // namespace
 
-std::span<const function> number_functions() noexcept { return table; }
+std::span<const function> number_functions() noexcept { return number_table; }
 
 }  // namespace ostrevan::titleformat

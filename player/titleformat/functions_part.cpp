@@ -60,7 +60,7 @@ bool trimmed(call& c) {
     return c.found();
 }
 
-constexpr std::array table = std::to_array<function>({
+constexpr std::array part_table = std::to_array<function>({
     {"len", 1, 1, character_count},
     {"left", 2, 2, left_part},
     {"right", 2, 2, right_part},
@@ -71,6 +71,6 @@ constexpr std::array table = std::to_array<function>({
 
 }  // namespace
 
-std::span<const function> part_functions() noexcept { return table; }
+std::span<const function> part_functions() noexcept { return part_table; }
 
 }  // namespace ostrevan::titleformat

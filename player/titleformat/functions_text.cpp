@@ -98,7 +98,7 @@ bool character_of_code(call& c) {
     return c.found();
 }
 
-constexpr std::array table = std::to_array<function>({
+constexpr std::array text_table = std::to_array<function>({
     {"upper", 1, 1, mapped<upper_of>},
     {"lower", 1, 1, mapped<lower_of>},
     {"caps", 1, 1, capitalised},
@@ -112,6 +112,6 @@ constexpr std::array table = std::to_array<function>({
 
 }  // namespace
 
-std::span<const function> text_functions() noexcept { return table; }
+std::span<const function> text_functions() noexcept { return text_table; }
 
 }  // namespace ostrevan::titleformat
