@@ -1,36 +1,96 @@
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
+#include <filesystem>
+#include <optional>
+
+#include "player/terminal/command.h"
 #include "player/terminal/menu_output.h"
+#include "player/terminal/track_arguments.h"
 #include "player/view/context_menu.h"
 
 namespace ostrevan::terminal {
 namespace {
 
+struct context_words {
+    std::vector<std::string> words{};
+    std::optional<std::string> command{};
+    track_arguments tracks{};
+
+    /// The first word is a track when a file of that name is there, and a command otherwise.
+    void split();
+};
+
+constexpr const char* context_examples =
+    "Examples:\n"
+    "  ostrevan context song.flac\n"
+    "  ostrevan context 'Playback Statistics/Rating/4' song.flac\n"
+    "  ostrevan context rating/4 song.flac\n"
+    "  ostrevan --yes context 'Playback Statistics/Write statistics to file tags' --where ALL\n"
+    "  ostrevan --yes --file blue.xml context 'Playback Statistics/Export statistics to XML...' --where '%album% IS Blue'\n"
+    "Without a path, prints the menu with marks and greyed entries. A first word that is a file on disk is a track.";
+
+constexpr const char* rate_examples =
+    "Examples:\n"
+    "  ostrevan rate 4 ~/Music/song.flac\n"
+    "  ostrevan rate + --where '%play_count% GREATER 20'\n"
+    "  ostrevan rate none ~/Music/album";
+
+void context_words::split() {
+    if (!words.empty()) {
+        std::error_code error;
+        const auto path = words.front().substr(0, words.front().rfind('|'));
+        if (!std::filesystem::exists(words.front(), error) && !std::filesystem::exists(path, error)) {
+            command = words.front();
+            words.erase(words.begin());
+        }
+    }
+    tracks.paths = words;
+}
+
 std::string tracks_text(std::size_t count) { return "for " + std::to_string(count) + (count == 1 ? " track" : " tracks"); }
 
-}  // namespace
-
-void run(run_context& context, const context_menu& arguments) {
-    const auto tracks = tracks_of(context, arguments.tracks);
+void run_context_menu(run_context& context, const context_words& words) {
+    const auto tracks = tracks_of(context, words.tracks);
     const auto& services = context.player.services;
     const auto what_for = tracks_text(tracks.get_count());
-    if (!arguments.command) return print_menu(view::context_menu_for(services, tracks));
-    if (const auto id = nuv::parse_guid(*arguments.command)) {
+    if (!words.command) return print_menu(view::context_menu_for(services, tracks));
+    if (const auto id = nuv::parse_guid(*words.command)) {
         if (!view::run_context_command(services, *id, tracks))
-            throw usage_error("No component has a command " + *arguments.command + ".");
+            throw usage_error("No component has a command " + *words.command + ".");
         context.player.run_until_idle();
         return context.screen.note_done("The command is done " + what_for);
     }
     if (tracks.empty()) return;
     const auto menu = view::context_menu_for(services, tracks);
-    const auto& entry = command_at(menu, *arguments.command);
+    const auto& entry = command_at(menu, *words.command);
     run_entry(context, entry, "for these tracks");
     context.screen.note_done(path_of(menu, entry) + " is done " + what_for);
 }
 
-void run(run_context& context, const rate_tracks& arguments) {
-    const bool is_none = arguments.stars == "0" || arguments.stars == "none";
-    run(context, context_menu{"Rating/" + (is_none ? "not set" : arguments.stars), arguments.tracks});
+void rate(run_context& context, const std::string& stars, const track_arguments& tracks) {
+    const bool is_none = stars == "0" || stars == "none";
+    run_context_menu(context, {{}, "Rating/" + (is_none ? "not set" : stars), tracks});
 }
 
+const command_file context_command(80, [](command_declarations& declare) {
+    const auto words = std::make_shared<context_words>();
+    auto& app = declare.add("context", "List the context menu of a selection, or run one command", context_examples);
+    app.add_option("PATH", words->words, "A menu path or {GUID}, then the tracks");
+    app.add_option("--where", words->tracks.where, "Every track of the library that matches this query");
+    declare.choose(app, [words] {
+        words->split();
+        return chosen_command{[words](run_context& context) { run_context_menu(context, *words); },
+                              words->command.has_value()};
+    });
+});
+
+/// Ratings are an entry of the context menu with a short name.
+const command_file rate_command(90, [](command_declarations& declare) {
+    const auto stars = std::make_shared<std::string>();
+    const auto tracks = std::make_shared<track_arguments>();
+    auto& app = declare.add("rate", "Rate tracks", rate_examples);
+    app.add_option("STARS", *stars, "An entry of the Rating menu: 1 to 5, - or + for a step, none")->required();
+    tracks->declare(app);
+    declare.run(app, [stars, tracks](run_context& context) { rate(context, *stars, *tracks); });
+});
+
+}  // namespace
 }  // namespace ostrevan::terminal

@@ -1,14 +1,40 @@
 #include <atomic>
 
 #include "ostrevan/tag_update.h"
-#include "player/terminal/commands.h"
+#include "player/terminal/command.h"
+#include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
 namespace {
 
+struct edit_options {
+    track_arguments tracks{};
+    std::vector<std::string> assignments{};  ///< FIELD=VALUE
+    std::vector<std::pair<std::string, std::string>> set{};
+    std::vector<std::string> remove{};
+
+    /// Throws when the words make no sense.
+    void check();
+};
+
+constexpr const char* edit_examples =
+    "Examples:\n"
+    "  ostrevan edit ~/Music/song.flac --set 'title=New name' --remove comment\n"
+    "  ostrevan edit --where '%artist% IS Bjork' --set artist=Björk";
+
+void edit_options::check() {
+    for (const auto& text : assignments) {
+        const auto equals = text.find('=');
+        if (equals == 0 || equals == std::string::npos)
+            throw CLI::ValidationError("--set", "'" + text + "' is not of the form FIELD=VALUE");
+        set.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+    }
+    if (set.empty() && remove.empty()) throw CLI::ValidationError("edit", "say what to do: --set or --remove");
+}
+
 class tag_edit_filter : public file_info_filter {
 public:
-    explicit tag_edit_filter(const edit_tags& wanted) : wanted_(wanted) {}
+    explicit tag_edit_filter(const edit_options& wanted) : wanted_(wanted) {}
 
     bool apply_filter(const metadb_handle_ptr& /*track*/, file_info& info) override {
         const file_info before = info;
@@ -37,7 +63,7 @@ private:
         return out;
     }
 
-    const edit_tags wanted_;
+    const edit_options wanted_;
     // Counted on the worker, read when it is done.
     std::atomic<std::size_t> changed_{0};
     std::atomic<std::size_t> unchanged_{0};
@@ -54,18 +80,29 @@ bool is_wanted(terminal& screen, std::size_t count) {
     return answer == popup_message_v3::answer_yes;
 }
 
-}  // namespace
-
-void run(run_context& context, const edit_tags& arguments) {
+void edit(run_context& context, const edit_options& wanted) {
     context.player.require_writable();
-    const auto tracks = tracks_of(context, arguments.tracks);
+    const auto tracks = tracks_of(context, wanted.tracks);
     if (tracks.empty()) return;
-    if (arguments.tracks.where && tracks.get_count() > many && !is_wanted(context.screen, tracks.get_count())) return;
-    const auto filter = service_new<tag_edit_filter>(arguments);
+    if (wanted.tracks.where && tracks.get_count() > many && !is_wanted(context.screen, tracks.get_count())) return;
+    const auto filter = service_new<tag_edit_filter>(wanted);
     auto* const service = context.player.services.at(tag_update_service::class_guid, 0);
     static_cast<tag_update_service*>(service)->update_async(tracks, filter, nullptr, 0, {});
     context.player.run_until_idle();
     context.screen.note_done(filter->summary());
 }
 
+const command_file edit_command(60, [](command_declarations& declare) {
+    const auto wanted = std::make_shared<edit_options>();
+    auto& app = declare.add("edit", "Edit tags in the files", edit_examples);
+    wanted->tracks.declare(app);
+    app.add_option("--set", wanted->assignments, "FIELD=VALUE, may be repeated")->allow_extra_args(false);
+    app.add_option("--remove", wanted->remove, "A field to remove, may be repeated")->allow_extra_args(false);
+    declare.choose(app, [wanted] {
+        wanted->check();
+        return chosen_command{[wanted](run_context& context) { edit(context, *wanted); }};
+    });
+});
+
+}  // namespace
 }  // namespace ostrevan::terminal

@@ -1,20 +1,25 @@
 #include <algorithm>
 #include <iostream>
+#include <optional>
 
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
+#include "player/terminal/command.h"
 #include "player/terminal/key_text.h"
-#include "player/terminal/table.h"
 
 namespace ostrevan::terminal {
 namespace {
 
-constexpr char digits[] = "0123456789abcdef";
+constexpr const char* index_examples =
+    "Examples:\n"
+    "  ostrevan index dump\n"
+    "  ostrevan index dump '{C653739F-14B3-4EF2-819B-A3E2883230AE}'\n"
+    "  ostrevan index prune\n"
+    "Records are kept until you prune them, and a copy of the index is put aside first.";
 
 void dump(const services::index_manager_impl& index, const nuv::guid& id) {
     const auto name = nuv::guid_text(id);
     std::vector<unsigned char> blob(index::index_store::max_record_size);
     std::string line;
+    constexpr char digits[] = "0123456789abcdef";
     for (const auto key : index.keys(id)) {
         const auto size = std::min(index.read(id, key, blob.data(), blob.size()), blob.size());
         line.assign(name).append(" ").append(hexadecimal(key)).append(" ");
@@ -23,42 +28,17 @@ void dump(const services::index_manager_impl& index, const nuv::guid& id) {
     }
 }
 
-}  // namespace
-
-std::string hexadecimal(std::uint64_t key) {
-    std::string text(16, '0');
-    for (auto it = text.rbegin(); it != text.rend(); ++it, key >>= 4) *it = digits[key & 15];
-    return text;
-}
-
-std::string key_text(const services::index_manager_impl& index, const metadb_handle& track) {
-    if (index.registrations().empty()) return {};
-    const auto key = services::index_manager_impl::key_of(index.registrations().front(), track);
-    return key ? hexadecimal(*key) : std::string{};
-}
-
-void run(run_context& context, const show_keys& arguments) {
-    if (context.player.index.registrations().empty())
-        throw std::runtime_error("No component has registered an index; see 'ostrevan components'.");
-    for (const auto& track : tracks_of(context, arguments.tracks)) {
-        const auto key = key_text(context.player.index, *track);
-        std::cout << (key.empty() ? std::string(16, '-') : key) << ' ' << track->location().path;
-        if (track->location().subsong != 0) std::cout << '|' << track->location().subsong;
-        std::cout << '\n';
-    }
-}
-
-void run(run_context& context, const index_dump& arguments) {
-    if (!arguments.index) {
+void dump_index(run_context& context, const std::optional<std::string>& wanted) {
+    if (!wanted) {
         for (const auto& id : context.player.stored_indexes()) dump(context.player.index, id);
         return;
     }
-    const auto id = nuv::parse_guid(*arguments.index);
-    if (!id) throw usage_error("\"" + *arguments.index + "\" is not a GUID; 'ostrevan index dump' shows those in use.");
+    const auto id = nuv::parse_guid(*wanted);
+    if (!id) throw usage_error("\"" + *wanted + "\" is not a GUID; 'ostrevan index dump' shows those in use.");
     dump(context.player.index, *id);
 }
 
-void run(run_context& context, const index_prune& /*arguments*/) {
+void prune(run_context& context) {
     const auto old = context.player.old_records();
     std::size_t number = 0;
     for (const auto& records : old) number += records.keys.size();
@@ -75,14 +55,15 @@ void run(run_context& context, const index_prune& /*arguments*/) {
     context.screen.note(which + " removed.");
 }
 
-void run(run_context& context, const list_components& /*arguments*/) {
-    table out({{"Name"}, {"Version"}, {"File"}});
-    for (const auto& component : context.player.components) {
-        const auto* const version = core::version_of(component);
-        out.add_row(
-            {version != nullptr ? version->name() : "", version != nullptr ? version->version() : "", component.path});
-    }
-    std::cout << out.text(0);
-}
+const command_file index_commands(130, [](command_declarations& declare) {
+    auto& index = declare.add("index", "Look into the track-information index", index_examples);
+    index.require_subcommand(1);
+    const auto guid = std::make_shared<std::optional<std::string>>();
+    auto& dumped = declare.add(index, "dump", "GUID, key and bytes of every stored record");
+    dumped.add_option("GUID", *guid, "Only this index");
+    declare.run(dumped, [guid](run_context& context) { dump_index(context, *guid); });
+    declare.run(declare.add(index, "prune", "Remove records of tracks that left the library long ago"), prune);
+});
 
+}  // namespace
 }  // namespace ostrevan::terminal

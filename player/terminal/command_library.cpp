@@ -1,11 +1,22 @@
 #include <iostream>
 
 #include "player/system/interrupt.h"
-#include "player/terminal/commands.h"
+#include "player/terminal/command.h"
 #include "player/terminal/table.h"
 
 namespace ostrevan::terminal {
 namespace {
+
+using paths = std::vector<std::string>;
+
+constexpr const char* library_examples =
+    "Examples:\n"
+    "  ostrevan library add ~/Music /mnt/disk/Music\n"
+    "  ostrevan library rescan\n"
+    "  ostrevan library ignore ~/Music/broken.mp3\n"
+    "  ostrevan library ignore --undo ~/Music/broken.mp3\n"
+    "A folder that is not there keeps its tracks and their statistics. What is ignored stays on the disk and keeps its\n"
+    "statistics.";
 
 library::scan_options options_for(run_context& context) {
     library::scan_options options;
@@ -46,52 +57,72 @@ void finish_scan(run_context& context, const library::scan_summary& done) {
     if (!done.is_stopped) context.player.mark_library_seen();
 }
 
-}  // namespace
-
-void run(run_context& context, const library_add& arguments) {
-    const auto done = context.player.library.add_folders(arguments.folders, options_for(context));
+void add_folders(run_context& context, const paths& folders) {
+    const auto done = context.player.library.add_folders(folders, options_for(context));
     refuse(context.screen, done.refused);
-    if (done.refused.size() < arguments.folders.size()) finish_scan(context, done);
+    if (done.refused.size() < folders.size()) finish_scan(context, done);
 }
 
-void run(run_context& context, const library_rescan& arguments) {
+void rescan(run_context& context, const paths& folders) {
     auto& library = context.player.library;
     if (!library.is_enabled())
         context.screen.note("The library has no folder yet: add one with 'ostrevan library add FOLDER'.");
-    const auto& folders = arguments.folders;
     const auto done = folders.empty() ? library.rescan(options_for(context)) : library.rescan(folders, options_for(context));
     refuse(context.screen, done.refused);
     if (folders.empty() || done.refused.size() < folders.size()) finish_scan(context, done);
 }
 
-void run(run_context& context, const library_ignore& arguments) {
+/// Without paths, lists those that are ignored.
+void ignore(run_context& context, const paths& places, bool undo) {
     auto& library = context.player.library;
-    if (arguments.paths.empty())
+    if (places.empty())
         for (const auto& path : library.ignored()) std::cout << path << '\n';
-    else if (arguments.undo) {
-        const auto done = library.stop_ignoring(arguments.paths);
+    else if (undo) {
+        const auto done = library.stop_ignoring(places);
         refuse(context.screen, done.refused);
-        if (done.refused.size() < arguments.paths.size())
+        if (done.refused.size() < places.size())
             context.screen.note("No longer left out; 'ostrevan library rescan' reads it.");
     } else {
-        const auto done = library.ignore(arguments.paths);
+        const auto done = library.ignore(places);
         refuse(context.screen, done.refused);
-        if (done.refused.size() < arguments.paths.size())
+        if (done.refused.size() < places.size())
             context.screen.note(counted(done.tracks_removed, "track", "tracks") +
                                 " left the library. Files and statistics stay.");
     }
 }
 
-void run(run_context& context, const library_remove& arguments) {
-    const auto done = context.player.library.remove_folders(arguments.folders);
+void remove_folders(run_context& context, const paths& folders) {
+    const auto done = context.player.library.remove_folders(folders);
     refuse(context.screen, done.refused);
-    if (done.refused.size() < arguments.folders.size())
+    if (done.refused.size() < folders.size())
         context.screen.note(counted(done.tracks_removed, "track", "tracks") +
                             " left the library. Files and statistics stay.");
 }
 
-void run(run_context& context, const library_folders& /*arguments*/) {
+void print_folders(run_context& context) {
     for (const auto& folder : context.player.library.folders()) std::cout << folder.path << '\n';
 }
 
+const command_file library_commands(10, [](command_declarations& declare) {
+    auto& library = declare.add("library", "Folders of the media library", library_examples);
+    library.require_subcommand(1);
+    const auto folders = std::make_shared<paths>();
+    auto& add = declare.add(library, "add", "Add folders and scan them");
+    add.add_option("FOLDER", *folders)->required();
+    declare.run(add, [folders](run_context& context) { add_folders(context, *folders); });
+    auto& remove = declare.add(library, "remove", "Forget folders; files and statistics stay");
+    remove.add_option("FOLDER", *folders)->required();
+    declare.run(remove, [folders](run_context& context) { remove_folders(context, *folders); });
+    auto& scan = declare.add(library, "rescan", "Look for new, changed and removed files");
+    scan.add_option("FOLDER", *folders, "Only the folder of the library that this is or lies in");
+    declare.run(scan, [folders](run_context& context) { rescan(context, *folders); });
+    auto& leave_out = declare.add(library, "ignore", "Leave files or folders out, or list those that are");
+    auto* const ignored = leave_out.add_option("PATH", *folders, "A file or folder inside the library");
+    const auto undo = std::make_shared<bool>(false);
+    leave_out.add_flag("--undo", *undo, "Take them in again at the next rescan")->needs(ignored);
+    declare.run(leave_out, [folders, undo](run_context& context) { ignore(context, *folders, *undo); });
+    declare.run(declare.add(library, "folders", "List the folders"), print_folders);
+});
+
+}  // namespace
 }  // namespace ostrevan::terminal

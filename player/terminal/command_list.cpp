@@ -4,8 +4,8 @@
 #include <set>
 
 #include "player/app/track_selection.h"
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
+#include "player/terminal/command.h"
+#include "player/terminal/formatted_lines.h"
 #include "player/terminal/key_text.h"
 #include "player/titleformat/integer.h"
 #include "player/view/track_listing.h"
@@ -13,6 +13,24 @@
 
 namespace ostrevan::terminal {
 namespace {
+
+struct list_options {
+    /// The query, in one word or several.
+    std::vector<std::string> query{};
+    std::vector<std::string> columns{};
+    std::optional<std::string> format{};
+    std::optional<std::string> sort{};
+    bool descending = false;
+    bool json = false;
+};
+
+constexpr const char* list_examples =
+    "Examples:\n"
+    "  ostrevan list low water\n"
+    "  ostrevan list '%artist% HAS bach AND %rating% GREATER 3 LIMIT 20'\n"
+    "  ostrevan list --column Title --column \"Last Played\" --sort \"Last Played\" --descending\n"
+    "  ostrevan list --format '%artist% - %title%[ (%play_count%)]'\n"
+    "  ostrevan list --json | jq '.[].path'";
 
 view::column column_named(const std::vector<view::column>& columns, const std::string& name) {
     try {
@@ -22,10 +40,10 @@ view::column column_named(const std::vector<view::column>& columns, const std::s
     }
 }
 
-std::optional<query::sort_order> order_of(const run_context& context, const list_tracks& arguments) {
-    if (!arguments.sort) return std::nullopt;
-    const auto column = column_named(view::all_columns(context.player.services), *arguments.sort);
-    return query::sort_order{titleformat::compile(column.sort_script), arguments.descending};
+std::optional<query::sort_order> order_of(const run_context& context, const list_options& wanted) {
+    if (!wanted.sort) return std::nullopt;
+    const auto column = column_named(view::all_columns(context.player.services), *wanted.sort);
+    return query::sort_order{titleformat::compile(column.sort_script), wanted.descending};
 }
 
 std::vector<view::column> columns_of(const run_context& context, const std::vector<std::string>& names) {
@@ -35,14 +53,6 @@ std::vector<view::column> columns_of(const run_context& context, const std::vect
     std::vector<view::column> chosen;
     for (const auto& name : names) chosen.push_back(column_named(all, name));
     return chosen;
-}
-
-void print_lines(const run_context& context, const metadb_handle_list& tracks, const std::string& format) {
-    const auto script = titleformat::compile(format);
-    for (const auto& track : tracks) {
-        if (!std::cout) return;
-        std::cout << script.run(titleformat::track_fields(context.player.fields, *track)).text << '\n';
-    }
 }
 
 using json = nlohmann::ordered_json;
@@ -109,24 +119,32 @@ std::string in_one_line(const std::vector<std::string>& words) {
     return text;
 }
 
-}  // namespace
-
-void run(run_context& context, const list_tracks& arguments) {
-    const auto columns = columns_of(context, arguments.columns);
-    const auto order = order_of(context, arguments);
-    const auto query = in_one_line(arguments.query);
+void list(run_context& context, const list_options& wanted) {
+    const auto columns = columns_of(context, wanted.columns);
+    const auto order = order_of(context, wanted);
+    const auto query = in_one_line(wanted.query);
     auto tracks = app::find_tracks(context.player, query);
     if (order) tracks = view::sorted_by(*order, tracks, context.player.fields);
-    if (arguments.json) print_json(context, tracks);
-    else if (arguments.format) print_lines(context, tracks, *arguments.format);
+    if (wanted.json) print_json(context, tracks);
+    else if (wanted.format) print_lines(context, tracks, *wanted.format);
     else context.screen.show_listing(view::listing_of(tracks, columns, context.player.fields));
     if (tracks.empty() && !context.player.library.is_enabled())
         context.screen.note("The library is empty: add a folder with 'ostrevan library add FOLDER'.");
     else if (tracks.empty()) context.screen.note("No track of the library matches " + query);
 }
 
-void run(run_context& context, const format_tracks& arguments) {
-    print_lines(context, tracks_of(context, arguments.tracks, on_missing::go_on), arguments.script);
-}
+const command_file list_command(20, [](command_declarations& declare) {
+    const auto wanted = std::make_shared<list_options>();
+    auto& app = declare.add("list", "List tracks of the library", list_examples);
+    app.add_option("QUERY", wanted->query, "A query, or words to search for; all tracks without one");
+    app.add_option("--column", wanted->columns, "A column to show, or a part of its name; may be repeated")
+        ->allow_extra_args(false);
+    auto* const sort = app.add_option("--sort", wanted->sort, "The column to sort by, whether it is shown or not");
+    app.add_flag("--descending", wanted->descending, "The largest first")->needs(sort);
+    auto* const script = app.add_option("--format", wanted->format, "One line a track by this title formatting script");
+    app.add_flag("--json", wanted->json, "An array of objects")->excludes(script);
+    declare.run(app, [wanted](run_context& context) { list(context, *wanted); });
+});
 
+}  // namespace
 }  // namespace ostrevan::terminal

@@ -1,13 +1,31 @@
 #include <iostream>
+#include <optional>
 
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
+#include "player/terminal/command.h"
 #include "player/terminal/menu_output.h"
 #include "player/terminal/switch_word.h"
 #include "player/view/main_menu.h"
 
 namespace ostrevan::terminal {
 namespace {
+
+struct menu_words {
+    std::optional<std::string> command{};
+    /// "on" or "off": the mark that the command is to have afterwards.
+    std::optional<std::string> value{};
+};
+
+constexpr const char* menu_examples =
+    "Examples:\n"
+    "  ostrevan menu\n"
+    "  ostrevan menu 'Library/Playback Statistics/Show recently played'\n"
+    "  ostrevan menu 'recently played'\n"
+    "  ostrevan menu monitor off\n"
+    "  ostrevan menu export\n"
+    "  ostrevan --yes --file backup.xml --check 'Full backup' menu export\n"
+    "  ostrevan --yes --file backup.xml --uncheck Rating menu import\n"
+    "Without a path, prints the menu with marks and greyed entries. Dialogs are asked on the terminal; without one,\n"
+    "--yes presses OK and --no Cancel, after --check and --uncheck have changed the marks with these labels.";
 
 const view::menu_entry& entry_of(const std::vector<view::menu_entry>& menu, const std::string& name) {
     const auto id = nuv::parse_guid(name);
@@ -24,21 +42,30 @@ bool is_marked(run_context& context, const nuv::guid& id) {
     return entry != nullptr && entry->is_checked;
 }
 
-}  // namespace
-
-void run(run_context& context, const main_menu& arguments) {
+void run_main_menu(run_context& context, const menu_words& words) {
     const auto menu = view::main_menu_of(context.player.components, context.player.services.guard());
-    if (!arguments.command) return print_menu(menu);
-    const auto& entry = entry_of(menu, *arguments.command);
+    if (!words.command) return print_menu(menu);
+    const auto& entry = entry_of(menu, *words.command);
     const bool before = entry.is_checked;
-    const bool wanted = arguments.value ? parse_switch(*arguments.value) : !before;
+    const bool wanted = words.value ? parse_switch(*words.value) : !before;
     const auto refuse = [&] { throw usage_error("\"" + entry.text + "\" cannot be switched on or off."); };
-    if (arguments.value && entry.text.ends_with("...")) refuse();  // it opens a dialog
+    if (words.value && entry.text.ends_with("...")) refuse();  // it opens a dialog
     if (wanted != before) run_entry(context, entry, "now");
     const bool after = is_marked(context, entry.id);
-    if (arguments.value && after != wanted) refuse();
-    if (arguments.value || after != before) std::cout << entry.text << ": " << switch_word(after) << '\n';
+    if (words.value && after != wanted) refuse();
+    if (words.value || after != before) std::cout << entry.text << ": " << switch_word(after) << '\n';
     else context.screen.note_done(entry.text + " is done");
 }
 
+const command_file menu_command(70, [](command_declarations& declare) {
+    const auto words = std::make_shared<menu_words>();
+    auto& app = declare.add("menu", "List the main menu, or run one command", menu_examples);
+    app.add_option("PATH", words->command, "A menu path, the end of one or a part of its name, or {GUID}");
+    app.add_option("VALUE", words->value, "on or off, for a command with a mark");
+    declare.choose(app, [words] {
+        return chosen_command{[words](run_context& context) { run_main_menu(context, *words); }, words->command.has_value()};
+    });
+});
+
+}  // namespace
 }  // namespace ostrevan::terminal

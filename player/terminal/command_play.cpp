@@ -1,4 +1,5 @@
 #include <iostream>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -8,17 +9,30 @@
 #include "player/playback/mpv_player.h"
 #include "player/system/interrupt.h"
 #include "player/tags/reader.h"
-#include "player/terminal/commands.h"
+#include "player/terminal/command.h"
+#include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
 namespace {
+
+struct play_options {
+    track_arguments tracks{};
+    std::string audio = "auto";
+    bool fast = false;
+};
+
+constexpr const char* play_examples =
+    "Examples:\n"
+    "  ostrevan play ~/Music/song.flac 'album.cue|3'\n"
+    "  ostrevan play --where '%rating% IS 5'\n"
+    "  ostrevan play --audio null --fast ~/Music/album";
 
 /// Plays on a thread of its own while the main loop serves the components. A counted play is printed when it is on disk, and
 /// plays that follow each other closely share one wait for the disk.
 class play_run {
 public:
-    play_run(run_context& context, const play_tracks& arguments)
-        : context_(context), arguments_(arguments), tracks_(tracks_of(context, arguments.tracks, on_missing::go_on)) {}
+    play_run(run_context& context, const play_options& options)
+        : context_(context), options_(options), tracks_(tracks_of(context, options.tracks, on_missing::go_on)) {}
 
     void run();
 
@@ -35,7 +49,7 @@ private:
     void post(core::main_loop::task work) { context_.player.loop.post(std::move(work)); }
 
     run_context& context_;
-    const play_tracks& arguments_;
+    const play_options& options_;
     metadb_handle_list tracks_;
     std::vector<playback::play_item> items_;
     const titleformat::script title_ = titleformat::compile("[%artist% - ]%title%");
@@ -139,8 +153,8 @@ playback::play_callbacks play_run::callbacks() {
 void play_run::play() {
     try {
         playback::mpv_player player(
-            {.audio = arguments_.null_audio ? playback::audio_output::null : playback::audio_output::automatic,
-             .fast = arguments_.fast},
+            {.audio = options_.audio == "null" ? playback::audio_output::null : playback::audio_output::automatic,
+             .fast = options_.fast},
             callbacks());
         player.run(items_, system::interrupted());
     } catch (const std::exception& error) {
@@ -162,8 +176,14 @@ void play_run::run() {
         context_.screen.note("Interrupted: plays counted so far (" + std::to_string(acknowledged_) + ") are kept.");
 }
 
+const command_file play_command(30, [](command_declarations& declare) {
+    const auto wanted = std::make_shared<play_options>();
+    auto& app = declare.add("play", "Play tracks", play_examples);
+    wanted->tracks.declare(app);
+    app.add_option("--audio", wanted->audio, "auto: the sound device; null: none")->check(CLI::IsMember({"auto", "null"}));
+    app.add_flag("--fast", wanted->fast, "Decode as fast as possible, without sound");
+    declare.run(app, [wanted](run_context& context) { play_run(context, *wanted).run(); });
+});
+
 }  // namespace
-
-void run(run_context& context, const play_tracks& arguments) { play_run(context, arguments).run(); }
-
 }  // namespace ostrevan::terminal

@@ -1,14 +1,21 @@
 #include <algorithm>
 #include <iostream>
 
-#include "player/terminal/commands.h"
+#include "player/terminal/command.h"
 #include "player/terminal/table.h"
+#include "player/terminal/track_arguments.h"
 #include "player/view/properties.h"
 
 namespace ostrevan::terminal {
+namespace {
 
-void run(run_context& context, const show_properties& arguments) {
-    const auto tracks = tracks_of(context, arguments.tracks);
+constexpr const char* properties_examples =
+    "Examples:\n"
+    "  ostrevan properties ~/Music/song.flac\n"
+    "  ostrevan properties --where '%album% IS Blue'";
+
+void print_properties(run_context& context, const track_arguments& wanted) {
+    const auto tracks = tracks_of(context, wanted);
     for (const auto& section : view::track_properties(context.player.services, tracks)) {
         std::cout << section.name << '\n';
         std::size_t width = 0;
@@ -19,4 +26,12 @@ void run(run_context& context, const show_properties& arguments) {
     }
 }
 
+const command_file properties_command(50, [](command_declarations& declare) {
+    const auto tracks = std::make_shared<track_arguments>();
+    auto& app = declare.add("properties", "The property sections of a selection", properties_examples);
+    tracks->declare(app);
+    declare.run(app, [tracks](run_context& context) { print_properties(context, *tracks); });
+});
+
+}  // namespace
 }  // namespace ostrevan::terminal

@@ -1,12 +1,21 @@
 #include <iostream>
-
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
+#include <optional>
+#include "player/terminal/command.h"
 #include "player/terminal/switch_word.h"
 #include "player/view/settings_tree.h"
 
 namespace ostrevan::terminal {
 namespace {
+
+struct setting_words {
+    std::optional<std::string> name{};
+    std::optional<std::string> value{};
+};
+
+constexpr const char* settings_examples =
+    "Examples:\n"
+    "  ostrevan settings\n"
+    "  ostrevan settings synchronize on";
 
 /// A label and the remark in parentheses at its end.
 std::pair<std::string, std::string> parts_of(const std::string& label) {
@@ -24,22 +33,29 @@ void print(const advanced_setting& setting, const advanced_checkbox* checkbox, s
     std::cout << '\n';
 }
 
-}  // namespace
-
-void run(run_context& context, const show_settings& arguments) {
+void run_settings(run_context& context, const setting_words& words) {
     const auto tree = view::settings_tree(context.player.services);
-    if (!arguments.name) {
+    if (!words.name) {
         for (const auto& [setting, checkbox, depth] : tree) print(*setting, checkbox, depth);
         return context.screen.note("A setting can be named by a part of its label: ostrevan settings synchronize on");
     }
     advanced_checkbox* checkbox = nullptr;
     try {
-        checkbox = &view::find_checkbox(tree, *arguments.name);
+        checkbox = &view::find_checkbox(tree, *words.name);
     } catch (const std::invalid_argument& error) {
         throw usage_error(error.what());
     }
-    if (arguments.value) checkbox->set_state(parse_switch(*arguments.value));
+    if (words.value) checkbox->set_state(parse_switch(*words.value));
     print(*checkbox, checkbox, 0);
 }
 
+const command_file settings_command(110, [](command_declarations& declare) {
+    const auto words = std::make_shared<setting_words>();
+    auto& app = declare.add("settings", "Show or change advanced settings", settings_examples);
+    app.add_option("NAME", words->name, "Label, part of a label, or {GUID}");
+    app.add_option("VALUE", words->value, "on or off");
+    declare.run(app, [words](run_context& context) { run_settings(context, *words); });
+});
+
+}  // namespace
 }  // namespace ostrevan::terminal

@@ -5,8 +5,7 @@
 #include "player/query/query.h"
 #include "player/system/failure_text.h"
 #include "player/system/interrupt.h"
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
+#include "player/terminal/command_line.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::terminal {
@@ -16,7 +15,7 @@ int run_all(const arguments& wanted, terminal& screen) {
     app::session player({wanted.profile, wanted.components, wanted.quiet}, screen);
     run_context context{player, screen};
     try {
-        std::visit([&](const auto& chosen) { run(context, chosen); }, wanted.chosen);
+        wanted.chosen.run(context);
     } catch (...) {
         player.run_until_idle();  // finishes what the components have begun
         screen.end_progress();

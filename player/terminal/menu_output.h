@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "player/terminal/commands.h"
+#include "player/terminal/command.h"
 #include "player/view/menu_tree.h"
 
 namespace ostrevan::terminal {

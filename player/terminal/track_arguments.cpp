@@ -1,17 +1,24 @@
+#include "player/terminal/track_arguments.h"
+
+#include <stdexcept>
+
 #include "player/app/track_selection.h"
-#include "player/terminal/commands.h"
-#include "player/terminal/exit_status.h"
 
 namespace ostrevan::terminal {
 namespace {
 
-std::string joined(const std::vector<std::string>& lines) {
+std::string in_lines(const std::vector<std::string>& lines) {
     std::string text;
     for (const auto& line : lines) text += (text.empty() ? "" : "\n") + line;
     return text;
 }
 
 }  // namespace
+
+void track_arguments::declare(CLI::App& app) {
+    auto* const named = app.add_option("TRACK", paths, "A path, path|subsong, or a folder");
+    app.add_option("--where", where, "Every track of the library that matches this query")->excludes(named);
+}
 
 metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments, on_missing missing) {
     if (arguments.where) {
@@ -21,7 +28,7 @@ metadb_handle_list tracks_of(run_context& context, const track_arguments& argume
     }
     if (arguments.paths.empty()) throw usage_error("Name at least one track: a path, a folder, or --where QUERY.");
     auto chosen = app::tracks_at(context.player, arguments.paths);
-    if (!chosen.problems.empty() && missing == on_missing::stop) throw std::runtime_error(joined(chosen.problems));
+    if (!chosen.problems.empty() && missing == on_missing::stop) throw std::runtime_error(in_lines(chosen.problems));
     for (const auto& path : chosen.no_audio) context.screen.note(path + " is no audio file and was left out.");
     for (const auto& problem : chosen.problems) context.screen.error(problem);
     if (chosen.tracks.empty() && chosen.problems.empty()) throw std::runtime_error("None of these is an audio file.");

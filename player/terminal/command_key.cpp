@@ -1,0 +1,34 @@
+#include <iostream>
+#include <stdexcept>
+
+#include "player/terminal/command.h"
+#include "player/terminal/key_text.h"
+#include "player/terminal/track_arguments.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+constexpr const char* key_examples =
+    "Examples:\n"
+    "  ostrevan key ~/Music/song.flac";
+
+void print_keys(run_context& context, const track_arguments& wanted) {
+    if (context.player.index.registrations().empty())
+        throw std::runtime_error("No component has registered an index; see 'ostrevan components'.");
+    for (const auto& track : tracks_of(context, wanted)) {
+        const auto key = key_text(context.player.index, *track);
+        std::cout << (key.empty() ? std::string(16, '-') : key) << ' ' << track->location().path;
+        if (track->location().subsong != 0) std::cout << '|' << track->location().subsong;
+        std::cout << '\n';
+    }
+}
+
+const command_file key_command(120, [](command_declarations& declare) {
+    const auto tracks = std::make_shared<track_arguments>();
+    auto& app = declare.add("key", "The key of tracks in the statistics index", key_examples);
+    tracks->declare(app);
+    declare.run(app, [tracks](run_context& context) { print_keys(context, *tracks); });
+});
+
+}  // namespace
+}  // namespace ostrevan::terminal

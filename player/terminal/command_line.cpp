@@ -1,0 +1,102 @@
+#include "player/terminal/command_line.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "player/system/default_folders.h"
+#include "player/terminal/wrong_words.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+constexpr const char* description =
+    "A small music player that keeps playback statistics.\n"
+    "TRACK is a path, path|subsong or a folder; --where QUERY stands for every track of the library that matches.";
+
+constexpr const char* main_examples =
+    "Examples:\n"
+    "  ostrevan library add ~/Music\n"
+    "  ostrevan play ~/Music/song.flac\n"
+    "  ostrevan list --column Title --column \"Play Count\"\n"
+    "  ostrevan list low water\n"
+    "  ostrevan list '%last_played% DURING LAST 1 WEEK SORT DESCENDING BY %last_played% LIMIT 20'\n"
+    "  ostrevan rate 4 ~/Music/song.flac\n"
+    "Exit status: 0 done, 1 failed, 2 wrong usage, 3 declined, 130 interrupted.";
+
+/// Everything that CLI11 fills while it reads the command line.
+class command_line {
+public:
+    command_line();
+    std::variant<arguments, nothing_to_run> parse(int count, const char* const* values);
+
+private:
+    void check_answers() const;
+
+    CLI::App app_{description, "ostrevan"};
+    arguments result_;
+    command_declarations declarations_{app_, result_.chosen};
+    bool yes_ = false;
+    bool no_ = false;
+};
+
+command_line::command_line() {
+    result_.profile = system::default_profile();
+    result_.components = system::default_components();
+    app_.footer(main_examples);
+    app_.set_version_flag("--version", OSTREVAN_VERSION);
+    app_.add_option("--profile", result_.profile, "Folder that keeps everything")->type_name("DIR")->capture_default_str();
+    app_.add_option("--components", result_.components, "Folder with the components")->type_name("DIR");
+    app_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
+    auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes, every dialog with OK");
+    app_.add_flag("--no", no_, "Answer every question with no, every dialog with Cancel")->excludes(yes);
+    auto& answers = result_.answers;
+    app_.add_option("--file", answers.file, "The file, when a command asks for one")->type_name("PATH");
+    app_.add_option("--check", answers.check, "A control to check in a dialog, may be repeated")
+        ->type_name("LABEL")
+        ->allow_extra_args(false);
+    app_.add_option("--uncheck", answers.uncheck, "A control to uncheck, may be repeated")
+        ->type_name("LABEL")
+        ->allow_extra_args(false);
+    app_.require_subcommand(1);
+    command_file::declare_all(declarations_);
+}
+
+/// Commands that open no dialog ask for nothing that these could answer.
+void command_line::check_answers() const {
+    const auto& answers = result_.answers;
+    if (answers.fill_dialogs() && !result_.chosen.may_ask)
+        throw CLI::ValidationError("--file, --check, --uncheck", "only commands of 'menu' and 'context' ask for these");
+    if (answers.file && answers.file->empty()) throw CLI::ValidationError("--file", "name a file");
+}
+
+/// From the last to the first, as the parser wants them.
+std::vector<std::string> reversed_words(int count, const char* const* values) {
+    std::vector<std::string> words(values + 1, values + count);
+    std::error_code error;
+    for (auto& word : words)  // the parser takes [a,b] for a list; the name of a file can look like one
+        if (word.starts_with('[') && std::filesystem::exists(word, error)) word.insert(0, "./");
+    std::ranges::reverse(words);
+    return words;
+}
+
+std::variant<arguments, nothing_to_run> command_line::parse(int count, const char* const* values) {
+    try {
+        app_.parse(reversed_words(count, values));
+        check_answers();
+    } catch (const CLI::ParseError& error) {
+        if (const auto wrong = describe_unknown_words(app_); !wrong.empty()) return nothing_to_run{exit_usage, wrong};
+        if (dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr) return nothing_to_run{exit_done, OSTREVAN_VERSION};
+        if (error.get_exit_code() == 0) return nothing_to_run{exit_done, app_.help()};
+        return nothing_to_run{exit_usage, describe_mistake(app_, error.what())};
+    }
+    if (yes_ || no_) result_.answers.yes = yes_;
+    return result_;
+}
+
+}  // namespace
+
+std::variant<arguments, nothing_to_run> parse_arguments(int count, const char* const* values) {
+    return command_line().parse(count, values);
+}
+
+}  // namespace ostrevan::terminal

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "player/terminal/command.h"
+#include "player/terminal/prepared_answers.h"
+
+namespace ostrevan::terminal {
+
+struct arguments {
+    std::string profile;
+    std::string components;
+    bool quiet = false;
+    prepared_answers answers;
+    chosen_command chosen;
+};
+
+/// The text to print instead of running a command: help or the version, or what is wrong.
+struct nothing_to_run {
+    int status;
+    std::string text;
+};
+
+std::variant<arguments, nothing_to_run> parse_arguments(int count, const char* const* values);
+
+}  // namespace ostrevan::terminal
