@@ -6,7 +6,7 @@
 namespace ostrevan::terminal {
 namespace {
 
-/// Made at first use, since the order in which static objects of several files are made is open.
+/// Made at first use, since the order of construction of static objects in several files is undefined.
 std::map<int, command_file::declaration>& files_by_position() {
     static std::map<int, command_file::declaration> files;
     return files;
@@ -16,7 +16,7 @@ std::map<int, command_file::declaration>& files_by_position() {
 
 CLI::App& command_declarations::add(CLI::App& parent, const char* name, const char* what, const char* examples) {
     auto& app = *parent.add_subcommand(name, what);
-    app.fallthrough();  // --profile, --yes and the like may follow the command as well
+    app.fallthrough();  // --profile, --yes and the like may follow the command
     app.footer(examples);
     return app;
 }

@@ -10,13 +10,13 @@
 
 namespace ostrevan::terminal {
 
-/// What a command runs with. Results go to standard output; failures are thrown, or reported to the screen one by one.
+/// The context of a command. Results go to standard output; failures are thrown, or reported to the screen one by one.
 struct run_context {
     app::session& player;
     terminal& screen;
 };
 
-/// A command with its words filled in.
+/// A command with its arguments.
 struct chosen_command {
     std::function<void(run_context&)> run;
     /// Whether it may open a dialog or ask for a file, so that `--file`, `--check` and `--uncheck` make sense.
@@ -29,11 +29,11 @@ public:
     command_declarations(CLI::App& app, chosen_command& chosen) : app_(app), chosen_(chosen) {}
 
     CLI::App& add(const char* name, const char* what, const char* examples = "") { return add(app_, name, what, examples); }
-    /// A command of a command, such as `library add`.
+    /// A subcommand, such as `library add`.
     CLI::App& add(CLI::App& parent, const char* name, const char* what, const char* examples = "");
 
     void run(CLI::App& app, std::function<void(run_context&)> work);
-    /// `choose` is called when all words have been read. It throws CLI::ValidationError when they make no sense together.
+    /// `choose` is called after parsing. It throws CLI::ValidationError for an impossible combination of arguments.
     void choose(CLI::App& app, std::function<chosen_command()> choose);
 
 private:

@@ -18,7 +18,7 @@ void print_components(run_context& context) {
 }
 
 const command_file components_command(140, [](command_declarations& declare) {
-    declare.run(declare.add("components", "What is loaded: name, version, file"), print_components);
+    declare.run(declare.add("components", "The loaded components: name, version, file"), print_components);
 });
 
 }  // namespace

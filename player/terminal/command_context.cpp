@@ -14,7 +14,7 @@ struct context_words {
     std::optional<std::string> command{};
     track_arguments tracks{};
 
-    /// The first word is a track when a file of that name is there, and a command otherwise.
+    /// The first word is a track if such a file exists, else a command.
     void split();
 };
 
@@ -25,7 +25,7 @@ constexpr const char* context_examples =
     "  ostrevan context rating/4 song.flac\n"
     "  ostrevan --yes context 'Playback Statistics/Write statistics to file tags' --where ALL\n"
     "  ostrevan --yes --file blue.xml context 'Playback Statistics/Export statistics to XML...' --where '%album% IS Blue'\n"
-    "Without a path, prints the menu with marks and greyed entries. A first word that is a file on disk is a track.";
+    "Without a path, prints the menu with marks and greyed entries. If the first word is an existing file, it is a track.";
 
 constexpr const char* rate_examples =
     "Examples:\n"
@@ -82,7 +82,7 @@ const command_file context_command(80, [](command_declarations& declare) {
     });
 });
 
-/// Ratings are an entry of the context menu with a short name.
+/// A short name for the ratings of the context menu.
 const command_file rate_command(90, [](command_declarations& declare) {
     const auto stars = std::make_shared<std::string>();
     const auto tracks = std::make_shared<track_arguments>();

@@ -13,7 +13,7 @@ struct edit_options {
     std::vector<std::pair<std::string, std::string>> set{};
     std::vector<std::string> remove{};
 
-    /// Throws when the words make no sense.
+    /// Throws for arguments that make no sense.
     void check();
 };
 
@@ -64,7 +64,7 @@ private:
     }
 
     const edit_options wanted_;
-    // Counted on the worker, read when it is done.
+    // Written by the worker, read after it has finished.
     std::atomic<std::size_t> changed_{0};
     std::atomic<std::size_t> unchanged_{0};
 };

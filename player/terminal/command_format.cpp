@@ -17,7 +17,7 @@ constexpr const char* format_examples =
 
 const command_file format_command(40, [](command_declarations& declare) {
     const auto wanted = std::make_shared<format_options>();
-    auto& app = declare.add("format", "Print one line a track", format_examples);
+    auto& app = declare.add("format", "Print one line per track", format_examples);
     app.add_option("SCRIPT", wanted->script, "A title formatting script")->required();
     wanted->tracks.declare(app);
     declare.run(app, [wanted](run_context& context) {

@@ -13,7 +13,7 @@ constexpr const char* index_examples =
     "  ostrevan index dump\n"
     "  ostrevan index dump '{C653739F-14B3-4EF2-819B-A3E2883230AE}'\n"
     "  ostrevan index prune\n"
-    "Records are kept until you prune them, and a copy of the index is put aside first.";
+    "Records are kept until you prune them; the index is backed up first.";
 
 void dump(const services::index_manager_impl& index, const nuv::guid& id) {
     const auto name = nuv::guid_text(id);
@@ -56,7 +56,7 @@ void prune(run_context& context) {
 }
 
 const command_file index_commands(130, [](command_declarations& declare) {
-    auto& index = declare.add("index", "Look into the track-information index", index_examples);
+    auto& index = declare.add("index", "Inspect the track-information index", index_examples);
     index.require_subcommand(1);
     const auto guid = std::make_shared<std::optional<std::string>>();
     auto& dumped = declare.add(index, "dump", "GUID, key and bytes of every stored record");

@@ -15,8 +15,7 @@ constexpr const char* library_examples =
     "  ostrevan library rescan\n"
     "  ostrevan library ignore ~/Music/broken.mp3\n"
     "  ostrevan library ignore --undo ~/Music/broken.mp3\n"
-    "A folder that is not there keeps its tracks and their statistics. What is ignored stays on the disk and keeps its\n"
-    "statistics.";
+    "A missing folder keeps its tracks and their statistics. Ignored files stay on the disk and keep their statistics.";
 
 library::scan_options options_for(run_context& context) {
     library::scan_options options;
@@ -72,7 +71,7 @@ void rescan(run_context& context, const paths& folders) {
     if (folders.empty() || done.refused.size() < folders.size()) finish_scan(context, done);
 }
 
-/// Without paths, lists those that are ignored.
+/// Lists the ignored paths when none is given.
 void ignore(run_context& context, const paths& places, bool undo) {
     auto& library = context.player.library;
     if (places.empty())
@@ -114,12 +113,12 @@ const command_file library_commands(10, [](command_declarations& declare) {
     remove.add_option("FOLDER", *folders)->required();
     declare.run(remove, [folders](run_context& context) { remove_folders(context, *folders); });
     auto& scan = declare.add(library, "rescan", "Look for new, changed and removed files");
-    scan.add_option("FOLDER", *folders, "Only the folder of the library that this is or lies in");
+    scan.add_option("FOLDER", *folders, "Only the library folder at or around this path");
     declare.run(scan, [folders](run_context& context) { rescan(context, *folders); });
     auto& leave_out = declare.add(library, "ignore", "Leave files or folders out, or list those that are");
     auto* const ignored = leave_out.add_option("PATH", *folders, "A file or folder inside the library");
     const auto undo = std::make_shared<bool>(false);
-    leave_out.add_flag("--undo", *undo, "Take them in again at the next rescan")->needs(ignored);
+    leave_out.add_flag("--undo", *undo, "Include them again at the next rescan")->needs(ignored);
     declare.run(leave_out, [folders, undo](run_context& context) { ignore(context, *folders, *undo); });
     declare.run(declare.add(library, "folders", "List the folders"), print_folders);
 });

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* description =
     "A small music player that keeps playback statistics.\n"
-    "TRACK is a path, path|subsong or a folder; --where QUERY stands for every track of the library that matches.";
+    "TRACK is a path, path|subsong or a folder; --where QUERY is every track of the library that matches.";
 
 constexpr const char* main_examples =
     "Examples:\n"
@@ -23,7 +23,7 @@ constexpr const char* main_examples =
     "  ostrevan rate 4 ~/Music/song.flac\n"
     "Exit status: 0 done, 1 failed, 2 wrong usage, 3 declined, 130 interrupted.";
 
-/// Everything that CLI11 fills while it reads the command line.
+/// The command line and the variables that CLI11 fills.
 class command_line {
 public:
     command_line();
@@ -44,7 +44,7 @@ command_line::command_line() {
     result_.components = system::default_components();
     app_.footer(main_examples);
     app_.set_version_flag("--version", OSTREVAN_VERSION);
-    app_.add_option("--profile", result_.profile, "Folder that keeps everything")->type_name("DIR")->capture_default_str();
+    app_.add_option("--profile", result_.profile, "Folder of all data")->type_name("DIR")->capture_default_str();
     app_.add_option("--components", result_.components, "Folder with the components")->type_name("DIR");
     app_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
     auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes, every dialog with OK");
@@ -61,7 +61,7 @@ command_line::command_line() {
     command_file::declare_all(declarations_);
 }
 
-/// Commands that open no dialog ask for nothing that these could answer.
+/// Refuses answers for a command without dialogs.
 void command_line::check_answers() const {
     const auto& answers = result_.answers;
     if (answers.fill_dialogs() && !result_.chosen.may_ask)
@@ -69,11 +69,11 @@ void command_line::check_answers() const {
     if (answers.file && answers.file->empty()) throw CLI::ValidationError("--file", "name a file");
 }
 
-/// From the last to the first, as the parser wants them.
+/// In reverse order, as the parser expects.
 std::vector<std::string> reversed_words(int count, const char* const* values) {
     std::vector<std::string> words(values + 1, values + count);
     std::error_code error;
-    for (auto& word : words)  // the parser takes [a,b] for a list; the name of a file can look like one
+    for (auto& word : words)  // the parser reads [a,b] as a list; file names can look like that
         if (word.starts_with('[') && std::filesystem::exists(word, error)) word.insert(0, "./");
     std::ranges::reverse(words);
     return words;

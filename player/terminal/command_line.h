@@ -16,7 +16,7 @@ struct arguments {
     chosen_command chosen;
 };
 
-/// The text to print instead of running a command: help or the version, or what is wrong.
+/// Output instead of a command: help, the version, or the mistake.
 struct nothing_to_run {
     int status;
     std::string text;

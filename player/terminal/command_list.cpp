@@ -139,9 +139,9 @@ const command_file list_command(20, [](command_declarations& declare) {
     app.add_option("QUERY", wanted->query, "A query, or words to search for; all tracks without one");
     app.add_option("--column", wanted->columns, "A column to show, or a part of its name; may be repeated")
         ->allow_extra_args(false);
-    auto* const sort = app.add_option("--sort", wanted->sort, "The column to sort by, whether it is shown or not");
+    auto* const sort = app.add_option("--sort", wanted->sort, "The column to sort by, shown or not");
     app.add_flag("--descending", wanted->descending, "The largest first")->needs(sort);
-    auto* const script = app.add_option("--format", wanted->format, "One line a track by this title formatting script");
+    auto* const script = app.add_option("--format", wanted->format, "One line per track by this title formatting script");
     app.add_flag("--json", wanted->json, "An array of objects")->excludes(script);
     declare.run(app, [wanted](run_context& context) { list(context, *wanted); });
 });

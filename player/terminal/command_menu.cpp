@@ -11,7 +11,7 @@ namespace {
 
 struct menu_words {
     std::optional<std::string> command{};
-    /// "on" or "off": the mark that the command is to have afterwards.
+    /// "on" or "off": the state of the mark afterwards.
     std::optional<std::string> value{};
 };
 
@@ -24,7 +24,7 @@ constexpr const char* menu_examples =
     "  ostrevan menu export\n"
     "  ostrevan --yes --file backup.xml --check 'Full backup' menu export\n"
     "  ostrevan --yes --file backup.xml --uncheck Rating menu import\n"
-    "Without a path, prints the menu with marks and greyed entries. Dialogs are asked on the terminal; without one,\n"
+    "Without a path, prints the menu with marks and greyed entries. Dialogs are shown on the terminal; without one,\n"
     "--yes presses OK and --no Cancel, after --check and --uncheck have changed the marks with these labels.";
 
 const view::menu_entry& entry_of(const std::vector<view::menu_entry>& menu, const std::string& name) {

@@ -27,8 +27,8 @@ constexpr const char* play_examples =
     "  ostrevan play --where '%rating% IS 5'\n"
     "  ostrevan play --audio null --fast ~/Music/album";
 
-/// Plays on a thread of its own while the main loop serves the components. A counted play is printed when it is on disk, and
-/// plays that follow each other closely share one wait for the disk.
+/// Plays on a separate thread while the main loop serves the components. A counted play is printed once it is on disk;
+/// plays in quick succession share one wait for the disk.
 class play_run {
 public:
     play_run(run_context& context, const play_options& options)
@@ -57,7 +57,7 @@ private:
     bool is_heard_ = true;
     bool is_saving_ = false;
     std::string save_problem_;
-    std::vector<std::size_t> counted_;  // and not known to be on the disk
+    std::vector<std::size_t> counted_;  // and not yet known to be on disk
     std::size_t acknowledged_ = 0;
 };
 
@@ -65,7 +65,7 @@ std::string play_run::title_of(std::size_t index) const {
     return title_.run(titleformat::track_fields(context_.player.fields, *tracks_[index])).text;
 }
 
-/// A track whose sheet has changed is left out.
+/// Leaves out tracks whose sheet has changed.
 void play_run::take_items() {
     metadb_handle_list there;
     for (const auto& track : tracks_) {
@@ -85,7 +85,7 @@ void play_run::say_not_counted(std::size_t index, const std::string& reason) {
     std::cout << "Played, not counted: " << title_of(index) << ": " << reason << std::endl;
 }
 
-/// The index tells of a failure itself; what it keeps in memory may be saved with a later play.
+/// The index reports failures itself; what it holds in memory may be saved with a later play.
 void play_run::acknowledge() try {
     is_saving_ = false;
     context_.player.save();
@@ -108,7 +108,7 @@ void play_run::settle(std::size_t index, const app::play_verdict& verdict) {
         context_.screen.error(tracks_[index]->location().path + ": the play could not be counted: " + verdict.reason());
     if (!verdict.is_counted) return say_not_counted(index, verdict.reason());
     counted_.push_back(index);
-    if (!std::exchange(is_saving_, true)) post([this] { acknowledge(); });  // with the plays that are counted meanwhile
+    if (!std::exchange(is_saving_, true)) post([this] { acknowledge(); });  // together with plays counted meanwhile
 }
 
 void play_run::count(std::size_t index) {

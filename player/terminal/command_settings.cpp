@@ -17,7 +17,7 @@ constexpr const char* settings_examples =
     "  ostrevan settings\n"
     "  ostrevan settings synchronize on";
 
-/// A label and the remark in parentheses at its end.
+/// Splits a label from the remark in parentheses at its end.
 std::pair<std::string, std::string> parts_of(const std::string& label) {
     const auto open = label.rfind(" (");
     if (open == std::string::npos || !label.ends_with(')')) return {label, ""};

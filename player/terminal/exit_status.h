@@ -4,14 +4,14 @@
 
 namespace ostrevan::terminal {
 
-/// What the process answers.
+/// The exit status of the process.
 inline constexpr int exit_done = 0;
 inline constexpr int exit_failed = 1;    ///< the reason is on standard error
-inline constexpr int exit_usage = 2;     ///< the command line makes no sense
-inline constexpr int exit_declined = 3;  ///< a question was answered with no, or by nobody
+inline constexpr int exit_usage = 2;     ///< the command line is wrong
+inline constexpr int exit_declined = 3;  ///< a question was answered with no, or not at all
 inline constexpr int exit_interrupted = 130;
 
-/// The command line names something that cannot be: a query with a mistake, a column that is not there.
+/// The command line asks for something impossible: a query with a mistake, an unknown column.
 class usage_error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

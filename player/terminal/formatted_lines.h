@@ -6,7 +6,7 @@
 
 namespace ostrevan::terminal {
 
-/// Prints one line a track. Throws `titleformat::script_error` when the script has a mistake.
+/// Prints one line per track. Throws `titleformat::script_error` when the script has a mistake.
 void print_lines(const run_context& context, const metadb_handle_list& tracks, const std::string& format);
 
 }  // namespace ostrevan::terminal

@@ -8,20 +8,20 @@
 
 namespace ostrevan::terminal {
 
-/// The tracks a command is for: locations (`path`, `path|subsong`, a folder) or everything a query matches.
+/// The tracks of a command: locations (`path`, `path|subsong`, a folder) or all that match a query.
 struct track_arguments {
     std::vector<std::string> paths{};
     std::optional<std::string> where{};
 
-    /// Declares the words that name them.
+    /// Declares the arguments.
     void declare(CLI::App& app);
 };
 
-/// What becomes of a command one of whose tracks is not there: one that changes something had better not run at all.
+/// Whether a command runs although one of its tracks is missing. One that changes something should not.
 enum class on_missing { stop, go_on };
 
-/// The tracks that a command line names, without files that are no audio by their names. Throws `usage_error` when it names
-/// none, or its query has a mistake.
+/// The tracks named by a command line, without files that are not audio by their names. Throws `usage_error` when there are
+/// none, or the query has a mistake.
 metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments, on_missing missing = on_missing::stop);
 
 }  // namespace ostrevan::terminal
