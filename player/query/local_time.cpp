@@ -14,7 +14,7 @@ struct part {
     std::string_view separators;
     std::size_t digits;
 };
-constexpr std::array<part, 6> parts = {{{"", 4}, {"-", 2}, {"-", 2}, {" T", 2}, {":", 2}, {":", 2}}};
+constexpr std::array<part, 6> date_parts = {{{"", 4}, {"-", 2}, {"-", 2}, {" T", 2}, {":", 2}, {":", 2}}};
 
 constexpr local_days earliest{year{0} / January / 1};
 
@@ -61,11 +61,11 @@ local_time shown_at(sys_seconds moment) noexcept {
 }
 
 std::optional<period> parse_period(std::string_view text) noexcept {
-    std::array<int, parts.size()> values{0, 1, 1, 0, 0, 0};
+    std::array<int, date_parts.size()> values{0, 1, 1, 0, 0, 0};
     std::size_t given = 0;
     do {
-        if (given == parts.size()) return std::nullopt;
-        const auto value = take(text, parts[given]);
+        if (given == date_parts.size()) return std::nullopt;
+        const auto value = take(text, date_parts[given]);
         if (!value) return std::nullopt;
         values[given++] = *value;
     } while (!text.empty());

@@ -69,7 +69,7 @@ private:
     std::atomic<std::size_t> unchanged_{0};
 };
 
-constexpr std::size_t many = 100;
+constexpr std::size_t many_files = 100;
 
 bool is_wanted(terminal& screen, std::size_t count) {
     const auto answer =
@@ -84,7 +84,7 @@ void edit(run_context& context, const edit_options& wanted) {
     context.player.require_writable();
     const auto tracks = tracks_of(context, wanted.tracks);
     if (tracks.empty()) return;
-    if (wanted.tracks.where && tracks.get_count() > many && !is_wanted(context.screen, tracks.get_count())) return;
+    if (wanted.tracks.where && tracks.get_count() > many_files && !is_wanted(context.screen, tracks.get_count())) return;
     const auto filter = service_new<tag_edit_filter>(wanted);
     auto* const service = context.player.services.at(tag_update_service::class_guid, 0);
     static_cast<tag_update_service*>(service)->update_async(tracks, filter, nullptr, 0, {});

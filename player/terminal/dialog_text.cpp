@@ -10,15 +10,16 @@
 namespace ostrevan::terminal {
 namespace {
 
-using kind = dialog_control_kind;
+using control_kind = dialog_control_kind;
 
 bool has_mark(const dialog_control& control) {
-    return control.kind == kind::radio_button || control.kind == kind::check_box;
+    return control.kind == control_kind::radio_button || control.kind == control_kind::check_box;
 }
 
 /// OK and Cancel have letters instead.
 bool has_number(const dialog_control& control) {
-    return has_mark(control) || (control.kind == kind::button && control.id != dialog_ok && control.id != dialog_cancel);
+    return has_mark(control) ||
+           (control.kind == control_kind::button && control.id != dialog_ok && control.id != dialog_cancel);
 }
 
 /// In the order of their numbers, from 1.
@@ -38,19 +39,19 @@ std::vector<const dialog_control*> marks_of(const view::open_dialog& dialog) {
 std::string mark_of(const view::open_dialog& dialog, const dialog_control& control) {
     if (!has_mark(control)) return "< >";
     const bool is_checked = dialog.is_checked(control.id);
-    if (control.kind == kind::radio_button) return is_checked ? "(*)" : "( )";
+    if (control.kind == control_kind::radio_button) return is_checked ? "(*)" : "( )";
     return is_checked ? "[x]" : "[ ]";
 }
 
 void change(view::open_dialog& dialog, const dialog_control& control) {
     switch (control.kind) {
-        case kind::check_box:
+        case control_kind::check_box:
             return dialog.set_checked(control.id, !dialog.is_checked(control.id));
-        case kind::radio_button:
+        case control_kind::radio_button:
             return dialog.set_checked(control.id, true);
-        case kind::button:
+        case control_kind::button:
             return dialog.press(control.id);
-        case kind::separator:
+        case control_kind::separator:
             return;
     }
 }
@@ -81,7 +82,7 @@ std::string dialog_text(const view::open_dialog& dialog) {
     std::string text = dialog.layout().title;
     std::size_t number = 0;
     for (const auto& control : dialog.layout().controls) {
-        if (control.kind == kind::separator) text += std::string("\n  ") + control.text;
+        if (control.kind == control_kind::separator) text += std::string("\n  ") + control.text;
         if (!has_number(control)) continue;
         const auto digits = std::to_string(++number);
         text += "\n" + std::string(digits.size() < 2 ? 5 : 4, ' ') + digits + " " + mark_of(dialog, control) + " " +
@@ -122,7 +123,7 @@ void apply_label(view::open_dialog& dialog, std::string_view label, bool checked
     const auto& control = *controls[*match.index];
     const auto whole_name = std::string("\"") + control.text + "\"";
     if (!dialog.is_enabled(control.id)) refuse(whole_name + " is greyed");
-    if (!checked && control.kind == kind::radio_button)
+    if (!checked && control.kind == control_kind::radio_button)
         refuse(whole_name + " is one of several; check another instead of unchecking it");
     dialog.set_checked(control.id, checked);
 }
