@@ -46,13 +46,13 @@ std::optional<build_difference> difference_of(const build_fingerprint& first, co
 /// Fills a fingerprint while the program is compiled. A text that does not fit stops the compiler.
 class build_fingerprint_writer {
 public:
-    consteval void add(std::string_view name, std::string_view value) {
+    constexpr void add(std::string_view name, std::string_view value) {
         auto& property = result_.properties[count_++];
         copy(name, property.name);
         copy(value, property.value);
     }
     template <typename T>
-    consteval void add_size(std::string_view name) {
+    constexpr void add_size(std::string_view name) {
         auto& property = result_.properties[count_++];
         copy(name, property.name);
         std::size_t end = copy(name, property.value);
@@ -60,15 +60,15 @@ public:
         end += copy_number(sizeof(T), std::span(property.value).subspan(end));
         copy(" bytes", std::span(property.value).subspan(end));
     }
-    [[nodiscard]] consteval build_fingerprint result() const { return result_; }
+    [[nodiscard]] constexpr build_fingerprint result() const { return result_; }
 
 private:
-    static consteval std::size_t copy(std::string_view text, std::span<char> to) {
+    static constexpr std::size_t copy(std::string_view text, std::span<char> to) {
         if (text.size() >= to.size()) throw std::length_error("does not fit");
         for (std::size_t i = 0; i < text.size(); ++i) to[i] = text[i];
         return text.size();
     }
-    static consteval std::size_t copy_number(std::size_t number, std::span<char> to) {
+    static constexpr std::size_t copy_number(std::size_t number, std::span<char> to) {
         const std::size_t leading = number < 10 ? 0 : copy_number(number / 10, to);
         to[leading] = static_cast<char>('0' + number % 10);
         return leading + 1;
