@@ -128,4 +128,7 @@ consteval build_fingerprint this_build() {
     return writer.result();
 }
 
+/// The build of the including file. Each file has its own.
+constexpr build_fingerprint own_build = this_build();
+
 }  // namespace ostrevan

@@ -78,6 +78,6 @@ inline constexpr const char* entry_name = "ostrevan_get_interface";
 /// The body of a component's entry: checks the player's block, keeps it and returns the services and variables that the
 /// component's static objects have registered. `build` is that of the caller, which may differ from the build of the library
 /// that this function is in.
-component_interface* component_entry(const player_interface* player, const build_fingerprint& build = this_build()) noexcept;
+component_interface* component_entry(const player_interface* player, const build_fingerprint& build = own_build) noexcept;
 
 }  // namespace ostrevan
