@@ -1,4 +1,5 @@
-// Sources: player/library/cue_sheet.cpp player/library/cue_text.cpp player/tags/utf8.cpp
+// Links: player_tags
+// Sources: player/library/cue_sheet.cpp player/library/cue_text.cpp
 // Seeds: fuzz/seeds/cue_sheet
 #include <cmath>
 #include <cstdint>

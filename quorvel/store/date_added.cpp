@@ -13,7 +13,7 @@ namespace {
 std::vector<std::uint64_t> keys_without_date(const ostrevan::metadb_handle_list& tracks) {
     std::vector<std::uint64_t> keys;
     for (const auto& track : tracks.items())
-        if (const auto key = KeyOf(*track); key && *key != 0 && read_record(*key).added == 0) keys.push_back(*key);
+        if (const auto key = ComputeKeyOf(*track); key && *key != 0 && read_record(*key).added == 0) keys.push_back(*key);
     std::ranges::sort(keys);
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     return keys;

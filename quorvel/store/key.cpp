@@ -69,6 +69,11 @@ std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track) {
     return last.key;
 }
 
+std::optional<std::uint64_t> ComputeKeyOf(const ostrevan::metadb_handle& track) {
+    const auto snapshot = track.info();
+    return snapshot ? KeyOf(snapshot->info(), track.location()) : std::nullopt;
+}
+
 std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info, const ostrevan::playable_location& location) {
     auto* const mapping = active.load(std::memory_order_acquire);
     if (mapping == nullptr) return std::nullopt;
