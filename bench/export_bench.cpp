@@ -83,8 +83,7 @@ void full_backup_of_a_million_records(benchmark::State& state) {
     state.counters["megabytes"] = static_cast<double>(ready.size()) * 1e-6;
 }
 
-/// Peak memory of an export beyond what was in use before; the floor is a megabyte. There is no library, so no tracks are
-/// kept by key.
+/// Growth of peak memory during an export; the floor is a megabyte. Without a library, no tracks are kept by key.
 void memory_of_a_full_backup(benchmark::State& state) {
     const bench::bench_player player(bench::records_of_a_million().profile);
     const std::string path = bench::folder() / "export.xml";

@@ -38,7 +38,7 @@ double allocated_megabytes() {
 }
 double sqlite_megabytes() { return static_cast<double>(sqlite3_memory_used()) / megabyte; }
 
-/// Prints what was added since the previous step.
+/// Prints the growth since the previous step.
 class steps {
 public:
     void note(const char* what) {

@@ -10,7 +10,7 @@
 
 namespace ostrevan::app {
 
-/// What the components say of one play.
+/// The replies of the components to one play.
 struct play_verdict {
     /// At least one component counted it.
     bool is_counted = false;

@@ -128,7 +128,7 @@ void session::report_later(const std::string& message) {
 
 void session::publish_rewritten(const std::vector<services::tag_rewrite>& files) {
     std::vector<tag_edit> edits;
-    std::vector<metadb_info_ptr> cached;  // owns what the edits point to
+    std::vector<metadb_info_ptr> cached;  // keeps the edits' pointers valid
     std::vector<library::track_ptr> changed;
     for (const auto& file : files) {
         cached.push_back(file.track->info());

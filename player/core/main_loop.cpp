@@ -40,7 +40,7 @@ void main_loop::run_until_idle() {
         } catch (...) {
             on_error_("unknown error");
         }
-        work = nullptr;  // releases what the task holds on this thread, outside the lock
+        work = nullptr;  // destroys the task's captures on this thread, outside the lock
         lock.lock();
     }
 }

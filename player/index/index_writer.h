@@ -30,7 +30,7 @@ public:
     };
 
     index_writer(steps work, std::chrono::milliseconds retry_interval);
-    /// Saves what is queued, or reports the failure.
+    /// Saves the queued jobs, or reports the failure.
     ~index_writer();
 
     /// The jobs are saved together. [any-thread]
