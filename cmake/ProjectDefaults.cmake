@@ -22,10 +22,29 @@ endif()
 
 add_library(project_warnings INTERFACE)
 target_compile_options(project_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  # Where files are compiled together, the constants of one are seen in the next.
+  $<$<NOT:$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wshadow>
   $<$<BOOL:${QUORVEL_WARNINGS_AS_ERRORS}>:-Werror>
   # GCC 12 takes text + std::string for overlapping memory when it optimises.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+
+# Where files are compiled together, what nearly all of them include of the standard library is read by the compiler once.
+# Programs are then compiled as libraries are, and everything as what has threads, since all of them read the same.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  set(CMAKE_CXX_COMPILE_OPTIONS_PIE -fPIC)
+  add_compile_options(-pthread)
+  file(WRITE ${CMAKE_BINARY_DIR}/common_headers.cpp "")
+  add_library(common_headers OBJECT ${CMAKE_BINARY_DIR}/common_headers.cpp)
+  target_link_libraries(common_headers PRIVATE project_warnings)
+  target_precompile_headers(common_headers PRIVATE <algorithm> <array> <atomic> <chrono> <exception> <filesystem> <fstream>
+    <functional> <iostream> <map> <memory> <mutex> <optional> <span> <string> <thread> <unordered_map> <vector>)
+endif()
+function(use_common_headers name)
+  if(TARGET common_headers)
+    target_precompile_headers(${name} REUSE_FROM common_headers)
+  endif()
+endfunction()
 
 # Adds a static library made of every source of one folder.
 function(add_folder_library name folder)
@@ -34,6 +53,7 @@ function(add_folder_library name folder)
     add_library(${name} STATIC ${sources})
     target_link_libraries(${name} PRIVATE project_warnings ${ARGN})
     target_link_libraries(${name} PUBLIC ostrevan_sdk)
+    use_common_headers(${name})
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
   else()
     add_library(${name} INTERFACE)

@@ -10,6 +10,10 @@
 
 namespace support {
 
+// In units of 100 ns since 1601, as records have them.
+inline constexpr std::uint64_t second = 10'000'000, day = 86'400 * second;
+inline constexpr std::uint64_t moment = 133'541'244'480'000'000;  ///< 2024-03-05 15:00:48 UTC
+
 /// The component started in an in-memory player, with both settings at their defaults.
 class statistics_test : public testing::Test {
 protected:

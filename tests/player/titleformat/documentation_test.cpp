@@ -14,8 +14,8 @@ std::string document() {
     return {std::istreambuf_iterator(file), {}};
 }
 
-const table_of_fields track({{"artist", "Sigur Rós"}, {"title", "Hoppípolla"}, {"tracknumber", "3/12"}},
-                            {{"play_count", "0"}, {"last_played", "N/A"}});
+const table_of_fields documented({{"artist", "Sigur Rós"}, {"title", "Hoppípolla"}, {"tracknumber", "3/12"}},
+                                 {{"play_count", "0"}, {"last_played", "N/A"}});
 
 TEST(documentation, examples_give_what_they_promise) {
     const std::string text = document();
@@ -24,7 +24,7 @@ TEST(documentation, examples_give_what_they_promise) {
     for (auto at = text.find(arrow); at != std::string::npos; at = text.find(arrow, at + 1), ++checked) {
         const auto start = text.rfind('`', at - 1) + 1, result = at + arrow.size();
         const std::string script = text.substr(start, at - start);
-        EXPECT_EQ(compile(script).run(track).text, text.substr(result, text.find('`', result) - result)) << script;
+        EXPECT_EQ(compile(script).run(documented).text, text.substr(result, text.find('`', result) - result)) << script;
     }
     EXPECT_GT(checked, 40);
 }

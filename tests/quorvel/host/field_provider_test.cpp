@@ -2,11 +2,11 @@
 
 #include "tests/support/statistics_test.h"
 
-namespace {
+using support::day;
+using support::moment;
+using support::second;
 
-constexpr std::uint64_t second = 10'000'000;
-constexpr std::uint64_t day = 86400 * second;
-constexpr std::uint64_t moment = 133'541'244'480'000'000;  // 2024-03-05
+namespace {
 
 struct recording_out final : ostrevan::titleformat_text_out {
     std::vector<std::string> writes;

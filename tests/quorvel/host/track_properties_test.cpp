@@ -4,12 +4,12 @@
 
 #include "tests/support/statistics_test.h"
 
+using support::day;
+using support::moment;
+
 namespace {
 
 using ostrevan::metadb_handle_list;
-
-constexpr std::uint64_t moment = 133'541'244'480'000'000;
-constexpr std::uint64_t day = 864'000'000'000;
 
 struct recording_sink final : ostrevan::track_property_sink, ostrevan::track_property_groups {
     bool accept = true;

@@ -7,13 +7,14 @@
 #include <sys/resource.h>
 #endif
 
+using support::moment;
+using support::second;
+
 namespace {
 
 using ostrevan::metadb_handle_list;
 using ostrevan::popup_message_v3;
 using quorvel::t_playback_stats;
-
-constexpr std::uint64_t moment = 133'541'244'480'000'000, second = 10'000'000, earlier = 133'500'000'000'000'000;
 
 /// A selection that only states its length.
 struct empty_selection final : nuv::list_base_const_t<ostrevan::metadb_handle_ptr> {
@@ -109,6 +110,7 @@ TEST_F(clipboard_transfer, writes_file_tags_of_local_tracks_when_wanted) {
 }
 
 TEST_F(clipboard_transfer, previews_five_records_and_counts_the_rest) {
+    constexpr std::uint64_t earlier = 133'500'000'000'000'000;
     const std::string head = "The following data is about to be imported, overwriting your current playback statistics:\n\n";
     const t_playback_stats all{
         .play_count = 3, .first_played = moment, .last_played = moment + second, .added = earlier, .rating = 128};

@@ -4,6 +4,9 @@
 #include "tests/quorvel/golden.h"
 #include "tests/support/statistics_test.h"
 
+using support::moment;
+using support::second;
+
 namespace {
 
 using quorvel::all_fields;
@@ -83,7 +86,6 @@ TEST_F(exporter, writes_no_defaults_for_records_that_cannot_be_read) {
 }
 
 constexpr std::uint64_t key = 0xABCDE;
-constexpr std::uint64_t moment = 133'541'244'480'000'000, second = 10'000'000, earlier = 133'500'000'000'000'000;
 
 std::string entry_of(const t_playback_stats& record, std::uint32_t fields,
                      const quorvel::pcdb_export::track_list* items = nullptr) {
@@ -94,6 +96,7 @@ std::string entry_of(const t_playback_stats& record, std::uint32_t fields,
 }
 
 TEST(entry_writer, writes_the_selected_fields_that_are_set) {
+    constexpr std::uint64_t earlier = 133'500'000'000'000'000;
     const auto entry = [](const std::string& fields) { return "  <Entry ID=\"00000000000abcde\" " + fields + "/>\n"; };
     const std::string first = R"(FirstPlayed="133541244480000000" FirstPlayedFriendly="2024-03-05 20:30:48" )";
     const std::string last = R"(LastPlayed="133541244490000000" LastPlayedFriendly="2024-03-05 20:30:49" )";
