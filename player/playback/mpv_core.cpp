@@ -45,6 +45,9 @@ constexpr option device_options[] = {{"audio-fallback-to-null", "yes"}};
 constexpr option null_options[] = {{"ao", "null"}};
 constexpr option fast_options[] = {{"ao", "null"}, {"untimed", "yes"}, {"ao-null-untimed", "yes"}};
 
+/// By `replay_gain`.
+constexpr const char* gain_names[] = {"no", "track", "album"};
+
 void check(int status, const char* what) {
     if (status < 0) throw std::runtime_error(std::string(what) + ": " + mpv_error_string(status));
 }
@@ -55,12 +58,12 @@ void set_options(mpv_handle* handle, std::span<const option> options) {
 }
 
 /// Locale-independent digits; "none" is libmpv's word for an unset bound.
-std::string seconds_text(const std::optional<double>& seconds) {
-    if (!seconds) return "none";
+std::string number_text(const std::optional<double>& number) {
+    if (!number) return "none";
     std::array<char, 64> buffer{};
     const auto [end, status] =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), *seconds, std::chars_format::fixed, 6);
-    if (status != std::errc{}) throw std::runtime_error("A time is out of range");
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), *number, std::chars_format::fixed, 6);
+    if (status != std::errc{}) throw std::runtime_error("A number is out of range");
     return {buffer.data(), end};
 }
 
@@ -143,22 +146,25 @@ mpv_core::mpv_core(const play_options& options) : handle_(mpv_create()) {
     if (options.fast) set_options(handle_.get(), fast_options);
     else if (options.audio == audio_output::null) set_options(handle_.get(), null_options);
     else set_options(handle_.get(), device_options);
+    const auto volume = number_text(options.volume);
+    const option wishes[] = {{"replaygain", gain_names[static_cast<std::size_t>(options.gain)]}, {"volume", volume.c_str()}};
+    set_options(handle_.get(), wishes);
     check(mpv_initialize(handle_.get()), "Cannot start the audio engine");
     check(mpv_observe_property(handle_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE), "Cannot follow the position");
     check(mpv_observe_property(handle_.get(), 0, "current-ao", MPV_FORMAT_STRING), "Cannot follow the sound device");
 }
 
-std::int64_t mpv_core::append(const play_item& item) {
+std::int64_t mpv_core::load(const play_item& item, const char* flags) {
     // Named arguments, because the positions of `loadfile` differ between versions of libmpv.
-    const std::string start = seconds_text(item.start);
-    const std::string end = seconds_text(item.end);
+    const std::string start = number_text(item.start);
+    const std::string end = number_text(item.end);
     text_map options;
     if (item.start.value_or(0) > 0) options.add("start", start.c_str());
     if (item.end) options.add("end", end.c_str());
     text_map command;
     command.add("name", "loadfile");
     command.add("url", item.path.c_str());
-    command.add("flags", "append-play");
+    command.add("flags", flags);
     command.add("options", options.node());
     mpv_node request = command.node();
     owned_node answer;
@@ -180,10 +186,21 @@ void mpv_core::remove(std::int64_t first, std::int64_t count) {
 }
 
 void mpv_core::seek(double position) {
-    const std::string seconds = seconds_text(position);
+    const std::string seconds = number_text(position);
     const char* command[] = {"seek", seconds.c_str(), "absolute", nullptr};
     mpv_command(handle_.get(), command);
 }
+
+void mpv_core::stop() {
+    const char* command[] = {"stop", nullptr};
+    mpv_command(handle_.get(), command);
+}
+
+void mpv_core::pause(bool is_paused) { mpv_set_property_string(handle_.get(), "pause", is_paused ? "yes" : "no"); }
+
+void mpv_core::set_volume(double percent) { mpv_set_property(handle_.get(), "volume", MPV_FORMAT_DOUBLE, &percent); }
+
+void mpv_core::wake() { mpv_wakeup(handle_.get()); }
 
 const mpv_event& mpv_core::wait(double seconds) { return *mpv_wait_event(handle_.get(), seconds); }
 

@@ -32,18 +32,28 @@ public:
     explicit mpv_core(const play_options& options);
 
     /// Appends the item, and starts when nothing plays. Returns the id in the item's events. Throws std::runtime_error.
-    std::int64_t append(const play_item& item);
+    std::int64_t append(const play_item& item) { return load(item, "append-play"); }
+    /// Ends what plays and drops what was appended. Returns and throws like `append`.
+    std::int64_t replace(const play_item& item) { return load(item, "replace"); }
+    void stop();
     /// Removes the entries with ids `first` to `first + count - 1`, the playing one included.
     void remove(std::int64_t first, std::int64_t count);
     /// Seconds from the start of the file.
     void seek(double position);
+    void pause(bool is_paused);
+    /// 0 to 100.
+    void set_volume(double percent);
 
+    /// Ends a `wait`. [any-thread]
+    void wake();
     /// The next event, or one of kind none after `seconds`. Valid until the next call.
     [[nodiscard]] const mpv_event& wait(double seconds);
     /// A negative number when the file has no such property.
     [[nodiscard]] double number(const char* property);
 
 private:
+    std::int64_t load(const play_item& item, const char* flags);
+
     struct terminate {
         void operator()(mpv_handle* handle) const noexcept;
     };

@@ -29,7 +29,9 @@ bool is_url(std::string_view path) {
 
 /// Why an item is never passed to libmpv, which would open the network, wait on a pipe forever, or take a folder for a
 /// list. Empty when it may be.
-std::string refusal(const std::string& path) {
+std::string refusal(const play_item& item) {
+    const auto& path = item.path;
+    if (!item.problem.empty()) return item.problem;
     if (is_url(path)) return "Only files of this machine are played";
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
@@ -37,6 +39,11 @@ std::string refusal(const std::string& path) {
     if (error) return error.message();
     if (!std::filesystem::is_regular_file(status)) return "This is not a regular file";
     return {};
+}
+
+template <class mode>
+mode after_mode(mode now, mode last) {
+    return now == last ? mode{} : static_cast<mode>(static_cast<int>(now) + 1);
 }
 
 end_reason translate(mpv_end_file_reason reason) {
@@ -50,18 +57,37 @@ end_reason translate(mpv_end_file_reason reason) {
 /// run so far ahead of the callbacks that events are lost.
 class mpv_player::session {
 public:
-    session(const play_options& options, const play_callbacks& callbacks, std::span<const play_item> items)
+    session(const play_options& options, const play_callbacks& callbacks, std::span<const play_item> items, queue order)
         : callbacks_(callbacks),
           items_(items),
           wants_device_(options.audio == audio_output::automatic && !options.fast),
           core_(options),
-          rule_(options.thresholds) {}
+          rule_(options.thresholds),
+          status_{std::move(order), options.volume},
+          start_at_(options.start_at) {}
 
-    bool run(const std::atomic<bool>& stop);
-    void seek(double position);
+    using mailbox = std::function<std::vector<request>()>;
+    bool run(const std::atomic<bool>& stop, const mailbox& requests);
+    void wake() { core_.wake(); }
 
 private:
+    using turn = queue::turn;
+    using step = std::optional<turn> (queue::*)(turn);
+    struct queued_item {
+        turn at;
+        std::size_t place;
+    };
+
+    [[nodiscard]] std::size_t failures_allowed() const;
+    std::optional<turn> find_playable(std::optional<turn> at, step onward);
+    void drop_pending();
     void append_next();
+    void jump(std::optional<turn> target);
+    void end_list();
+    [[nodiscard]] play_item request_for(std::size_t place) const;
+    void perform(const request& wanted);
+    void seek(double position);
+    void report_status() { report(callbacks_.on_status, status_); }
     void report_refused();
     void handle(const mpv_event& event);
     void on_start_file(std::int64_t entry);
@@ -82,11 +108,17 @@ private:
     mpv_core core_;
     play_rule rule_;
 
-    std::size_t next_ = 0;                                      // first item not passed to libmpv yet
-    std::map<std::int64_t, std::size_t> queued_;                // items in libmpv, by entry id
+    play_status status_;
+    double start_at_;                                           // of the next item; 0 for its start
+    std::map<std::int64_t, queued_item> queued_;                // items in libmpv, by entry id
+    std::optional<std::int64_t> pending_;                       // the one of them that follows by itself
     std::vector<std::pair<std::size_t, std::string>> refused_;  // errors to report at their turn
+    std::size_t failures_ = 0;                                  // since something sounded
+    bool has_quit_ = false;
 
     std::optional<std::size_t> current_;
+    std::int64_t current_entry_ = -1;  // -1 between two items
+    double position_ = 0;              // or where a seek leads
     bool is_heard_ = true;
     double duration_ = 0;
     bool sounding_ = false;       // since the file was opened
@@ -95,36 +127,147 @@ private:
     bool finding_start_ = false;  // libmpv's own first seek, to the start of the item
 };
 
-bool mpv_player::session::run(const std::atomic<bool>& stop) {
-    append_next();
+bool mpv_player::session::run(const std::atomic<bool>& stop, const mailbox& requests) {
+    jump(status_.order.current());
     while (!queued_.empty()) {
-        if (stop) {
+        if (stop || has_quit_) {
             if (sounding_) finish(end_reason::stopped);
             return false;
         }
         handle(core_.wait(turn_seconds));
+        for (const auto& wanted : requests()) perform(wanted);
         report(callbacks_.on_turn);
     }
     report_refused();
+    end_list();
     return true;
 }
 
-void mpv_player::session::seek(double position) {
-    if (sounding_) core_.seek(start() + std::clamp(position, 0.0, std::max(duration_, 0.0)));
+/// A repeated list without a single track that can be played would go on forever.
+std::size_t mpv_player::session::failures_allowed() const {
+    return status_.order.modes().repeat == repeat_mode::track ? 1 : items_.size();
 }
 
-void mpv_player::session::append_next() {
-    while (next_ < items_.size()) {
-        const std::size_t index = next_++;
-        std::string why = refusal(items_[index].path);
-        if (why.empty()) {
-            play_item absolute = items_[index];
-            absolute.path = std::filesystem::absolute(absolute.path).string();
-            queued_.emplace(core_.append(absolute), index);
-            return;
-        }
-        refused_.emplace_back(index, std::move(why));
+/// Notes the items that are passed over.
+std::optional<queue::turn> mpv_player::session::find_playable(std::optional<turn> at, step onward) {
+    auto& order = status_.order;
+    for (; at && failures_ < failures_allowed(); at = (order.*onward)(*at)) {
+        auto why = refusal(items_[order.place(*at)]);
+        if (why.empty()) return at;
+        ++failures_;
+        refused_.emplace_back(order.place(*at), std::move(why));
     }
+    return std::nullopt;
+}
+
+play_item mpv_player::session::request_for(std::size_t place) const {
+    auto item = items_[place];
+    item.path = std::filesystem::absolute(item.path).string();
+    return item;
+}
+
+void mpv_player::session::drop_pending() {
+    refused_.clear();
+    if (!pending_) return;
+    core_.remove(*pending_, 1);
+    queued_.erase(*pending_);
+    pending_.reset();
+}
+
+/// libmpv joins the next item to the current one without a gap if it knows it in time.
+void mpv_player::session::append_next() {
+    drop_pending();
+    const auto next = find_playable(status_.order.following(), &queue::after);
+    if (!next) return;
+    const auto place = status_.order.place(*next);
+    pending_ = core_.append(request_for(place));
+    queued_.emplace(*pending_, queued_item{*next, place});
+}
+
+/// Leaves the current item for another; without one, ends the list.
+void mpv_player::session::jump(std::optional<turn> target) {
+    drop_pending();
+    // A jump just before this one may never have started.
+    std::erase_if(queued_, [this](const auto& each) { return each.first != current_entry_; });
+    const auto found = find_playable(target, &queue::after);
+    if (!found) return core_.stop();
+    auto& order = status_.order;
+    if (*found != order.current()) start_at_ = 0;
+    order.go_to(*found);
+    auto item = request_for(order.place(*found));
+    if (start_at_ > 0) item.start = item.start.value_or(0) + start_at_;
+    queued_.emplace(core_.replace(item), queued_item{*found, order.place(*found)});
+}
+
+/// Where a later playback of the list begins.
+void mpv_player::session::end_list() {
+    auto& order = status_.order;
+    const auto next = order.modes().stop_after ? order.after(order.current()) : std::nullopt;
+    order.set_stop_after(false);
+    if (next) order.go_to(*next);
+    else order.begin_again();
+    report_status();
+}
+
+void mpv_player::session::seek(double position) {
+    if (!sounding_) return;
+    position_ = std::clamp(position, 0.0, std::max(duration_, 0.0));
+    core_.seek(start() + position_);
+}
+
+void mpv_player::session::perform(const request& wanted) {
+    auto& order = status_.order;
+    const auto before = order.modes();
+    const auto set_pause = [this](bool is_paused) { core_.pause(status_.is_paused = is_paused); };
+    const auto set_volume = [this](double percent) { core_.set_volume(status_.volume = std::clamp(percent, 0.0, 100.0)); };
+    switch (wanted.what) {
+        case action::toggle_pause:
+            set_pause(!status_.is_paused);
+            break;
+        case action::pause:
+            set_pause(true);
+            break;
+        case action::resume:
+            set_pause(false);
+            break;
+        case action::next:
+            return jump(order.after(order.current()));
+        case action::previous:
+            drop_pending();
+            return jump(find_playable(order.before(order.current()), &queue::before).value_or(order.current()));
+        case action::seek_by:
+            return seek(position_ + wanted.amount);
+        case action::seek_to:
+            return seek(wanted.amount);
+        case action::change_volume:
+            set_volume(status_.volume + wanted.amount);
+            break;
+        case action::set_volume:
+            set_volume(wanted.amount);
+            break;
+        case action::cycle_repeat:
+            order.set_repeat(after_mode(before.repeat, repeat_mode::list));
+            break;
+        case action::set_repeat:
+            order.set_repeat(static_cast<repeat_mode>(wanted.amount));
+            break;
+        case action::cycle_shuffle:
+            order.set_shuffle(after_mode(before.shuffle, shuffle_mode::albums));
+            break;
+        case action::set_shuffle:
+            order.set_shuffle(static_cast<shuffle_mode>(wanted.amount));
+            break;
+        case action::toggle_stop_after:
+            order.set_stop_after(!before.stop_after);
+            break;
+        case action::quit:
+            has_quit_ = true;
+            break;
+        case action::rate:
+            return;
+    }
+    if (order.modes() != before) append_next();
+    report_status();
 }
 
 void mpv_player::session::report_refused() {
@@ -161,11 +304,18 @@ void mpv_player::session::on_start_file(std::int64_t entry) {
     const auto found = queued_.find(entry);
     if (found == queued_.end()) return;
     report_refused();
-    current_ = found->second;
+    const auto [turn, place] = found->second;
+    if (pending_ == entry) status_.order.go_to(turn);
+    if (pending_ == entry) pending_.reset();
+    current_ = place;
+    current_entry_ = entry;
+    position_ = std::exchange(start_at_, 0);
     audible_ = false;
-    seeking_ = false;
-    finding_start_ = start() > 0;
+    // What was heard before the playback was interrupted does not count again.
+    seeking_ = position_ > 0;
+    finding_start_ = !seeking_ && start() > 0;
     rule_.started();
+    if (seeking_) rule_.seek();
     append_next();
 }
 
@@ -177,8 +327,10 @@ void mpv_player::session::on_loaded() {
     rule_.loaded(duration_);
     sounding_ = duration_ > 0 || start() <= 0;
     if (!sounding_) return;
+    failures_ = 0;
+    report_status();
     report(callbacks_.on_started, *current_);
-    report(callbacks_.on_progress, *current_, 0.0, duration_);
+    report(callbacks_.on_progress, *current_, position_, duration_);
 }
 
 void mpv_player::session::on_seek() {
@@ -199,6 +351,7 @@ void mpv_player::session::on_position(double seconds) {
     if (!sounding_ || !audible_ || seconds < 0) return;
     const double position = std::max(seconds - start(), 0.0);
     const bool counts = rule_.position(position);
+    if (!seeking_) position_ = position;
     report(callbacks_.on_progress, *current_, position, duration_);
     if (counts) report(callbacks_.on_counted, *current_);
 }
@@ -212,18 +365,23 @@ void mpv_player::session::on_device(std::string_view output) {
 void mpv_player::session::on_end_file(const mpv_event_end_file& end) {
     const auto found = queued_.find(end.playlist_entry_id);
     if (found == queued_.end()) return;
-    const std::size_t index = found->second;
+    const std::size_t index = found->second.place;
     queued_.erase(found);
+    const auto fail = [&](const char* text) {
+        report(callbacks_.on_error, index, std::string(text));
+        if (++failures_ >= failures_allowed()) drop_pending();
+    };
     if (end.reason == MPV_END_FILE_REASON_REDIRECT) {
         core_.remove(end.playlist_insert_id, end.playlist_insert_num_entries);
-        report(callbacks_.on_error, index, std::string("This is a list of other files and not a track"));
+        fail("This is a list of other files and not a track");
     } else if (end.reason == MPV_END_FILE_REASON_ERROR) {
-        report(callbacks_.on_error, index, std::string(mpv_error_string(end.error)));
-    } else if (!sounding_) {
-        report(callbacks_.on_error, index, std::string("The track starts behind the end of the file"));
+        fail(mpv_error_string(end.error));
+    } else if (!sounding_ && end.reason == MPV_END_FILE_REASON_EOF) {
+        fail("The track starts behind the end of the file");
     }
     if (sounding_) finish(translate(end.reason));
     current_.reset();
+    current_entry_ = -1;
 }
 
 void mpv_player::session::finish(end_reason reason) {
@@ -236,17 +394,27 @@ void mpv_player::session::finish(end_reason reason) {
 mpv_player::mpv_player(play_options options, play_callbacks callbacks)
     : options_(options), callbacks_(std::move(callbacks)) {}
 
-bool mpv_player::run(std::span<const play_item> items, const std::atomic<bool>& stop) {
-    session playing(options_, callbacks_, items);
+bool mpv_player::run(std::span<const play_item> items, queue order, const std::atomic<bool>& stop) {
+    session playing(options_, callbacks_, items, std::move(order));
+    const auto set_session = [this](session* now) {
+        const std::lock_guard lock(mutex_);
+        session_ = now;
+    };
+    set_session(&playing);
     struct registration {
-        session*& slot;
-        ~registration() { slot = nullptr; }
-    } const registered{session_ = &playing};
-    return playing.run(stop);
+        decltype(set_session)& set;
+        ~registration() { set(nullptr); }
+    } const registered{set_session};
+    return playing.run(stop, [this] {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(requests_, {});
+    });
 }
 
-void mpv_player::seek(double position) {
-    if (session_) session_->seek(position);
+void mpv_player::perform(const request& wanted) {
+    const std::lock_guard lock(mutex_);
+    requests_.push_back(wanted);
+    if (session_ != nullptr) session_->wake();
 }
 
 }  // namespace ostrevan::playback

@@ -3,11 +3,15 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
+#include "player/playback/actions.h"
 #include "player/playback/play_rule.h"
+#include "player/playback/queue.h"
 
 namespace ostrevan::playback {
 
@@ -16,6 +20,8 @@ struct play_item {
     std::string path;
     std::optional<double> start;
     std::optional<double> end;
+    /// Why it cannot be played; empty when nothing is known against it.
+    std::string problem{};
 };
 
 enum class audio_output {
@@ -23,11 +29,22 @@ enum class audio_output {
     null,       ///< no device, in real time
 };
 
+enum class replay_gain { off, track, album };
+
 struct play_options {
     audio_output audio = audio_output::automatic;
     /// Decodes at full speed; opens no device whatever `audio` says.
     bool fast = false;
     play_thresholds thresholds = {};
+    replay_gain gain = replay_gain::off;
+    double volume = 100;  ///< percent
+    double start_at = 0;  ///< seconds into the first item
+};
+
+struct play_status {
+    queue order;
+    double volume = 100;
+    bool is_paused = false;
 };
 
 /// Events. `index` is the item's place in the list. Any may be empty. Called on the thread of `run`; an exception ends the
@@ -35,7 +52,7 @@ struct play_options {
 struct play_callbacks {
     /// The item was opened and begins to sound.
     std::function<void(std::size_t index)> on_started;
-    /// The item counts as played; once for each place in the list.
+    /// The item counts as played; once each time it is heard.
     std::function<void(std::size_t index)> on_counted;
     /// A started item has ended, or playback was stopped.
     std::function<void(std::size_t index)> on_finished;
@@ -43,32 +60,37 @@ struct play_callbacks {
     std::function<void(std::size_t index, const std::string& text)> on_error;
     /// Seconds from the start of the item; the duration is 0 when unknown. First called right after `on_started`.
     std::function<void(std::size_t index, double position, double duration)> on_progress;
+    /// Before `on_started`, when the listener changes something, and before `run` returns.
+    std::function<void(const play_status& status)> on_status;
     /// Whether the playback can be heard: false when a device was wanted and none could be opened.
     std::function<void(bool is_heard)> on_hearing;
     /// Called at least ten times a second, for other work of this thread.
     std::function<void()> on_turn;
 };
 
-/// Plays lists through libmpv. Single-threaded, not copyable. During `run` LC_NUMERIC of the process is "C", as libmpv
-/// requires; no other thread may change the locale meanwhile.
+/// Plays lists through libmpv. Single-threaded but for `perform`, not copyable. During `run` LC_NUMERIC of the process is
+/// "C", as libmpv requires; no other thread may change the locale meanwhile.
 class mpv_player {
 public:
     mpv_player(play_options options, play_callbacks callbacks);
     mpv_player(const mpv_player&) = delete;
     mpv_player& operator=(const mpv_player&) = delete;
 
-    /// Plays the items in order. Returns true at the end of the list, false when `stop` became true; a signal handler may
-    /// set it, and it is noticed within a tenth of a second. Throws std::runtime_error when libmpv cannot start.
-    bool run(std::span<const play_item> items, const std::atomic<bool>& stop);
+    /// Plays the items from the current one of `order`. Returns true at the end, false when the listener quits or `stop`
+    /// became true; a signal handler may set it, and it is noticed within a tenth of a second. Ends when every item of the
+    /// list in a row has failed. Throws std::runtime_error when libmpv cannot start.
+    bool run(std::span<const play_item> items, queue order, const std::atomic<bool>& stop);
 
-    /// Moves within the current item, in seconds from its start. Only from a callback; does nothing when nothing plays.
-    void seek(double position);
+    /// Carries out what concerns the playback, and ignores the rest. [any-thread]
+    void perform(const request& wanted);
 
 private:
     class session;
 
     play_options options_;
     play_callbacks callbacks_;
+    std::mutex mutex_;  // of the following
+    std::vector<request> requests_;
     session* session_ = nullptr;  // set and owned by `run`
 };
 

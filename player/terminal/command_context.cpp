@@ -66,8 +66,7 @@ void run_context_menu(run_context& context, const context_words& words) {
 }
 
 void rate(run_context& context, const std::string& stars, const track_arguments& tracks) {
-    const bool is_none = stars == "0" || stars == "none";
-    run_context_menu(context, {{}, "Rating/" + (is_none ? "not set" : stars), tracks});
+    run_context_menu(context, {{}, view::rating_path(stars), tracks});
 }
 
 const command_file context_command(80, [](command_declarations& declare) {

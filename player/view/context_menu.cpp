@@ -82,4 +82,9 @@ bool run_context_command(const core::service_registry& services, const nuv::guid
     return owner != nullptr;
 }
 
+std::string rating_path(const std::string& stars) {
+    const bool is_none = stars == "0" || stars == "none";
+    return "Rating/" + (is_none ? "not set" : stars);
+}
+
 }  // namespace ostrevan::view

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "ostrevan/context_menu.h"
@@ -13,5 +14,8 @@ std::vector<menu_entry> context_menu_for(const core::service_registry& services,
 
 /// Runs a command by its identifier, without building the menu. Returns false when no component has it. [main-thread]
 bool run_context_command(const core::service_registry& services, const nuv::guid& id, metadb_handle_list_cref tracks);
+
+/// Where the menu has a rating: "Rating/4". 0 and none remove it; - and + are a step.
+std::string rating_path(const std::string& stars);
 
 }  // namespace ostrevan::view

@@ -53,11 +53,12 @@ protected:
                         EXPECT_FALSE(text.empty());
                     },
                 .on_progress = {},
+                .on_status = {},
                 .on_hearing = [this](bool heard) { log_.push_back(heard ? "heard" : "not heard"); },
                 .on_turn = {}};
     }
     bool play(const std::vector<play_item>& items, const play_callbacks& callbacks) {
-        return mpv_player({.audio = audio_output::null, .fast = true}, callbacks).run(items, stop_);
+        return mpv_player({.audio = audio_output::null, .fast = true}, callbacks).run(items, queue(items.size()), stop_);
     }
 
     inline static fs::path folder_;
@@ -112,20 +113,83 @@ TEST_F(mpv_player_test, does_not_count_what_a_seek_skipped) {
     bool sought = false;
     mpv_player* playing = nullptr;
     callbacks.on_progress = [&](auto...) {
-        if (!std::exchange(sought, true)) playing->seek(99.5);
+        if (!std::exchange(sought, true)) playing->perform({action::seek_to, 99.5});
     };
     mpv_player player({.audio = audio_output::null, .fast = false}, callbacks);
     playing = &player;
-    EXPECT_TRUE(player.run(items, stop_));
+    EXPECT_TRUE(player.run(items, queue(items.size()), stop_));
     EXPECT_TRUE(sought);
     EXPECT_EQ(log_, (lines{"started 0", "finished 0"}));
+}
+
+TEST_F(mpv_player_test, does_what_the_listener_asks_for_and_counts_what_is_heard_each_time) {
+    struct row {
+        std::vector<std::pair<std::string, std::vector<request>>> asked;  // after a line of the log, each once
+        lines log;
+    };
+    const auto list = static_cast<double>(repeat_mode::list), track = static_cast<double>(repeat_mode::track);
+    const lines all{"started 0", "counted 0", "finished 0", "started 1", "counted 1", "finished 1"};
+    for (const auto& [asked, expected] : {
+             row{{{"started 0", {{action::next}}}}, {"started 0", "finished 0", "started 1", "counted 1", "finished 1"}},
+             row{{{"started 0", {{action::next}, {action::next}}}}, {"started 0", "finished 0"}},
+             row{{{"started 1", {{action::previous}}}},
+                 {"started 0", "counted 0", "finished 0", "started 1", "finished 1", "started 0", "counted 0", "finished 0",
+                  "started 1", "counted 1", "finished 1"}},
+             row{{{"started 0", {{action::previous}}}},
+                 {"started 0", "finished 0", all[0], all[1], all[2], all[3], all[4], all[5]}},
+             row{{{"started 0", {{action::pause}, {action::toggle_pause}, {action::rate, 3}}}}, all},
+             row{{{"started 0", {{action::toggle_stop_after}}}}, {"started 0", "counted 0", "finished 0"}},
+             row{{{"started 0", {{action::set_repeat, track}}}},
+                 {"started 0", "counted 0", "finished 0", "started 0", "counted 0"}},
+             row{{{"started 1", {{action::set_repeat, list}}}}, {all[0], all[1], all[2], all[3], all[4], all[5], all[0]}},
+             row{{{"started 0", {{action::quit}}}}, {"started 0", "finished 0"}},
+         }) {
+        auto callbacks = recording();
+        mpv_player* playing = nullptr;
+        auto left = asked;
+        callbacks.on_turn = [&] {
+            if (log_.size() > expected.size() + 1) stop_ = true;
+            for (const auto& line : log_)
+                for (auto& [after, requests] : left)
+                    if (line == after)
+                        for (const auto& each : std::exchange(requests, {})) playing->perform(each);
+        };
+        // In real time, half a second each.
+        mpv_player player({.audio = audio_output::null}, callbacks);
+        playing = &player;
+        player.run(std::vector<play_item>{{path("a.wav"), 1.5, {}}, {path("a.flac"), 1.5, {}}}, queue(2), stop_);
+        if (stop_) log_.resize(expected.size());  // repeated without an end
+        EXPECT_EQ(log_, expected);
+        log_.clear();
+        stop_ = false;
+    }
+}
+
+TEST_F(mpv_player_test, ends_a_repeated_list_of_which_nothing_can_be_played) {
+    for (const char* name : {"noise.mp3", "missing.mp3"}) {
+        queue order(2, {.repeat = repeat_mode::list});
+        EXPECT_TRUE(mpv_player({.fast = true}, recording())
+                        .run(std::vector<play_item>{{path(name), {}, {}}, {path(name), {}, {}}}, order, stop_));
+        EXPECT_EQ(std::exchange(log_, {}), (lines{"error 0", "error 1"}));
+    }
+}
+
+TEST_F(mpv_player_test, goes_on_inside_a_track_without_counting_what_was_skipped) {
+    auto callbacks = recording();
+    double first = -1;
+    callbacks.on_progress = [&](std::size_t, double position, double) { first = first < 0 ? position : first; };
+    mpv_player player({.fast = true, .start_at = 60}, callbacks);
+    EXPECT_TRUE(player.run(std::vector<play_item>{{path("long.flac"), 5.0, {}}}, queue(1), stop_));
+    EXPECT_EQ(log_, (lines{"started 0", "finished 0"}));
+    EXPECT_EQ(first, 60);
 }
 
 TEST_F(mpv_player_test, stops_when_told_to_and_leaves_the_rest_alone) {
     auto callbacks = recording();
     callbacks.on_progress = [this](auto...) { stop_ = true; };
     mpv_player player({.audio = audio_output::null, .fast = false}, callbacks);
-    EXPECT_FALSE(player.run(std::vector<play_item>{{path("long.flac"), {}, {}}, {path("a.wav"), {}, {}}}, stop_));
+    const std::vector<play_item> items{{path("long.flac"), {}, {}}, {path("a.wav"), {}, {}}};
+    EXPECT_FALSE(player.run(items, queue(items.size()), stop_));
     EXPECT_EQ(log_, (lines{"started 0", "finished 0"}));
 }
 
@@ -137,8 +201,8 @@ TEST_F(mpv_player_test, passes_on_what_a_callback_throws_and_can_play_again) {
     };
     mpv_player player({.audio = audio_output::null, .fast = true}, callbacks);
     const std::vector<play_item> items{{path("a.wav"), {}, {}}};
-    EXPECT_THROW(player.run(items, stop_), std::runtime_error);
-    EXPECT_TRUE(player.run(items, stop_));
+    EXPECT_THROW(player.run(items, queue(items.size()), stop_), std::runtime_error);
+    EXPECT_TRUE(player.run(items, queue(items.size()), stop_));
     EXPECT_EQ(log_, (lines{"started 0", "started 0", "finished 0"}));
 }
 
@@ -206,12 +270,12 @@ TEST_F(mpv_player_test, tells_that_nothing_is_heard_when_no_device_can_be_opened
     auto callbacks = recording();
     callbacks.on_counted = {};
     mpv_player player({.audio = audio_output::automatic, .fast = false}, callbacks);
-    EXPECT_TRUE(player.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}, {path("a.wav"), 1.8, {}}}, stop_));
+    EXPECT_TRUE(player.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}, {path("a.wav"), 1.8, {}}}, queue(2), stop_));
     EXPECT_EQ(std::ranges::count(log_, "not heard"), 1);
     EXPECT_EQ(std::ranges::count(log_, "heard"), 0);
     mpv_player asked({.audio = audio_output::null, .fast = false}, callbacks);
     log_.clear();
-    EXPECT_TRUE(asked.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}}, stop_));
+    EXPECT_TRUE(asked.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}}, queue(1), stop_));
     EXPECT_EQ(log_, (lines{"started 0", "finished 0"}));
 }
 
