@@ -119,7 +119,7 @@ void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> cha
 catalog_entry index_store::state::find_or_add(const nuv::guid& index) {
     const std::scoped_lock lock(catalog_mutex);
     if (const auto known = memory.find(index)) return *known;
-    const catalog_entry added = memory.add(index);
+    catalog_entry added = memory.add(index);
     enqueue({added});
     return added;
 }

@@ -14,11 +14,10 @@
 #include "player/library/name_filter.h"
 #include "player/library/read_files.h"
 #include "player/library/worker_group.h"
+#include "player/system/durable_file.h"
 
 namespace ostrevan::library {
 namespace {
-
-std::string folder_of(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
 class scan {
 public:
@@ -184,7 +183,7 @@ private:
 
     read_events events(scan_sink on_read) {
         return {std::move(on_read), [this](file_problem&& problem) { report_.problems.push_back(std::move(problem)); },
-                [this](const std::string& path) { tell(folder_of(path)); }};
+                [this](const std::string& path) { tell(system::folder_of(path)); }};
     }
 
     void tell(const std::string& folder) const {

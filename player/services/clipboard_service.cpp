@@ -13,6 +13,7 @@
 
 #include "player/system/descriptor.h"
 #include "player/system/durable_file.h"
+#include "player/system/endian.h"
 
 namespace ostrevan::services {
 namespace {
@@ -45,9 +46,7 @@ std::optional<std::string> read_private(const std::string& path, std::size_t lim
 }
 
 std::string header_of(std::string_view format) {
-    std::string header;
-    for (std::size_t i = 0; i < length_size; ++i) header += static_cast<char>(format.size() >> 8 * i & 0xFF);
-    return header.append(format);
+    return system::as_little_endian(format.size(), length_size).append(format);
 }
 
 }  // namespace

@@ -164,7 +164,7 @@ fs::path back_up(const database& source, std::string_view reason, const fs::path
 
     const auto now = time_now();
     const auto base = folder / (path.stem().string() + "-" + now + "-" + std::string(reason));
-    const fs::path whole = base.string() + ".sqlite";
+    fs::path whole = base.string() + ".sqlite";
     // The database comes last: its presence marks a complete set.
     if (!beside.empty()) copy_beside(beside, base.string() + "." + beside.filename().string());
     unfinished_copy copy(whole);

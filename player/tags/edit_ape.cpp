@@ -46,7 +46,7 @@ ape_item item_of(const std::string& name, const std::vector<std::string>& values
 }
 
 std::string name_of_new_item(const std::string& key) {
-    const std::string name = ape_item_of_key(key);
+    std::string name = ape_item_of_key(key);
     if (!TagLib::APE::Tag::checkKey(TagLib::String(name, TagLib::String::UTF8)))
         cannot_hold("APEv2", key, "names there have 2 to 255 plain ASCII characters");
     return name;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "player/tags/bytes.h"
 #include "player/tags/field_names.h"
 
 namespace ostrevan::tags {
@@ -22,9 +23,7 @@ TagLib::StringList texts_of(const TagLib::MP4::Item& item) {
     if (!texts.isEmpty()) return texts;
     for (const auto& bytes : item.toByteVectorList()) {
         if (item.atomDataType() == TagLib::MP4::TypeInteger && !bytes.isEmpty() && bytes.size() <= 8) {
-            unsigned long long number = 0;
-            for (const char byte : bytes) number = number << 8 | static_cast<unsigned char>(byte);
-            texts.append(std::to_string(number));
+            texts.append(std::to_string(big_endian(to_text(bytes), 0, bytes.size())));
         } else if (item.atomDataType() == TagLib::MP4::TypeImplicit) {
             // Bytes that are no text come out empty.
             if (const TagLib::String text(bytes, TagLib::String::UTF8); !text.isEmpty() && text[0] >= ' ')

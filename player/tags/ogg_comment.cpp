@@ -83,10 +83,10 @@ comment_place find_comment(file_stream& stream, container kind) {
 
 /// The mark in front of the comment inside its packet.
 std::string start_of_comment(container kind, const std::string& packet) {
-    const std::string start = kind == container::vorbis     ? "\3vorbis"
-                              : kind == container::opus     ? "OpusTags"
-                              : kind == container::ogg_flac ? packet.substr(0, flac_block_header_size)
-                                                            : "";
+    std::string start = kind == container::vorbis     ? "\3vorbis"
+                        : kind == container::opus     ? "OpusTags"
+                        : kind == container::ogg_flac ? packet.substr(0, flac_block_header_size)
+                                                      : "";
     if (packet.size() <= start.size() || !packet.starts_with(start)) throw edit_error("its comment header is damaged");
     return start;
 }

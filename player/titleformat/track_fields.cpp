@@ -30,7 +30,7 @@ std::string_view without_extension(std::string_view file) {
     return dot == std::string_view::npos || dot == 0 ? file : file.substr(0, dot);
 }
 
-std::string_view folder_of(std::string_view path) {
+std::string_view directory_name(std::string_view path) {
     const auto slash = path.find_last_of('/');
     return slash == std::string_view::npos ? std::string_view{} : file_of(path.substr(0, slash));
 }
@@ -59,7 +59,7 @@ constexpr auto location_fields = std::to_array<named<from_location>>({
     {"path", [](const playable_location& l) { return l.path; }},
     {"filename_ext", [](const playable_location& l) { return std::string(file_of(l.path)); }},
     {"filename", [](const playable_location& l) { return std::string(without_extension(file_of(l.path))); }},
-    {"directoryname", [](const playable_location& l) { return std::string(folder_of(l.path)); }},
+    {"directoryname", [](const playable_location& l) { return std::string(directory_name(l.path)); }},
     {"subsong", [](const playable_location& l) { return std::to_string(l.subsong); }},
 });
 

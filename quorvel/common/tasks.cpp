@@ -33,7 +33,7 @@ void post_to_main_thread(std::function<void()> work) {
         ostrevan::service_new<posted_work>(std::move(work)));
 }
 
-void run_on_worker(std::string failure, std::function<void()> task) {
+void run_on_worker(const std::string& failure, std::function<void()> task) {
     try {
         worker_queue().add([failure, task = std::move(task)] {
             try {

@@ -57,6 +57,7 @@ void apply_path_items(ParseGlobals& globals, const std::vector<PathItem>& items)
     if (items.empty()) return;
     const auto metadb = ostrevan::get_service<ostrevan::metadb>();
     std::vector<GatheredTrack> tracks;
+    tracks.reserve(items.size());
     for (const auto& item : items) tracks.push_back({metadb->handle_create(item.location)});
     pcdb_export::resolveNoInfo(globals, tracks);
     for (std::size_t i = 0; i < items.size(); ++i) {

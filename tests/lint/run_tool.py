@@ -7,6 +7,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 
 from tracked import ROOT, lines, tracked
 
@@ -43,29 +44,36 @@ def check_shell():
     run([shellcheck], [n for n in tracked() if n.endswith(".sh") or lines(n)[:1] and "bash" in lines(n)[0][1][:24]])
 
 
-def check_tidy(build):
-    """The sources of the product that the build compiles; headers come with the files that include them."""
-    tidy = llvm("clang-tidy")
+def product_units(build):
+    """How the build compiles the product, as clang can read it: without headers that another compiler has read before."""
     with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
-        built = {os.path.realpath(os.path.join(entry["directory"], entry["file"])) for entry in json.load(file)}
-    sources = [n for n in tracked(".cpp") if n.startswith(("sdk/", "quorvel/", "player/"))]
-    names = [n for n in sources if os.path.realpath(os.path.join(ROOT, n)) in built]
-    header = f"^{re.escape(ROOT)}/(sdk|quorvel|player)/"
-    command = [tidy, "--quiet", "--use-color=0", "-p", build, f"--header-filter={header}"]
-    complaints, unread = [], []
-    with concurrent.futures.ThreadPoolExecutor(2) as pool:
-        finish = pool.map(lambda n: subprocess.run(command + [n], cwd=ROOT, capture_output=True, text=True), names)
-        for name, result in zip(names, finish):
+        entries = [entry for entry in json.load(file) if re.search(r" -o (\S*/)?(sdk|quorvel|player)/CMakeFiles/", entry["command"])]
+    for entry in entries:
+        entry["command"] = re.sub(r"-Winvalid-pch -include \S+ ", "", entry["command"])
+    return entries
+
+
+def check_tidy(build):
+    """The product, in the units that the build compiles; headers come with the sources that include them."""
+    tidy = llvm("clang-tidy")
+    complaints, unread = set(), []
+    with tempfile.TemporaryDirectory() as folder, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        units = product_units(build)
+        with open(os.path.join(folder, "compile_commands.json"), "w", encoding="utf-8") as file:
+            json.dump(units, file)
+        command = [tidy, "--quiet", "--use-color=0", "-p", folder, "--extra-arg=-Wno-unknown-warning-option",
+                   "--checks=-bugprone-suspicious-include", f"--header-filter=^{re.escape(ROOT)}/(sdk|quorvel|player)/"]
+        finish = pool.map(lambda unit: subprocess.run(command + [unit["file"]], cwd=ROOT, capture_output=True, text=True), units)
+        for unit, result in zip(units, finish):
             found = re.findall(r"^(\S+:\d+:\d+: (?:error|warning): .*\[([\w.,-]+)\])$", result.stdout, re.M)
-            for text, check in found:
-                if not check.startswith("clang-diagnostic-error") and text not in complaints:
-                    complaints.append(text)
-                    print(text, flush=True)
-            # This clang cannot parse some of the ranges in libstdc++. Such a file is named, and many of them are a failure.
-            if result.returncode != 0 and not any(not check.startswith("clang-diagnostic-error") for _, check in found):
-                unread.append(name)
-    print(f"{len(names)} files, {len(complaints)} complaints; not read to the end: {', '.join(unread) or 'none'}")
-    sys.exit(1 if complaints or len(unread) * 4 >= len(names) else 0)
+            new = {text for text, check in found if not check.startswith("clang-diagnostic-error")} - complaints
+            print("".join(text + "\n" for text in sorted(new)), end="", flush=True)
+            complaints |= new
+            # This clang cannot parse some of the ranges in libstdc++. Such a unit is named, and many of them are a failure.
+            if result.returncode != 0 and all(check.startswith("clang-diagnostic-error") for _, check in found):
+                unread.append(unit["file"])
+    print(f"{len(units)} units, {len(complaints)} complaints; not read to the end: {', '.join(unread) or 'none'}")
+    sys.exit(1 if complaints or len(unread) * 4 >= len(units) else 0)
 
 
 if len(sys.argv) == 3 and sys.argv[1] == "tidy":

@@ -68,7 +68,7 @@ inline ostrevan::metadb_handle_list make_tracks(std::size_t count) {
     ostrevan::metadb_handle_list tracks;
     for (std::size_t i = 0; i < count; ++i) {
         const std::string title = "t" + std::to_string(i);
-        tracks.items().push_back(make_track("/music/" + title + ".flac", {{"artist", "a"}, {"title", title.c_str()}}));
+        tracks.items().emplace_back(make_track("/music/" + title + ".flac", {{"artist", "a"}, {"title", title.c_str()}}));
     }
     return tracks;
 }
