@@ -53,32 +53,36 @@ loaded_component load_component(const std::string& path, const player_interface&
         const auto* const component = entry(&player);
         check_handshake(component, player, path);
         component->api->set_library_path(path.c_str());
-        return {path, component->api};
+        return {path, component->api, component->revision};
     } catch (...) {
         ::dlclose(module);
         throw;
     }
 }
 
-std::vector<loaded_component> load_components(const std::string& folder, const player_interface& player,
+std::vector<loaded_component> load_components(const std::string& path, const player_interface& player,
                                               const std::function<void(const std::string& message)>& on_failure) {
-    std::vector<std::string> paths;
+    std::vector<std::string> files;
     std::error_code error;
-    for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end; it.increment(error))
-        if (it->path().extension() == ".dll") paths.push_back(it->path().string());
-    if (folder.empty())
+    // The system would look for a name without a folder among its own libraries.
+    if (std::filesystem::is_regular_file(path, error))
+        files.push_back((path.find('/') == std::string::npos ? "./" : "") + path);
+    else
+        for (std::filesystem::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
+            if (it->path().extension() == ".dll") files.push_back(it->path().string());
+    if (path.empty())
         on_failure(
             "No component is loaded, and so no play is counted: the system does not say where the program is "
             "(/proc is not there). Name the folder with --components.");
     else if (error)
-        on_failure("The components in " + folder + " are not loaded, and so no play may be counted: " + error.message() +
+        on_failure("The components in " + path + " are not loaded, and so no play may be counted: " + error.message() +
                    ". Name the right folder with --components.");
-    std::ranges::sort(paths);
+    std::ranges::sort(files);
 
     std::vector<loaded_component> loaded;
-    for (const auto& path : paths) {
+    for (const auto& file : files) {
         try {
-            loaded.push_back(load_component(path, player));
+            loaded.push_back(load_component(file, player));
         } catch (const std::exception& failure) {
             on_failure(failure.what());
         }
@@ -95,7 +99,6 @@ const component_version* version_of(const loaded_component& component) {
     return nullptr;
 }
 
-/// An object begins with the address of its virtual table.
 std::string name_of(const loaded_component& component) {
     const auto* const version = version_of(component);
     return version != nullptr ? version->name() : std::filesystem::path(component.path).stem().string();

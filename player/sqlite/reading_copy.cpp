@@ -32,22 +32,16 @@ std::optional<reading_copy> reading_copy::of(const std::string& database) {
     std::error_code error;
     if (const auto size = fs::file_size(database, error); error || size == 0) return std::nullopt;
     for (const auto& parent : temporary_folders()) {
-        std::string folder = parent + "/ostrevan-XXXXXX";
-        if (::mkdtemp(folder.data()) == nullptr) continue;
-        reading_copy copy(folder);
-        fs::permissions(folder, fs::perms::owner_all, error);
+        auto folder = system::temporary_folder::in(parent);
+        if (!folder) continue;
+        reading_copy copy(std::move(*folder));
         if (!copy_if_there(database, copy.file()) || !copy_if_there(database + "-wal", copy.file() + "-wal")) continue;
         // The copies have the modes of the originals.
-        for (const auto& each : fs::directory_iterator(folder, error))
+        for (const auto& each : fs::directory_iterator(fs::path(copy.file()).parent_path(), error))
             fs::permissions(each.path(), fs::perms::owner_read | fs::perms::owner_write, error);
         return copy;
     }
     return std::nullopt;
-}
-
-reading_copy::~reading_copy() {
-    std::error_code ignored;
-    if (!folder_.empty()) fs::remove_all(folder_, ignored);
 }
 
 }  // namespace ostrevan::sqlite

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "player/system/temporary_folder.h"
+
 namespace ostrevan::sqlite {
 
 /// A copy of a database and its log in a private temporary folder, removed with the object.
@@ -13,18 +15,11 @@ public:
     /// room.
     static std::optional<reading_copy> of(const std::string& database);
 
-    reading_copy(reading_copy&& other) noexcept : folder_(std::exchange(other.folder_, {})) {}
-    reading_copy& operator=(reading_copy&& other) noexcept {
-        std::swap(folder_, other.folder_);
-        return *this;
-    }
-    ~reading_copy();
-
-    [[nodiscard]] std::string file() const { return folder_ + "/copy.sqlite"; }
+    [[nodiscard]] std::string file() const { return folder_.path() + "/copy.sqlite"; }
 
 private:
-    explicit reading_copy(std::string folder) noexcept : folder_(std::move(folder)) {}
-    std::string folder_;
+    explicit reading_copy(system::temporary_folder folder) noexcept : folder_(std::move(folder)) {}
+    system::temporary_folder folder_;
 };
 
 }  // namespace ostrevan::sqlite

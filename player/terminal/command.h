@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "player/app/session.h"
 #include "player/terminal/exit_status.h"
@@ -21,6 +23,8 @@ struct chosen_command {
     std::function<void(run_context&)> run;
     /// Whether it may open a dialog or ask for a file, so that `--file`, `--check` and `--uncheck` make sense.
     bool may_ask = false;
+    /// Loaded alone into a player with an empty profile, instead of the components folder.
+    std::optional<std::string> component_to_check = std::nullopt;
 };
 
 /// Where a command declares its words, options and help.

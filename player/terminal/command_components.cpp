@@ -1,24 +1,33 @@
 #include <iostream>
 
-#include "player/core/component_loader.h"
+#include "player/app/component_description.h"
 #include "player/terminal/command.h"
-#include "player/terminal/table.h"
 
 namespace ostrevan::terminal {
 namespace {
 
+constexpr const char* components_examples =
+    "Examples:\n"
+    "  ostrevan components\n"
+    "  ostrevan components --check build/hello/hello.dll\n"
+    "A checked component is started in a player of its own, with an empty profile and an empty library.";
+
 void print_components(run_context& context) {
-    table out({{"Name"}, {"Version"}, {"File"}});
     for (const auto& component : context.player.components) {
         const auto* const version = core::version_of(component);
-        out.add_row(
-            {version != nullptr ? version->name() : "", version != nullptr ? version->version() : "", component.path});
+        std::cout << core::name_of(component) << (version == nullptr ? "" : std::string(" ") + version->version()) << '\n';
+        for (const auto& [what, value] : app::describe(component, context.player.index.registrations()))
+            std::cout << "  " << what << std::string(11 - what.size(), ' ') << value << '\n';
     }
-    std::cout << out.text(0);
 }
 
 const command_file components_command(140, [](command_declarations& declare) {
-    declare.run(declare.add("components", "The loaded components: name, version, file"), print_components);
+    auto& app = declare.add("components", "What the loaded components offer", components_examples);
+    const auto file = std::make_shared<std::optional<std::string>>();
+    app.add_option("--check", *file, "Load this file alone and say what is wrong with it")
+        ->type_name("FILE")
+        ->check(CLI::ExistingFile);
+    declare.choose(app, [file] { return chosen_command{print_components, false, *file}; });
 });
 
 }  // namespace

@@ -1,21 +1,23 @@
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 
 #include "player/query/query.h"
 #include "player/system/failure_text.h"
 #include "player/system/interrupt.h"
+#include "player/system/temporary_folder.h"
 #include "player/terminal/command_line.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::terminal {
 namespace {
 
-int run_all(const arguments& wanted, terminal& screen) {
-    app::session player({wanted.profile, wanted.components, wanted.quiet}, screen);
+int run_with(const app::session_options& options, const chosen_command& chosen, terminal& screen) {
+    app::session player(options, screen);
     run_context context{player, screen};
     try {
-        wanted.chosen.run(context);
+        chosen.run(context);
     } catch (...) {
         player.run_until_idle();  // finishes what the components have begun
         screen.end_progress();
@@ -28,6 +30,15 @@ int run_all(const arguments& wanted, terminal& screen) {
     const int status = screen.exit_status();
     if (status == exit_done) screen.note_unused_answers();
     return status;
+}
+
+int run_all(const arguments& wanted, terminal& screen) {
+    const auto& checked = wanted.chosen.component_to_check;
+    if (!checked) return run_with({wanted.profile, wanted.components, wanted.quiet}, wanted.chosen, screen);
+    const auto parent = std::filesystem::temp_directory_path().string();
+    const auto profile = system::temporary_folder::in(parent);
+    if (!profile) throw std::runtime_error("No folder can be made in " + parent + ": name another one with TMPDIR.");
+    return run_with({profile->path(), *checked, wanted.quiet}, wanted.chosen, screen);
 }
 
 int run_reporting(const arguments& wanted, terminal& screen) {
