@@ -151,7 +151,7 @@ private:
 }  // namespace
 
 query_error::query_error(const std::string& reason, std::string_view source, std::size_t position)
-    : std::runtime_error(reason + titleformat::point_at(source, position)), position_(position) {}
+    : user_error(reason + titleformat::point_at(source, position)), position_(position) {}
 
 query parse(std::string_view source) {
     parser reading(source);

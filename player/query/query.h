@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "player/system/user_error.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::query {
@@ -52,7 +52,7 @@ private:
 };
 
 /// A mistake in a query. `what()` says what was expected and shows the place.
-class query_error : public std::runtime_error {
+class query_error : public system::user_error {
 public:
     query_error(const std::string& reason, std::string_view source, std::size_t position);
 

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/menu_output.h"
 #include "player/terminal/track_arguments.h"
@@ -54,13 +55,13 @@ void run_context_menu(run_context& context, const context_words& words) {
     if (!words.command) return print_menu(view::context_menu_for(services, tracks));
     if (const auto id = nuv::parse_guid(*words.command)) {
         if (!view::run_context_command(services, *id, tracks))
-            throw usage_error("No component has a command " + *words.command + ".");
+            throw system::user_error("No component has a command " + *words.command + ".");
         context.player.run_until_idle();
         return context.screen.note_done("The command is done " + what_for);
     }
     if (tracks.empty()) return;
     const auto menu = view::context_menu_for(services, tracks);
-    const auto& entry = command_at(menu, *words.command);
+    const auto& entry = view::find_command(menu, *words.command);
     run_entry(context, entry, "for these tracks");
     context.screen.note_done(path_of(menu, entry) + " is done " + what_for);
 }

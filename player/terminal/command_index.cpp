@@ -2,6 +2,7 @@
 #include <iostream>
 #include <optional>
 
+#include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/key_text.h"
 
@@ -34,7 +35,7 @@ void dump_index(run_context& context, const std::optional<std::string>& wanted) 
         return;
     }
     const auto id = nuv::parse_guid(*wanted);
-    if (!id) throw usage_error("\"" + *wanted + "\" is not a GUID; 'ostrevan index dump' shows those in use.");
+    if (!id) throw system::user_error("\"" + *wanted + "\" is not a GUID; 'ostrevan index dump' shows those in use.");
     dump(context.player.index, *id);
 }
 

@@ -32,17 +32,9 @@ constexpr const char* list_examples =
     "  ostrevan list --format '%artist% - %title%[ (%play_count%)]'\n"
     "  ostrevan list --json | jq '.[].path'";
 
-view::column column_named(const std::vector<view::column>& columns, const std::string& name) {
-    try {
-        return view::find_column(columns, name);
-    } catch (const std::invalid_argument& error) {
-        throw usage_error(error.what());
-    }
-}
-
 std::optional<query::sort_order> order_of(const run_context& context, const list_options& wanted) {
     if (!wanted.sort) return std::nullopt;
-    const auto column = column_named(view::all_columns(context.player.services), *wanted.sort);
+    const auto column = view::find_column(view::all_columns(context.player.services), *wanted.sort);
     return query::sort_order{titleformat::compile(column.sort_script), wanted.descending};
 }
 
@@ -51,7 +43,7 @@ std::vector<view::column> columns_of(const run_context& context, const std::vect
     if (names.empty()) return view::default_columns(services);
     const auto all = view::all_columns(services);
     std::vector<view::column> chosen;
-    for (const auto& name : names) chosen.push_back(column_named(all, name));
+    for (const auto& name : names) chosen.push_back(view::find_column(all, name));
     return chosen;
 }
 

@@ -1,6 +1,7 @@
 #include <iostream>
 #include <optional>
 
+#include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/menu_output.h"
 #include "player/terminal/switch_word.h"
@@ -29,9 +30,9 @@ constexpr const char* menu_examples =
 
 const view::menu_entry& entry_of(const std::vector<view::menu_entry>& menu, const std::string& name) {
     const auto id = nuv::parse_guid(name);
-    if (!id) return command_at(menu, name);
+    if (!id) return view::find_command(menu, name);
     const auto* const entry = view::find_command(menu, *id);
-    if (entry == nullptr) throw usage_error("The menu has no command " + name + ".");
+    if (entry == nullptr) throw system::user_error("The menu has no command " + name + ".");
     return *entry;
 }
 
@@ -48,7 +49,7 @@ void run_main_menu(run_context& context, const menu_words& words) {
     const auto& entry = entry_of(menu, *words.command);
     const bool before = entry.is_checked;
     const bool wanted = words.value ? parse_switch(*words.value) : !before;
-    const auto refuse = [&] { throw usage_error("\"" + entry.text + "\" cannot be switched on or off."); };
+    const auto refuse = [&] { throw system::user_error("\"" + entry.text + "\" cannot be switched on or off."); };
     if (words.value && entry.text.ends_with("...")) refuse();  // it opens a dialog
     if (wanted != before) run_entry(context, entry, "now");
     const bool after = is_marked(context, entry.id);

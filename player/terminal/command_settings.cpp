@@ -39,14 +39,9 @@ void run_settings(run_context& context, const setting_words& words) {
         for (const auto& [setting, checkbox, depth] : tree) print(*setting, checkbox, depth);
         return context.screen.note("A setting can be named by a part of its label: ostrevan settings synchronize on");
     }
-    advanced_checkbox* checkbox = nullptr;
-    try {
-        checkbox = &view::find_checkbox(tree, *words.name);
-    } catch (const std::invalid_argument& error) {
-        throw usage_error(error.what());
-    }
-    if (words.value) checkbox->set_state(parse_switch(*words.value));
-    print(*checkbox, checkbox, 0);
+    auto& checkbox = view::find_checkbox(tree, *words.name);
+    if (words.value) checkbox.set_state(parse_switch(*words.value));
+    print(checkbox, &checkbox, 0);
 }
 
 const command_file settings_command(110, [](command_declarations& declare) {

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "nuv/text.h"
-#include "player/terminal/exit_status.h"
+#include "player/system/user_error.h"
 #include "player/view/labels.h"
 
 namespace ostrevan::terminal {
@@ -115,8 +115,8 @@ void apply_label(view::open_dialog& dialog, std::string_view label, bool checked
     for (const auto* control : controls) labels.emplace_back(control->text);
     const auto match = view::find_label(labels, label);
     const auto refuse = [&](const std::string& problem) {
-        throw usage_error("In \"" + std::string(dialog.layout().title) + "\" " + problem +
-                          ". There is: " + labels_of(dialog) + ".");
+        throw system::user_error("In \"" + std::string(dialog.layout().title) + "\" " + problem +
+                                 ". There is: " + labels_of(dialog) + ".");
     };
     const auto name = "\"" + std::string(label) + "\"";
     if (!match.index) refuse(match.is_ambiguous ? "more than one label fits " + name : "no label fits " + name);

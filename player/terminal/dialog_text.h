@@ -18,8 +18,8 @@ enum class input_effect { none, changed, ok_pressed, cancel_pressed };
 /// Changes nothing if any word is something else, or a disabled or missing control.
 input_effect apply_input(view::open_dialog& dialog, std::string_view line);
 
-/// Checks or unchecks the control with a label from the command line. Throws `usage_error`, with the existing labels, when
-/// none or several match or the control is disabled.
+/// Checks or unchecks the control with a label from the command line. Throws `system::user_error`, with the existing labels,
+/// when none or several match or the control is disabled.
 void apply_label(view::open_dialog& dialog, std::string_view label, bool checked);
 
 /// "Full backup, Rating": the labels that `apply_label` accepts.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <stdexcept>
-
 namespace ostrevan::terminal {
 
 /// The exit status of the process.
@@ -10,11 +8,5 @@ inline constexpr int exit_failed = 1;    ///< the reason is on standard error
 inline constexpr int exit_usage = 2;     ///< the command line is wrong
 inline constexpr int exit_declined = 3;  ///< a question was answered with no, or not at all
 inline constexpr int exit_interrupted = 130;
-
-/// The command line asks for something impossible: a query with a mistake, an unknown column.
-class usage_error : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 }  // namespace ostrevan::terminal

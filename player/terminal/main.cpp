@@ -3,12 +3,11 @@
 #include <filesystem>
 #include <iostream>
 
-#include "player/query/query.h"
 #include "player/system/failure_text.h"
 #include "player/system/interrupt.h"
 #include "player/system/temporary_folder.h"
+#include "player/system/user_error.h"
 #include "player/terminal/command_line.h"
-#include "player/titleformat/script.h"
 
 namespace ostrevan::terminal {
 namespace {
@@ -44,13 +43,7 @@ int run_all(const arguments& wanted, terminal& screen) {
 int run_reporting(const arguments& wanted, terminal& screen) {
     try {
         return run_all(wanted, screen);
-    } catch (const usage_error& error) {
-        screen.error(error.what());
-        return exit_usage;
-    } catch (const query::query_error& error) {
-        screen.error(error.what());
-        return exit_usage;
-    } catch (const titleformat::script_error& error) {
+    } catch (const system::user_error& error) {
         screen.error(error.what());
         return exit_usage;
     } catch (const std::exception& error) {

@@ -3,8 +3,6 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "player/terminal/exit_status.h"
-
 namespace ostrevan::terminal {
 namespace {
 
@@ -24,14 +22,6 @@ void print_level(const std::vector<view::menu_entry>& level, std::size_t depth) 
 }  // namespace
 
 void print_menu(const std::vector<view::menu_entry>& menu) { print_level(menu, 0); }
-
-const view::menu_entry& command_at(const std::vector<view::menu_entry>& menu, const std::string& path) {
-    try {
-        return view::find_command(menu, path);
-    } catch (const std::invalid_argument& error) {
-        throw usage_error(error.what());
-    }
-}
 
 void run_entry(run_context& context, const view::menu_entry& entry, const char* when) {
     if (!entry.is_enabled) throw std::runtime_error("\"" + entry.text + "\" is greyed " + when + ".");

@@ -11,9 +11,6 @@ namespace ostrevan::terminal {
 /// Prints a menu with its marks, submenus indented.
 void print_menu(const std::vector<view::menu_entry>& menu);
 
-/// The command at a path. Throws `usage_error` when there is none.
-const view::menu_entry& command_at(const std::vector<view::menu_entry>& menu, const std::string& path);
-
 /// Runs a command to its end. Throws when the entry is greyed; `when` ends that sentence, such as "for these tracks".
 void run_entry(run_context& context, const view::menu_entry& entry, const char* when);
 

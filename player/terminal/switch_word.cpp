@@ -1,7 +1,7 @@
 #include "player/terminal/switch_word.h"
 
 #include "nuv/text.h"
-#include "player/terminal/exit_status.h"
+#include "player/system/user_error.h"
 
 namespace ostrevan::terminal {
 
@@ -10,7 +10,7 @@ bool parse_switch(const std::string& word) {
         if (nuv::equal_ascii_nocase(word, on)) return true;
     for (const char* off : {"off", "false", "no", "0"})
         if (nuv::equal_ascii_nocase(word, off)) return false;
-    throw usage_error("\"" + word + "\" is neither on nor off.");
+    throw system::user_error("\"" + word + "\" is neither on nor off.");
 }
 
 const char* switch_word(bool is_on) { return is_on ? "on" : "off"; }

@@ -4,7 +4,7 @@
 
 namespace ostrevan::terminal {
 
-/// Parses "on", "off" and their synonyms. Throws `usage_error` for other words.
+/// Parses "on", "off" and their synonyms. Throws `system::user_error` for other words.
 bool parse_switch(const std::string& word);
 
 const char* switch_word(bool is_on);

@@ -7,8 +7,8 @@
 #include <iostream>
 
 #include "player/system/interrupt.h"
+#include "player/system/user_error.h"
 #include "player/terminal/dialog_text.h"
-#include "player/terminal/exit_status.h"
 #include "player/terminal/terminal.h"
 #include "player/terminal/terminal_text.h"
 
@@ -120,7 +120,7 @@ void terminal::show_dialog(view::open_dialog& dialog, unsigned turn) {
     try {
         if (turn == 0) declined_before_ = declined_;
         if (turn == 0) apply_labels(dialog);
-    } catch (const usage_error& wrong) {
+    } catch (const system::user_error& wrong) {
         error(wrong.what());
         is_misused_ = true;
         return cancel(dialog);

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "player/app/track_selection.h"
+#include "player/system/user_error.h"
 
 namespace ostrevan::terminal {
 namespace {
@@ -26,7 +27,7 @@ metadb_handle_list tracks_of(run_context& context, const track_arguments& argume
         if (found.empty()) context.screen.note("No track of the library matches " + *arguments.where);
         return found;
     }
-    if (arguments.paths.empty()) throw usage_error("Name at least one track: a path, a folder, or --where QUERY.");
+    if (arguments.paths.empty()) throw system::user_error("Name at least one track: a path, a folder, or --where QUERY.");
     auto chosen = app::tracks_at(context.player, arguments.paths);
     if (!chosen.problems.empty() && missing == on_missing::stop) throw std::runtime_error(in_lines(chosen.problems));
     for (const auto& path : chosen.no_audio) context.screen.note(path + " is no audio file and was left out.");

@@ -217,7 +217,7 @@ private:
 }  // namespace
 
 script_error::script_error(std::string reason, std::string_view source, std::size_t position)
-    : std::runtime_error(reason + point_at(source, position)), reason_(std::move(reason)), position_(position) {}
+    : user_error(reason + point_at(source, position)), reason_(std::move(reason)), position_(position) {}
 
 script compile(std::string_view source) { return script(std::make_shared<const program>(parser(source).parse())); }
 

@@ -4,9 +4,10 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "player/system/user_error.h"
 
 namespace ostrevan::titleformat {
 
@@ -64,7 +65,7 @@ private:
 };
 
 /// A mistake in a script. `what()` gives the reason and shows the place in the script.
-class script_error : public std::runtime_error {
+class script_error : public system::user_error {
 public:
     script_error(std::string reason, std::string_view source, std::size_t position);
 

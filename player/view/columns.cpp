@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "ostrevan/library_columns.h"
+#include "player/system/user_error.h"
 #include "player/titleformat/script.h"
 #include "player/view/labels.h"
 
@@ -76,8 +77,8 @@ column find_column(const std::vector<column>& columns, std::string_view name) {
     }
     const auto match = find_label(labels, name);
     if (match.index) return columns[*match.index];
-    throw std::invalid_argument((match.is_ambiguous ? "More than one column fits \"" : "There is no column \"") +
-                                std::string(name) + "\". Columns are: " + names + ".");
+    throw system::user_error((match.is_ambiguous ? "More than one column fits \"" : "There is no column \"") +
+                             std::string(name) + "\". Columns are: " + names + ".");
 }
 
 }  // namespace ostrevan::view

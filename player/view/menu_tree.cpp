@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "nuv/text.h"
+#include "player/system/user_error.h"
 #include "player/view/labels.h"
 #include "player/view/nearest.h"
 
@@ -82,22 +83,22 @@ const menu_entry* find_submenu(const placed_entries& all, const texts& end) {
 [[noreturn]] void throw_several(std::string_view path, const placed_entries& found) {
     std::string message = "More than one command fits \"" + std::string(path) + "\":";
     for (const auto& each : found) message += "\n  " + end_of(each.path, each.path.size());
-    throw std::invalid_argument(message);
+    throw system::user_error(message);
 }
 
 [[noreturn]] void throw_none(const std::vector<menu_entry>& menu, const placed_entries& all, std::string_view path) {
     auto end = split(path);
     const auto name = "\"" + std::string(path) + "\"";
     if (const auto* const submenu = find_submenu(all, end))
-        throw std::invalid_argument(name + " is a submenu with: " + names_of(submenu->children) + ".");
+        throw system::user_error(name + " is a submenu with: " + names_of(submenu->children) + ".");
     texts candidates;
     for (const auto& each : all)
         if (each.entry->run && each.path.size() >= end.size()) candidates.push_back(end_of(each.path, end.size()));
     end.pop_back();
     const auto* const submenu = end.empty() ? nullptr : find_submenu(all, end);
-    throw std::invalid_argument("There is no menu entry " + name + "." +
-                                (submenu != nullptr ? "" : did_you_mean(path, candidates)) +
-                                " There is: " + names_of(submenu != nullptr ? submenu->children : menu) + ".");
+    throw system::user_error("There is no menu entry " + name + "." +
+                             (submenu != nullptr ? "" : did_you_mean(path, candidates)) +
+                             " There is: " + names_of(submenu != nullptr ? submenu->children : menu) + ".");
 }
 
 }  // namespace

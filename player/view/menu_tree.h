@@ -29,7 +29,7 @@ struct menu_entry {
 std::vector<menu_entry>& submenu_at(std::vector<menu_entry>& menu, std::string_view path);
 
 /// The command at a path of texts separated by "/", without regard to ASCII case. The end of a path suffices ("Rating/4"),
-/// and so does a part of its texts ("Monitor"), if only one command matches. Otherwise throws `std::invalid_argument` with
+/// and so does a part of its texts ("Monitor"), if only one command matches. Otherwise throws `system::user_error` with
 /// a message that lists the entries where the path fails, the commands that match, or the content of the submenu that it
 /// names.
 const menu_entry& find_command(const std::vector<menu_entry>& menu, std::string_view path);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <stdexcept>
 
+#include "player/system/user_error.h"
 #include "player/view/labels.h"
 
 namespace ostrevan::view {
@@ -14,7 +15,7 @@ namespace {
     for (const auto& entry : tree)
         if (entry.checkbox != nullptr)
             message += "\n  {" + nuv::guid_text(entry.setting->id()) + "} " + entry.setting->label();
-    throw std::invalid_argument(message);
+    throw system::user_error(message);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "player/services/player_api.h"
 #include "player/services/popup_message.h"
 #include "player/services/tag_edit_news.h"
+#include "player/system/user_error.h"
 #include "player/view/columns.h"
 #include "player/view/context_menu.h"
 #include "player/view/main_menu.h"
@@ -132,7 +133,7 @@ TEST(components, settings_columns_and_properties_are_in_their_order) {
     EXPECT_EQ(text, "0B 1below b 0a 0A late ");
     EXPECT_EQ(&view::find_checkbox(shown, "b"), &b);
     EXPECT_EQ(&view::find_checkbox(shown, "{00000004-0000-0000-0000-000000000000}"), &below);
-    EXPECT_THROW(view::find_checkbox(shown, "l"), std::invalid_argument);
+    EXPECT_THROW(view::find_checkbox(shown, "l"), system::user_error);
     text.clear();
     for (const auto& [name, display, sort, right] : view::default_columns(player.services))
         text += name + display + sort + (right ? "> " : " ");
