@@ -10,12 +10,14 @@
 
 namespace ostrevan::core {
 
-std::string module_of(const std::type_info& type) {
+std::string module_at(const void* address) {
     Dl_info where{};
-    // Modules are loaded with local symbols, so each has its own type information.
-    if (::dladdr(&type, &where) == 0 || where.dli_fname == nullptr) return "a component";
+    if (::dladdr(address, &where) == 0 || where.dli_fname == nullptr) return "a component";
     return std::filesystem::path(where.dli_fname).filename().string();
 }
+
+// Modules are loaded with local symbols, so each has its own type information.
+std::string module_of(const std::type_info& type) { return module_at(&type); }
 
 std::string text_of_failure() {
     try {

@@ -10,6 +10,9 @@ namespace ostrevan::core {
 /// The module file that a class comes from, such as "quorvel.dll". [any-thread]
 std::string module_of(const std::type_info& type);
 
+/// The file of the code or data at an address, such as a return address. [any-thread]
+std::string module_at(const void* address);
+
 /// The text of the exception being handled, of any type. Only inside a handler.
 std::string text_of_failure();
 

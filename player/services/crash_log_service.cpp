@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <ctime>
 
 #include "player/system/descriptor.h"
 
@@ -16,12 +17,15 @@ void crash_log_service_impl::on_event(const char* line) {
     events_.emplace_back(line);
 }
 
-void crash_log_service_impl::write_crash(const char* text) noexcept {
+void crash_log_service_impl::write_crash(const char* text, const std::string& module) noexcept {
     try {
         const std::lock_guard lock(mutex_);
         std::string lines;
         for (const auto& line : events_) lines += line + '\n';
-        lines += std::string("Bug check: ") + text + '\n';
+        char time[32] = "";
+        const std::time_t now = std::time(nullptr);
+        if (std::tm local{}; ::localtime_r(&now, &local) != nullptr) std::strftime(time, sizeof time, "%F %T", &local);
+        lines += std::string("Bug check: ") + text + " (" + module + ", " + time + ")\n";
         // A pipe that lies in its place must not hold up the end of the process.
         const system::descriptor file(
             ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0600));

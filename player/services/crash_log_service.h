@@ -14,8 +14,9 @@ class crash_log_service_impl : public crash_log_service {
 public:
     explicit crash_log_service_impl(std::string path) : path_(std::move(path)) {}
     void on_event(const char* line) override;
-    /// Appends to the log; whatever fails is let be, since the process is ending.
-    void write_crash(const char* text) noexcept;
+    /// Appends to the log the events, the text, the time and the file of the code that failed. Ignores failures, since the
+    /// process is ending.
+    void write_crash(const char* text, const std::string& module) noexcept;
     [[nodiscard]] std::vector<std::string> events() const;
 
 private:

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ostrevan/component.h"
+#include "ostrevan/core_api.h"
 #include "player/core/main_loop.h"
 #include "player/core/service_registry.h"
 #include "player/services/crash_log_service.h"
@@ -16,7 +17,14 @@ class player_api_impl final : public player_api {
 public:
     player_api_impl(core::main_loop& loop, core::service_registry& services, crash_log_service_impl& crash_log,
                     std::string profile, bool quiet)
-        : loop_(loop), services_(services), crash_log_(crash_log), profile_(std::move(profile)), quiet_(quiet) {}
+        : loop_(loop), services_(services), crash_log_(crash_log), profile_(std::move(profile)), quiet_(quiet) {
+        core_api::set_player(this);  // for the parts of the SDK that the player itself uses
+    }
+    ~player_api_impl() {
+        if (core_api::player() == this) core_api::set_player(nullptr);
+    }
+    player_api_impl(const player_api_impl&) = delete;
+    player_api_impl& operator=(const player_api_impl&) = delete;
 
     std::size_t service_count(const nuv::guid& service_class) const noexcept override {
         return services_.count(service_class);

@@ -84,10 +84,10 @@ TEST_F(profile_files, are_kept_to_their_user_unless_the_folder_holds_other_thing
 TEST_F(profile_files, tell_of_each_crash_and_the_events_before_it) {
     service_uncounted_t<services::crash_log_service_impl> log(path("crash.log"));
     for (int i = 1; i <= 201; ++i) log.on_event(std::to_string(i).c_str());
-    for (const char* text : {"one", "two"}) log.write_crash(text);
+    for (const char* text : {"one", "two"}) log.write_crash(text, "a.dll");
     EXPECT_THAT(content(path("crash.log")),
-                testing::AllOf(testing::StartsWith("2\n3\n"), HasSubstr("\n201\nBug check: one\n2\n3\n"),
-                               testing::EndsWith("\n201\nBug check: two\n")));
+                testing::AllOf(testing::StartsWith("2\n3\n"), HasSubstr("\n201\nBug check: one (a.dll, 20"),
+                               HasSubstr(")\n2\n3\n"), HasSubstr("\n201\nBug check: two (a.dll, 20")));
 }
 
 TEST_F(profile_files, lie_at_an_absolute_place_or_nowhere) {
