@@ -255,7 +255,7 @@ store_transaction::store_transaction(store_transaction&&) noexcept = default;
 store_transaction::~store_transaction() = default;
 
 void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data) {
-    if (!changes_) throw std::logic_error("The index transaction is finished");
+    if (!changes_) throw misuse("The index transaction is finished");
     if (data.size() > index_store::max_record_size) throw std::invalid_argument("An index record holds at most 65536 bytes");
     auto list = std::ranges::find(changes_->lists, index, &std::pair<nuv::guid, change_list>::first);
     if (list == changes_->lists.end()) list = changes_->lists.insert(list, {index, change_list()});
@@ -265,7 +265,7 @@ void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::sp
 }
 
 void store_transaction::commit() {
-    if (!changes_) throw std::logic_error("The index transaction is finished");
+    if (!changes_) throw misuse("The index transaction is finished");
     const auto finished = std::exchange(changes_, nullptr);
     finished->store.commit(finished->lists);
 }

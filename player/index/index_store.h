@@ -55,7 +55,7 @@ public:
     /// Every index ever registered or written to.
     [[nodiscard]] std::vector<nuv::guid> indexes() const;
 
-    /// Waits until no transaction is open. Throws std::logic_error when this thread has one open.
+    /// Waits until no transaction is open. Throws `misuse` when this thread has one open.
     [[nodiscard]] store_transaction begin();
     /// Writes in a transaction of its own. Throws std::invalid_argument when the record is too large.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
@@ -103,7 +103,7 @@ public:
     ~store_transaction();
 
     /// Empty data removes the record; that waits for loading and throws std::runtime_error when loading fails. Throws
-    /// std::invalid_argument when the record is too large, std::logic_error after commit.
+    /// std::invalid_argument when the record is too large, `misuse` after commit.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
     void commit();
 

@@ -1,13 +1,11 @@
 #include "player/index/write_gate.h"
 
-#include <stdexcept>
-
 namespace ostrevan::index {
 
 write_gate::pass write_gate::enter() {
     std::unique_lock lock(mutex_);
     if (inside_ == std::this_thread::get_id())
-        throw std::logic_error("This thread has an index transaction open already; finish it first");
+        throw misuse("This thread has an index transaction open already; finish it first");
     const std::uint64_t ticket = next_ticket_++;
     turn_.wait(lock, [&] { return serving_ == ticket; });
     inside_ = std::this_thread::get_id();

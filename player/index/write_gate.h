@@ -3,10 +3,17 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
 namespace ostrevan::index {
+
+/// The caller broke a rule of transactions: a second one on a thread, or a use after the commit.
+class misuse : public std::logic_error {
+public:
+    using std::logic_error::logic_error;
+};
 
 /// Admits one writer at a time, in the order of their requests, so that a worker that writes batch after batch cannot keep
 /// the main thread waiting.
@@ -25,7 +32,7 @@ public:
         write_gate* gate_;
     };
 
-    /// Waits for its turn. Throws std::logic_error when this thread is inside already: it would wait forever.
+    /// Waits for its turn. Throws `misuse` when this thread is inside already: it would wait forever.
     [[nodiscard]] pass enter();
 
 private:

@@ -5,9 +5,13 @@
 #include <span>
 
 #include "ostrevan/core_api.h"
+#include "player/core/component_call.h"
+#include "player/index/write_gate.h"
 
 namespace ostrevan::services {
 namespace {
+
+static_assert(index::index_store::max_record_size == index_manager::max_blob_size);
 
 std::span<const std::byte> bytes_of(const void* bytes, std::size_t size) {
     return {static_cast<const std::byte*>(bytes), size};
@@ -25,14 +29,26 @@ std::vector<std::uint64_t> keys_of(const index_manager_impl::registration& index
     return keys;
 }
 
+/// The contract makes misuse a bug check. All other exceptions are the caller's to handle.
+template <typename Work>
+auto checked(Work&& work) {
+    try {
+        return work();
+    } catch (const index::misuse& error) {
+        uBugCheck(error.what());
+    }
+}
+
 /// The contract's transaction over the store's; the two live and end together.
 class transaction_service : public index_transaction {
 public:
     explicit transaction_service(index::index_store& store) : changes_(store.begin()) {}
     void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override {
-        changes_.write(index, key, bytes_of(bytes, size));
+        checked([&] { changes_.write(index, key, bytes_of(bytes, size)); });
     }
-    void commit() override { changes_.commit(); }
+    void commit() override {
+        checked([&] { changes_.commit(); });
+    }
 
 private:
     index::store_transaction changes_;
@@ -41,11 +57,7 @@ private:
 }  // namespace
 
 index_transaction_ptr index_manager_transactions_impl::begin() {
-    try {
-        return service_new<transaction_service>(store_);
-    } catch (const std::logic_error& error) {
-        uBugCheck(error.what());
-    }
+    return checked([&] { return index_transaction_ptr(service_new<transaction_service>(store_)); });
 }
 
 void index_manager_impl::register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) {
@@ -74,7 +86,7 @@ std::size_t index_manager_impl::read(const nuv::guid& index, std::uint64_t key, 
 }
 
 void index_manager_impl::write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) {
-    store_.write(index, key, bytes_of(bytes, size));
+    checked([&] { store_.write(index, key, bytes_of(bytes, size)); });
 }
 
 /// That an index has never been written to is known before the records are loaded: a component that looks for its older
@@ -107,7 +119,7 @@ service_base* index_manager_impl::service_query(const nuv::guid& interface_guid)
 std::optional<std::uint64_t> index_manager_impl::key_of(const registration& index, const metadb_handle& track) {
     const auto info = track.info();
     if (!info) return std::nullopt;
-    return index.client->key_of(info->info(), track.location());
+    return core::call_component(*index.client, [&] { return index.client->key_of(info->info(), track.location()); });
 }
 
 void index_manager_impl::mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now) {

@@ -23,6 +23,9 @@ class index_manager : public service_base {
 public:
     static constexpr nuv::guid class_guid = nuv::guid_of("{B9633863-2683-4163-A58D-26475DB0E79B}");
 
+    /// Size limit of a blob, in bytes.
+    static constexpr std::size_t max_blob_size = 65'536;
+
     /// Registers an index. The blobs of tracks that have left the library are kept at least for `retention`, in units of 100
     /// ns. Throws when the index cannot be opened or belongs to another component. [main-thread]
     virtual void register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) = 0;
@@ -33,8 +36,7 @@ public:
     /// writer.
     virtual std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const = 0;
     /// A transaction of one blob; an empty blob removes the record. The index need not be registered. Throws
-    /// `std::invalid_argument` for a blob of more than 65,536 bytes, and `std::logic_error` while this thread has a
-    /// transaction open.
+    /// `std::invalid_argument` for a blob that is too large. While this thread has a transaction open it is a bug check.
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
     /// Every key that has a blob, in ascending order.
     [[nodiscard]] virtual std::vector<std::uint64_t> keys(const nuv::guid& index) const = 0;
@@ -52,8 +54,8 @@ public:
 /// `commit` it has no effect. Only the thread that began it may use and release it.
 class index_transaction : public service_base {
 public:
-    /// As `index_manager::write`, but reads see it only after `commit`, those of this thread too. Not after
-    /// `commit`.
+    /// As `index_manager::write`, but reads see it only after `commit`, those of this thread too. After `commit` it is a bug
+    /// check.
     virtual void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) = 0;
     /// Makes the writes visible and starts writing them to disk; `index_manager::save_now` waits for that. A second call is
     /// a bug check.

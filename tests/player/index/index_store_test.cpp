@@ -4,6 +4,7 @@
 #include <limits>
 #include <thread>
 
+#include "player/index/write_gate.h"
 #include "player/services/index_manager.h"
 #include "tests/player/index/records.h"
 
@@ -46,8 +47,8 @@ TEST_F(index_store_test, applies_a_transaction_as_a_whole_or_not_at_all) {
             store_transaction dropped = store.begin();
             dropped.write(plays, 1, record_of(1, 9));
             dropped.write(moods, 2, record_of(2, 9));
-            EXPECT_THROW(static_cast<void>(store.begin()), std::logic_error);
-            EXPECT_THROW(store.write(plays, 1, {}), std::logic_error);
+            EXPECT_THROW(static_cast<void>(store.begin()), misuse);
+            EXPECT_THROW(store.write(plays, 1, {}), misuse);
         }
         EXPECT_EQ(stored(store, plays, 1), record_of(1));
         store_transaction kept = store.begin();
@@ -56,7 +57,7 @@ TEST_F(index_store_test, applies_a_transaction_as_a_whole_or_not_at_all) {
         kept.write(plays, 3, record_of(3, 2));
         EXPECT_EQ(stored(store, plays, 3), std::nullopt);
         kept.commit();
-        EXPECT_THROW(kept.write(plays, 1, {}), std::logic_error);
+        EXPECT_THROW(kept.write(plays, 1, {}), misuse);
         EXPECT_EQ(stored(store, plays, 3), record_of(3, 2));
     }
     const index_store reopened(path_, fail_on_report);
