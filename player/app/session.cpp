@@ -91,13 +91,13 @@ void session::offer_services() {
                                                    [this](const auto& files) { publish_rewritten(files); });
     core::offer<services::info_reload_service_impl>(services, loop, ui_, news_, library, tracks);
     core::offer<services::metadb_impl>(services, tracks);
-    core::offer<services::playlist_manager_impl>(services, loop, library.playlists(), tracks);
+    core::offer<services::playlist_manager_impl>(services, library.playlists(), tracks);
     core::offer<services::input_entry_impl>(services);
-    core::offer<services::library_search_impl>(services, loop, ui_, services, library, fields);
-    core::offer<services::progress_service_impl>(services, loop, ui_);
+    core::offer<services::library_search_impl>(services, ui_, services, library, fields);
+    core::offer<services::progress_service_impl>(services, ui_);
     auto& open_dialogs = core::offer<services::dialog_registry_impl>(services);
     core::offer<services::dialog_service_impl>(services, loop, ui_, open_dialogs, player_);
-    core::offer<services::file_dialog_service_impl>(services, loop, ui_);
+    core::offer<services::file_dialog_service_impl>(services, ui_);
 }
 
 session::~session() {

@@ -1,9 +1,9 @@
 #include "player/core/main_loop.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
+#include <string>
 
+#include "ostrevan/core_api.h"
 #include "player/system/failure_text.h"
 
 namespace ostrevan::core {
@@ -45,11 +45,10 @@ void main_loop::run_until_idle() {
     }
 }
 
-void check_main_thread([[maybe_unused]] const main_loop& loop, [[maybe_unused]] const char* method) noexcept {
+void check_main_thread([[maybe_unused]] const char* method) noexcept {
 #ifndef NDEBUG
-    if (loop.on_main_thread()) return;
-    std::fprintf(stderr, "ostrevan: %s was called on a thread that is not the main thread\n", method);
-    std::abort();
+    if (core_api::player() == nullptr || core_api::is_main_thread()) return;
+    uBugCheck((std::string("called off the main thread: ") + method).c_str());
 #endif
 }
 

@@ -58,7 +58,7 @@ private:
     std::size_t activities_ = 0;
 };
 
-/// In debug builds, ends the process when a method tagged [main-thread] is entered on another thread.
-void check_main_thread(const main_loop& loop, const char* method) noexcept;
+/// In debug builds, a bug check when a method tagged [main-thread] is entered on another thread.
+void check_main_thread(const char* method) noexcept;
 
 }  // namespace ostrevan::core

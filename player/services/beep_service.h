@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ostrevan/clipboard.h"
+#include "player/core/main_loop.h"
 #include "player/view/front_end.h"
 
 namespace ostrevan::services {
@@ -8,7 +9,10 @@ namespace ostrevan::services {
 class beep_service_impl : public beep_service {
 public:
     explicit beep_service_impl(view::front_end& ui) : ui_(ui) {}
-    void beep() override { ui_.beep(); }
+    void beep() override {
+        core::check_main_thread("beep");
+        ui_.beep();
+    }
 
 private:
     view::front_end& ui_;

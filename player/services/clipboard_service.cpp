@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "player/core/main_loop.h"
 #include "player/system/descriptor.h"
 #include "player/system/durable_file.h"
 #include "player/system/endian.h"
@@ -58,12 +59,14 @@ std::string clipboard_service_impl::default_folder() {
 }
 
 bool clipboard_service_impl::has_format(const char* format) const {
+    core::check_main_thread("clipboard_service::has_format");
     const auto header = header_of(format);
     const auto content = read_private(file_path(), header.size());
     return content && *content == header;
 }
 
 bool clipboard_service_impl::get(const char* format, std::vector<std::uint8_t>& bytes) const {
+    core::check_main_thread("clipboard_service::get");
     constexpr std::size_t largest = std::size_t{1} << 30;
     const auto header = header_of(format);
     const auto content = read_private(file_path(), largest);
@@ -73,6 +76,7 @@ bool clipboard_service_impl::get(const char* format, std::vector<std::uint8_t>& 
 }
 
 void clipboard_service_impl::set(const char* format, std::span<const std::uint8_t> bytes) {
+    core::check_main_thread("clipboard_service::set");
     struct stat status {};
     ::mkdir(folder_.c_str(), 0700);
     if (::lstat(folder_.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || !is_private(status))

@@ -9,10 +9,10 @@ namespace ostrevan::services {
 /// Allows one open dialog at a time.
 class dialog_registry_impl : public dialog_registry {
 public:
-    [[nodiscard]] bool can_create_new() const noexcept override { return open_.empty(); }
+    [[nodiscard]] bool can_create_new() const noexcept override;
     void poke_existing() override;
-    void add(registered_dialog& dialog) override { open_.push_back(&dialog); }
-    void forget(registered_dialog& dialog) noexcept override { std::erase(open_, &dialog); }
+    void add(registered_dialog& dialog) override;
+    void forget(registered_dialog& dialog) noexcept override;
 
 private:
     std::vector<registered_dialog*> open_;

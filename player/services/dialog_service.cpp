@@ -5,7 +5,7 @@
 namespace ostrevan::services {
 
 void dialog_service_impl::open(dialog_rules_ptr rules) {
-    core::check_main_thread(loop_, "dialog_service::open");
+    core::check_main_thread("dialog_service::open");
     const auto dialog = std::make_shared<view::open_dialog>(rules, registry_, player_);
     rules->on_open(*dialog);
     if (dialog->is_open()) loop_.post([this, dialog] { take_turn(dialog, 0); });

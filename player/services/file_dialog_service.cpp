@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "player/core/main_loop.h"
 #include "player/system/local_path.h"
 
 namespace ostrevan::services {
@@ -21,7 +22,7 @@ std::string with_extension(const std::string& name, const std::string& extension
 }  // namespace
 
 std::optional<std::string> file_dialog_service_impl::ask(const query_t& query) {
-    core::check_main_thread(loop_, "file_dialog_service::ask");
+    core::check_main_thread("file_dialog_service::ask");
     auto path = ui_.ask_file(query);
     if (!path || !query.save) return path;
 

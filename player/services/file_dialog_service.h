@@ -4,7 +4,6 @@
 #include <string>
 
 #include "ostrevan/file_dialog.h"
-#include "player/core/main_loop.h"
 #include "player/view/front_end.h"
 
 namespace ostrevan::services {
@@ -12,11 +11,10 @@ namespace ostrevan::services {
 /// Asks for files. A name for saving gets the default extension; replacing a file needs a confirmation.
 class file_dialog_service_impl : public file_dialog_service {
 public:
-    file_dialog_service_impl(const core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}
+    file_dialog_service_impl(view::front_end& ui) : ui_(ui) {}
     std::optional<std::string> ask(const query_t& query) override;
 
 private:
-    const core::main_loop& loop_;
     view::front_end& ui_;
 };
 

@@ -6,6 +6,7 @@
 
 #include "ostrevan/core_api.h"
 #include "player/core/component_call.h"
+#include "player/core/main_loop.h"
 #include "player/index/write_gate.h"
 
 namespace ostrevan::services {
@@ -61,6 +62,7 @@ index_transaction_ptr index_manager_transactions_impl::begin() {
 }
 
 void index_manager_impl::register_index(index_client_ptr client, const nuv::guid& index, std::uint64_t retention) {
+    core::check_main_thread("register_index");
     try {
         store_.register_index(index, retention, owner_of_(*client));
     } catch (const std::exception&) {
@@ -73,6 +75,7 @@ void index_manager_impl::register_index(index_client_ptr client, const nuv::guid
 
 /// A component whose registration was refused gives it up again, and must not end the owner's with that.
 void index_manager_impl::remove_index(const nuv::guid& index) {
+    core::check_main_thread("remove_index");
     if (const auto refused = std::ranges::find(refused_, index); refused != refused_.end()) {
         refused_.erase(refused);
         return;
@@ -108,6 +111,7 @@ std::vector<std::uint64_t> index_manager_impl::keys_from(const nuv::guid& index,
 void index_manager_impl::save_now(const nuv::guid& /*index*/) { store_.flush(); }
 
 void index_manager_impl::refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) {
+    core::check_main_thread("refresh");
     if (on_refresh_) on_refresh_(index, std::vector<std::uint64_t>(keys.begin(), keys.end()));
 }
 

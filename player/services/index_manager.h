@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ostrevan/index.h"
+#include "player/core/main_loop.h"
 #include "player/index/index_store.h"
 
 namespace ostrevan::services {
@@ -25,6 +26,7 @@ class index_manager_backup_impl : public index_manager_backup {
 public:
     explicit index_manager_backup_impl(index::index_store& store) : store_(store) {}
     void back_up(const char* reason, const char* beside) override {
+        core::check_main_thread("back_up");
         store_.back_up(reason, beside == nullptr ? std::filesystem::path() : std::filesystem::path(beside));
     }
 

@@ -40,7 +40,7 @@ struct info_reload_service_impl::job {
 
 void info_reload_service_impl::reload_async(metadb_handle_list_cref tracks, unsigned mode, void* /*parent_window*/,
                                             unsigned /*options*/, completion_notify_ptr notify) {
-    core::check_main_thread(loop_, "reload_async");
+    core::check_main_thread("reload_async");
     constexpr library::refresh_mode modes[] = {library::refresh_mode::unknown_only, library::refresh_mode::if_changed,
                                                library::refresh_mode::always};
     auto work = std::make_shared<job>(

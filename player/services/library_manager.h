@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ostrevan/library.h"
+#include "player/core/main_loop.h"
 #include "player/library/media_library.h"
 
 namespace ostrevan::services {
@@ -9,8 +10,12 @@ namespace ostrevan::services {
 class library_manager_impl : public library_manager {
 public:
     explicit library_manager_impl(const library::media_library& library) : library_(library) {}
-    [[nodiscard]] bool is_library_enabled() const override { return library_.is_enabled(); }
+    [[nodiscard]] bool is_library_enabled() const override {
+        core::check_main_thread("is_library_enabled");
+        return library_.is_enabled();
+    }
     void get_all_items(metadb_handle_list& out) const override {
+        core::check_main_thread("library_manager::get_all_items");
         out = metadb_handle_list(std::vector<metadb_handle_ptr>(library_.items().begin(), library_.items().end()));
     }
 

@@ -36,7 +36,10 @@ public:
     bool is_shutting_down() const noexcept override { return shutting_down_.load(); }
     bool is_quiet_mode() const noexcept override { return quiet_; }
     const char* profile_path() const noexcept override { return profile_.c_str(); }
-    void* main_window() const noexcept override { return nullptr; }
+    void* main_window() const noexcept override {
+        core::check_main_thread("main_window");
+        return nullptr;
+    }
     [[noreturn]] void bug_check(const char* text) noexcept override;
 
     void begin_shutdown() noexcept { shutting_down_ = true; }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "player/core/main_loop.h"
 #include "player/library/disk_tracks.h"
 #include "player/system/local_path.h"
 
@@ -24,7 +25,7 @@ void read_if_possible(library::track_table& tracks, const std::string& path) {
 }  // namespace
 
 void playlist_manager_impl::get_all_items(metadb_handle_list& out) const {
-    core::check_main_thread(loop_, "playlist_manager::get_all_items");
+    core::check_main_thread("playlist_manager::get_all_items");
     std::vector<metadb_handle_ptr> items;
     std::set<std::string> tried;
     for (const auto& name : playlists_.names()) {

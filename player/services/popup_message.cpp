@@ -7,7 +7,7 @@
 namespace ostrevan::services {
 
 void popup_message_v3_impl::messageBoxAsync(query_t query) {
-    core::check_main_thread(loop_, "messageBoxAsync");
+    core::check_main_thread("messageBoxAsync");
     loop_.post([&ui = ui_, query = std::move(query)] {
         const unsigned answer = ui.ask(query);
         if (query.reply) core::call_component(query.reply.target_type(), [&] { query.reply(answer); });
@@ -15,7 +15,7 @@ void popup_message_v3_impl::messageBoxAsync(query_t query) {
 }
 
 void popup_message_impl::show(const char* text, const char* title, icon_t icon) {
-    core::check_main_thread(loop_, "popup_message::show");
+    core::check_main_thread("popup_message::show");
     ui_.show_message(text, title, icon);
 }
 

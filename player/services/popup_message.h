@@ -20,14 +20,13 @@ private:
 
 class popup_message_impl : public popup_message {
 public:
-    popup_message_impl(core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui), questions_(loop, ui) {}
+    popup_message_impl(core::main_loop& loop, view::front_end& ui) : ui_(ui), questions_(loop, ui) {}
     void show(const char* text, const char* title, icon_t icon) override;
     service_base* service_query(const nuv::guid& interface_guid) noexcept override {
         return interface_guid == popup_message_v3::class_guid ? &questions_ : nullptr;
     }
 
 private:
-    core::main_loop& loop_;
     view::front_end& ui_;
     service_uncounted_t<popup_message_v3_impl> questions_;
 };

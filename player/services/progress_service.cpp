@@ -1,5 +1,6 @@
 #include "player/services/progress_service.h"
 
+#include "player/core/main_loop.h"
 #include "player/system/interrupt.h"
 
 namespace ostrevan::services {
@@ -9,7 +10,10 @@ class display : public progress_display {
 public:
     display(view::front_end& ui, std::string what) : ui_(ui), what_(std::move(what)) {}
     ~display() override { ui_.end_progress(); }
-    void set(std::size_t done, std::size_t total) override { ui_.show_progress(what_, done, total); }
+    void set(std::size_t done, std::size_t total) override {
+        core::check_main_thread("progress_display::set");
+        ui_.show_progress(what_, done, total);
+    }
     [[nodiscard]] bool is_aborting() const noexcept override { return system::interrupted(); }
 
 private:
@@ -20,7 +24,7 @@ private:
 }  // namespace
 
 progress_display_ptr progress_service_impl::start(const char* what) {
-    core::check_main_thread(loop_, "progress_service::start");
+    core::check_main_thread("progress_service::start");
     return service_new<display>(ui_, what);
 }
 

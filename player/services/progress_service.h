@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "ostrevan/progress.h"
-#include "player/core/main_loop.h"
 #include "player/view/front_end.h"
 
 namespace ostrevan::services {
@@ -12,11 +11,10 @@ namespace ostrevan::services {
 /// Shows the progress of components' long work. Ctrl-C asks the work to stop.
 class progress_service_impl : public progress_service {
 public:
-    progress_service_impl(const core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}
+    progress_service_impl(view::front_end& ui) : ui_(ui) {}
     [[nodiscard]] progress_display_ptr start(const char* what) override;
 
 private:
-    const core::main_loop& loop_;
     view::front_end& ui_;
 };
 

@@ -16,7 +16,7 @@ namespace ostrevan::services {
 
 void tag_update_service_impl::update_async(metadb_handle_list_cref tracks, service_ptr_t<file_info_filter> filter,
                                            void* /*parent_window*/, unsigned options, completion_notify_ptr notify) {
-    core::check_main_thread(loop_, "update_async");
+    core::check_main_thread("update_async");
     batch fresh{
         .tracks = metadb_handle_list(tracks), .filter = std::move(filter), .options = options, .notify = std::move(notify)};
 
