@@ -20,14 +20,16 @@ if(WIN32)
   add_link_options(-static)
 endif()
 
-add_library(project_warnings INTERFACE)
-target_compile_options(project_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
-  # Where files are compiled together, the constants of one are seen in the next.
-  $<$<NOT:$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wshadow>
+set(warnings -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
   $<$<BOOL:${QUORVEL_WARNINGS_AS_ERRORS}>:-Werror>
   # GCC 12 takes text + std::string for overlapping memory when it optimises.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+add_library(project_warnings INTERFACE)
+target_compile_options(project_warnings INTERFACE ${warnings} -Wshadow)
+# Tests have helpers and fixtures in unnamed namespaces, which other files see where they are compiled together.
+add_library(test_warnings INTERFACE)
+target_compile_options(test_warnings INTERFACE ${warnings}
+  $<IF:$<BOOL:${CMAKE_UNITY_BUILD}>,-Wno-subobject-linkage,-Wshadow>)
 
 # Where files are compiled together, what nearly all of them include of the standard library is read by the compiler once.
 # Programs are then compiled as libraries are, and everything as what has threads, since all of them read the same.

@@ -304,8 +304,8 @@ void mpv_player::session::on_start_file(std::int64_t entry) {
     const auto found = queued_.find(entry);
     if (found == queued_.end()) return;
     report_refused();
-    const auto [turn, place] = found->second;
-    if (pending_ == entry) status_.order.go_to(turn);
+    const auto [at, place] = found->second;
+    if (pending_ == entry) status_.order.go_to(at);
     if (pending_ == entry) pending_.reset();
     current_ = place;
     current_entry_ = entry;

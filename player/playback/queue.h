@@ -33,8 +33,8 @@ public:
     /// `albums` has the album of each place; one without a name is an album of its own. Shuffled from the start when the
     /// modes say so.
     queue(std::vector<std::string> albums, play_modes modes, std::uint64_t seed);
-    explicit queue(std::size_t places, play_modes modes = {}, std::uint64_t seed = 0)
-        : queue(std::vector<std::string>(places), modes, seed) {}
+    explicit queue(std::size_t count, play_modes modes = {}, std::uint64_t seed = 0)
+        : queue(std::vector<std::string>(count), modes, seed) {}
 
     /// Takes up an earlier round: its places by turn, and the place to begin with. Returns false and changes nothing when
     /// that is no order of this list.
