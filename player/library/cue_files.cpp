@@ -78,7 +78,7 @@ std::string locate_audio(const std::string& cue_path, const std::string& name, b
     std::ranges::replace(relative, '\\', '/');
     if (const auto inside = std::filesystem::path(relative).lexically_normal();
         stays_inside(inside) && tags::has_supported_extension(relative)) {
-        const auto direct = join(folder, inside.string());
+        auto direct = join(folder, inside.string());
         if (is_file(direct)) return direct;
     }
     const audio_search search(nuv::file_name_of(relative), nuv::file_name_of(cue_path), is_only);

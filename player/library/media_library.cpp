@@ -77,6 +77,7 @@ scan_summary media_library::add_folders(std::span<const std::string> paths, cons
     std::vector<file_problem> refused;
     const auto fresh = check_new_folders(paths, folders_, refused);
     std::vector<library_folder> added;
+    added.reserve(fresh.size());
     sqlite::transaction adding(store_.database());
     for (const auto& path : fresh) added.push_back(store_.add_folder(path));
     adding.commit();

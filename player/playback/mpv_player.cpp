@@ -342,7 +342,7 @@ void mpv_player::session::on_seek() {
 void mpv_player::session::on_restart() {
     audible_ = true;
     rule_.restart();
-    // Asking for the position now may answer from beyond a seek that is still on its way to us. After a seek that does no
+    // The position may already be the one after a seek whose event has not arrived yet. After a seek that does no
     // harm, since the first position only says where listening begins again; at the start of an item it would add the jump.
     if (std::exchange(seeking_, false)) on_position(core_.number("time-pos"));
 }

@@ -26,7 +26,7 @@ void crash_log_service_impl::write_crash(const char* text, const std::string& mo
         const std::time_t now = std::time(nullptr);
         if (std::tm local{}; ::localtime_r(&now, &local) != nullptr) std::strftime(time, sizeof time, "%F %T", &local);
         lines += std::string("Bug check: ") + text + " (" + module + ", " + time + ")\n";
-        // A pipe that lies in its place must not hold up the end of the process.
+        // A pipe of that name must not block the ending process.
         const system::descriptor file(
             ::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0600));
         if (file) (void)!::write(file.get(), lines.data(), lines.size());

@@ -40,7 +40,7 @@ auto checked(Work&& work) {
     }
 }
 
-/// The contract's transaction over the store's; the two live and end together.
+/// The contract's transaction, which owns one of the store's.
 class transaction_service : public index_transaction {
 public:
     explicit transaction_service(index::index_store& store) : changes_(store.begin()) {}
@@ -73,7 +73,7 @@ void index_manager_impl::register_index(index_client_ptr client, const nuv::guid
     registrations_.push_back({index, std::move(client)});
 }
 
-/// A component whose registration was refused gives it up again, and must not end the owner's with that.
+/// A component may also remove an index whose registration was refused; the registration of its owner then stays.
 void index_manager_impl::remove_index(const nuv::guid& index) {
     core::check_main_thread("remove_index");
     if (const auto refused = std::ranges::find(refused_, index); refused != refused_.end()) {
@@ -92,8 +92,8 @@ void index_manager_impl::write(const nuv::guid& index, std::uint64_t key, const 
     checked([&] { store_.write(index, key, bytes_of(bytes, size)); });
 }
 
-/// That an index has never been written to is known before the records are loaded: a component that looks for its older
-/// indexes at start must not wait for a million others.
+/// Does not wait until the records are loaded: a component that looks for its older indexes at start should not pay for a
+/// million records of others.
 bool index_manager_impl::is_known(const nuv::guid& index) const {
     const auto known = store_.indexes();
     return std::ranges::find(known, index) != known.end();

@@ -16,7 +16,8 @@ void thread_service_impl::start(service_ptr_t<thread_task> task) {
         try {
             task->run();
         } catch (...) {
-            failure = "A worker of " + core::module_of(typeid(*task)) + " failed: " + core::text_of_failure();
+            const thread_task& failed = *task;
+            failure = "A worker of " + core::module_of(typeid(failed)) + " failed: " + core::text_of_failure();
         }
         task.reset();
         if (!failure.empty()) loop.post([failure] { throw std::runtime_error(failure); });

@@ -24,7 +24,7 @@ inline constexpr long ape_footer_size = 32;
 /// the file, or after its own end.
 std::optional<byte_range> ape_tag_at_end(TagLib::IOStream& stream);
 
-/// What lies between the tags in front and those at the end.
+/// The bytes between the tags at the start and those at the end.
 byte_range sound_between_tags(TagLib::IOStream& stream);
 
 }  // namespace ostrevan::tags

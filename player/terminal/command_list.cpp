@@ -43,6 +43,7 @@ std::vector<view::column> columns_of(const run_context& context, const std::vect
     if (names.empty()) return view::default_columns(services);
     const auto all = view::all_columns(services);
     std::vector<view::column> chosen;
+    chosen.reserve(names.size());
     for (const auto& name : names) chosen.push_back(view::find_column(all, name));
     return chosen;
 }
@@ -54,13 +55,13 @@ json value_of(const titleformat::track_fields& fields, const std::string& name, 
     std::string text;
     if (!fields.field(name, text)) return nullptr;
     if (may_be_number)
-        if (const auto number = json::parse(text, nullptr, false); number.is_number()) return number;
+        if (auto number = json::parse(text, nullptr, false); number.is_number()) return number;
     return text;
 }
 
 /// The leading number of a field ("3/12"), else its text ("A1").
 json leading_number(const titleformat::track_fields& fields, const std::string& name) {
-    const auto text = value_of(fields, name, false);
+    auto text = value_of(fields, name, false);
     if (!text.is_string()) return text;
     const auto number = titleformat::leading_integer(text.get<std::string>());
     return number ? json(*number) : text;

@@ -112,6 +112,7 @@ input_effect apply_input(view::open_dialog& dialog, std::string_view line) {
 void apply_label(view::open_dialog& dialog, std::string_view label, bool checked) {
     const auto controls = marks_of(dialog);
     std::vector<std::string_view> labels;
+    labels.reserve(controls.size());
     for (const auto* control : controls) labels.emplace_back(control->text);
     const auto match = view::find_label(labels, label);
     const auto refuse = [&](const std::string& problem) {

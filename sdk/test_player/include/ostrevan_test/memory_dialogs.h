@@ -56,7 +56,7 @@ public:
         }
         return lines;
     }
-    /// What the dialog answers as its window.
+    /// What the dialog returns as its window.
     void* native_window() const noexcept { return window_.native(); }
     void set_checked(int id, bool checked) { window_.set_checked(id, checked); }
     void press(int id) {

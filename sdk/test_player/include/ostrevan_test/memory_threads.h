@@ -20,7 +20,7 @@ public:
         const std::lock_guard guard(lock_);
         items_.push_back(std::move(item));
     }
-    /// Until nothing is left, also of what is added meanwhile; answers how many there were.
+    /// Runs until nothing is left, including what is added meanwhile; returns the count.
     template <typename Work>
     std::size_t take_all(Work&& work) {
         for (std::size_t count = 0;; ++count) {
@@ -73,7 +73,7 @@ public:
         if (how == mode::on_demand) waiting_.add(std::move(task));
         else running_.add(std::thread([task = std::move(task)] { task->run(); }));
     }
-    /// Runs the tasks that wait, one after another, each on a thread of its own; answers how many ran.
+    /// Runs the tasks that wait, one after another, each on a thread of its own; returns how many ran.
     std::size_t run_waiting() {
         return waiting_.take_all([](const task_ptr& task) { std::thread([&] { task->run(); }).join(); });
     }

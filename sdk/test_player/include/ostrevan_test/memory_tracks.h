@@ -118,7 +118,7 @@ public:
             {ostrevan::metadb_handle_list(tracks), parent_window, options, std::move(notify), std::move(filter)});
     }
 
-    /// Runs the oldest request on a thread of its own, publishes what changed and answers those tracks.
+    /// Runs the oldest request on a thread of its own, publishes what changed and returns those tracks.
     std::vector<ostrevan::metadb_handle_ptr> run_next() {
         auto next = std::move(requests.at(0));
         requests.erase(requests.begin());
