@@ -10,7 +10,10 @@ namespace support {
 /// The clipboard that the component reaches: the player's, or the system's own on Windows.
 std::unique_ptr<memory_clipboard> make_clipboard();
 
-/// The player in memory with digest and lower-casing of the system, or of the libraries that the real player uses.
+/// Unicode lower-casing, of the system or of a library.
+std::uint32_t lower_case_of(std::uint32_t code_point) noexcept;
+
+/// The player in memory with lower-casing of all letters.
 class memory_player : public ostrevan_test::memory_player {
 public:
     /// With the component whose objects are linked into the test.

@@ -17,6 +17,9 @@ std::vector<ostrevan::component_api::service_entry> entries_of(Services&... serv
 
 }  // namespace
 
+ostrevan::service_uncounted_t<memory_hash> memory_player::hash;
+ostrevan::service_uncounted_t<memory_letters> memory_player::letters;
+
 memory_player::memory_player(ostrevan::get_interface_function entry, const char* library_path)
     : services_(entries_of(index, main_queue, threads, popups, console, crash_log, clipboard, beeps, configuration, library,
                            metadb, playlists, decoders, titleformat, local_files, remote_files, tag_updates, reloads,

@@ -68,21 +68,6 @@ TEST(components, one_that_fails_is_named_and_the_others_are_called) {
         }
 }
 
-TEST(components, stages_run_in_their_order_around_the_start) {
-    world player;
-    service_uncounted_t<staged> stages[4];
-    service_uncounted_t<notified> start;
-    player.add(start);
-    std::string order;
-    for (unsigned i = 0; const unsigned number : {40U, 30U, 31U, 5U}) {
-        stages[i].number = number;
-        stages[i].run = [&order, &start, number] { order += std::to_string(number) + (start.calls == 0 ? " " : "! "); };
-        player.add(stages[i++]);
-    }
-    start_components(player.components, player.services, player.sink);
-    EXPECT_EQ(order, "5 30 31! 40! ");
-}
-
 TEST(components, a_play_is_what_they_made_of_it_when_all_that_they_posted_has_run) {
     using reply_t = playback_statistics_outcome::reply_t;
     world player;

@@ -55,10 +55,8 @@ struct notified : startup_notification, tally {
 };
 
 struct staged : initialisation_stage, tally {
-    unsigned number = 0;
-    std::function<void()> run = [] {};
-    unsigned stage() const noexcept override { return number; }
-    void on_stage() override { meet(), run(); }
+    unsigned stage() const noexcept override { return 0; }
+    void on_stage() override { meet(); }
 };
 
 struct variable final : config_variable, tally {

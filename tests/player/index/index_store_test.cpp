@@ -4,7 +4,6 @@
 #include <limits>
 #include <thread>
 
-#include "player/index/write_gate.h"
 #include "player/services/index_manager.h"
 #include "tests/player/index/records.h"
 
@@ -37,56 +36,6 @@ TEST_F(index_store_test, answers_the_same_before_while_and_after_loading) {
     EXPECT_EQ(reopened.keys(plays), (std::vector<std::uint64_t>{0, 1, 2, 3, 4, 5, highest_key}));
     EXPECT_EQ(reopened.indexes(), std::vector{plays});
     check(reopened);
-}
-
-TEST_F(index_store_test, applies_a_transaction_as_a_whole_or_not_at_all) {
-    {
-        index_store store(path_, fail_on_report);
-        store.write(plays, 1, record_of(1));
-        {
-            store_transaction dropped = store.begin();
-            dropped.write(plays, 1, record_of(1, 9));
-            dropped.write(moods, 2, record_of(2, 9));
-            EXPECT_THROW(static_cast<void>(store.begin()), misuse);
-            EXPECT_THROW(store.write(plays, 1, {}), misuse);
-        }
-        EXPECT_EQ(stored(store, plays, 1), record_of(1));
-        store_transaction kept = store.begin();
-        kept.write(plays, 3, record_of(3, 1));
-        kept.write(moods, 3, record_of(3, 5));
-        kept.write(plays, 3, record_of(3, 2));
-        EXPECT_EQ(stored(store, plays, 3), std::nullopt);
-        kept.commit();
-        EXPECT_THROW(kept.write(plays, 1, {}), misuse);
-        EXPECT_EQ(stored(store, plays, 3), record_of(3, 2));
-    }
-    const index_store reopened(path_, fail_on_report);
-    EXPECT_EQ(reopened.keys(plays), (std::vector<std::uint64_t>{1, 3}));
-    EXPECT_EQ(stored(reopened, plays, 1), record_of(1));
-    EXPECT_EQ(stored(reopened, plays, 3), record_of(3, 2));
-    EXPECT_EQ(stored(reopened, moods, 3), record_of(3, 5));
-}
-
-TEST_F(index_store_test, loses_no_update_when_several_threads_add_in_transactions) {
-    index_store store(path_, fail_on_report);
-    constexpr int threads = 4, additions = 200;
-    {
-        std::vector<std::jthread> adders;
-        for (int i = 0; i < threads; ++i)
-            adders.emplace_back([&] {
-                for (int n = 0; n < additions; ++n) {
-                    store_transaction transaction = store.begin();
-                    std::uint64_t count = 0;
-                    store.read(plays, 1, &count, sizeof count);
-                    ++count;
-                    transaction.write(plays, 1, std::as_bytes(std::span(&count, 1)));
-                    transaction.commit();
-                }
-            });
-    }
-    std::uint64_t count = 0;
-    store.read(plays, 1, &count, sizeof count);
-    EXPECT_EQ(count, static_cast<std::uint64_t>(threads * additions));
 }
 
 TEST_F(index_store_test, never_shows_half_a_record_or_an_older_one_while_loading_and_growing) {

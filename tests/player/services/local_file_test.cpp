@@ -101,17 +101,6 @@ TEST_F(local_files, that_are_no_regular_files_have_no_size_and_are_written_to_as
     EXPECT_THROW(open_new("/dev/full")->write("x", 1), ostrevan_io::exception_io_system);
 }
 
-TEST_F(local_files, are_told_from_those_of_the_network_by_what_stands_before_the_path) {
-    service_uncounted_t<network_filesystem_impl> network;
-    const std::tuple<const char*, bool, bool> cases[] = {
-        {"/a", true, false}, {"File:///a", true, false}, {"HTTPS://a", false, true}, {"tone://440", false, false}};
-    for (const auto& [path, is_local, is_remote] : cases) {
-        EXPECT_EQ(files_.is_our_path(path), is_local) << path;
-        EXPECT_EQ(network.is_our_path(path), is_remote) << path;
-    }
-    EXPECT_THROW(static_cast<void>(network.open("http://a", read)), ostrevan_io::exception_io_no_handler_for_path);
-}
-
 TEST_F(local_files, wait_for_whoever_reads_a_pipe_slowly) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);

@@ -14,7 +14,7 @@
 #include "ostrevan/popup.h"
 #include "ostrevan_test/main_thread_check.h"
 
-/// What the user sees and keeps: messages, questions, console, clipboard, settings.
+/// Messages, questions, console, clipboard, settings.
 namespace ostrevan_test {
 
 struct shown_message {

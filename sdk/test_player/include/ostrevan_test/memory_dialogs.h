@@ -19,8 +19,12 @@ class memory_dialog_registry : public ostrevan::dialog_registry {
 public:
     std::size_t pokes = 0;
 
-    bool can_create_new() const noexcept override { return open_.empty(); }
+    bool can_create_new() const noexcept override {
+        require_main_thread("can_create_new");
+        return open_.empty();
+    }
     void poke_existing() override {
+        require_main_thread("poke_existing");
         ++pokes;
         if (!open_.empty()) open_.back()->bring_forward();
     }
@@ -43,7 +47,7 @@ public:
 
     [[nodiscard]] bool is_open() const noexcept { return static_cast<bool>(window_.rules); }
     /// "[ ] text" or "[x] text" for boxes, "( )" and "(*)" for radio buttons, "--" for headings, "< >" for buttons; a "!"
-    /// behind what is disabled.
+    /// after a disabled control.
     std::vector<std::string> picture() const {
         std::vector<std::string> lines;
         for (const auto& control : window_.rules->layout().controls) {
@@ -56,7 +60,7 @@ public:
         }
         return lines;
     }
-    /// What the dialog returns as its window.
+    /// The window that the dialog returns as its own.
     void* native_window() const noexcept { return window_.native(); }
     void set_checked(int id, bool checked) { window_.set_checked(id, checked); }
     void press(int id) {
@@ -113,6 +117,7 @@ public:
     std::vector<std::string> texts;  ///< of the queries: "open" or "save", title, filter, extension
 
     std::optional<std::string> ask(const query_t& query) override {
+        require_main_thread("file_dialog_service::ask");
         queries.push_back(query);
         texts.push_back(std::string(query.save ? "save " : "open ") + query.title + ' ' + query.filter + ' ' +
                         query.default_extension);

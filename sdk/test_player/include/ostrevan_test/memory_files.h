@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "nuv/text.h"
 #include "ostrevan/exceptions.h"
 #include "ostrevan/filesystem.h"
 
@@ -31,16 +32,14 @@ public:
 
     bool is_our_path(const char* path) const noexcept override {
         const std::string_view text(path);
-        return text.starts_with(prefix_) || (!remote_ && text.find("://") == std::string_view::npos);
+        return has_prefix(text) || (!remote_ && text.find("://") == std::string_view::npos);
     }
     bool is_remote(const char*) const noexcept override { return remote_; }
     ostrevan::file_ptr open(const char* path, open_mode mode) override {
         const auto name = name_of(path);
         if (mode == open_mode::read && !files.contains(name)) throw ostrevan_io::exception_io_not_found(name + " not found");
         if (name.ends_with('/')) throw ostrevan_io::exception_io_denied(name + " is a folder");
-        auto& content = files[name];
-        if (mode == open_mode::write_new) content.clear();
-        return ostrevan::service_new<memory_file>(*this, content);
+        return ostrevan::service_new<memory_file>(*this, name, mode == open_mode::read ? files[name] : std::string());
     }
     bool exists(const char* path) override { return files.contains(name_of(path)); }
     void remove(const char* path) override {
@@ -57,7 +56,8 @@ public:
 
 private:
     struct memory_file : ostrevan::file {
-        memory_file(memory_filesystem& owner, std::string& content) noexcept : owner_(owner), content_(content) {}
+        memory_file(memory_filesystem& owner, std::string name, std::string content) noexcept
+            : owner_(owner), name_(std::move(name)), content_(std::move(content)) {}
 
         std::optional<std::uint64_t> size() override {
             return owner_.knows_sizes ? std::optional<std::uint64_t>(content_.size()) : std::nullopt;
@@ -76,15 +76,22 @@ private:
             owner_.room -= fits;
             if (fits < size) throw ostrevan_io::exception_io_system("disk full");
         }
-        void flush() override { ++owner_.flushes; }
+        void flush() override {
+            ++owner_.flushes;
+            owner_.files[name_] = content_;
+        }
 
         memory_filesystem& owner_;
-        std::string& content_;
+        const std::string name_;
+        std::string content_;
         std::size_t position_ = 0;
     };
 
+    bool has_prefix(std::string_view path) const noexcept {
+        return nuv::equal_ascii_nocase(path.substr(0, prefix_.size()), prefix_);
+    }
     std::string name_of(std::string_view path) const {
-        return std::string(path.starts_with(prefix_) ? path.substr(prefix_.size()) : path);
+        return std::string(has_prefix(path) ? path.substr(prefix_.size()) : path);
     }
 
     std::string prefix_;

@@ -67,7 +67,7 @@ public:
     }
     void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override {
         const turn now(*this);
-        count_write();
+        count_write(size);
         put({{{index, key}, std::string(static_cast<const char*>(bytes), size)}});
         ++direct_writes;
     }
@@ -120,7 +120,8 @@ private:
     struct transaction : ostrevan::index_transaction {
         explicit transaction(memory_index& index) : owner(index), own_turn(index) { ++owner.begun; }
         void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override {
-            owner.count_write();
+            if (!own_turn) ostrevan::uBugCheck("memory_index: written after the commit");
+            owner.count_write(size);
             pending[{index, key}].assign(static_cast<const char*>(bytes), size);
         }
         void commit() override {
@@ -142,6 +143,7 @@ private:
     struct backups : ostrevan::index_manager_backup {
         explicit backups(memory_index& index) noexcept : owner(index) {}
         void back_up(const char* reason, const char* beside) override {
+            require_main_thread("back_up");
             if (owner.fail_backup) throw std::runtime_error("no room for a copy");
             owner.note(std::string("back up ") + reason + ' ' + (beside == nullptr ? "" : beside));
         }
@@ -152,7 +154,8 @@ private:
         const std::lock_guard guard(lock_);
         events.push_back(std::move(event));
     }
-    void count_write() {
+    void count_write(std::size_t size) {
+        if (size > max_blob_size) throw std::invalid_argument("a blob that is too large");
         if (writes_until_failure == 0) throw std::runtime_error("index cannot be written");
         if (writes_until_failure != unlimited) --writes_until_failure;
     }

@@ -11,6 +11,7 @@
 #include "ostrevan/input.h"
 #include "ostrevan/metadb.h"
 #include "ostrevan/playlist.h"
+#include "ostrevan_test/main_thread_check.h"
 #include "ostrevan_test/memory_tracks.h"
 
 /// Where tracks are found: by location, in playlists, and in their files.
@@ -32,7 +33,10 @@ class memory_playlists : public ostrevan::playlist_manager {
 public:
     std::vector<ostrevan::metadb_handle_ptr> items;
 
-    void get_all_items(ostrevan::metadb_handle_list& out) const override { out.items() = items; }
+    void get_all_items(ostrevan::metadb_handle_list& out) const override {
+        require_main_thread("playlist_manager::get_all_items");
+        out.items() = items;
+    }
 };
 
 /// Files that a decoder understands. Opening any other path fails, and so does a subsong that is not there. Reading on the

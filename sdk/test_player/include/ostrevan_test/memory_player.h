@@ -19,6 +19,7 @@ namespace ostrevan_test {
 
 /// A player in memory that makes the handshake as a real one does and offers every service of the SDK, each a member that
 /// the test inspects and makes fail. The thread that makes it is the main thread. A bug check prints its text and aborts.
+/// For a component that keeps services in static objects, make one that is never destroyed, and call `shut_down`.
 class memory_player : public ostrevan::player_api {
 public:
     /// `entry` is that of a component linked into the test, or of a library that stays loaded as long as the player lives.
@@ -51,8 +52,9 @@ public:
     ostrevan::service_uncounted_t<recorded_file_questions> file_dialog;
     ostrevan::service_uncounted_t<recorded_searches> searches;
     ostrevan::service_uncounted_t<recorded_progress> progress;
-    ostrevan::service_uncounted_t<memory_hash> hash;
-    ostrevan::service_uncounted_t<memory_letters> letters;
+    // Without state, and used by components beyond the end of one player.
+    static ostrevan::service_uncounted_t<memory_hash> hash;
+    static ostrevan::service_uncounted_t<memory_letters> letters;
 
     std::atomic<bool> shutting_down = false;
     bool quiet = false;
@@ -74,7 +76,7 @@ public:
     void offer(const nuv::guid& service_class, ostrevan::service_base& service);
     void withdraw(const nuv::guid& service_class);
 
-    /// The start-up sequence: stages up to 30, start-up notifications, stages from 40.
+    /// The start-up sequence: stages up to 30, start-up notifications, all other stages.
     void start();
     void shut_down();
     /// Runs waiting tasks and callbacks until nothing is left to do.
@@ -86,7 +88,10 @@ public:
     bool is_shutting_down() const noexcept override { return shutting_down; }
     bool is_quiet_mode() const noexcept override { return quiet; }
     const char* profile_path() const noexcept override { return profile.c_str(); }
-    void* main_window() const noexcept override { return window; }
+    void* main_window() const noexcept override {
+        require_main_thread("main_window");
+        return window;
+    }
     [[noreturn]] void bug_check(const char* text) noexcept override;
 
 private:

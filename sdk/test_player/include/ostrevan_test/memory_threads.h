@@ -2,17 +2,20 @@
 
 #include <atomic>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
 #include <utility>
 
+#include "ostrevan/console.h"
+#include "ostrevan/core_api.h"
 #include "ostrevan/main_thread.h"
 #include "ostrevan/thread_service.h"
 
 namespace ostrevan_test {
 
-/// What is handed over from any thread, and taken in that order.
+/// A queue that any thread may add to.
 template <typename T>
 class handed_over {
 public:
@@ -20,7 +23,7 @@ public:
         const std::lock_guard guard(lock_);
         items_.push_back(std::move(item));
     }
-    /// Runs until nothing is left, including what is added meanwhile; returns the count.
+    /// Takes items until none is left, those added meanwhile too. Returns their number.
     template <typename Work>
     std::size_t take_all(Work&& work) {
         for (std::size_t count = 0;; ++count) {
@@ -38,15 +41,28 @@ private:
     std::deque<T> items_;
 };
 
+/// As in the player, an exception becomes a line of the console.
+template <typename Work>
+void guarded(Work&& work) noexcept {
+    const auto console = ostrevan::find_service<ostrevan::console_service>();
+    try {
+        work();
+    } catch (const std::exception& error) {
+        if (console) console->print(error.what());
+    } catch (...) {
+        if (console) console->print("unknown error");
+    }
+}
+
 /// Callbacks wait here until the test runs them.
 class main_thread_queue : public ostrevan::main_thread_callback_service {
 public:
     using callback_ptr = ostrevan::service_ptr_t<ostrevan::main_thread_callback>;
 
     void add_callback(callback_ptr callback) override { waiting_.add(std::move(callback)); }
-    /// Answers how many ran.
+    /// Returns the number that ran.
     std::size_t run() {
-        return waiting_.take_all([](const callback_ptr& callback) { callback->callback_run(); });
+        return waiting_.take_all([](const callback_ptr& callback) { guarded([&] { callback->callback_run(); }); });
     }
 
 private:
@@ -71,11 +87,11 @@ public:
         if (how == mode::refuse) throw std::runtime_error("no thread can be had");
         ++started;
         if (how == mode::on_demand) waiting_.add(std::move(task));
-        else running_.add(std::thread([task = std::move(task)] { task->run(); }));
+        else running_.add(std::thread([task = std::move(task)] { guarded([&] { task->run(); }); }));
     }
-    /// Runs the tasks that wait, one after another, each on a thread of its own; returns how many ran.
+    /// Runs the tasks that wait, one after another, each on a thread of its own. Returns their number.
     std::size_t run_waiting() {
-        return waiting_.take_all([](const task_ptr& task) { std::thread([&] { task->run(); }).join(); });
+        return waiting_.take_all([](const task_ptr& task) { std::thread([&] { guarded([&] { task->run(); }); }).join(); });
     }
     /// Waits for the tasks that run beside the test.
     void join() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <initializer_list>
 #include <map>
 #include <mutex>
@@ -9,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "ostrevan/core_api.h"
+#include "ostrevan/field_provider.h"
 #include "ostrevan/library.h"
 #include "ostrevan/tag_update.h"
 #include "ostrevan/titleformat.h"
@@ -78,23 +81,48 @@ public:
     bool enabled = true;
     std::vector<ostrevan::metadb_handle_ptr> items;
 
-    bool is_library_enabled() const override { return enabled; }
-    void get_all_items(ostrevan::metadb_handle_list& out) const override { out.items() = items; }
+    bool is_library_enabled() const override {
+        require_main_thread("is_library_enabled");
+        return enabled;
+    }
+    void get_all_items(ostrevan::metadb_handle_list& out) const override {
+        require_main_thread("library_manager::get_all_items");
+        out.items() = items;
+    }
 };
 
-/// Understands scripts of one field, such as "%title%".
+/// Collects what a field writes.
+class kept_text final : public ostrevan::titleformat_text_out {
+public:
+    std::string text;
+    void write(const nuv::guid& /*kind*/, const char* more, std::size_t length) override {
+        text.append(more, length == whole_text ? std::strlen(more) : length);
+    }
+};
+
+/// Understands scripts of one field, such as "%title%": of the component, or else of the tags.
 class field_titleformat : public ostrevan::titleformat_service {
 public:
     std::string format(ostrevan::metadb_handle& track, const char* script) const override {
         const std::string_view text(script);
         if (text.size() < 3 || text.front() != '%' || text.back() != '%') throw std::invalid_argument("unknown script");
+        const auto name = text.substr(1, text.size() - 2);
+        kept_text out;
+        bool is_offered = false;
+        ostrevan::for_each_service<ostrevan::field_provider>([&](ostrevan::field_provider& provider) {
+            for (std::size_t i = 0; i < provider.get_field_count() && !is_offered; ++i) {
+                is_offered = provider.get_field_name(i) == name;
+                if (is_offered) provider.process_field(i, &track, out);  // its text counts, found or not
+            }
+        });
+        if (is_offered) return out.text;
         const auto known = track.info();
-        const auto at = known ? known->info().meta_find(text.substr(1, text.size() - 2)) : ostrevan::file_info::npos;
-        return at == ostrevan::file_info::npos ? "?" : known->info().meta_value(at, 0);
+        const auto at = known ? known->info().meta_find(name) : ostrevan::file_info::npos;
+        return at == ostrevan::file_info::npos ? std::string() : known->info().meta_value(at, 0);
     }
 };
 
-/// What was asked of the files of some tracks.
+/// A request to write or read the files of some tracks.
 struct file_request {
     ostrevan::metadb_handle_list tracks;
     void* parent;
@@ -118,7 +146,7 @@ public:
             {ostrevan::metadb_handle_list(tracks), parent_window, options, std::move(notify), std::move(filter)});
     }
 
-    /// Runs the oldest request on a thread of its own, publishes what changed and returns those tracks.
+    /// Runs the oldest request on a thread of its own, publishes the changes and returns the changed tracks.
     std::vector<ostrevan::metadb_handle_ptr> run_next() {
         auto next = std::move(requests.at(0));
         requests.erase(requests.begin());
@@ -142,6 +170,7 @@ public:
 
     void reload_async(ostrevan::metadb_handle_list_cref tracks, unsigned mode, void* parent_window, unsigned options,
                       ostrevan::completion_notify_ptr notify) override {
+        require_main_thread("reload_async");
         requests.push_back({ostrevan::metadb_handle_list(tracks), parent_window, options, std::move(notify), {}, mode});
     }
 };
