@@ -270,12 +270,12 @@ TEST_F(mpv_player_test, tells_that_nothing_is_heard_when_no_device_can_be_opened
     auto callbacks = recording();
     callbacks.on_counted = {};
     mpv_player player({.audio = audio_output::automatic, .fast = false}, callbacks);
-    EXPECT_TRUE(player.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}, {path("a.wav"), 1.8, {}}}, queue(2), stop_));
+    EXPECT_TRUE(player.run(std::vector<play_item>{{path("a.wav"), 1.2, {}}, {path("a.wav"), 1.2, {}}}, queue(2), stop_));
     EXPECT_EQ(std::ranges::count(log_, "not heard"), 1);
     EXPECT_EQ(std::ranges::count(log_, "heard"), 0);
     mpv_player asked({.audio = audio_output::null, .fast = false}, callbacks);
     log_.clear();
-    EXPECT_TRUE(asked.run(std::vector<play_item>{{path("a.wav"), 1.8, {}}}, queue(1), stop_));
+    EXPECT_TRUE(asked.run(std::vector<play_item>{{path("a.wav"), 1.2, {}}}, queue(1), stop_));
     EXPECT_EQ(log_, (lines{"started 0", "finished 0"}));
 }
 
