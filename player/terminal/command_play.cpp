@@ -1,8 +1,10 @@
-#include <iostream>
+#include <algorithm>
 
 #include "player/app/playing.h"
 #include "player/system/interrupt.h"
 #include "player/terminal/command.h"
+#include "player/terminal/play_keys.h"
+#include "player/terminal/play_screen.h"
 #include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
@@ -39,35 +41,6 @@ Mode mode_of(const std::string& name, const std::vector<std::string>& names) {
     return static_cast<Mode>(std::ranges::find(names, name) - names.begin());
 }
 
-/// Shows a playback on the terminal.
-class play_screen final : public app::play_watcher {
-public:
-    play_screen(run_context& context, std::size_t count) : context_(context), count_(count) {}
-
-    void on_started(const app::now_playing& now) override {
-        context_.screen.note("Playing " + std::to_string(now.place + 1) + " of " + std::to_string(count_) + ": " +
-                             title_of(now.track));
-    }
-    void on_progress(const app::now_playing& now, const playback::play_status&) override {
-        context_.screen.show_progress("s  " + title_of(now.track), static_cast<std::size_t>(now.position),
-                                      static_cast<std::size_t>(now.duration));
-    }
-    void on_counted(const metadb_handle_ptr& track) override { std::cout << "Counted: " << title_of(track) << std::endl; }
-    void on_not_counted(const metadb_handle_ptr& track, const std::string& reason) override {
-        std::cout << "Played, not counted: " << title_of(track) << ": " << reason << std::endl;
-    }
-    void on_failure(const std::string& text) override { context_.screen.error(text); }
-
-private:
-    [[nodiscard]] std::string title_of(const metadb_handle_ptr& track) const {
-        return title_.run(titleformat::track_fields(context_.player.fields, *track)).text;
-    }
-
-    run_context& context_;
-    const std::size_t count_;
-    const titleformat::script title_ = titleformat::compile("[%artist% - ]%title%");
-};
-
 app::play_plan plan_of(run_context& context, const play_words& words) {
     playback::play_modes modes;
     if (words.shuffle) modes.shuffle = mode_of<shuffle_mode>(*words.shuffle, shuffle_names);
@@ -88,7 +61,18 @@ void play(run_context& context, const play_words& words) {
     if (plan.tracks.empty()) return;
     play_screen screen(context, plan.tracks.get_count());
     app::playing playing(context.player, screen);
+    // A full-speed run is over before a key could be meant for it.
+    if (!words.fast) {
+        context.screen.read_keys([&context, &playing](const std::string& key) {
+            context.player.loop.post([&context, &playing, key] {
+                if (key == "?") return context.screen.print_line(keys_help());
+                if (const auto wanted = request_of(key)) playing.perform(*wanted);
+            });
+        });
+    }
     playing.run(std::move(plan));
+    context.screen.stop_keys();
+    context.player.run_until_idle();  // keys that came at the end
     context.screen.end_progress();
     if (system::interrupted())
         context.screen.note("Interrupted: plays counted so far (" + std::to_string(playing.counted()) + ") are kept.");

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "player/system/interrupt.h"
+#include "player/system/raw_terminal.h"
 #include "player/terminal/exit_status.h"
 #include "player/terminal/table.h"
 #include "player/terminal/terminal_text.h"
@@ -53,9 +54,45 @@ terminal::~terminal() {
 }
 
 void terminal::clear_progress() {
-    if (!progress_shown_) return;
-    std::fputs("\r\033[K", stderr);
-    progress_shown_ = false;
+    if (drawn_.empty()) return;
+    // A terminal that has become narrower has wrapped the line.
+    const auto width = terminal_width(STDERR_FILENO);
+    const auto rows_above = width == 0 ? 0 : (std::max<std::size_t>(display_width(drawn_), 1) - 1) / width;
+    if (rows_above > 0) std::fprintf(stderr, "\033[%zuA", rows_above);
+    std::fputs(rows_above > 0 ? "\r\033[J" : "\r\033[K", stderr);
+    drawn_.clear();
+}
+
+/// One row only; the last column stays free, since some terminals wrap there.
+void terminal::draw(const std::string& line, std::size_t width) {
+    clear_progress();
+    drawn_ = width == 0 ? line : shortened(line, width - 1);
+    std::fputs(drawn_.c_str(), stderr);
+    std::fflush(stderr);
+}
+
+void terminal::show_line(const std::string& text, const std::vector<std::string>& details) {
+    if (!draws_progress_ || !system::is_in_foreground(STDERR_FILENO)) return;
+    constexpr std::size_t least_text = 20, gap = 2;
+    const auto width = terminal_width(STDERR_FILENO);
+    auto shown = shown_on_terminal(text);
+    std::ranges::replace_if(
+        shown, [](char each) { return each == '\n' || each == '\t'; }, ' ');
+    const auto room = width == 0 ? std::string::npos : width - 1;
+    std::string after;
+    for (const auto& each : details) {
+        if (each.empty()) continue;
+        const auto longer = after + std::string(gap, ' ') + shown_on_terminal(each);
+        if (display_width(longer) + std::min(least_text, display_width(shown)) > room) break;
+        after = longer;
+    }
+    const auto line = (room == std::string::npos ? shown : shortened(shown, room - display_width(after))) + after;
+    const std::lock_guard lock(mutex_);
+    if (line != drawn_) draw(line, width);
+}
+
+void terminal::read_keys(keyboard::key_sink on_key) {
+    if (::isatty(STDIN_FILENO) != 0) keys_.emplace(std::move(on_key));
 }
 
 void terminal::write_line(const std::string& line) {
@@ -97,19 +134,14 @@ void terminal::show_listing(const view::track_listing& listing) {
 }
 
 void terminal::show_progress(const std::string& what, std::size_t done, std::size_t total) {
-    if (!draws_progress_) return;
+    if (!draws_progress_ || !system::is_in_foreground(STDERR_FILENO)) return;
     constexpr long long redraw_ms = 80;
     const std::lock_guard lock(mutex_);
     const auto now = now_ms();
-    if (progress_shown_ && now - last_drawn_ms_ < redraw_ms && done != total) return;
+    if (!drawn_.empty() && now - last_drawn_ms_ < redraw_ms && done != total) return;
     last_drawn_ms_ = now;
     const auto count = std::to_string(done) + (total == 0 ? "" : " of " + std::to_string(total));
-    // One row only: of a wrapped line, only the last row could be erased.
-    const auto width = terminal_width(STDERR_FILENO);
-    const auto line = shown_on_terminal(bar(done, total) + count + " " + what);
-    std::fprintf(stderr, "\r\033[K%s", (width == 0 ? line : shortened(line, width - 1)).c_str());
-    std::fflush(stderr);
-    progress_shown_ = true;
+    draw(shown_on_terminal(bar(done, total) + count + " " + what), terminal_width(STDERR_FILENO));
 }
 
 void terminal::end_progress() {

@@ -3,7 +3,9 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "player/terminal/keyboard.h"
 #include "player/terminal/prepared_answers.h"
 #include "player/terminal/standard_output.h"
 #include "player/view/front_end.h"
@@ -29,6 +31,14 @@ public:
     void beep() override;
     void note_failure() override { ++failures_; }
 
+    /// Draws one line in the place of the one before, as the progress: a text, cut to what the width leaves, then details,
+    /// of which the last ones give way first. Empty ones are left out. Nothing is drawn while nothing has changed.
+    void show_line(const std::string& text, const std::vector<std::string>& details);
+
+    /// Passes on keys from now on when standard input is a terminal. Questions are asked as always.
+    void read_keys(keyboard::key_sink on_key);
+    void stop_keys() { keys_.reset(); }
+
     /// Prints a line that is not a result, unless quiet.
     void note(const std::string& line);
     void error(const std::string& line);
@@ -43,6 +53,7 @@ public:
 
 private:
     void write_line(const std::string& line);
+    void draw(const std::string& line, std::size_t width);
     void clear_progress();
 
     /// Whether the user can be asked; false also when all answers are given.
@@ -59,7 +70,8 @@ private:
     const bool draws_progress_;
     standard_output& output_;
     std::mutex mutex_;
-    bool progress_shown_ = false;
+    std::string drawn_;  // the progress on the screen; empty when there is none
+    std::optional<keyboard> keys_;
     long long last_drawn_ms_ = 0;
 
     bool is_misused_ = false;

@@ -69,6 +69,7 @@ void cancel(view::open_dialog& dialog) {
 bool terminal::can_ask() const { return !answers_.yes && ::isatty(STDIN_FILENO) != 0; }
 
 std::optional<std::string> terminal::read_line(const std::string& prompt) {
+    const keyboard_pause pause(keys_ ? &*keys_ : nullptr);
     output_.flush();
     std::fputs(shown_on_terminal(prompt).c_str(), stderr);
     std::fflush(stderr);

@@ -1,7 +1,7 @@
 """Runs the real player on profiles of its own, for the end-to-end tests beside this file.
 
 Environment: OSTREVAN is the program, MUSIC a folder of tagged files in five formats, AUDIO one file of every format that can
-be tagged, BROKEN_COMPONENTS modules that are broken on purpose, FIXTURES the scripts of tests/fixtures.
+be tagged, FIXTURES the scripts of tests/fixtures, ASKING a folder with a component that asks questions.
 """
 import fcntl
 import json
@@ -22,6 +22,7 @@ PROGRAM = os.environ["OSTREVAN"]
 MUSIC = pathlib.Path(os.environ["MUSIC"])
 AUDIO = pathlib.Path(os.environ["AUDIO"])
 FIXTURES = pathlib.Path(os.environ["FIXTURES"])
+ASKING = pathlib.Path(os.environ["ASKING"])
 
 
 class PlayerTest(unittest.TestCase):
@@ -30,6 +31,7 @@ class PlayerTest(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="ostrevan-"))
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.open_ends = set()
         self.profile = self.folder / "profile"
         self.music = self.folder / "music"
         (self.folder / "run").mkdir(mode=0o700)
@@ -50,12 +52,22 @@ class PlayerTest(unittest.TestCase):
             self.assertEqual(done.returncode, status, f"{words}\n{done.stdout}\n{done.stderr}")
         return done
 
-    def on_terminal(self, *words, kind="xterm"):
-        """What a command writes to a terminal of 80 columns."""
+    def start_on_terminal(self, *words, kind="xterm", columns=80, by=()):
+        """Starts a command on a terminal of its own; gives the process and both ends of the terminal."""
         master, end = pty.openpty()
-        fcntl.ioctl(end, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
-        player = subprocess.Popen(self.command(*words), env=dict(self.env, TERM=kind), stdin=end, stdout=end, stderr=end)
+        fcntl.ioctl(end, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+        player = subprocess.Popen([*by, *self.command(*words)], env=dict(self.env, TERM=kind), stdin=end, stdout=end, stderr=end,
+                                  start_new_session=True, preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+        self.addCleanup(lambda: (player.kill(), player.wait(), os.close(master)))
+        self.addCleanup(lambda: end in self.open_ends and os.close(end))
+        self.open_ends.add(end)
+        return player, master, end
+
+    def on_terminal(self, *words, **options):
+        """What a command writes to a terminal."""
+        player, master, end = self.start_on_terminal(*words, **options)
         os.close(end)
+        self.open_ends.remove(end)
         text = b""
         try:
             while block := os.read(master, 65536):

@@ -30,14 +30,6 @@ class Terminal(PlayerTest):
         self.assertEqual(self.run_player("format", "%title%", self.first).stdout, EVIL + "\n")
         self.assertTrue(all(len(line) <= 80 for line in self.on_terminal("list").splitlines()))
 
-    def test_progress_takes_one_row_and_is_erased(self):
-        self.run_player("edit", self.first, "--set", "title=" + "long " * 30)
-        pieces = self.on_terminal("play", "--audio", "null", "--fast", self.first, self.first).split("\r\x1b[K")
-        self.assertGreater(len(pieces), 2)
-        for piece in pieces[1:]:
-            self.assertTrue("\n" in piece or len(piece) < 80, piece)
-        self.assertNotRegex(pieces[-1], r"\d of \d+ s")
-
     def type_into(self, *words, typed, status, profile=None):
         """Runs a command on a terminal on which these lines have been typed; gives what it says."""
         terminal, end = pty.openpty()
