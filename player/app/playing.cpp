@@ -1,7 +1,6 @@
 #include "player/app/playing.h"
 
 #include <exception>
-#include <random>
 #include <utility>
 
 #include "player/library/cue_files.h"
@@ -13,14 +12,10 @@
 
 namespace ostrevan::app {
 
-playback::queue make_queue(session& player, const metadb_handle_list& tracks, playback::play_modes modes) {
-    // The album artist of a compilation is often missing, and its artists differ.
-    const auto album = titleformat::compile("$if(%album%,%album%|%directoryname%)");
-    std::vector<std::string> albums;
-    for (const auto& track : tracks) albums.push_back(album.run(titleformat::track_fields(player.fields, *track)).text);
-    std::random_device entropy;
-    return {std::move(albums), modes, (std::uint64_t{entropy()} << 32U) + entropy()};
-}
+playing::playing(session& player, play_watcher& watcher)
+    : player_(player),
+      watcher_(watcher),
+      kept_(player.library.queue(), [&watcher](const std::string& text) { watcher.on_failure(text); }) {}
 
 std::vector<playback::play_item> playing::items() const {
     std::vector<playback::play_item> result;
@@ -70,7 +65,10 @@ void playing::count(std::size_t place) {
 }
 
 void playing::show_progress() {
-    if (now_ && status_) watcher_.on_progress(*now_, *status_);
+    if (!now_ || !status_) return;
+    const bool is_current = status_->order.place(status_->order.current()) == now_->place;
+    kept_.update(*status_, is_current ? now_->position : 0);
+    watcher_.on_progress(*now_, *status_);
 }
 
 playback::play_callbacks playing::callbacks() {
@@ -114,16 +112,20 @@ playback::play_callbacks playing::callbacks() {
 
 void playing::play(const std::vector<playback::play_item>& items, const playback::queue& order) {
     try {
-        engine_->run(items, order, system::interrupted());
+        const bool is_over = engine_->run(items, order, system::interrupted());
+        post([this, is_over] { is_over_ = is_over; });
     } catch (const std::exception& error) {
         post([this, text = std::string(error.what())] { watcher_.on_failure(text); });
     }
 }
 
-void playing::run(play_plan plan) {
-    tracks_ = std::move(plan.tracks);
-    engine_.emplace(plan.options, callbacks());
-    std::thread worker([this, items = items(), order = std::move(plan.order),
+void playing::run(play_start start, playback::play_options options) {
+    options.volume = start.volume;
+    options.start_at = start.seconds;
+    kept_.begin(start);
+    tracks_ = std::move(start.tracks);
+    engine_.emplace(options, callbacks());
+    std::thread worker([this, items = items(), order = std::move(start.order),
                         busy = std::optional<core::main_loop::activity>(player_.loop)]() mutable {
         play(items, order);
         busy.reset();
@@ -131,6 +133,7 @@ void playing::run(play_plan plan) {
     player_.run_until_idle();
     worker.join();
     give_up();
+    if (now_ && status_) kept_.end(*status_, is_over_ ? 0 : now_->position);
     now_.reset();
 }
 

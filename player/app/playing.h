@@ -6,17 +6,12 @@
 #include <thread>
 #include <vector>
 
+#include "player/app/kept_queue.h"
 #include "player/app/play_counting.h"
 #include "player/app/session.h"
 #include "player/playback/mpv_player.h"
 
 namespace ostrevan::app {
-
-struct play_plan {
-    metadb_handle_list tracks{};
-    playback::queue order;
-    playback::play_options options{};
-};
 
 /// What sounds now.
 struct now_playing {
@@ -44,19 +39,17 @@ protected:
     play_watcher& operator=(const play_watcher&) = default;
 };
 
-/// An order for these tracks, shuffled differently each time. There must be a track.
-playback::queue make_queue(session& player, const metadb_handle_list& tracks, playback::play_modes modes);
-
 /// Plays a list on a thread of its own while the main loop serves the components. Plays are reported once they are on disk;
 /// those in quick succession share one wait for the disk. [main-thread]
 class playing {
 public:
-    playing(session& player, play_watcher& watcher) : player_(player), watcher_(watcher) {}
+    playing(session& player, play_watcher& watcher);
     playing(const playing&) = delete;
     playing& operator=(const playing&) = delete;
 
-    /// Returns after the end of the list, or when the listener quits or interrupts. Runs the main loop meanwhile.
-    void run(play_plan plan);
+    /// Returns after the end of the list, or when the listener quits or interrupts. Runs the main loop meanwhile. The start
+    /// says where; the options say how, but for the volume and the position.
+    void run(play_start start, playback::play_options options);
 
     /// Carries out what the listener wants. Without effect when nothing plays.
     void perform(const playback::request& wanted);
@@ -81,10 +74,12 @@ private:
 
     session& player_;
     play_watcher& watcher_;
+    kept_queue kept_;
     metadb_handle_list tracks_;
     std::optional<playback::mpv_player> engine_;
     std::optional<playback::play_status> status_;
     std::optional<now_playing> now_;
+    bool is_over_ = false;  // the end of the list was reached
     bool is_heard_ = true;
     bool is_saving_ = false;
     std::string save_problem_;

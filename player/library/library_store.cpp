@@ -1,5 +1,7 @@
 #include "player/library/library_store.h"
 
+#include <tuple>
+
 namespace ostrevan::library {
 namespace {
 
@@ -13,11 +15,25 @@ ALTER TABLE files ADD COLUMN arrived INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE edits ADD COLUMN path_before BLOB;
 CREATE TABLE ignored(path BLOB NOT NULL PRIMARY KEY) WITHOUT ROWID;
 )",
+    R"(
+CREATE TABLE queue(
+    id INTEGER PRIMARY KEY,
+    place INTEGER NOT NULL DEFAULT 0,
+    seconds REAL NOT NULL DEFAULT 0,
+    repeat INTEGER NOT NULL DEFAULT 0,
+    shuffle INTEGER NOT NULL DEFAULT 0,
+    volume REAL NOT NULL DEFAULT 100,
+    round BLOB NOT NULL DEFAULT x'');
+CREATE TABLE queue_entries(
+    position INTEGER PRIMARY KEY,
+    path BLOB NOT NULL,
+    subsong INTEGER NOT NULL);
+)",
 };
 
 // Scans only append files and tracks. There is no index on the path, since the library has all paths in memory.
 constexpr sqlite::format library_format{0x4F4C4942,  // "OLIB"
-                                        3,
+                                        4,
                                         R"(
 CREATE TABLE folders(
     id INTEGER PRIMARY KEY,
@@ -59,6 +75,18 @@ CREATE TABLE edits(
     info BLOB NOT NULL,
     path_before BLOB);
 CREATE TABLE ignored(path BLOB NOT NULL PRIMARY KEY) WITHOUT ROWID;
+CREATE TABLE queue(
+    id INTEGER PRIMARY KEY,
+    place INTEGER NOT NULL DEFAULT 0,
+    seconds REAL NOT NULL DEFAULT 0,
+    repeat INTEGER NOT NULL DEFAULT 0,
+    shuffle INTEGER NOT NULL DEFAULT 0,
+    volume REAL NOT NULL DEFAULT 100,
+    round BLOB NOT NULL DEFAULT x'');
+CREATE TABLE queue_entries(
+    position INTEGER PRIMARY KEY,
+    path BLOB NOT NULL,
+    subsong INTEGER NOT NULL);
 )",
                                         "library", upgrades};
 
@@ -208,6 +236,22 @@ void library_store::forget_edits(const std::string& path) { delete_edits_.bind(1
 
 void library_store::forget_edits() {
     if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM edits)") != 0) database_.execute("DELETE FROM edits");
+}
+
+void library_store::move_entries(const moved_locations& moved) {
+    for (const std::string table : {"playlist_entries", "queue_entries"}) {
+        const std::string list = table == "queue_entries" ? "0" : "playlist";
+        std::vector<std::tuple<std::int64_t, std::int64_t, playable_location>> found;
+        auto entries = database_.prepare("SELECT " + list + ", position, path, subsong FROM " + table);
+        while (entries.step()) {
+            const auto at = moved.find({from_blob(entries.blob(2)), static_cast<std::uint32_t>(entries.integer(3))});
+            if (at != moved.end()) found.emplace_back(entries.integer(0), entries.integer(1), at->second);
+        }
+        auto update =
+            database_.prepare("UPDATE " + table + " SET path=?3, subsong=?4 WHERE " + list + "=?1 AND position=?2");
+        for (const auto& [id, position, now] : found)
+            update.bind(1, id).bind(2, position).bind(3, to_blob(now.path)).bind(4, std::int64_t{now.subsong}).run();
+    }
 }
 
 }  // namespace ostrevan::library

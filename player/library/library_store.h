@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -44,6 +45,9 @@ public:
     std::int64_t put_file(const std::string& path, const stored_file& file, std::span<const stored_track> tracks);
     void remove_file(std::int64_t id);
     void set_device(std::int64_t file, std::uint64_t device);
+    using moved_locations = std::map<playable_location, playable_location>;
+    /// Lets the entries of playlists and of the queue follow their tracks.
+    void move_entries(const moved_locations& moved);
 
     /// Edits recorded by `put_file` and `put_edit` and not forgotten yet, oldest first.
     [[nodiscard]] std::vector<stored_edit> edits() const;

@@ -39,7 +39,8 @@ media_library::media_library(const std::string& database_path, track_table& trac
       tracks_(tracks),
       reader_(std::move(reader)),
       observer_(observer),
-      playlists_(store_.database()) {
+      playlists_(store_.database()),
+      queue_(store_.database()) {
     load();
 }
 
@@ -239,6 +240,9 @@ void media_library::drop(std::span<const std::string> gone, outcome& done, const
     for (const auto& path : moved.paths) store_.forget_edits(path);
     for (const auto& [track, before, after, from] : moved.edits)
         store_.put_edit({track->location().path, {from->subsong, encode_info(before->info())}, from->path});
+    library_store::moved_locations places;
+    for (const auto& [track, before, after, from] : moved.edits) places.emplace(*from, track->location());
+    if (!places.empty()) store_.move_entries(places);
     more();
     dropping.commit();
 

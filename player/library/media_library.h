@@ -12,6 +12,7 @@
 #include "player/library/library_files.h"
 #include "player/library/library_store.h"
 #include "player/library/playlists.h"
+#include "player/library/queue_store.h"
 #include "player/library/scan_summary.h"
 #include "player/library/track_table.h"
 
@@ -69,6 +70,7 @@ public:
     void forget_edits() { store_.forget_edits(); }
 
     [[nodiscard]] library::playlists& playlists() noexcept { return playlists_; }
+    [[nodiscard]] queue_store& queue() noexcept { return queue_; }
 
 private:
     struct outcome;
@@ -88,6 +90,7 @@ private:
     info_reader reader_;
     library_observer& observer_;
     library::playlists playlists_;
+    queue_store queue_;
     std::vector<library_folder> folders_;
     library_files files_;
     ignored_paths ignored_;

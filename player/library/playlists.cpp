@@ -32,12 +32,36 @@ bool playlists::create(const std::string& name, std::span<const playable_locatio
     sqlite::transaction writing(database_);
     if (find(name)) return false;
     database_.prepare("INSERT INTO playlists(name) VALUES(?1)").bind(1, std::string_view(name)).run();
-    const std::int64_t id = database_.last_insert_id();
+    insert(database_.last_insert_id(), entries);
+    writing.commit();
+    return true;
+}
+
+void playlists::insert(std::int64_t id, std::span<const playable_location> entries) {
     auto insert =
         database_.prepare("INSERT INTO playlist_entries(playlist, position, path, subsong) VALUES(?1, ?2, ?3, ?4)");
     std::int64_t position = 0;
     for (const auto& [path, subsong] : entries)
         insert.bind(1, id).bind(2, position++).bind(3, to_blob(path)).bind(4, std::int64_t{subsong}).run();
+}
+
+bool playlists::replace(const std::string& name, std::span<const playable_location> entries) {
+    sqlite::transaction writing(database_);
+    const auto id = find(name);
+    if (!id) return false;
+    database_.prepare("DELETE FROM playlist_entries WHERE playlist=?1").bind(1, *id).run();
+    insert(*id, entries);
+    writing.commit();
+    return true;
+}
+
+bool playlists::rename(const std::string& name, const std::string& new_name) {
+    sqlite::transaction writing(database_);
+    if (find(new_name)) return false;
+    database_.prepare("UPDATE playlists SET name=?2 WHERE name=?1")
+        .bind(1, std::string_view(name))
+        .bind(2, std::string_view(new_name))
+        .run();
     writing.commit();
     return true;
 }

@@ -22,11 +22,16 @@ public:
     [[nodiscard]] std::optional<std::vector<playable_location>> entries(const std::string& name) const;
     /// Returns false and changes nothing when the name is taken.
     bool create(const std::string& name, std::span<const playable_location> entries);
+    /// Puts these entries in the place of those of the playlist. Returns false when there is none.
+    bool replace(const std::string& name, std::span<const playable_location> entries);
+    /// Returns false and changes nothing when the new name is taken.
+    bool rename(const std::string& name, const std::string& new_name);
     /// Returns false when there is none.
     bool remove(const std::string& name);
 
 private:
     [[nodiscard]] std::optional<std::int64_t> find(const std::string& name) const;
+    void insert(std::int64_t id, std::span<const playable_location> entries);
 
     sqlite::database& database_;
 };

@@ -5,6 +5,7 @@
 #include "player/terminal/command.h"
 #include "player/terminal/play_keys.h"
 #include "player/terminal/play_screen.h"
+#include "player/terminal/playlist_entries.h"
 #include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
@@ -16,11 +17,12 @@ using playback::shuffle_mode;
 
 struct play_words {
     track_arguments tracks{};
+    std::optional<std::string> playlist{};
     std::string audio = "auto";
     bool fast = false;
     std::optional<std::string> shuffle{};
     std::optional<std::string> repeat{};
-    std::string gain = "off";
+    std::optional<std::string> gain{};
     std::optional<double> volume{};
 };
 
@@ -29,7 +31,10 @@ constexpr const char* play_examples =
     "  ostrevan play ~/Music/song.flac 'album.cue|3'\n"
     "  ostrevan play --where '%rating% IS 5' --shuffle --repeat\n"
     "  ostrevan play --shuffle=albums --replay-gain=album ~/Music\n"
-    "  ostrevan play --audio null --fast ~/Music/album";
+    "  ostrevan play --playlist Favourites\n"
+    "  ostrevan play --audio null --fast ~/Music/album\n"
+    "  ostrevan play\n"
+    "Without a track, goes on where the last playback stopped. While tracks play on a terminal, ? shows the keys.";
 
 // The words by mode.
 const std::vector<std::string> shuffle_names{"off", "tracks", "albums"};
@@ -37,30 +42,36 @@ const std::vector<std::string> repeat_names{"off", "track", "list"};
 const std::vector<std::string> gain_names{"off", "track", "album"};
 
 template <class Mode>
-Mode mode_of(const std::string& name, const std::vector<std::string>& names) {
-    return static_cast<Mode>(std::ranges::find(names, name) - names.begin());
+std::optional<Mode> mode_of(const std::optional<std::string>& name, const std::vector<std::string>& names) {
+    if (!name) return std::nullopt;
+    return static_cast<Mode>(std::ranges::find(names, *name) - names.begin());
 }
 
-app::play_plan plan_of(run_context& context, const play_words& words) {
-    playback::play_modes modes;
-    if (words.shuffle) modes.shuffle = mode_of<shuffle_mode>(*words.shuffle, shuffle_names);
-    if (words.repeat) modes.repeat = mode_of<repeat_mode>(*words.repeat, repeat_names);
-    auto tracks = tracks_of(context, words.tracks, on_missing::go_on);
-    auto order = app::make_queue(context.player, tracks, modes);
-    const auto audio = words.audio == "null" ? playback::audio_output::null : playback::audio_output::automatic;
-    return {.tracks = std::move(tracks),
-            .order = std::move(order),
-            .options = {.audio = audio,
-                        .fast = words.fast,
-                        .gain = mode_of<replay_gain>(words.gain, gain_names),
-                        .volume = words.volume.value_or(100)}};
+/// What the words name; without words, where the last playback stopped. Empty when nothing matches.
+std::optional<app::play_start> start_of(run_context& context, const play_words& words) {
+    auto& player = context.player;
+    const bool is_new = words.playlist || words.tracks.where || !words.tracks.paths.empty();
+    const auto shuffle = mode_of<shuffle_mode>(words.shuffle, shuffle_names);
+    const auto repeat = mode_of<repeat_mode>(words.repeat, repeat_names);
+    if (auto again = is_new ? std::nullopt : app::start_again(player)) {
+        if (shuffle) again->order.set_shuffle(*shuffle);
+        if (repeat) again->order.set_repeat(*repeat);
+        return again;
+    }
+    auto tracks = words.playlist ? app::tracks_of_entries(player, entries_of(context, *words.playlist))
+                                 : tracks_of(context, words.tracks, on_missing::go_on);
+    if (tracks.empty()) return std::nullopt;
+    return app::start_with(player, std::move(tracks),
+                           {.repeat = repeat.value_or(repeat_mode::off), .shuffle = shuffle.value_or(shuffle_mode::off)});
 }
 
 void play(run_context& context, const play_words& words) {
-    auto plan = plan_of(context, words);
-    if (plan.tracks.empty()) return;
-    play_screen screen(context, plan.tracks.get_count());
+    auto start = start_of(context, words);
+    if (!start) return;
+    if (words.volume) start->volume = *words.volume;
+    play_screen screen(context, start->tracks.get_count());
     app::playing playing(context.player, screen);
+    const auto audio = words.audio == "null" ? playback::audio_output::null : playback::audio_output::automatic;
     // A full-speed run is over before a key could be meant for it.
     if (!words.fast) {
         context.screen.read_keys([&context, &playing](const std::string& key) {
@@ -70,7 +81,8 @@ void play(run_context& context, const play_words& words) {
             });
         });
     }
-    playing.run(std::move(plan));
+    const auto gain = mode_of<replay_gain>(words.gain, gain_names).value_or(replay_gain::off);
+    playing.run(std::move(*start), {.audio = audio, .fast = words.fast, .gain = gain});
     context.screen.stop_keys();
     context.player.run_until_idle();  // keys that came at the end
     context.screen.end_progress();
@@ -82,6 +94,9 @@ const command_file play_command(30, [](command_declarations& declare) {
     const auto words = std::make_shared<play_words>();
     auto& app = declare.add("play", "Play tracks", play_examples);
     words->tracks.declare(app);
+    app.add_option("--playlist", words->playlist, "The tracks of a playlist")
+        ->type_name("NAME")
+        ->excludes("--where", "TRACK");
     app.add_flag("--shuffle{tracks}", words->shuffle, "Another order each time: of tracks, or of albums (--shuffle=albums)")
         ->check(CLI::IsMember(shuffle_names));
     app.add_flag("--repeat{list}", words->repeat, "Repeat the list, or each track (--repeat=track)")

@@ -1,7 +1,11 @@
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
 
 #include "player/terminal/command.h"
+#include "player/terminal/playlist_entries.h"
+#include "player/terminal/playlist_files.h"
 #include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
@@ -10,20 +14,17 @@ namespace {
 constexpr const char* playlist_examples =
     "Examples:\n"
     "  ostrevan playlist create Favourites --where '%rating% IS 5'\n"
-    "  ostrevan playlist show Favourites";
-
-[[noreturn]] void throw_no_such(const std::string& name) {
-    throw std::runtime_error("There is no playlist \"" + name + "\"; see 'ostrevan playlist list'.");
-}
+    "  ostrevan playlist append Favourites ~/Music/song.flac\n"
+    "  ostrevan playlist move Favourites 7 1\n"
+    "  ostrevan playlist export Favourites favourites.m3u8\n"
+    "  ostrevan play --playlist Favourites";
 
 void print_names(run_context& context) {
     for (const auto& name : context.player.library.playlists().names()) std::cout << name << '\n';
 }
 
 void print_tracks(run_context& context, const std::string& name) {
-    const auto entries = context.player.library.playlists().entries(name);
-    if (!entries) throw_no_such(name);
-    for (const auto& [path, subsong] : *entries) {
+    for (const auto& [path, subsong] : entries_of(context, name)) {
         const auto track = context.player.tracks.find(path, subsong);
         std::cout << path;
         if (subsong != 0) std::cout << '|' << subsong;
@@ -35,22 +36,63 @@ void print_tracks(run_context& context, const std::string& name) {
     }
 }
 
-void create_playlist(run_context& context, const std::string& name, const track_arguments& wanted) {
+std::string in_quotes(const std::string& name) { return "\"" + name + "\""; }
+
+[[noreturn]] void throw_taken(const std::string& name) {
+    throw std::runtime_error("There is a playlist " + in_quotes(name) +
+                             " already; remove it first, or choose another name.");
+}
+
+std::vector<playable_location> locations_of(const metadb_handle_list& tracks) {
     std::vector<playable_location> entries;
-    for (const auto& track : tracks_of(context, wanted)) entries.push_back(track->location());
-    if (!context.player.library.playlists().create(name, entries))
-        throw std::runtime_error("There is a playlist \"" + name + "\" already; remove it first, or choose another name.");
-    context.screen.note(std::to_string(entries.size()) + (entries.size() == 1 ? " track" : " tracks") + " in playlist \"" +
-                        name + "\".");
+    for (const auto& track : tracks) entries.push_back(track->location());
+    return entries;
+}
+
+void note_count(run_context& context, const std::string& name, std::size_t count) {
+    context.screen.note(std::to_string(count) + (count == 1 ? " track" : " tracks") + " in playlist " + in_quotes(name) +
+                        ".");
+}
+
+void make_playlist(run_context& context, const std::string& name, const std::vector<playable_location>& entries) {
+    if (!context.player.library.playlists().create(name, entries)) throw_taken(name);
+    note_count(context, name, entries.size());
+}
+
+void create_playlist(run_context& context, const std::string& name, const track_arguments& wanted) {
+    make_playlist(context, name, locations_of(tracks_of(context, wanted)));
+}
+
+void append(run_context& context, const std::string& name, const track_arguments& wanted) {
+    auto entries = entries_of(context, name);
+    std::ranges::move(locations_of(tracks_of(context, wanted)), std::back_inserter(entries));
+    context.player.library.playlists().replace(name, entries);
+    note_count(context, name, entries.size());
+}
+
+void rename(run_context& context, const std::string& name, const std::string& new_name) {
+    (void)entries_of(context, name);
+    if (!context.player.library.playlists().rename(name, new_name)) throw_taken(new_name);
+}
+
+/// Places count from 1.
+void move_entry(run_context& context, const std::string& name, std::size_t from, std::size_t to) {
+    auto entries = entries_of(context, name);
+    if (from < 1 || to < 1 || from > entries.size() || to > entries.size())
+        throw std::runtime_error("Playlist " + in_quotes(name) + " has the places 1 to " + std::to_string(entries.size()) +
+                                 ".");
+    auto moved = std::move(entries[from - 1]);
+    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(from - 1));
+    entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(to - 1), std::move(moved));
+    context.player.library.playlists().replace(name, entries);
 }
 
 void remove_playlist(run_context& context, const std::string& name) {
     auto& playlists = context.player.library.playlists();
-    const auto entries = playlists.entries(name);
-    if (!entries) throw_no_such(name);
-    const auto quoted = "\"" + name + "\"";
+    const auto entries = entries_of(context, name);
+    const auto quoted = in_quotes(name);
     const auto answer =
-        context.screen.ask({.text = "Remove playlist " + quoted + " with " + std::to_string(entries->size()) + " tracks?",
+        context.screen.ask({.text = "Remove playlist " + quoted + " with " + std::to_string(entries.size()) + " tracks?",
                             .title = "Playlist",
                             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
                             .reply = {}});
@@ -72,6 +114,35 @@ const command_file playlist_commands(100, [](command_declarations& declare) {
     create.add_option("NAME", *name)->required();
     tracks->declare(create);
     declare.run(create, [name, tracks](run_context& context) { create_playlist(context, *name, *tracks); });
+    auto& append_to = declare.add(playlist, "append", "Add tracks at the end of one");
+    append_to.add_option("NAME", *name)->required();
+    tracks->declare(append_to);
+    declare.run(append_to, [name, tracks](run_context& context) { append(context, *name, *tracks); });
+    const auto new_name = std::make_shared<std::string>();
+    auto& renaming = declare.add(playlist, "rename", "Give one another name");
+    renaming.add_option("NAME", *name)->required();
+    renaming.add_option("NEW", *new_name)->required();
+    declare.run(renaming, [name, new_name](run_context& context) { rename(context, *name, *new_name); });
+    const auto from = std::make_shared<std::size_t>(), to = std::make_shared<std::size_t>();
+    auto& moving = declare.add(playlist, "move", "Move the track at one place to another, counted from 1");
+    moving.add_option("NAME", *name)->required();
+    moving.add_option("FROM", *from)->required();
+    moving.add_option("TO", *to)->required();
+    declare.run(moving, [name, from, to](run_context& context) { move_entry(context, *name, *from, *to); });
+    const auto file = std::make_shared<std::string>();
+    auto& exporting = declare.add(playlist, "export", "Write one as an M3U file, for other programs");
+    exporting.add_option("NAME", *name)->required();
+    exporting.add_option("PATH", *file)->required();
+    declare.run(exporting, [name, file](run_context& context) {
+        if (write_playlist_file(context, entries_of(context, *name), *file)) context.screen.note("Written: " + *file + ".");
+    });
+    auto& importing = declare.add(playlist, "import", "Make a playlist of an M3U file");
+    importing.add_option("NAME", *name)->required();
+    importing.add_option("PATH", *file)->required();
+    declare.run(importing, [name, file](run_context& context) {
+        if (context.player.library.playlists().entries(*name)) throw_taken(*name);
+        make_playlist(context, *name, read_playlist_file(context, *file));
+    });
     auto& remove = declare.add(playlist, "remove", "Remove a playlist; its tracks stay");
     remove.add_option("NAME", *name)->required();
     declare.run(remove, [name](run_context& context) { remove_playlist(context, *name); });

@@ -12,6 +12,14 @@ protected:
         const auto name = fs::path(location.path).lexically_relative(music_).string();
         return location.subsong == 0 ? name : name + "|" + std::to_string(location.subsong);
     }
+    using locations = std::vector<ostrevan::playable_location>;
+    std::string moves_between(const locations& before, const locations& after) const {
+        std::string text;
+        for (std::size_t i = 0; i < before.size(); ++i)
+            if (before[i] != after[i]) text += (text.empty() ? "" : " ") + name_of(before[i]) + ">" + name_of(after[i]);
+        return text;
+    }
+    static std::string moves_in(const std::string& edits) { return edits.starts_with('=') ? "" : edits; }
     /// "from>to" for a move, "=path" for an edit in place.
     std::string edits_in(const std::vector<track_edit>& edits) const {
         std::vector<std::string> found;
@@ -63,12 +71,18 @@ TEST_F(moved_files_test, are_known_again_by_their_sound_unless_two_fit) {
         for (const auto& [path, lines] : each.before) put(path, lines);
         put("other.mp3", "title=Stays\n");
         add_music();
+        std::vector<ostrevan::playable_location> entries;
+        for (const auto& track : library_->items()) entries.push_back(track->location());
+        library_->playlists().create("List", entries);
+        library_->queue().save(entries);
         for (const auto& [path, lines] : each.before) fs::remove(music_ / path);
         for (const auto& [path, lines] : each.after) put(path, lines);
         const auto summary = rescan();
         EXPECT_EQ(edits_in(changes_.edited), each.edits);
         EXPECT_EQ(summary.unclear.size(), each.unclear);
         EXPECT_EQ(edits_in(reopen().unfinished_edits()), each.edits);
+        EXPECT_EQ(moves_between(entries, *library_->playlists().entries("List")), moves_in(each.edits));
+        EXPECT_EQ(moves_between(entries, library_->queue().load()->entries), moves_in(each.edits));
         rescan();
         EXPECT_TRUE(changes_.empty());
     }
@@ -112,7 +126,7 @@ TEST_F(moved_files_test, are_found_in_a_library_of_an_older_version_after_one_sc
     change_database(
         "ALTER TABLE folders DROP COLUMN scanned; ALTER TABLE files DROP COLUMN device; ALTER TABLE files DROP COLUMN sound;"
         "ALTER TABLE files DROP COLUMN arrived; ALTER TABLE edits DROP COLUMN path_before; DROP TABLE ignored;"
-        "PRAGMA user_version=2");
+        "DROP TABLE queue; DROP TABLE queue_entries; PRAGMA user_version=2");
     reads_ = 0;
     reopen();
     fs::remove(music_ / "gone.mp3");

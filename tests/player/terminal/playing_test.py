@@ -39,6 +39,9 @@ class Playing(PlayerTest):
         self.assertTrue(reads_lines(end))
         played = {(track["rating"], track["play_count"]) for track in self.tracks() if track["play_count"]}
         self.assertEqual(played, {(4, 2)})
+        player, terminal, _ = self.start_on_terminal(*PLAY, columns=120)
+        self.type_keys(terminal, ("Playing 1 of 8.*repeat track  shuffle albums  volume 90", "r"), ("Playing 2 of", "\x03"))
+        self.assertEqual(player.wait(timeout=100), 130)
 
     def test_the_terminal_is_given_back_on_every_way_out(self):
         for way, status in ((signal.SIGINT, 130), (signal.SIGTERM, 130), (signal.SIGSEGV, -signal.SIGSEGV), (signal.SIGHUP, -1)):

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "player/app/session.h"
+#include "player/playback/mpv_player.h"
+
+namespace ostrevan::app {
+
+/// What a list is played from.
+struct play_start {
+    metadb_handle_list tracks{};
+    playback::queue order;
+    double seconds = 0;  ///< into the first track
+    double volume = 100;
+};
+
+/// The tracks at stored locations. Those outside the library are read from the disk; the ones that cannot be read have no
+/// information.
+metadb_handle_list tracks_of_entries(session& player, const std::vector<playable_location>& entries);
+
+/// A new start with these tracks, shuffled differently each time. There must be a track.
+play_start start_with(session& player, metadb_handle_list tracks, playback::play_modes modes);
+/// Where the last playback of this profile stopped; empty when there was none.
+std::optional<play_start> start_again(session& player);
+
+/// Saves the queue of a playback in the profile as it changes. [main-thread]
+class kept_queue {
+public:
+    /// `on_failure` is called at most once.
+    kept_queue(library::queue_store& store, std::function<void(const std::string& text)> on_failure)
+        : store_(store), on_failure_(std::move(on_failure)) {}
+
+    void begin(const play_start& start);
+    /// Saves a new order at once, and the rest at most once a second.
+    void update(const playback::play_status& status, double seconds);
+    void end(const playback::play_status& status, double seconds);
+
+private:
+    void save(const std::function<void()>& work);
+    void save_state(const playback::play_status& status, double seconds);
+
+    library::queue_store& store_;
+    const std::function<void(const std::string& text)> on_failure_;
+    std::vector<std::uint32_t> round_;
+    std::chrono::steady_clock::time_point saved_{};
+    bool has_failed_ = false;
+};
+
+}  // namespace ostrevan::app

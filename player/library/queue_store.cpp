@@ -1,0 +1,49 @@
+#include "player/library/queue_store.h"
+
+#include <cstring>
+
+#include "player/library/library_store.h"
+
+namespace ostrevan::library {
+
+std::optional<saved_queue> queue_store::load() const {
+    saved_queue result;
+    auto state = database_.prepare("SELECT place, seconds, repeat, shuffle, volume, round FROM queue");
+    if (!state.step()) return std::nullopt;
+    result.state = {static_cast<std::size_t>(state.integer(0)), state.real(1), static_cast<int>(state.integer(2)),
+                    static_cast<int>(state.integer(3)), state.real(4)};
+    const auto round = state.blob(5);
+    result.round.resize(round.size() / sizeof(std::uint32_t));
+    std::memcpy(result.round.data(), round.data(), result.round.size() * sizeof(std::uint32_t));
+    auto entries = database_.prepare("SELECT path, subsong FROM queue_entries ORDER BY position");
+    while (entries.step())
+        result.entries.push_back({from_blob(entries.blob(0)), static_cast<std::uint32_t>(entries.integer(1))});
+    if (result.entries.empty()) return std::nullopt;
+    return result;
+}
+
+void queue_store::save(std::span<const playable_location> entries) {
+    sqlite::transaction saving(database_);
+    database_.execute("DELETE FROM queue; INSERT INTO queue(id) VALUES(1); DELETE FROM queue_entries");
+    auto insert = database_.prepare("INSERT INTO queue_entries(position, path, subsong) VALUES(?1, ?2, ?3)");
+    std::int64_t position = 0;
+    for (const auto& [path, subsong] : entries)
+        insert.bind(1, position++).bind(2, to_blob(path)).bind(3, std::int64_t{subsong}).run();
+    saving.commit();
+}
+
+void queue_store::save(std::span<const std::uint32_t> round) {
+    database_.prepare("UPDATE queue SET round=?1").bind(1, std::as_bytes(round)).run();
+}
+
+void queue_store::save(const queue_state& state) {
+    database_.prepare("UPDATE queue SET place=?1, seconds=?2, repeat=?3, shuffle=?4, volume=?5")
+        .bind(1, static_cast<std::int64_t>(state.place))
+        .bind(2, state.seconds)
+        .bind(3, std::int64_t{state.repeat})
+        .bind(4, std::int64_t{state.shuffle})
+        .bind(5, state.volume)
+        .run();
+}
+
+}  // namespace ostrevan::library

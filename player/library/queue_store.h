@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "ostrevan/track.h"
+#include "player/sqlite/database.h"
+
+namespace ostrevan::library {
+
+/// What was played last, and how: the modes are numbers of the playback's.
+struct queue_state {
+    std::size_t place = 0;  ///< of the current track
+    double seconds = 0;     ///< into it
+    int repeat = 0;
+    int shuffle = 0;
+    double volume = 100;
+};
+
+struct saved_queue {
+    std::vector<playable_location> entries;
+    /// The places in the order of playing.
+    std::vector<std::uint32_t> round;
+    queue_state state;
+};
+
+/// The queue of the player in the library's database, so that it survives a restart. [main-thread] Every function throws
+/// sqlite::error.
+class queue_store {
+public:
+    explicit queue_store(sqlite::database& database) noexcept : database_(database) {}
+
+    [[nodiscard]] bool is_read_only() const noexcept { return database_.is_read_only(); }
+    /// Empty when there is none.
+    [[nodiscard]] std::optional<saved_queue> load() const;
+    void save(std::span<const playable_location> entries);
+    void save(std::span<const std::uint32_t> round);
+    void save(const queue_state& state);
+
+private:
+    sqlite::database& database_;
+};
+
+}  // namespace ostrevan::library

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "player/terminal/command.h"
+
+namespace ostrevan::terminal {
+
+/// The tracks that an M3U file lists. What is left out is reported; throws when nothing remains. Only local audio files are
+/// taken, and nothing in the network is opened.
+std::vector<playable_location> read_playlist_file(run_context& context, const std::string& path);
+
+/// Writes entries as an M3U file. Asks before it replaces a file, and returns false when declined.
+bool write_playlist_file(run_context& context, const std::vector<playable_location>& entries, const std::string& path);
+
+}  // namespace ostrevan::terminal
