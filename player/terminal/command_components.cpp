@@ -26,7 +26,7 @@ const command_file components_command(140, [](command_declarations& declare) {
     const auto file = std::make_shared<std::optional<std::string>>();
     app.add_option("--check", *file, "Load this file alone and say what is wrong with it")
         ->type_name("FILE")
-        ->check(CLI::ExistingFile);
+        ->check(CLI::Validator(CLI::ExistingFile).description(""));
     declare.choose(app, [file] { return chosen_command{print_components, false, *file}; });
 });
 
