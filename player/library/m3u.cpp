@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::string_view scheme_end = "://";
 constexpr std::string_view local_scheme = "file://";
-constexpr std::size_t longest_line = 3 * 4096 + 64;  // an address of the longest path
+constexpr std::size_t longest_place = 4096 + 16;              // a path, and the subsong
+constexpr std::size_t longest_line = 3 * longest_place + 16;  // as an address
 
 /// What other programs call a playlist too.
 struct other_format {
@@ -93,15 +94,12 @@ m3u_contents parse_m3u(std::string_view text, const std::string& folder) {
         const auto refuse = [&](const std::string& why) {
             result.problems.push_back("Line " + std::to_string(number) + " " + why);
         };
-        if (line.size() > longest_line) {
-            refuse("is too long for a path.");
-        } else if (!has_scheme(line)) {
-            result.places.push_back(line.front() == '/' ? std::string(line) : folder + "/" + std::string(line));
-        } else if (auto path = begins_with(line, local_scheme) ? path_of_address(line) : std::nullopt) {
-            result.places.push_back(std::move(*path));
-        } else {
-            refuse("is no file of this machine: " + std::string(line));
-        }
+        auto place =
+            has_scheme(line) ? std::optional<std::string>() : (line.front() == '/' ? "" : folder + "/") + std::string(line);
+        if (line.size() <= longest_line && begins_with(line, local_scheme)) place = path_of_address(line);
+        if (line.size() > longest_line || (place && place->size() > longest_place)) refuse("is too long for a path.");
+        else if (!place) refuse("is no file of this machine: " + std::string(line));
+        else result.places.push_back(std::move(*place));
     }
     return result;
 }

@@ -32,7 +32,7 @@ class Playing(PlayerTest):
 
     def test_keys_do_what_the_table_says_and_each_time_heard_counts_once(self):
         player, terminal, end = self.start_on_terminal(*PLAY, self.music, columns=120)
-        self.type_keys(terminal, ("Playing 1 of 8.* / ", "?"), ("remove the rating", "n"), ("Playing 2 of 8.* / ", "\x1b[Cp"),
+        self.type_keys(terminal, ("Playing 1 of 8.* / ", "?"), ("remove the rating", "n"), ("Playing 2 of 8.* / ", "\x1b[Dp"),
                        ("Playing 1 of 8.* / ", "4"), ("★★★★☆", " "), ("paused", "--"), ("volume 90", "rse"),
                        ("repeat track  shuffle  last track  volume 90", "se "), ("Counted", ""), ("Counted", ""), ("0:0", "q"))
         self.assertEqual(player.wait(timeout=100), 0)
