@@ -14,7 +14,8 @@ std::optional<saved_queue> queue_store::load() const {
                     static_cast<int>(state.integer(3)), state.real(4)};
     const auto round = state.blob(5);
     result.round.resize(round.size() / sizeof(std::uint32_t));
-    std::memcpy(result.round.data(), round.data(), result.round.size() * sizeof(std::uint32_t));
+    if (!result.round.empty())  // no pointer may be null
+        std::memcpy(result.round.data(), round.data(), result.round.size() * sizeof(std::uint32_t));
     auto entries = database_.prepare("SELECT path, subsong FROM queue_entries ORDER BY position");
     while (entries.step())
         result.entries.push_back({from_blob(entries.blob(0)), static_cast<std::uint32_t>(entries.integer(1))});

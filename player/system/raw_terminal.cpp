@@ -78,8 +78,8 @@ void on_caught_signal(int signal) noexcept {
 
 }  // namespace
 
-bool is_in_foreground(int terminal) noexcept {
-    const auto group = ::tcgetpgrp(terminal);
+bool is_in_foreground(int descriptor) noexcept {
+    const auto group = ::tcgetpgrp(descriptor);
     return group == ::getpgrp() || group == -1;  // without jobs, as when another program has made the terminal
 }
 

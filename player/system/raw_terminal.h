@@ -19,6 +19,6 @@ public:
 };
 
 /// False for a job in the background, which should neither read nor draw.
-bool is_in_foreground(int terminal) noexcept;
+bool is_in_foreground(int descriptor) noexcept;
 
 }  // namespace ostrevan::system
