@@ -51,7 +51,7 @@ public:
     /// says where; the options say how, but for the volume and the position.
     void run(play_start start, playback::play_options options);
 
-    /// Carries out what the listener wants. Without effect when nothing plays.
+    /// Performs an action of the listener. Does nothing when nothing plays.
     void perform(const playback::request& wanted);
 
     /// How many plays were counted.

@@ -10,7 +10,7 @@
 
 namespace ostrevan::library {
 
-/// What was played last, and how: the modes are numbers of the playback's.
+/// The last playback. The modes are the numbers of `playback::repeat_mode` and `playback::shuffle_mode`.
 struct queue_state {
     std::size_t place = 0;  ///< of the current track
     double seconds = 0;     ///< into it

@@ -33,7 +33,7 @@ public:
 
     /// Appends the item, and starts when nothing plays. Returns the id in the item's events. Throws std::runtime_error.
     std::int64_t append(const play_item& item) { return load(item, "append-play"); }
-    /// Ends what plays and drops what was appended. Returns and throws like `append`.
+    /// Plays this item instead of the current and the appended ones. Returns and throws like `append`.
     std::int64_t replace(const play_item& item) { return load(item, "replace"); }
     void stop();
     /// Removes the entries with ids `first` to `first + count - 1`, the playing one included.

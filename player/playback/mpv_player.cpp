@@ -311,7 +311,7 @@ void mpv_player::session::on_start_file(std::int64_t entry) {
     current_entry_ = entry;
     position_ = std::exchange(start_at_, 0);
     audible_ = false;
-    // What was heard before the playback was interrupted does not count again.
+    // The part heard before the interruption does not count again.
     seeking_ = position_ > 0;
     finding_start_ = !seeking_ && start() > 0;
     rule_.started();
@@ -377,7 +377,7 @@ void mpv_player::session::on_end_file(const mpv_event_end_file& end) {
     } else if (end.reason == MPV_END_FILE_REASON_ERROR) {
         fail(mpv_error_string(end.error));
     } else if (!sounding_ && end.reason == MPV_END_FILE_REASON_EOF) {
-        fail("The track starts behind the end of the file");
+        fail("The track starts after the end of the file");
     }
     if (sounding_) finish(translate(end.reason));
     current_.reset();

@@ -47,7 +47,7 @@ std::optional<Mode> mode_of(const std::optional<std::string>& name, const std::v
     return static_cast<Mode>(std::ranges::find(names, *name) - names.begin());
 }
 
-/// What the words name; without words, where the last playback stopped. Empty when nothing matches.
+/// The tracks that the arguments name or, without arguments, the last playback. Empty when nothing matches.
 std::optional<app::play_start> start_of(run_context& context, const play_words& words) {
     auto& player = context.player;
     const bool is_new = words.playlist || words.tracks.where || !words.tracks.paths.empty();

@@ -7,7 +7,7 @@
 
 namespace ostrevan::terminal {
 
-/// The tracks that an M3U file lists. What is left out is reported; throws when nothing remains. Only local audio files are
+/// The tracks in an M3U file. Reports entries that it leaves out; throws when none remains. Only local audio files are
 /// taken, and nothing in the network is opened.
 std::vector<playable_location> read_playlist_file(run_context& context, const std::string& path);
 
