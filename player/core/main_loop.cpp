@@ -9,20 +9,36 @@
 namespace ostrevan::core {
 
 void main_loop::post(task work) {
+    const auto& of = job::current();
+    if (of) of->begin();
     const std::lock_guard lock(mutex_);
-    queue_.push_back(std::move(work));
+    queue_.push_back({of, std::move(work)});
     changed_.notify_one();
 }
 
-void main_loop::begin_activity() noexcept {
+void main_loop::begin_activity(const job_ptr& of) noexcept {
+    if (of) of->begin();
     const std::lock_guard lock(mutex_);
     ++activities_;
 }
 
-void main_loop::end_activity() noexcept {
+void main_loop::end_activity(const job_ptr& of) noexcept {
+    if (of) of->end();
     const std::lock_guard lock(mutex_);
     --activities_;
     changed_.notify_one();
+}
+
+void main_loop::run(posted& next) const {
+    const job::scope scope(next.of);
+    try {
+        next.work();
+    } catch (const std::exception& error) {
+        on_error_(system::failure_text(error).c_str());
+    } catch (...) {
+        on_error_("unknown error");
+    }
+    next.work = nullptr;  // destroys the task's captures on this thread, and before the job can be idle
 }
 
 void main_loop::run_until_idle() {
@@ -30,17 +46,12 @@ void main_loop::run_until_idle() {
     for (;;) {
         changed_.wait(lock, [this] { return !queue_.empty() || activities_ == 0; });
         if (queue_.empty()) return;
-        task work = std::move(queue_.front());
+        posted next = std::move(queue_.front());
         queue_.pop_front();
         lock.unlock();
-        try {
-            work();
-        } catch (const std::exception& error) {
-            on_error_(system::failure_text(error).c_str());
-        } catch (...) {
-            on_error_("unknown error");
-        }
-        work = nullptr;  // destroys the task's captures on this thread, outside the lock
+        run(next);
+        if (next.of) next.of->end();
+        next.of.reset();
         lock.lock();
     }
 }

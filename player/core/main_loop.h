@@ -1,17 +1,23 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <future>
+#include <memory>
 #include <mutex>
 #include <thread>
+#include <type_traits>
 #include <utility>
+
+#include "player/core/job.h"
 
 namespace ostrevan::core {
 
-/// The main loop: work posted from any thread runs on the main thread, one task at a time, in the order of posting. The
-/// thread that makes the loop is the main thread.
+/// The main loop: work posted from any thread runs on the main thread, one task at a time, in the order of posting, and
+/// belongs to the job that posted it. The thread that makes the loop is the main thread.
 class main_loop {
 public:
     using task = std::function<void()>;
@@ -27,34 +33,60 @@ public:
     /// [any-thread]
     void post(task work);
 
-    /// Keeps the loop from being idle while it lives: a running worker, an open question. [any-thread]
+    /// Runs work on the main thread, waits for it and returns its value, or throws what it has thrown. Meanwhile the calling
+    /// thread, which must be the own one of its job, serves the job. Called on the main thread, it just runs the work.
+    template <typename Work>
+    auto call(Work work) {
+        if (on_main_thread()) return work();
+        const auto packed = std::make_shared<std::packaged_task<std::invoke_result_t<Work&>()>>(std::move(work));
+        auto result = packed->get_future();
+        post([packed] { (*packed)(); });
+        job::current()->serve_until([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
+        return result.get();
+    }
+
+    /// Keeps the loop and the current job from being idle while it lives: a running worker, an open question. [any-thread]
     class activity {
     public:
-        explicit activity(main_loop& loop) noexcept : loop_(&loop) { loop_->begin_activity(); }
-        activity(activity&& other) noexcept : loop_(std::exchange(other.loop_, nullptr)) {}
-        activity& operator=(activity&&) = delete;
+        explicit activity(main_loop& loop) noexcept : loop_(&loop), job_(job::current()) { loop_->begin_activity(job_); }
+        activity(activity&& other) noexcept : loop_(std::exchange(other.loop_, nullptr)), job_(std::move(other.job_)) {}
+        activity& operator=(activity&& other) noexcept {
+            std::swap(loop_, other.loop_);
+            std::swap(job_, other.job_);
+            return *this;
+        }
         activity(const activity&) = delete;
         activity& operator=(const activity&) = delete;
         ~activity() {
-            if (loop_ != nullptr) loop_->end_activity();
+            if (loop_ != nullptr) loop_->end_activity(job_);
         }
+
+        /// The job it belongs to; may be null.
+        [[nodiscard]] const job_ptr& of() const noexcept { return job_; }
 
     private:
         main_loop* loop_;
+        job_ptr job_;
     };
 
     /// Runs posted work until none is left and no activity is under way. [main-thread]
     void run_until_idle();
 
 private:
-    void begin_activity() noexcept;
-    void end_activity() noexcept;
+    struct posted {
+        job_ptr of;
+        task work;
+    };
+
+    void begin_activity(const job_ptr& of) noexcept;
+    void end_activity(const job_ptr& of) noexcept;
+    void run(posted& next) const;
 
     const error_sink on_error_;
     const std::thread::id main_thread_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::deque<task> queue_;
+    std::deque<posted> queue_;
     std::size_t activities_ = 0;
 };
 

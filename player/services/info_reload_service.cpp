@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <span>
 
-#include "player/system/interrupt.h"
-
 namespace ostrevan::services {
 namespace {
 
@@ -50,7 +48,7 @@ void info_reload_service_impl::reload_async(metadb_handle_list_cref tracks, unsi
 
 void info_reload_service_impl::step(const std::shared_ptr<job>& work) {
     constexpr std::size_t portion = 64;
-    if (work->done == work->tracks.size() || system::interrupted()) return finish(*work);
+    if (work->done == work->tracks.size() || core::is_stopping()) return finish(*work);
 
     const auto rest = std::span(work->tracks).subspan(work->done);
     const auto now = rest.first(std::min(portion, rest.size()));

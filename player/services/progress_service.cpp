@@ -1,7 +1,6 @@
 #include "player/services/progress_service.h"
 
 #include "player/core/main_loop.h"
-#include "player/system/interrupt.h"
 
 namespace ostrevan::services {
 namespace {
@@ -14,7 +13,7 @@ public:
         core::check_main_thread("progress_display::set");
         ui_.show_progress(what_, done, total);
     }
-    [[nodiscard]] bool is_aborting() const noexcept override { return system::interrupted(); }
+    [[nodiscard]] bool is_aborting() const noexcept override { return core::is_stopping(); }
 
 private:
     view::front_end& ui_;

@@ -9,7 +9,6 @@
 
 #include "player/core/component_call.h"
 #include "player/library/cue_files.h"
-#include "player/system/interrupt.h"
 #include "player/tags/rewrite.h"
 
 namespace ostrevan::services {
@@ -17,12 +16,16 @@ namespace ostrevan::services {
 void tag_update_service_impl::update_async(metadb_handle_list_cref tracks, service_ptr_t<file_info_filter> filter,
                                            void* /*parent_window*/, unsigned options, completion_notify_ptr notify) {
     core::check_main_thread("update_async");
-    batch fresh{
-        .tracks = metadb_handle_list(tracks), .filter = std::move(filter), .options = options, .notify = std::move(notify)};
+    batch fresh{.busy = core::main_loop::activity(loop_),
+                .tracks = metadb_handle_list(tracks),
+                .filter = std::move(filter),
+                .options = options,
+                .notify = std::move(notify)};
 
     const std::lock_guard lock(mutex_);
     waiting_.insert(place_of(fresh), std::move(fresh));
     if (is_working_) return;
+    const core::job::scope nobody(nullptr);  // the worker serves every job
     std::thread([this, busy = core::main_loop::activity(loop_)] { work(); }).detach();
     is_working_ = true;
 }
@@ -43,16 +46,17 @@ std::deque<tag_update_service_impl::batch>::iterator tag_update_service_impl::pl
 
 void tag_update_service_impl::work() {
     for (;;) {
-        auto next = std::make_shared<batch>();
+        std::shared_ptr<batch> next;
         {
             const std::lock_guard lock(mutex_);
             if (waiting_.empty()) {
                 is_working_ = false;
                 return;
             }
-            *next = std::move(waiting_.front());
+            next = std::make_shared<batch>(std::move(waiting_.front()));
             waiting_.pop_front();
         }
+        const core::job::scope scope(next->busy.of());
         rewrite_all(*next);
         loop_.post([this, next] { finish(*next); });
     }
@@ -61,7 +65,7 @@ void tag_update_service_impl::work() {
 void tag_update_service_impl::rewrite_all(batch& work) const {
     const auto total = work.tracks.get_count();
     for (std::size_t i = 0; i < total && !work.is_aborted; ++i) {
-        work.is_aborted = system::interrupted();
+        work.is_aborted = core::is_stopping();
         if (work.is_aborted) break;
         if (!work.is_silent()) loop_.post([this, i, total] { ui_.show_progress("files checked and rewritten", i, total); });
         rewrite(work, work.tracks[i]);

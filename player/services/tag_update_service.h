@@ -35,6 +35,7 @@ public:
 
 private:
     struct batch {
+        core::main_loop::activity busy;
         metadb_handle_list tracks;
         service_ptr_t<file_info_filter> filter;
         unsigned options = 0;

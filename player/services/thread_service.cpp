@@ -12,6 +12,7 @@ namespace ostrevan::services {
 void thread_service_impl::start(service_ptr_t<thread_task> task) {
     // The activity ends last, so that the loop outlives everything the thread does.
     std::thread([activity = core::main_loop::activity(loop_), task = std::move(task), &loop = loop_]() mutable {
+        const core::job::scope scope(activity.of());
         std::string failure;
         try {
             task->run();

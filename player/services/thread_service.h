@@ -5,7 +5,7 @@
 
 namespace ostrevan::services {
 
-/// Runs tasks of components on separate threads, each an activity of the main loop.
+/// Runs tasks of components on separate threads, each an activity of the job that started it.
 class thread_service_impl : public thread_service {
 public:
     explicit thread_service_impl(core::main_loop& loop) noexcept : loop_(loop) {}
