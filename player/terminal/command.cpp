@@ -1,5 +1,6 @@
 #include "player/terminal/command.h"
 
+#include <CLI/CLI.hpp>
 #include <map>
 #include <utility>
 
@@ -14,25 +15,86 @@ std::map<int, command_file::declaration>& files_by_position() {
 
 }  // namespace
 
-CLI::App& command_declarations::add(CLI::App& parent, const char* name, const char* what, const char* examples) {
-    auto& app = *parent.add_subcommand(name, what);
+declared_option& declared_option::required() {
+    option_->required();
+    return *this;
+}
+
+declared_option& declared_option::needs(const char* other) {
+    option_->needs(other);
+    return *this;
+}
+
+declared_option& declared_option::excludes(const char* other) {
+    option_->excludes(other);
+    return *this;
+}
+
+declared_option& declared_option::one_value_each() {
+    option_->allow_extra_args(false);
+    return *this;
+}
+
+declared_option& declared_option::one_of(const std::vector<std::string>& words) {
+    option_->check(CLI::IsMember(words));
+    return *this;
+}
+
+declared_option& declared_option::between(double least, double most) {
+    option_->check(CLI::Range(least, most));
+    return *this;
+}
+
+declared_option& declared_option::existing_file() {
+    option_->check(CLI::Validator(CLI::ExistingFile).description(""));
+    return *this;
+}
+
+declared_option& declared_option::called(const char* value) {
+    option_->type_name(value);
+    return *this;
+}
+
+declared_option& declared_option::show_default() {
+    option_->capture_default_str();
+    return *this;
+}
+
+declared_command declared_command::add(const char* name, const char* what, const char* examples) {
+    auto& app = *app_->add_subcommand(name, what);
     app.fallthrough();  // --profile, --yes and the like may follow the command
     app.footer(examples);
-    return app;
+    return {app, *chosen_};
 }
 
-void command_declarations::run(CLI::App& app, std::function<void(run_context&)> work) {
-    choose(app, [work = std::move(work)] { return chosen_command{work}; });
+void declared_command::require_command() { app_->require_subcommand(1); }
+
+declared_option declared_command::add_option(const char* name, value into, const char* what) {
+    return declared_option(*std::visit([&](auto* each) { return app_->add_option(name, *each, what); }, into));
 }
 
-void command_declarations::choose(CLI::App& app, std::function<chosen_command()> choose) {
-    app.final_callback([this, choose = std::move(choose)] { chosen_ = choose(); });
+declared_option declared_command::add_flag(const char* name, bool& into, const char* what) {
+    return declared_option(*app_->add_flag(name, into, what));
 }
+
+declared_option declared_command::add_flag(const char* name, std::optional<std::string>& into, const char* what) {
+    return declared_option(*app_->add_flag(name, into, what));
+}
+
+void declared_command::run(std::function<void(run_context&)> work) {
+    choose([work = std::move(work)] { return chosen_command{work}; });
+}
+
+void declared_command::choose(std::function<chosen_command()> choose) {
+    app_->final_callback([chosen = chosen_, choose = std::move(choose)] { *chosen = choose(); });
+}
+
+void refuse_arguments(const char* words, const std::string& mistake) { throw CLI::ValidationError(words, mistake); }
 
 command_file::command_file(int position, declaration declare) { files_by_position().emplace(position, declare); }
 
-void command_file::declare_all(command_declarations& declarations) {
-    for (const auto& [position, declare] : files_by_position()) declare(declarations);
+void command_file::declare_all(declared_command& program) {
+    for (const auto& [position, declare] : files_by_position()) declare(program);
 }
 
 }  // namespace ostrevan::terminal

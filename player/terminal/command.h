@@ -1,14 +1,21 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
+#include <vector>
 
 #include "player/app/session.h"
 #include "player/terminal/exit_status.h"
 #include "player/terminal/terminal.h"
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace ostrevan::terminal {
 
@@ -27,31 +34,64 @@ struct chosen_command {
     std::optional<std::string> component_to_check = std::nullopt;
 };
 
-/// Where a command declares its words, options and help.
-class command_declarations {
+/// An operand, an option or a flag of a command.
+class declared_option {
 public:
-    command_declarations(CLI::App& app, chosen_command& chosen) : app_(app), chosen_(chosen) {}
+    explicit declared_option(CLI::Option& option) : option_(&option) {}
 
-    CLI::App& add(const char* name, const char* what, const char* examples = "") { return add(app_, name, what, examples); }
-    /// A subcommand, such as `library add`.
-    CLI::App& add(CLI::App& parent, const char* name, const char* what, const char* examples = "");
-
-    void run(CLI::App& app, std::function<void(run_context&)> work);
-    /// `choose` is called after parsing. It throws CLI::ValidationError for an impossible combination of arguments.
-    void choose(CLI::App& app, std::function<chosen_command()> choose);
+    declared_option& required();
+    /// Another option or operand of the same command, by name.
+    declared_option& needs(const char* other);
+    declared_option& excludes(const char* other);
+    /// Given again for each further value, so that the words after one value are operands.
+    declared_option& one_value_each();
+    declared_option& one_of(const std::vector<std::string>& words);
+    declared_option& between(double least, double most);
+    declared_option& existing_file();
+    /// The value's name in the help.
+    declared_option& called(const char* value);
+    declared_option& show_default();
 
 private:
-    CLI::App& app_;
-    chosen_command& chosen_;
+    CLI::Option* option_;
 };
+
+/// A command or the whole program: its words, options and help. Refers to the parser's.
+class declared_command {
+public:
+    declared_command(CLI::App& app, chosen_command& chosen) : app_(&app), chosen_(&chosen) {}
+
+    declared_command add(const char* name, const char* what, const char* examples = "");
+    /// One of the commands added has to be named.
+    void require_command();
+
+    using value = std::variant<std::string*, std::optional<std::string>*, std::vector<std::string>*, std::size_t*,
+                               std::optional<double>*>;
+    /// An option when the name begins with a dash, otherwise an operand.
+    declared_option add_option(const char* name, value into, const char* what = "");
+    declared_option add_flag(const char* name, bool& into, const char* what);
+    /// `--name{value}` is a flag that may be given another value, as `--name=other`.
+    declared_option add_flag(const char* name, std::optional<std::string>& into, const char* what);
+
+    void run(std::function<void(run_context&)> work);
+    /// `choose` is called after parsing. It may refuse an impossible combination of arguments.
+    void choose(std::function<chosen_command()> choose);
+
+private:
+    CLI::App* app_;
+    chosen_command* chosen_;
+};
+
+/// Throws the mistake that the arguments make together; `words` are those that it is about.
+[[noreturn]] void refuse_arguments(const char* words, const std::string& mistake);
 
 /// Declares the commands of one file. Made as a static object at the end of that file; `position` orders the help.
 class command_file {
 public:
-    using declaration = void (*)(command_declarations&);
+    using declaration = void (*)(declared_command& program);
     command_file(int position, declaration declare);
 
-    static void declare_all(command_declarations& declarations);
+    static void declare_all(declared_command& program);
 };
 
 }  // namespace ostrevan::terminal

@@ -21,13 +21,13 @@ void print_components(run_context& context) {
     }
 }
 
-const command_file components_command(140, [](command_declarations& declare) {
-    auto& app = declare.add("components", "What the loaded components offer", components_examples);
+const command_file components_command(140, [](declared_command& program) {
+    auto app = program.add("components", "What the loaded components offer", components_examples);
     const auto file = std::make_shared<std::optional<std::string>>();
-    app.add_option("--check", *file, "Load this file alone and say what is wrong with it")
-        ->type_name("FILE")
-        ->check(CLI::Validator(CLI::ExistingFile).description(""));
-    declare.choose(app, [file] { return chosen_command{print_components, false, *file}; });
+    app.add_option("--check", file.get(), "Load this file alone and say what is wrong with it")
+        .called("FILE")
+        .existing_file();
+    app.choose([file] { return chosen_command{print_components, false, *file}; });
 });
 
 }  // namespace

@@ -70,12 +70,12 @@ void rate(run_context& context, const std::string& stars, const track_arguments&
     run_context_menu(context, {{}, view::rating_path(stars), tracks});
 }
 
-const command_file context_command(80, [](command_declarations& declare) {
+const command_file context_command(80, [](declared_command& program) {
     const auto words = std::make_shared<context_words>();
-    auto& app = declare.add("context", "List the context menu of a selection, or run one command", context_examples);
-    app.add_option("PATH", words->words, "A menu path or {GUID}, then the tracks");
-    app.add_option("--where", words->tracks.where, "Every track of the library that matches this query");
-    declare.choose(app, [words] {
+    auto app = program.add("context", "List the context menu of a selection, or run one command", context_examples);
+    app.add_option("PATH", &words->words, "A menu path or {GUID}, then the tracks");
+    app.add_option("--where", &words->tracks.where, "Every track of the library that matches this query");
+    app.choose([words] {
         words->split();
         return chosen_command{[words](run_context& context) { run_context_menu(context, *words); },
                               words->command.has_value()};
@@ -83,13 +83,13 @@ const command_file context_command(80, [](command_declarations& declare) {
 });
 
 /// A short name for the ratings of the context menu.
-const command_file rate_command(90, [](command_declarations& declare) {
+const command_file rate_command(90, [](declared_command& program) {
     const auto stars = std::make_shared<std::string>();
     const auto tracks = std::make_shared<track_arguments>();
-    auto& app = declare.add("rate", "Rate tracks", rate_examples);
-    app.add_option("STARS", *stars, "An entry of the Rating menu: 1 to 5, - or + for a step, none")->required();
+    auto app = program.add("rate", "Rate tracks", rate_examples);
+    app.add_option("STARS", stars.get(), "An entry of the Rating menu: 1 to 5, - or + for a step, none").required();
     tracks->declare(app);
-    declare.run(app, [stars, tracks](run_context& context) { rate(context, *stars, *tracks); });
+    app.run([stars, tracks](run_context& context) { rate(context, *stars, *tracks); });
 });
 
 }  // namespace

@@ -26,10 +26,10 @@ void edit_options::check() {
     for (const auto& text : assignments) {
         const auto equals = text.find('=');
         if (equals == 0 || equals == std::string::npos)
-            throw CLI::ValidationError("--set", "'" + text + "' is not of the form FIELD=VALUE");
+            refuse_arguments("--set", "'" + text + "' is not of the form FIELD=VALUE");
         set.emplace_back(text.substr(0, equals), text.substr(equals + 1));
     }
-    if (set.empty() && remove.empty()) throw CLI::ValidationError("edit", "say what to do: --set or --remove");
+    if (set.empty() && remove.empty()) refuse_arguments("edit", "say what to do: --set or --remove");
 }
 
 class tag_edit_filter : public file_info_filter {
@@ -92,13 +92,13 @@ void edit(run_context& context, const edit_options& wanted) {
     context.screen.note_done(filter->summary());
 }
 
-const command_file edit_command(60, [](command_declarations& declare) {
+const command_file edit_command(60, [](declared_command& program) {
     const auto wanted = std::make_shared<edit_options>();
-    auto& app = declare.add("edit", "Edit tags in the files", edit_examples);
+    auto app = program.add("edit", "Edit tags in the files", edit_examples);
     wanted->tracks.declare(app);
-    app.add_option("--set", wanted->assignments, "FIELD=VALUE, may be repeated")->allow_extra_args(false);
-    app.add_option("--remove", wanted->remove, "A field to remove, may be repeated")->allow_extra_args(false);
-    declare.choose(app, [wanted] {
+    app.add_option("--set", &wanted->assignments, "FIELD=VALUE, may be repeated").one_value_each();
+    app.add_option("--remove", &wanted->remove, "A field to remove, may be repeated").one_value_each();
+    app.choose([wanted] {
         wanted->check();
         return chosen_command{[wanted](run_context& context) { edit(context, *wanted); }};
     });

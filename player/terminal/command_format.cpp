@@ -15,12 +15,12 @@ constexpr const char* format_examples =
     "  ostrevan format '%title% %rating_stars_fixed%' ~/Music/song.flac\n"
     "  ostrevan format '$if2(%album artist%,%artist%)' --where 'ALL'";
 
-const command_file format_command(40, [](command_declarations& declare) {
+const command_file format_command(40, [](declared_command& program) {
     const auto wanted = std::make_shared<format_options>();
-    auto& app = declare.add("format", "Print one line per track", format_examples);
-    app.add_option("SCRIPT", wanted->script, "A title formatting script")->required();
+    auto app = program.add("format", "Print one line per track", format_examples);
+    app.add_option("SCRIPT", &wanted->script, "A title formatting script").required();
     wanted->tracks.declare(app);
-    declare.run(app, [wanted](run_context& context) {
+    app.run([wanted](run_context& context) {
         print_lines(context, tracks_of(context, wanted->tracks, on_missing::go_on), wanted->script);
     });
 });

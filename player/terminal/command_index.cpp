@@ -56,14 +56,14 @@ void prune(run_context& context) {
     context.screen.note(which + " removed.");
 }
 
-const command_file index_commands(130, [](command_declarations& declare) {
-    auto& index = declare.add("index", "Inspect the track-information index", index_examples);
-    index.require_subcommand(1);
+const command_file index_commands(130, [](declared_command& program) {
+    auto index = program.add("index", "Inspect the track-information index", index_examples);
+    index.require_command();
     const auto guid = std::make_shared<std::optional<std::string>>();
-    auto& dumped = declare.add(index, "dump", "GUID, key and bytes of every stored record");
-    dumped.add_option("GUID", *guid, "Only this index");
-    declare.run(dumped, [guid](run_context& context) { dump_index(context, *guid); });
-    declare.run(declare.add(index, "prune", "Remove records of tracks that left the library long ago"), prune);
+    auto dumped = index.add("dump", "GUID, key and bytes of every stored record");
+    dumped.add_option("GUID", guid.get(), "Only this index");
+    dumped.run([guid](run_context& context) { dump_index(context, *guid); });
+    index.add("prune", "Remove records of tracks that left the library long ago").run(prune);
 });
 
 }  // namespace

@@ -23,11 +23,11 @@ void print_keys(run_context& context, const track_arguments& wanted) {
     }
 }
 
-const command_file key_command(120, [](command_declarations& declare) {
+const command_file key_command(120, [](declared_command& program) {
     const auto tracks = std::make_shared<track_arguments>();
-    auto& app = declare.add("key", "The key of tracks in the statistics index", key_examples);
+    auto app = program.add("key", "The key of tracks in the statistics index", key_examples);
     tracks->declare(app);
-    declare.run(app, [tracks](run_context& context) { print_keys(context, *tracks); });
+    app.run([tracks](run_context& context) { print_keys(context, *tracks); });
 });
 
 }  // namespace

@@ -102,25 +102,25 @@ void print_folders(run_context& context) {
     for (const auto& folder : context.player.library.folders()) std::cout << folder.path << '\n';
 }
 
-const command_file library_commands(10, [](command_declarations& declare) {
-    auto& library = declare.add("library", "Folders of the media library", library_examples);
-    library.require_subcommand(1);
+const command_file library_commands(10, [](declared_command& program) {
+    auto library = program.add("library", "Folders of the media library", library_examples);
+    library.require_command();
     const auto folders = std::make_shared<paths>();
-    auto& add = declare.add(library, "add", "Add folders and scan them");
-    add.add_option("FOLDER", *folders)->required();
-    declare.run(add, [folders](run_context& context) { add_folders(context, *folders); });
-    auto& remove = declare.add(library, "remove", "Forget folders; files and statistics stay");
-    remove.add_option("FOLDER", *folders)->required();
-    declare.run(remove, [folders](run_context& context) { remove_folders(context, *folders); });
-    auto& scan = declare.add(library, "rescan", "Look for new, changed and removed files");
-    scan.add_option("FOLDER", *folders, "Only the library folder at or around this path");
-    declare.run(scan, [folders](run_context& context) { rescan(context, *folders); });
-    auto& leave_out = declare.add(library, "ignore", "Leave files or folders out, or list those that are");
-    auto* const ignored = leave_out.add_option("PATH", *folders, "A file or folder inside the library");
+    auto add = library.add("add", "Add folders and scan them");
+    add.add_option("FOLDER", folders.get()).required();
+    add.run([folders](run_context& context) { add_folders(context, *folders); });
+    auto remove = library.add("remove", "Forget folders; files and statistics stay");
+    remove.add_option("FOLDER", folders.get()).required();
+    remove.run([folders](run_context& context) { remove_folders(context, *folders); });
+    auto scan = library.add("rescan", "Look for new, changed and removed files");
+    scan.add_option("FOLDER", folders.get(), "Only the library folder at or around this path");
+    scan.run([folders](run_context& context) { rescan(context, *folders); });
+    auto leave_out = library.add("ignore", "Leave files or folders out, or list those that are");
+    leave_out.add_option("PATH", folders.get(), "A file or folder inside the library");
     const auto undo = std::make_shared<bool>(false);
-    leave_out.add_flag("--undo", *undo, "Include them again at the next rescan")->needs(ignored);
-    declare.run(leave_out, [folders, undo](run_context& context) { ignore(context, *folders, *undo); });
-    declare.run(declare.add(library, "folders", "List the folders"), print_folders);
+    leave_out.add_flag("--undo", *undo, "Include them again at the next rescan").needs("PATH");
+    leave_out.run([folders, undo](run_context& context) { ignore(context, *folders, *undo); });
+    library.add("folders", "List the folders").run(print_folders);
 });
 
 }  // namespace

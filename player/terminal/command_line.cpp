@@ -1,5 +1,6 @@
 #include "player/terminal/command_line.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 
@@ -34,7 +35,7 @@ private:
 
     CLI::App app_{description, "ostrevan"};
     arguments result_;
-    command_declarations declarations_{app_, result_.chosen};
+    declared_command program_{app_, result_.chosen};
     bool yes_ = false;
     bool no_ = false;
 };
@@ -44,29 +45,29 @@ command_line::command_line() {
     result_.components = system::default_components();
     app_.footer(main_examples);
     app_.set_version_flag("--version", OSTREVAN_VERSION);
-    app_.add_option("--profile", result_.profile, "Folder of all data")->type_name("DIR")->capture_default_str();
-    app_.add_option("--components", result_.components, "Folder with the components")->type_name("DIR");
-    app_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
-    auto* const yes = app_.add_flag("--yes", yes_, "Answer every question with yes, every dialog with OK");
-    app_.add_flag("--no", no_, "Answer every question with no, every dialog with Cancel")->excludes(yes);
+    program_.add_option("--profile", &result_.profile, "Folder of all data").called("DIR").show_default();
+    program_.add_option("--components", &result_.components, "Folder with the components").called("DIR");
+    program_.add_flag("--quiet", result_.quiet, "No progress and no notes, only results and errors");
+    program_.add_flag("--yes", yes_, "Answer every question with yes, every dialog with OK");
+    program_.add_flag("--no", no_, "Answer every question with no, every dialog with Cancel").excludes("--yes");
     auto& answers = result_.answers;
-    app_.add_option("--file", answers.file, "The file, when a command asks for one")->type_name("PATH");
-    app_.add_option("--check", answers.check, "A control to check in a dialog, may be repeated")
-        ->type_name("LABEL")
-        ->allow_extra_args(false);
-    app_.add_option("--uncheck", answers.uncheck, "A control to uncheck, may be repeated")
-        ->type_name("LABEL")
-        ->allow_extra_args(false);
-    app_.require_subcommand(1);
-    command_file::declare_all(declarations_);
+    program_.add_option("--file", &answers.file, "The file, when a command asks for one").called("PATH");
+    program_.add_option("--check", &answers.check, "A control to check in a dialog, may be repeated")
+        .called("LABEL")
+        .one_value_each();
+    program_.add_option("--uncheck", &answers.uncheck, "A control to uncheck, may be repeated")
+        .called("LABEL")
+        .one_value_each();
+    program_.require_command();
+    command_file::declare_all(program_);
 }
 
 /// Refuses answers for a command without dialogs.
 void command_line::check_answers() const {
     const auto& answers = result_.answers;
     if (answers.fill_dialogs() && !result_.chosen.may_ask)
-        throw CLI::ValidationError("--file, --check, --uncheck", "only commands of 'menu' and 'context' ask for these");
-    if (answers.file && answers.file->empty()) throw CLI::ValidationError("--file", "name a file");
+        refuse_arguments("--file, --check, --uncheck", "only commands of 'menu' and 'context' ask for these");
+    if (answers.file && answers.file->empty()) refuse_arguments("--file", "name a file");
 }
 
 /// In reverse order, as the parser expects.

@@ -126,17 +126,17 @@ void list(run_context& context, const list_options& wanted) {
     else if (tracks.empty()) context.screen.note("No track of the library matches " + query);
 }
 
-const command_file list_command(20, [](command_declarations& declare) {
+const command_file list_command(20, [](declared_command& program) {
     const auto wanted = std::make_shared<list_options>();
-    auto& app = declare.add("list", "List tracks of the library", list_examples);
-    app.add_option("QUERY", wanted->query, "A query, or words to search for; all tracks without one");
-    app.add_option("--column", wanted->columns, "A column to show, or a part of its name; may be repeated")
-        ->allow_extra_args(false);
-    auto* const sort = app.add_option("--sort", wanted->sort, "The column to sort by, shown or not");
-    app.add_flag("--descending", wanted->descending, "The largest first")->needs(sort);
-    auto* const script = app.add_option("--format", wanted->format, "One line per track by this title formatting script");
-    app.add_flag("--json", wanted->json, "An array of objects")->excludes(script);
-    declare.run(app, [wanted](run_context& context) { list(context, *wanted); });
+    auto app = program.add("list", "List tracks of the library", list_examples);
+    app.add_option("QUERY", &wanted->query, "A query, or words to search for; all tracks without one");
+    app.add_option("--column", &wanted->columns, "A column to show, or a part of its name; may be repeated")
+        .one_value_each();
+    app.add_option("--sort", &wanted->sort, "The column to sort by, shown or not");
+    app.add_flag("--descending", wanted->descending, "The largest first").needs("--sort");
+    app.add_option("--format", &wanted->format, "One line per track by this title formatting script");
+    app.add_flag("--json", wanted->json, "An array of objects").excludes("--format");
+    app.run([wanted](run_context& context) { list(context, *wanted); });
 });
 
 }  // namespace

@@ -90,23 +90,23 @@ void play(run_context& context, const play_words& words) {
         context.screen.note("Interrupted: plays counted so far (" + std::to_string(playing.counted()) + ") are kept.");
 }
 
-const command_file play_command(30, [](command_declarations& declare) {
+const command_file play_command(30, [](declared_command& program) {
     const auto words = std::make_shared<play_words>();
-    auto& app = declare.add("play", "Play tracks", play_examples);
+    auto app = program.add("play", "Play tracks", play_examples);
     words->tracks.declare(app);
-    app.add_option("--playlist", words->playlist, "The tracks of a playlist")
-        ->type_name("NAME")
-        ->excludes("--where", "TRACK");
+    app.add_option("--playlist", &words->playlist, "The tracks of a playlist")
+        .called("NAME")
+        .excludes("--where")
+        .excludes("TRACK");
     app.add_flag("--shuffle{tracks}", words->shuffle, "Another order each time: of tracks, or of albums (--shuffle=albums)")
-        ->check(CLI::IsMember(shuffle_names));
-    app.add_flag("--repeat{list}", words->repeat, "Repeat the list, or each track (--repeat=track)")
-        ->check(CLI::IsMember(repeat_names));
-    app.add_option("--replay-gain", words->gain, "Even out the loudness by the tags of the files: off, track or album")
-        ->check(CLI::IsMember(gain_names));
-    app.add_option("--volume", words->volume, "0 to 100")->check(CLI::Range(0.0, 100.0));
-    app.add_option("--audio", words->audio, "auto: the sound device; null: none")->check(CLI::IsMember({"auto", "null"}));
+        .one_of(shuffle_names);
+    app.add_flag("--repeat{list}", words->repeat, "Repeat the list, or each track (--repeat=track)").one_of(repeat_names);
+    app.add_option("--replay-gain", &words->gain, "Even out the loudness by the tags of the files: off, track or album")
+        .one_of(gain_names);
+    app.add_option("--volume", &words->volume, "0 to 100").between(0, 100);
+    app.add_option("--audio", &words->audio, "auto: the sound device; null: none").one_of({"auto", "null"});
     app.add_flag("--fast", words->fast, "Decode as fast as possible, without sound");
-    declare.run(app, [words](run_context& context) { play(context, *words); });
+    app.run([words](run_context& context) { play(context, *words); });
 });
 
 }  // namespace

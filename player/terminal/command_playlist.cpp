@@ -101,51 +101,51 @@ void remove_playlist(run_context& context, const std::string& name) {
     context.screen.note("Playlist " + quoted + " is removed; its tracks stay.");
 }
 
-const command_file playlist_commands(100, [](command_declarations& declare) {
-    auto& playlist = declare.add("playlist", "Named lists of tracks", playlist_examples);
-    playlist.require_subcommand(1);
-    declare.run(declare.add(playlist, "list", "List the playlists"), print_names);
+const command_file playlist_commands(100, [](declared_command& program) {
+    auto playlist = program.add("playlist", "Named lists of tracks", playlist_examples);
+    playlist.require_command();
+    playlist.add("list", "List the playlists").run(print_names);
     const auto name = std::make_shared<std::string>();
     const auto tracks = std::make_shared<track_arguments>();
-    auto& show = declare.add(playlist, "show", "List the tracks of one");
-    show.add_option("NAME", *name)->required();
-    declare.run(show, [name](run_context& context) { print_tracks(context, *name); });
-    auto& create = declare.add(playlist, "create", "Make a playlist of tracks");
-    create.add_option("NAME", *name)->required();
+    auto show = playlist.add("show", "List the tracks of one");
+    show.add_option("NAME", name.get()).required();
+    show.run([name](run_context& context) { print_tracks(context, *name); });
+    auto create = playlist.add("create", "Make a playlist of tracks");
+    create.add_option("NAME", name.get()).required();
     tracks->declare(create);
-    declare.run(create, [name, tracks](run_context& context) { create_playlist(context, *name, *tracks); });
-    auto& append_to = declare.add(playlist, "append", "Add tracks at the end of one");
-    append_to.add_option("NAME", *name)->required();
+    create.run([name, tracks](run_context& context) { create_playlist(context, *name, *tracks); });
+    auto append_to = playlist.add("append", "Add tracks at the end of one");
+    append_to.add_option("NAME", name.get()).required();
     tracks->declare(append_to);
-    declare.run(append_to, [name, tracks](run_context& context) { append(context, *name, *tracks); });
+    append_to.run([name, tracks](run_context& context) { append(context, *name, *tracks); });
     const auto new_name = std::make_shared<std::string>();
-    auto& renaming = declare.add(playlist, "rename", "Give one another name");
-    renaming.add_option("NAME", *name)->required();
-    renaming.add_option("NEW", *new_name)->required();
-    declare.run(renaming, [name, new_name](run_context& context) { rename(context, *name, *new_name); });
+    auto renaming = playlist.add("rename", "Give one another name");
+    renaming.add_option("NAME", name.get()).required();
+    renaming.add_option("NEW", new_name.get()).required();
+    renaming.run([name, new_name](run_context& context) { rename(context, *name, *new_name); });
     const auto from = std::make_shared<std::size_t>(), to = std::make_shared<std::size_t>();
-    auto& moving = declare.add(playlist, "move", "Move the track at one place to another, counted from 1");
-    moving.add_option("NAME", *name)->required();
-    moving.add_option("FROM", *from)->required();
-    moving.add_option("TO", *to)->required();
-    declare.run(moving, [name, from, to](run_context& context) { move_entry(context, *name, *from, *to); });
+    auto moving = playlist.add("move", "Move the track at one place to another, counted from 1");
+    moving.add_option("NAME", name.get()).required();
+    moving.add_option("FROM", from.get()).required();
+    moving.add_option("TO", to.get()).required();
+    moving.run([name, from, to](run_context& context) { move_entry(context, *name, *from, *to); });
     const auto file = std::make_shared<std::string>();
-    auto& exporting = declare.add(playlist, "export", "Write one as an M3U file, for other programs");
-    exporting.add_option("NAME", *name)->required();
-    exporting.add_option("PATH", *file)->required();
-    declare.run(exporting, [name, file](run_context& context) {
+    auto exporting = playlist.add("export", "Write one as an M3U file, for other programs");
+    exporting.add_option("NAME", name.get()).required();
+    exporting.add_option("PATH", file.get()).required();
+    exporting.run([name, file](run_context& context) {
         if (write_playlist_file(context, entries_of(context, *name), *file)) context.screen.note("Written: " + *file + ".");
     });
-    auto& importing = declare.add(playlist, "import", "Make a playlist of an M3U file");
-    importing.add_option("NAME", *name)->required();
-    importing.add_option("PATH", *file)->required();
-    declare.run(importing, [name, file](run_context& context) {
+    auto importing = playlist.add("import", "Make a playlist of an M3U file");
+    importing.add_option("NAME", name.get()).required();
+    importing.add_option("PATH", file.get()).required();
+    importing.run([name, file](run_context& context) {
         if (context.player.library.playlists().entries(*name)) throw_taken(*name);
         make_playlist(context, *name, read_playlist_file(context, *file));
     });
-    auto& remove = declare.add(playlist, "remove", "Remove a playlist; its tracks stay");
-    remove.add_option("NAME", *name)->required();
-    declare.run(remove, [name](run_context& context) { remove_playlist(context, *name); });
+    auto remove = playlist.add("remove", "Remove a playlist; its tracks stay");
+    remove.add_option("NAME", name.get()).required();
+    remove.run([name](run_context& context) { remove_playlist(context, *name); });
 });
 
 }  // namespace

@@ -26,11 +26,11 @@ void print_properties(run_context& context, const track_arguments& wanted) {
     }
 }
 
-const command_file properties_command(50, [](command_declarations& declare) {
+const command_file properties_command(50, [](declared_command& program) {
     const auto tracks = std::make_shared<track_arguments>();
-    auto& app = declare.add("properties", "The property sections of a selection", properties_examples);
+    auto app = program.add("properties", "The property sections of a selection", properties_examples);
     tracks->declare(app);
-    declare.run(app, [tracks](run_context& context) { print_properties(context, *tracks); });
+    app.run([tracks](run_context& context) { print_properties(context, *tracks); });
 });
 
 }  // namespace

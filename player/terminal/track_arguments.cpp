@@ -16,9 +16,9 @@ std::string in_lines(const std::vector<std::string>& lines) {
 
 }  // namespace
 
-void track_arguments::declare(CLI::App& app) {
-    auto* const named = app.add_option("TRACK", paths, "A path, path|subsong, or a folder");
-    app.add_option("--where", where, "Every track of the library that matches this query")->excludes(named);
+void track_arguments::declare(declared_command& command) {
+    command.add_option("TRACK", &paths, "A path, path|subsong, or a folder");
+    command.add_option("--where", &where, "Every track of the library that matches this query").excludes("TRACK");
 }
 
 metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments, on_missing missing) {

@@ -14,7 +14,7 @@ struct track_arguments {
     std::optional<std::string> where{};
 
     /// Declares the arguments.
-    void declare(CLI::App& app);
+    void declare(declared_command& command);
 };
 
 /// Whether a command runs although one of its tracks is missing. One that changes something should not.

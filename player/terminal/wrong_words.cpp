@@ -1,5 +1,6 @@
 #include "player/terminal/wrong_words.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <vector>
 
