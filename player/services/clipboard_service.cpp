@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -21,19 +20,13 @@ namespace {
 
 constexpr std::size_t length_size = 4;
 
-/// A file or folder that belongs to somebody else, or that others may touch, is not this user's clipboard.
-bool is_private(const struct stat& status) {
-    constexpr unsigned others = 077;
-    return status.st_uid == ::geteuid() && (status.st_mode & others) == 0;
-}
-
 /// At most `limit` bytes of the file; none when it is not this user's own regular file.
 std::optional<std::string> read_private(const std::string& path, std::size_t limit) {
     const system::descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file) return std::nullopt;
     std::optional<std::string> content;
     struct stat status {};
-    if (::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && is_private(status)) {
+    if (::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && system::is_private(status)) {
         content.emplace();
         std::array<char, 64 * 1024> block;
         while (content->size() < limit) {
@@ -51,12 +44,6 @@ std::string header_of(std::string_view format) {
 }
 
 }  // namespace
-
-std::string clipboard_service_impl::default_folder() {
-    if (const char* runtime = std::getenv("XDG_RUNTIME_DIR"); runtime != nullptr && *runtime == '/')
-        return std::string(runtime) + "/ostrevan";
-    return "/tmp/ostrevan-" + std::to_string(::geteuid());
-}
 
 bool clipboard_service_impl::has_format(const char* format) const {
     core::check_main_thread("clipboard_service::has_format");
@@ -79,7 +66,7 @@ void clipboard_service_impl::set(const char* format, std::span<const std::uint8_
     core::check_main_thread("clipboard_service::set");
     struct stat status {};
     ::mkdir(folder_.c_str(), 0700);
-    if (::lstat(folder_.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || !is_private(status))
+    if (::lstat(folder_.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || !system::is_private(status))
         throw std::runtime_error(
             "The clipboard folder " + folder_ +
             " is not a folder of this user alone. Remove it, or set XDG_RUNTIME_DIR to a private folder.");

@@ -4,15 +4,15 @@
 #include <utility>
 
 #include "ostrevan/clipboard.h"
+#include "player/system/runtime_folder.h"
 
 namespace ostrevan::services {
 
-/// The clipboard as a private file that outlives the process and works without a display: in `$XDG_RUNTIME_DIR`, or in the
-/// temporary folder under the user's number. Layout: length of the format name (32 bits, little-endian), the name, the
-/// bytes.
+/// The clipboard as a private file that outlives the process and works without a display. Layout: length of the format name
+/// (32 bits, little-endian), the name, the bytes.
 class clipboard_service_impl : public clipboard_service {
 public:
-    clipboard_service_impl() : clipboard_service_impl(default_folder()) {}
+    clipboard_service_impl() : clipboard_service_impl(system::runtime_folder()) {}
     /// Creates the folder, private to the user, at the first copy.
     explicit clipboard_service_impl(std::string folder) : folder_(std::move(folder)) {}
 
@@ -21,7 +21,6 @@ public:
     void set(const char* format, std::span<const std::uint8_t> bytes) override;
 
 private:
-    static std::string default_folder();
     [[nodiscard]] std::string file_path() const { return folder_ + "/clipboard"; }
 
     const std::string folder_;

@@ -22,6 +22,7 @@ GROUND = {
     "player/view": SDK + ["player/system", "player/core", "player/library", "player/query", "player/titleformat"],
     "player/services": SDK + ["player/" + room for room in DOMAINS] + ["player/system", "player/core", "player/view"],
     "player/app": SDK + ["player/" + room for room in DOMAINS] + ["player/system", "player/core", "player/view", "player/services"],
+    "player/remote": SDK + ["player/system"],
     "player/terminal": SDK + ["player"],
     "quorvel/common": SDK,
     "quorvel/xml": SDK,
