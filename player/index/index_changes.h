@@ -60,6 +60,32 @@ struct record_changes {
     std::int64_t index_id;
     std::int64_t seen;  // seconds since 1970
     change_list list;
+    std::int64_t operation = 0;  // the journal's number of the commit; 0 when it is not kept
+    change_list before{};        // the record before each change of `list`
+};
+
+/// A commit as the journal keeps it.
+struct operation_entry {
+    std::int64_t id = 0;      // from 1, ascending
+    std::int64_t act = 0;     // the first commit of the same act
+    std::int64_t time = 0;    // seconds since 1970
+    std::int64_t undoes = 0;  // the act that this one takes back; 0 for none
+    std::string cause{};
+};
+
+/// A track that somebody listened to.
+struct listen {
+    std::int64_t time = 0;  // seconds since 1970, of the end
+    std::string path{};
+    std::uint32_t subsong = 0;
+    double seconds = 0;       // heard
+    std::string player{};     // another program; empty for this one
+    bool is_counted = false;  // as a play; otherwise it was skipped
+    struct key {
+        nuv::guid index;
+        std::uint64_t key;
+    };
+    std::vector<key> keys{};  // of the track, in each index
 };
 
 /// Keys whose tracks have been seen in the library.
@@ -70,6 +96,6 @@ struct seen_keys {
 };
 
 /// One step of work for the database.
-using index_job = std::variant<catalog_entry, record_changes, seen_keys>;
+using index_job = std::variant<catalog_entry, operation_entry, record_changes, seen_keys, listen>;
 
 }  // namespace ostrevan::index

@@ -14,12 +14,9 @@
 namespace ostrevan::index {
 namespace {
 
-constexpr const char* upgrades[] = {"ALTER TABLE indexes ADD COLUMN owner TEXT"};
+constexpr const char* upgrades[] = {"ALTER TABLE indexes ADD COLUMN owner TEXT", journal_schema};
 
-constexpr sqlite::format index_format{
-    .application_id = 0x4F737449,  // "OstI"
-    .version = 2,
-    .schema = R"(
+const std::string schema = std::string(R"(
     CREATE TABLE indexes (
         id INTEGER PRIMARY KEY,
         guid TEXT NOT NULL UNIQUE,
@@ -33,7 +30,12 @@ constexpr sqlite::format index_format{
         data BLOB NOT NULL,
         PRIMARY KEY (index_id, key)
     ) STRICT, WITHOUT ROWID;
-)",
+)") + journal_schema;
+
+const sqlite::format format{
+    .application_id = 0x4F737449,  // "OstI"
+    .version = 3,
+    .schema = schema.c_str(),
     .contents = "track index",
     .upgrades = upgrades,
 };
@@ -104,10 +106,13 @@ void put(sqlite::statement& statement, std::span<const row> rows) {
 
 }  // namespace
 
+const sqlite::format& index_format() noexcept { return format; }
+
 index_database::index_database(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout)
-    : database_(path.string(), index_format),
+    : database_(path.string(), format),
       put_(database_.prepare(put_statement(1))),
-      erase_(database_.prepare("DELETE FROM records WHERE index_id = ? AND key = ?")) {
+      erase_(database_.prepare("DELETE FROM records WHERE index_id = ? AND key = ?")),
+      journal_(database_) {
     prepare_connection(database_, busy_timeout);
     database_.execute("PRAGMA journal_size_limit = 16777216");
 }
@@ -144,7 +149,8 @@ bool index_database::load(const std::function<bool(std::int64_t, const change_li
     return true;
 }
 
-void index_database::save(std::span<const index_job> jobs) {
+bool index_database::save(std::span<const index_job> jobs) {
+    const bool had_journal = has_journal_;
     sqlite::transaction transaction(database_);
     for (const index_job& job : jobs)
         if (const auto* entry = std::get_if<catalog_entry>(&job)) save_entry(*entry);
@@ -152,6 +158,35 @@ void index_database::save(std::span<const index_job> jobs) {
     // Marks may follow changes made after them: a late mark only keeps a record longer.
     for (const index_job& job : jobs)
         if (const auto* seen = std::get_if<seen_keys>(&job)) mark_seen(*seen);
+    if (has_journal_) save_journal(jobs);
+    transaction.commit();
+    return has_journal_ == had_journal;
+}
+
+/// A damaged journal must not keep the records from being saved.
+void index_database::save_journal(std::span<const index_job> jobs) {
+    database_.execute("SAVEPOINT journal");
+    try {
+        for (const index_job& job : jobs) {
+            if (const auto* entry = std::get_if<operation_entry>(&job)) journal_.save(*entry);
+            if (const auto* changes = std::get_if<record_changes>(&job); changes != nullptr && changes->operation != 0)
+                journal_.save(*changes);
+            if (const auto* heard = std::get_if<listen>(&job)) journal_.save(*heard);
+        }
+    } catch (const sqlite::error& error) {
+        const int kind = error.code() & 0xFF;
+        if (kind != SQLITE_CORRUPT && kind != SQLITE_CONSTRAINT) throw;
+        database_.execute("ROLLBACK TO journal");
+        has_journal_ = false;
+    }
+    database_.execute("RELEASE journal");
+}
+
+std::int64_t index_database::last_operation() const { return database_.query_integer("SELECT max(id) FROM operations"); }
+
+void index_database::trim_journal(std::int64_t time, std::int64_t bytes) {
+    sqlite::transaction transaction(database_);
+    journal_.trim(time, bytes);
     transaction.commit();
 }
 
@@ -202,8 +237,7 @@ void index_database::mark_seen(const seen_keys& seen) {
 }
 
 index_reader::index_reader(const std::filesystem::path& path, std::chrono::milliseconds busy_timeout)
-    : database_(path.string(), index_format),
-      read_(database_.prepare("SELECT data FROM records WHERE index_id = ? AND key = ?")) {
+    : database_(path.string(), format), read_(database_.prepare("SELECT data FROM records WHERE index_id = ? AND key = ?")) {
     prepare_connection(database_, busy_timeout);
     database_.execute("PRAGMA query_only = ON");
 }

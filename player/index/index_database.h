@@ -13,12 +13,16 @@
 #include <vector>
 
 #include "player/index/index_changes.h"
+#include "player/index/journal_writer.h"
 #include "player/sqlite/database.h"
 
 namespace ostrevan::index {
 
 /// A mark may be this many seconds older than the last sight of the track.
 inline constexpr std::int64_t seen_slack = 24 * 60 * 60;
+
+/// How the file is marked and made.
+const sqlite::format& index_format() noexcept;
 
 /// The database file for its one writing thread. Format: docs/file-formats.md. Throws sqlite::error.
 class index_database {
@@ -37,18 +41,26 @@ public:
 
     /// Makes a backup unless there is one from today or there are no records. Throws std::runtime_error.
     void back_up_once_a_day();
-    /// Uses one durable transaction.
-    void save(std::span<const index_job> jobs);
+    /// Uses one durable transaction, for the journal as well. Returns false when the journal is damaged and was left out, as
+    /// it is from then on.
+    bool save(std::span<const index_job> jobs);
+    /// The number of the last commit in the journal.
+    [[nodiscard]] std::int64_t last_operation() const;
+    /// As `journal_writer::trim`.
+    void trim_journal(std::int64_t time, std::int64_t bytes);
 
 private:
     void save_entry(const catalog_entry& entry);
     void save_records(std::span<const index_job> jobs);
+    void save_journal(std::span<const index_job> jobs);
     void mark_seen(const seen_keys& seen);
 
     sqlite::database database_;
     sqlite::statement put_;
     std::optional<sqlite::statement> put_block_;  // made for the first block
     sqlite::statement erase_;
+    journal_writer journal_;
+    bool has_journal_ = true;
 };
 
 /// The same file for all other threads. Throws sqlite::error. [any-thread]

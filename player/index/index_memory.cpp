@@ -21,14 +21,18 @@ void index_memory::in_pieces(const change_list& list, Step step) {
     }
 }
 
-void index_memory::apply(std::int64_t index_id, const change_list& list) {
+change_list index_memory::apply(std::int64_t index_id, const change_list& list) {
     const std::scoped_lock whole(whole_commits_);
     record_table& records = index_of(index_id).records;
+    change_list before;
     in_pieces(list, [&](const change_list::change& change) -> std::size_t {
+        if (const auto old = records.find(change.key); old.data() != nullptr) before.put(change.key, old);
+        else before.erase(change.key);
         if (const auto data = list.data(change)) return records.put(change.key, *data);
         records.erase(change.key);
         return 0;
     });
+    return before;
 }
 
 void index_memory::add_loaded(std::int64_t index_id, const change_list& list) {
@@ -41,6 +45,11 @@ void index_memory::add_loaded(std::int64_t index_id, const change_list& list) {
 void index_memory::finish_loading() noexcept {
     const auto writing = lock_.write();
     loaded_ = true;
+}
+
+bool index_memory::is_loaded() const noexcept {
+    const auto reading = lock_.read();
+    return loaded_;
 }
 
 std::vector<std::uint64_t> index_memory::keys(const nuv::guid& guid) const {

@@ -34,12 +34,13 @@ public:
 
     [[nodiscard]] answer read(const nuv::guid& guid, std::uint64_t key, void* buffer, std::size_t capacity) const noexcept;
 
-    /// Applies the changes of a commit. One thread at a time.
-    void apply(std::int64_t index_id, const change_list& list);
+    /// Applies the changes of a commit, and returns the record before each of them. One thread at a time.
+    change_list apply(std::int64_t index_id, const change_list& list);
     /// Adds rows of the database; newer records written meanwhile stay.
     void add_loaded(std::int64_t index_id, const change_list& list);
     /// All rows have been added: from now on reads are final.
     void finish_loading() noexcept;
+    [[nodiscard]] bool is_loaded() const noexcept;
 
     /// Sorted; sees each commit as a whole. All rows must have been loaded.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& guid) const;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <ctime>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -21,7 +22,10 @@ struct index_store::state {
     state(const std::filesystem::path& path, index_error_sink error_sink, options settings);
 
     bool load(const std::stop_token& stop);
-    void commit(std::span<std::pair<nuv::guid, change_list>> changes);
+    void commit(std::span<std::pair<nuv::guid, change_list>> changes, std::optional<change_cause> why = std::nullopt);
+    operation_entry next_operation(std::int64_t now, change_cause why);
+    void learn_before(std::int64_t index_id, const change_list& list);
+    void trim_journal();
     catalog_entry find_or_add(const nuv::guid& index);
     void update(catalog_entry entry);
     void enqueue(std::vector<index_job> jobs);
@@ -32,6 +36,9 @@ struct index_store::state {
 
     std::function<std::int64_t()> clock;
     const bool daily_copies;
+    const std::function<change_cause()> cause;
+    const std::chrono::days journal_age;
+    const std::int64_t journal_size;
     std::optional<std::int64_t> copied_on;  // day; the writer's thread only
     index_error_sink report;
     std::atomic<bool> has_refused = false;  // a refused change, not reported by `flush` yet
@@ -39,6 +46,9 @@ struct index_store::state {
     index_reader reader;
     index_memory memory;
     write_gate gate;
+    // Used inside the gate.
+    std::int64_t last_operation;
+    std::map<std::uint64_t, std::int64_t> first_of_act;
     std::mutex catalog_mutex;             // the order in memory and in the queue is the same
     std::optional<sqlite::error> damage;  // the writer's thread only
     index_writer writer;
@@ -47,10 +57,14 @@ struct index_store::state {
 index_store::state::state(const std::filesystem::path& path, index_error_sink error_sink, options settings)
     : clock(settings.clock ? std::move(settings.clock) : [] { return static_cast<std::int64_t>(std::time(nullptr)); }),
       daily_copies(settings.daily_copies),
+      cause(std::move(settings.cause)),
+      journal_age(settings.journal_age),
+      journal_size(settings.journal_size),
       report(error_sink ? std::move(error_sink) : [](const std::string&) {}),
       database(path, settings.busy_timeout),
       reader(path, settings.busy_timeout),
       memory(database.catalog()),
+      last_operation(database.last_operation()),
       writer({.load = [this](const std::stop_token& stop) { return load(stop); },
               .save = [this](std::span<const index_job> jobs) { save(jobs); },
               .report = report},
@@ -63,8 +77,10 @@ bool index_store::state::load(const std::stop_token& stop) {
             memory.add_loaded(index_id, rows);
             return !stop.stop_requested();
         });
-        if (complete) memory.finish_loading();
-        return complete;
+        if (!complete) return false;
+        memory.finish_loading();
+        trim_journal();
+        return true;
     } catch (const sqlite::error& error) {
         if ((error.code() & 0xFF) == SQLITE_CORRUPT) damage = error;
         throw;
@@ -73,7 +89,19 @@ bool index_store::state::load(const std::stop_token& stop) {
 
 void index_store::state::save(std::span<const index_job> jobs) {
     copy_before_first_change(jobs);
-    database.save(jobs);
+    if (!database.save(jobs))
+        report("The journal in \"" + database.path() +
+               "\" is damaged: changes are saved, but can no longer be looked up or undone. A copy of the folder backup has "
+               "an earlier one.");
+}
+
+/// A failure is no reason to stop: the next start tries again.
+void index_store::state::trim_journal() {
+    if (database.is_read_only() || !cause) return;
+    try {
+        database.trim_journal(clock() - std::chrono::seconds(journal_age).count(), journal_size);
+    } catch (const sqlite::error&) {
+    }
 }
 
 /// A failed backup must not keep changes from being saved.
@@ -105,15 +133,39 @@ void index_store::state::enqueue(std::vector<index_job> jobs) {
 }
 
 /// The caller is inside the gate.
-void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> changes) {
+void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> changes, std::optional<change_cause> why) {
     std::vector<index_job> jobs;
     const std::int64_t now = clock();
+    std::int64_t operation = 0;
     for (auto& [guid, list] : changes) {
+        if (operation == 0 && cause) {
+            const auto entry = next_operation(now, why ? *why : cause());
+            operation = entry.id;
+            jobs.emplace_back(entry);
+        }
         const catalog_entry entry = find_or_add(guid);
-        memory.apply(entry.id, list);
-        jobs.emplace_back(record_changes{entry.id, now, std::move(list)});
+        learn_before(entry.id, list);
+        auto before = memory.apply(entry.id, list);
+        jobs.emplace_back(record_changes{entry.id, now, std::move(list), operation, std::move(before)});
     }
     if (!jobs.empty()) writer.enqueue(std::move(jobs));
+}
+
+operation_entry index_store::state::next_operation(std::int64_t now, change_cause why) {
+    const auto id = ++last_operation;
+    const auto act = why.act == 0 ? id : first_of_act.try_emplace(why.act, id).first->second;
+    return {id, act, now, why.undoes, std::move(why.text)};
+}
+
+/// What is not loaded yet is looked up, since the journal keeps it.
+void index_store::state::learn_before(std::int64_t index_id, const change_list& list) {
+    if (memory.is_loaded() || !cause) return;
+    change_list rows;
+    std::vector<std::byte> record(max_record_size);
+    for (const auto& change : list.changes())
+        if (const auto size = reader.read(index_id, change.key, record.data(), record.size()); size != 0)
+            rows.put(change.key, std::span(record).first(size));
+    memory.add_loaded(index_id, rows);
 }
 
 catalog_entry index_store::state::find_or_add(const nuv::guid& index) {
@@ -155,7 +207,8 @@ std::vector<nuv::guid> index_store::indexes() const {
     return guids;
 }
 
-store_transaction index_store::begin() { return store_transaction(*state_); }
+store_transaction index_store::begin() { return {*state_, std::nullopt}; }
+store_transaction index_store::begin(change_cause why) { return {*state_, std::move(why)}; }
 
 void index_store::write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data) {
     store_transaction transaction = begin();
@@ -171,6 +224,18 @@ void index_store::flush() {
 std::filesystem::path index_store::back_up(std::string_view reason, const std::filesystem::path& beside) {
     flush();
     return state_->reader.back_up(reason, beside);
+}
+
+void index_store::note(listen heard) {
+    const auto inside = state_->enter_to_write();
+    std::vector<index_job> jobs;
+    jobs.emplace_back(std::move(heard));
+    state_->enqueue(std::move(jobs));
+}
+
+journal index_store::read_journal() {
+    flush();
+    return journal(state_->database.path());
 }
 
 bool index_store::is_read_only() const noexcept { return state_->database.is_read_only(); }
@@ -243,14 +308,17 @@ void index_store::erase(const nuv::guid& index, std::span<const std::uint64_t> k
 }
 
 struct store_transaction::changes {
-    explicit changes(index_store::state& into) : store(into), inside(into.enter_to_write()) {}
+    changes(index_store::state& into, std::optional<change_cause> because)
+        : store(into), why(std::move(because)), inside(into.enter_to_write()) {}
 
     index_store::state& store;
+    std::optional<change_cause> why;
     write_gate::pass inside;
     std::vector<std::pair<nuv::guid, change_list>> lists;  // one for each index, a handful
 };
 
-store_transaction::store_transaction(index_store::state& store) : changes_(std::make_unique<changes>(store)) {}
+store_transaction::store_transaction(index_store::state& store, std::optional<change_cause> why)
+    : changes_(std::make_unique<changes>(store, std::move(why))) {}
 store_transaction::store_transaction(store_transaction&&) noexcept = default;
 store_transaction::~store_transaction() = default;
 
@@ -267,7 +335,7 @@ void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::sp
 void store_transaction::commit() {
     if (!changes_) throw misuse("The index transaction is finished");
     const auto finished = std::exchange(changes_, nullptr);
-    finished->store.commit(finished->lists);
+    finished->store.commit(finished->lists, std::move(finished->why));
 }
 
 }  // namespace ostrevan::index

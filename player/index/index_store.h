@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,10 +14,18 @@
 #include <vector>
 
 #include "nuv/guid.h"
+#include "player/index/journal.h"
 
 namespace ostrevan::index {
 
 class store_transaction;
+
+/// Why records change, for the journal.
+struct change_cause {
+    std::string text{};       ///< for the user, such as "rate 5"
+    std::uint64_t act = 0;    ///< commits with the same number in this run are one act; 0: each is one
+    std::int64_t undoes = 0;  ///< the act that this one takes back; 0 for none
+};
 
 /// Receives failures outside any call, as text for the user. Called on the store's thread, at the end on the destroying
 /// one. It must not throw, block or call the store.
@@ -33,6 +42,10 @@ public:
         std::chrono::milliseconds busy_timeout{2000};    // while another program uses the database
         std::function<std::int64_t()> clock{};           // seconds since 1970; the system's when empty
         bool daily_copies = false;                       // a backup before the first change of a day
+        /// Called for each commit on the committing thread. Nothing is kept in the journal without it.
+        std::function<change_cause()> cause{};
+        std::chrono::days journal_age{730};             // older acts are forgotten, but for the newest
+        std::int64_t journal_size = 256 * 1024 * 1024;  // bytes of changes, likewise
     };
 
     /// Opens or creates the database. Throws std::runtime_error, and leaves the file unchanged, when it cannot be used.
@@ -57,6 +70,8 @@ public:
 
     /// Waits until no transaction is open. Throws `misuse` when this thread has one open.
     [[nodiscard]] store_transaction begin();
+    /// For changes with a cause of their own.
+    [[nodiscard]] store_transaction begin(change_cause why);
     /// Writes in a transaction of its own. Throws std::invalid_argument when the record is too large.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
 
@@ -85,6 +100,11 @@ public:
     /// registered. Throws std::runtime_error like `flush`.
     [[nodiscard]] std::vector<std::uint64_t> old_keys(const nuv::guid& index, std::span<const std::uint64_t> kept,
                                                       std::int64_t now) const;
+    /// Notes what was listened to, for good. Throws std::runtime_error for a file that cannot be written.
+    void note(listen heard);
+    /// What changed the records, and from what to what. Throws std::runtime_error like `flush`.
+    [[nodiscard]] journal read_journal();
+
     /// Removes records from memory and disk. Throws std::runtime_error like `flush`.
     void erase(const nuv::guid& index, std::span<const std::uint64_t> keys);
 
@@ -110,7 +130,7 @@ public:
 private:
     friend class index_store;
     struct changes;
-    explicit store_transaction(index_store::state& store);
+    store_transaction(index_store::state& store, std::optional<change_cause> why);
     std::unique_ptr<changes> changes_;
 };
 

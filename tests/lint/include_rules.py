@@ -6,7 +6,7 @@ from tracked import lines, report, tracked
 
 # The folders that each folder may include besides itself; the longest match for a file decides.
 SDK = ["sdk", "nuv", "ostrevan"]
-DOMAINS = ["sqlite", "index", "library", "tags", "titleformat", "query", "playback"]
+DOMAINS = ["sqlite", "index", "history", "library", "tags", "titleformat", "query", "playback"]
 GROUND = {
     "sdk": SDK,
     "sdk/test_player": SDK + ["ostrevan_test"],
@@ -18,6 +18,7 @@ GROUND = {
     "player/tags": SDK + ["player/system"],
     "player/query": SDK + ["player/system", "player/titleformat"],
     "player/index": SDK + ["player/system", "player/sqlite"],
+    "player/history": SDK + ["player/system", "player/sqlite", "player/index"],
     "player/library": SDK + ["player/system", "player/sqlite", "player/tags"],
     "player/view": SDK + ["player/system", "player/core", "player/library", "player/query", "player/titleformat"],
     "player/services": SDK + ["player/" + room for room in DOMAINS] + ["player/system", "player/core", "player/view"],

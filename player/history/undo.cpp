@@ -1,0 +1,68 @@
+#include "player/history/undo.h"
+
+#include <algorithm>
+#include <limits>
+#include <span>
+
+namespace ostrevan::history {
+namespace {
+
+using index::act;
+using record = std::optional<std::vector<std::byte>>;
+
+record stored(const index::index_store& records, const nuv::guid& index, std::uint64_t key) {
+    std::vector<std::byte> bytes(records.read(index, key, nullptr, 0));
+    const auto size = records.read(index, key, bytes.data(), bytes.size());
+    if (size == 0) return std::nullopt;
+    bytes.resize(std::min(size, bytes.size()));
+    return bytes;
+}
+
+std::string text_of(const act& wanted) {
+    const std::string name = wanted.undoes ? "redo" : "undo";
+    return name + " " + std::to_string(wanted.undoes.value_or(wanted.id));
+}
+
+}  // namespace
+
+undone take_back(index::index_store& records, const act& wanted) {
+    const auto changes = records.read_journal().changes_of(wanted.id);
+    undone done;
+    auto transaction = records.begin({.text = text_of(wanted), .undoes = wanted.id});
+    for (const auto& of_index : changes) {
+        index::index_changes restored{of_index.index, {}}, left{of_index.index, {}};
+        for (const auto& change : of_index.records) {
+            if (stored(records, of_index.index, change.key) != change.after) {
+                left.records.push_back(change);
+                continue;
+            }
+            transaction.write(of_index.index, change.key,
+                              change.before ? std::span<const std::byte>(*change.before) : std::span<const std::byte>());
+            restored.records.push_back({change.key, change.after, change.before});
+        }
+        if (!restored.records.empty()) done.restored.push_back(std::move(restored));
+        if (!left.records.empty()) done.left.push_back(std::move(left));
+    }
+    if (!done.restored.empty()) transaction.commit();
+    return done;
+}
+
+std::vector<act> next_to_undo(index::index_store& records, std::size_t count) {
+    auto acts = records.read_journal().latest(std::numeric_limits<std::int32_t>::max());
+    std::erase_if(acts, [](const act& each) { return each.undoes || each.undone_by; });
+    if (acts.size() > count) acts.resize(count);
+    return acts;
+}
+
+std::optional<act> next_to_redo(index::index_store& records) {
+    auto journal = records.read_journal();
+    for (auto& each : journal.latest(std::numeric_limits<std::int32_t>::max())) {
+        if (!each.undoes) return std::nullopt;
+        const auto undoes = journal.find(*each.undoes);
+        const bool is_undo = undoes && !undoes->undoes;
+        if (is_undo && !each.undone_by) return std::move(each);
+    }
+    return std::nullopt;
+}
+
+}  // namespace ostrevan::history

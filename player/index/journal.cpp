@@ -1,0 +1,126 @@
+#include "player/index/journal.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <bit>
+#include <map>
+#include <utility>
+
+#include "player/index/index_database.h"
+
+namespace ostrevan::index {
+namespace {
+
+/// A later change of the same record is added to what the first one was made from.
+void add(std::map<std::uint64_t, record_change>& to, std::vector<record_change>&& changes) {
+    for (auto& each : changes) {
+        const auto [known, is_new] = to.try_emplace(each.key, each);
+        if (!is_new) known->second.after = std::move(each.after);
+    }
+}
+
+}  // namespace
+
+journal::journal(const std::filesystem::path& database) : database_(database.string(), index_format()) {
+    database_.execute("PRAGMA query_only = ON");
+}
+
+std::vector<act> journal::acts(const char* condition, std::int64_t value, std::size_t at_most) {
+    // What takes something back, the newest first. One that is taken back itself does not count.
+    std::map<std::int64_t, std::int64_t> undone_by;
+    auto undoing =
+        database_.prepare("SELECT act, undoes FROM operations WHERE undoes IS NOT NULL AND act = id ORDER BY act DESC");
+    while (undoing.step())
+        if (!undone_by.contains(undoing.integer(0))) undone_by.try_emplace(undoing.integer(1), undoing.integer(0));
+
+    std::vector<act> found;
+    auto rows = database_.prepare(std::string("SELECT act, time, cause, undoes FROM operations WHERE act = id AND ") +
+                                  condition + " ORDER BY act DESC LIMIT ?");
+    rows.bind(1, value).bind(2, static_cast<std::int64_t>(at_most));
+    while (rows.step()) {
+        auto& next = found.emplace_back();
+        next.id = rows.integer(0);
+        next.time = rows.integer(1);
+        next.cause = rows.text(2);
+        if (!rows.is_null(3)) next.undoes = rows.integer(3);
+        if (const auto undo = undone_by.find(next.id); undo != undone_by.end()) next.undone_by = undo->second;
+    }
+    return found;
+}
+
+std::vector<act> journal::latest(std::size_t at_most) { return acts("act > ?", 0, at_most); }
+
+std::optional<act> journal::find(std::int64_t id) {
+    auto found = acts("act = ?", id, 1);
+    return found.empty() ? std::nullopt : std::optional(std::move(found.front()));
+}
+
+std::vector<record_change> journal::parsed(std::span<const std::byte> bytes) const {
+    auto changes = read_changes(bytes);
+    if (!changes) database_.fail(SQLITE_CORRUPT);
+    return std::move(*changes);
+}
+
+std::vector<index_changes> journal::changes_of(std::int64_t act_id) {
+    std::map<std::int64_t, std::map<std::uint64_t, record_change>> by_index;
+    auto operations = database_.prepare("SELECT id FROM operations WHERE act = ? ORDER BY id");
+    operations.bind(1, act_id);
+    while (operations.step())
+        for (const char* sql : {"SELECT index_id, change FROM changes WHERE operation = ?",
+                                "SELECT index_id, changes FROM bulk_changes WHERE operation = ?"}) {
+            auto rows = database_.prepare(sql);
+            rows.bind(1, operations.integer(0));
+            while (rows.step()) add(by_index[rows.integer(0)], parsed(rows.blob(1)));
+        }
+
+    std::vector<index_changes> all;
+    for (auto& [index_id, records] : by_index) {
+        auto guid = database_.prepare("SELECT guid FROM indexes WHERE id = ?");
+        guid.bind(1, index_id);
+        const auto index = guid.step() ? nuv::parse_guid(guid.text(0)) : std::nullopt;
+        if (!index) database_.fail(SQLITE_CORRUPT);
+        auto& of_index = all.emplace_back(index_changes{*index, {}});
+        for (auto& [key, change] : records)
+            if (change.before != change.after) of_index.records.push_back(std::move(change));
+    }
+    return all;
+}
+
+std::vector<change_of_record> journal::changes_of(const nuv::guid& index, std::uint64_t key) {
+    const auto guid = nuv::guid_text(index);
+    std::vector<change_of_record> all;
+    auto rows = database_.prepare(
+        "SELECT operations.act, single.operation, single.change FROM ("
+        "SELECT operation, change, index_id FROM changes WHERE key = ?1 UNION ALL "
+        "SELECT operation, changes, index_id FROM bulk_changes WHERE first_key <= ?1 AND last_key >= ?1) AS single "
+        "JOIN operations ON operations.id = single.operation JOIN indexes ON indexes.id = single.index_id "
+        "WHERE indexes.guid = ?2 ORDER BY single.operation DESC");
+    rows.bind(1, std::bit_cast<std::int64_t>(key)).bind(2, std::string_view(guid));
+    while (rows.step())
+        for (auto& each : parsed(rows.blob(2)))
+            if (each.key == key)
+                if (auto by = find(rows.integer(0))) all.push_back({std::move(*by), std::move(each)});
+    return all;
+}
+
+std::vector<listen> journal::listens_of(const nuv::guid& index, std::uint64_t key) {
+    const auto guid = nuv::guid_text(index);
+    std::vector<listen> all;
+    auto rows = database_.prepare(
+        "SELECT time, path, subsong, seconds, player, counted FROM listen_keys JOIN listens ON listens.id = listen "
+        "JOIN indexes ON indexes.id = index_id WHERE key = ? AND guid = ? ORDER BY listen DESC");
+    rows.bind(1, std::bit_cast<std::int64_t>(key)).bind(2, std::string_view(guid));
+    while (rows.step()) {
+        auto& next = all.emplace_back();
+        next.time = rows.integer(0);
+        next.path = rows.text(1);
+        next.subsong = static_cast<std::uint32_t>(rows.integer(2));
+        next.seconds = rows.real(3);
+        next.player = rows.text(4);
+        next.is_counted = rows.integer(5) != 0;
+    }
+    return all;
+}
+
+}  // namespace ostrevan::index

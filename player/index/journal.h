@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "nuv/guid.h"
+#include "player/index/index_changes.h"
+#include "player/index/record_change.h"
+#include "player/sqlite/database.h"
+
+namespace ostrevan::index {
+
+/// What one cause has changed, in one commit or several.
+struct act {
+    std::int64_t id = 0;
+    std::int64_t time = 0;  // seconds since 1970, of the first commit
+    std::string cause{};
+    std::optional<std::int64_t> undoes{};     // the act that it takes back
+    std::optional<std::int64_t> undone_by{};  // the last act that takes it back, unless that one has been taken back
+    bool operator==(const act&) const = default;
+};
+
+/// The changes of one index, by key; each from before the act to after it.
+struct index_changes {
+    nuv::guid index;
+    std::vector<record_change> records;
+};
+
+/// One change of one record.
+struct change_of_record {
+    act by;
+    record_change change;
+};
+
+/// Reads the journal of an index database through a connection of its own; what has been saved is visible. Throws
+/// sqlite::error, also for damage. Used by one thread at a time.
+class journal {
+public:
+    explicit journal(const std::filesystem::path& database);
+
+    /// The newest first.
+    [[nodiscard]] std::vector<act> latest(std::size_t at_most);
+    [[nodiscard]] std::optional<act> find(std::int64_t id);
+    [[nodiscard]] std::vector<index_changes> changes_of(std::int64_t act_id);
+    /// The newest first.
+    [[nodiscard]] std::vector<change_of_record> changes_of(const nuv::guid& index, std::uint64_t key);
+
+    /// The listens of the tracks with this key, the newest first. `keys` is empty.
+    [[nodiscard]] std::vector<listen> listens_of(const nuv::guid& index, std::uint64_t key);
+
+private:
+    [[nodiscard]] std::vector<act> acts(const char* condition, std::int64_t value, std::size_t at_most);
+    [[nodiscard]] std::vector<record_change> parsed(std::span<const std::byte> bytes) const;
+
+    sqlite::database database_;
+};
+
+}  // namespace ostrevan::index

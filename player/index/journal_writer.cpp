@@ -1,0 +1,129 @@
+#include "player/index/journal_writer.h"
+
+#include <algorithm>
+#include <bit>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "player/index/record_change.h"
+
+namespace ostrevan::index {
+namespace {
+
+/// A record that one commit has changed: the first and the last of its changes.
+struct changed_record {
+    std::int64_t key;  // as in the database
+    std::uint32_t first;
+    std::uint32_t last;
+};
+
+/// By key.
+std::vector<changed_record> changed_records(const record_changes& of) {
+    std::vector<changed_record> records;
+    records.reserve(of.list.changes().size());
+    std::uint32_t position = 0;
+    for (const auto& change : of.list.changes()) {
+        records.push_back({std::bit_cast<std::int64_t>(change.key), position, position});
+        ++position;
+    }
+    std::ranges::sort(records, {}, [](const changed_record& each) { return std::pair(each.key, each.first); });
+    std::size_t kept = 0;
+    for (const auto& each : records) {
+        if (kept != 0 && records[kept - 1].key == each.key) records[kept - 1].last = each.last;
+        else records[kept++] = each;
+    }
+    records.resize(kept);
+    return records;
+}
+
+bool same(std::optional<std::span<const std::byte>> one, std::optional<std::span<const std::byte>> other) {
+    return one.has_value() == other.has_value() && (!one || std::ranges::equal(*one, *other));
+}
+
+/// Appends nothing for a record that is as it was.
+void append(std::vector<std::byte>& to, const record_changes& changes, const changed_record& record) {
+    const auto before = changes.before.data(changes.before.changes()[record.first]);
+    const auto after = changes.list.data(changes.list.changes()[record.last]);
+    if (!same(before, after)) append_change(to, std::bit_cast<std::uint64_t>(record.key), before, after);
+}
+
+}  // namespace
+
+journal_writer::journal_writer(sqlite::database& database)
+    : database_(database),
+      put_operation_(database.prepare("INSERT INTO operations (id, act, time, undoes, cause) VALUES (?, ?, ?, ?, ?)")),
+      put_change_(database.prepare("INSERT INTO changes (index_id, key, operation, change) VALUES (?, ?, ?, ?)")),
+      put_bulk_(database.prepare(
+          "INSERT INTO bulk_changes (operation, index_id, first_key, last_key, changes) VALUES (?, ?, ?, ?, ?)")) {}
+
+void journal_writer::save(const operation_entry& entry) {
+    put_operation_.bind(1, entry.id).bind(2, entry.act).bind(3, entry.time);
+    if (entry.undoes != 0) put_operation_.bind(4, entry.undoes);
+    else put_operation_.bind_null(4);
+    put_operation_.bind(5, std::string_view(entry.cause)).run();
+}
+
+void journal_writer::save(const record_changes& changes) {
+    constexpr std::size_t records_of_row = 4096;
+    const auto records = changed_records(changes);
+    std::vector<std::byte> bytes;
+    if (records.size() <= most_single_changes) {
+        for (const auto& each : records) {
+            bytes.clear();
+            append(bytes, changes, each);
+            if (!bytes.empty()) save_single(changes, each.key, bytes);
+        }
+        return;
+    }
+    for (std::span<const changed_record> left = records; !left.empty();) {
+        const auto block = left.first(std::min(records_of_row, left.size()));
+        left = left.subspan(block.size());
+        bytes.clear();
+        for (const auto& each : block) append(bytes, changes, each);
+        if (bytes.empty()) continue;
+        put_bulk_.bind(1, changes.operation).bind(2, changes.index_id);
+        put_bulk_.bind(3, block.front().key).bind(4, block.back().key).bind(5, std::span<const std::byte>(bytes)).run();
+    }
+}
+
+void journal_writer::save_single(const record_changes& changes, std::int64_t key, const std::vector<std::byte>& change) {
+    put_change_.bind(1, changes.index_id).bind(2, key).bind(3, changes.operation);
+    put_change_.bind(4, std::span<const std::byte>(change)).run();
+}
+
+void journal_writer::save(const listen& heard) {
+    auto put =
+        database_.prepare("INSERT INTO listens (time, path, subsong, seconds, player, counted) VALUES (?, ?, ?, ?, ?, ?)");
+    put.bind(1, heard.time).bind(2, std::string_view(heard.path)).bind(3, std::int64_t{heard.subsong});
+    put.bind(4, heard.seconds).bind(5, std::string_view(heard.player)).bind(6, std::int64_t{heard.is_counted}).run();
+    const auto id = database_.last_insert_id();
+    auto put_key = database_.prepare(
+        "INSERT OR IGNORE INTO listen_keys (index_id, key, listen) SELECT id, ?, ? FROM indexes WHERE guid = ?");
+    for (const auto& each : heard.keys) {
+        const auto guid = nuv::guid_text(each.index);
+        put_key.bind(1, std::bit_cast<std::int64_t>(each.key)).bind(2, id).bind(3, std::string_view(guid)).run();
+    }
+}
+
+void journal_writer::trim(std::int64_t time, std::int64_t bytes) {
+    // The acts from the newest on, each with what it and the newer ones take.
+    auto acts = database_.prepare(
+        "SELECT act, max(time), sum((SELECT coalesce(sum(length(change)), 0) FROM changes WHERE operation = id) + "
+        "(SELECT coalesce(sum(length(changes)), 0) FROM bulk_changes WHERE operation = id)) "
+        "FROM operations GROUP BY act ORDER BY act DESC");
+    std::optional<std::int64_t> oldest_kept;
+    for (std::int64_t total = 0; acts.step(); oldest_kept = acts.integer(0)) {
+        total += acts.integer(2);
+        if (oldest_kept && (acts.integer(1) < time || total > bytes)) break;
+    }
+    acts.reset();
+    if (!oldest_kept) return;
+    for (const char* sql : {"DELETE FROM changes WHERE operation IN (SELECT id FROM operations WHERE act < ?)",
+                            "DELETE FROM bulk_changes WHERE operation IN (SELECT id FROM operations WHERE act < ?)",
+                            "DELETE FROM operations WHERE act < ?"})
+        database_.prepare(sql).bind(1, *oldest_kept).run();
+}
+
+}  // namespace ostrevan::index
