@@ -2,10 +2,12 @@
 """Fills a player's library with tracks that have no files: make_library.py PROFILE TRACKS [--bin FOLDER]
 
 The player makes the databases of the profile itself; the rows are written here, in the form of docs/file-formats.md. The tags are
-those of a usual collection: albums of twelve tracks, four albums of an artist, some of the names beyond ASCII. Makes the
-statistics too, with `--played`: most tracks played, many rated."""
+those of a usual collection: albums of ten to fifteen tracks, most artists with a few albums and some with many, names from several
+scripts, identifiers and long comments and lyrics in some, a twentieth of the albums without any tags. Makes the statistics too,
+with `--played`: most tracks played, many rated."""
 
 import argparse
+import itertools
 import random
 import sqlite3
 import struct
@@ -16,12 +18,16 @@ from pathlib import Path
 
 from machine import ROOT
 
-TRACKS_OF_ALBUM, ALBUMS_OF_ARTIST = 12, 4
+ALBUM_SIZES = (12, 10, 14, 11, 15, 13, 12, 10, 11, 12)  # again and again
+TRACKS_OF_CYCLE = sum(ALBUM_SIZES)
+PLACES_IN_CYCLE = [(album, track) for album, size in enumerate(ALBUM_SIZES) for track in range(size)]
 ARTISTS = ["The Paper Lanterns", "Ines Valdåker", "Quiet Harbour", "Old Orchard Band", "Marta Grün", "Nightjar", "The Low Tides",
-           "Eleven Bridges"]
-ALBUMS = ["Harbour Lights", "Café Étoile", "Songs from the North Road", "Live in the Small Hall", "Second Winter", "A Letter Home"]
+           "Eleven Bridges", "夜の港", "Đặng Thu An", "Joa\u0303o Se\u0301rgio", "Северный ветер"]
+ALBUMS = ["Harbour Lights", "Café Étoile", "Songs from the North Road", "Live in the Small Hall", "Second Winter", "A Letter Home",
+          "雨あがりの朝"]
 TITLES = ["First Ferry", "Gulls over the Roof", "The Other Umbrella", "Trois cuillères", "Last Tram", "Low Water at Evening",
-          "Home before Rain"]
+          "Home before Rain", "最後の電車", "Se\u0301rie noire"]
+LINE = "Lanterns over the water, and nobody there to see them. "
 GENRES = ["Ambient", "Jazz", "Folk"]
 FOLDER = "/music/collection"
 STATISTICS_INDEX = "C653739F-14B3-4EF2-819B-A3E2883230AE"
@@ -47,27 +53,87 @@ def text(value):
     return number(len(encoded)) + encoded
 
 
+def mixed(value):
+    """A number below 2^32 without order, the same in each run."""
+    value = (value + 1) * 0x9E3779B1 & 0xFFFFFFFF
+    return (value ^ value >> 15) * 0x85EBCA77 + 12345 & 0xFFFFFFFF
+
+
+def place_of(track):
+    """Number of the album, and of the track in it."""
+    cycle, rest = divmod(track, TRACKS_OF_CYCLE)
+    album, position = PLACES_IN_CYCLE[rest]
+    return cycle * len(ALBUM_SIZES) + album, position
+
+
+def artist_of(album):
+    """A third of the albums are by an artist of many, the others by one of four."""
+    group = album // 4
+    one = group // 10 * 10 if mixed(album) % 3 == 0 else group
+    return f"{ARTISTS[one % len(ARTISTS)]} {one}"
+
+
+def identifier(value):
+    digits = "".join(f"{mixed(value * 4 + i):08x}" for i in range(4))
+    return "-".join((digits[:8], digits[8:12], digits[12:16], digits[16:20], digits[20:]))
+
+
+def names_of(track):
+    album, position = place_of(track)
+    return artist_of(album), f"{ALBUMS[album % len(ALBUMS)]} {album}", position + 1, f"{TITLES[track % len(TITLES)]} {track}"
+
+
 def tags_of(track, edition):
-    """Each edition has other albums, and so other keys."""
-    album = track // TRACKS_OF_ALBUM
-    artist_number = album // ALBUMS_OF_ARTIST
-    artist = f"{ARTISTS[artist_number % len(ARTISTS)]} {artist_number}"
+    """Each edition has other albums, and so other keys; the first leaves some without tags."""
+    artist, album_title, position, title = names_of(track)
+    album, _ = place_of(track)
+    kind = mixed(album + 77) % 20
+    if kind == 0 and edition == 0:
+        return {}
     suffix = f" (edition {edition})" if edition else ""
-    return {"artist": artist, "album artist": artist, "album": f"{ALBUMS[album % len(ALBUMS)]} {album}{suffix}",
-            "date": str(1970 + album % 55), "genre": GENRES[album % len(GENRES)],
-            "tracknumber": str(track % TRACKS_OF_ALBUM + 1), "discnumber": "1", "title": f"{TITLES[track % len(TITLES)]} {track}"}
+    tags = {"artist": artist, "album artist": artist, "album": album_title + suffix, "date": str(1970 + album % 55),
+            "genre": GENRES[album % len(GENRES)], "tracknumber": str(position),
+            "totaltracks": str(ALBUM_SIZES[album % len(ALBUM_SIZES)]), "discnumber": "1", "title": title}
+    if kind in (1, 2, 3, 4):
+        tags |= {"musicbrainz_trackid": identifier(track), "musicbrainz_albumid": identifier(album + 1_000_000_000),
+                 "musicbrainz_artistid": identifier(len(artist)), "replaygain_track_gain": f"-{mixed(track) % 900 / 100:.2f} dB"}
+    if kind in (5, 6):
+        tags["comment"] = LINE * (1 + mixed(track) % 8)
+    if kind == 7:
+        tags["lyrics"] = (LINE + "\n") * (20 + mixed(track) % 30)
+    return tags
+
+
+def fingerprint(name):
+    """Of a name in lower case; sdk/src/file_info.cpp has the rule."""
+    raw = name.encode()
+    size = len(raw)
+    if size >= 4:
+        last = min(size, 8) - 4
+        head = int.from_bytes(raw[last:last + 4], "little") << 32 | int.from_bytes(raw[:4], "little")
+    else:
+        head = int.from_bytes(raw, "big")
+    head = (head | 0x2020202020202020) ^ size << 56
+    return (head * 0x9E3779B97F4A7C15 & 0xFFFFFFFFFFFFFFFF) >> 48
+
+
+FINGERPRINTS = {}
 
 
 def info_of(track, edition=0):
-    """Version, length, bit rate, sample rate, channels, codec, fields."""
-    sound = struct.pack("<Bd", 1, 150 + track % 200) + number(900) + number(44100) + number(2) + text("FLAC")
-    return sound + b"".join(text(name) + number(1) + text(value) for name, value in tags_of(track, edition).items())
+    """Version, size of an offset, sound, fingerprints, offsets, codec, fields."""
+    tags = tags_of(track, edition)
+    parts = [text("FLAC")] + [text(name) + number(1) + text(value) for name, value in tags.items()]
+    head = 28 + 2 * len(tags) + 2 * len(parts)
+    offsets = list(itertools.accumulate(map(len, parts), initial=head))[1:]
+    fingerprints = [FINGERPRINTS.get(name) or FINGERPRINTS.setdefault(name, fingerprint(name)) for name in tags]
+    sound = struct.pack("<BBxxIIIId", 2, 2, len(tags), 900, 44100, 2, 150 + track % 200)
+    return sound + struct.pack(f"<{len(fingerprints) + len(offsets)}H", *fingerprints, *offsets) + b"".join(parts)
 
 
 def path_of(track):
-    album = track // TRACKS_OF_ALBUM
-    tags = tags_of(track, 0)
-    return f"{FOLDER}/{tags['artist']}/{tags['album']}/{track % TRACKS_OF_ALBUM + 1:02} - {tags['title']}.flac".encode()
+    artist, album, position, title = names_of(track)
+    return f"{FOLDER}/{artist}/{album}/{position:02} - {title}.flac".encode()
 
 
 def make_library(binaries, profile, tracks):

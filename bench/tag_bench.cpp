@@ -104,7 +104,7 @@ ostrevan::metadb_handle_list tracks_of(const std::vector<std::string>& files) {
         auto info = ostrevan::tags::read_file(files[i]);
         info.meta_set("title", std::to_string(i));  // a record for each copy
         auto track = ostrevan::service_new<ostrevan::library::track>(ostrevan::playable_location{files[i], 0});
-        track->publish(ostrevan::library::make_snapshot(std::move(info)));
+        track->publish(ostrevan::library::make_snapshot(info.build()));
         tracks.items().emplace_back(std::move(track));
     }
     return tracks;

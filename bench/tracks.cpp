@@ -37,7 +37,7 @@ std::string numbered(const std::array<std::string_view, Count>& names, std::size
 ostrevan::file_info info_of(std::size_t number, unsigned series) {
     const std::size_t album = number / tracks_of_album;
     const std::string artist = numbered(artists, album / albums_of_artist) + " " + std::to_string(series);
-    ostrevan::file_info info;
+    ostrevan::file_info_builder info;
     info.meta_add("artist", artist);
     info.meta_add("album artist", artist);
     info.meta_add("album", numbered(albums, album));
@@ -46,8 +46,8 @@ ostrevan::file_info info_of(std::size_t number, unsigned series) {
     info.meta_add("tracknumber", std::to_string(number % tracks_of_album + 1));
     info.meta_add("discnumber", "1");
     info.meta_add("title", numbered(titles, number));
-    info.set_length(150 + static_cast<double>(number % 200));
-    return info;
+    info.length = 150 + static_cast<double>(number % 200);
+    return info.build();
 }
 
 million_records make_records() {

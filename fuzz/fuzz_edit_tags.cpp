@@ -12,7 +12,7 @@
 namespace {
 
 using namespace ostrevan::tags;
-using ostrevan::file_info;
+using ostrevan::file_info_builder;
 
 struct field {
     std::string name;
@@ -30,12 +30,12 @@ const std::vector<field> edits[] = {
     {{"lyrics", {}}, {"title", {}}, {"artist", {}}, {"album", {}}, {"my own", {"field"}}},
 };
 
-std::vector<std::string> values_of(const file_info& info, const std::string& name) {
+std::vector<std::string> values_of(const file_info_builder& info, const std::string& name) {
     const auto index = info.meta_find(name);
-    return index == file_info::npos ? std::vector<std::string>() : info.meta_values(index);
+    return index == file_info_builder::npos ? std::vector<std::string>() : info.meta_values(index);
 }
 
-void check_edited(const file_info& before, const file_info& now, const std::vector<field>& edit) {
+void check_edited(const file_info_builder& before, const file_info_builder& now, const std::vector<field>& edit) {
     for (const auto& [name, values] : edit) fuzz::check(values_of(now, name) == values, "the new fields read back");
     const auto is_foreign = [&](const std::string& name) {
         return std::ranges::none_of(edit, [&](const auto& each) { return each.name == name; });
@@ -44,7 +44,7 @@ void check_edited(const file_info& before, const file_info& now, const std::vect
         for (std::size_t i = 0; i < one->meta_count(); ++i)
             if (const std::string name(one->meta_name(i)); is_foreign(name))
                 fuzz::check(values_of(before, name) == values_of(now, name), "no other field changes");
-    fuzz::check(before.length() == now.length() && before.sample_rate == now.sample_rate, "the sound reads the same");
+    fuzz::check(before.length == now.length && before.sample_rate == now.sample_rate, "the sound reads the same");
 }
 
 }  // namespace
@@ -58,10 +58,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.put(data, size);
     const std::string original(reinterpret_cast<const char*>(data), size);
     const auto& edit = edits[std::hash<std::string>()(original) % std::size(edits)];
-    file_info before;
+    file_info_builder before;
     const fuzz::cost cost(size);
     try {
-        const auto result = rewrite_file(file.path(), [&](file_info& info) {
+        const auto result = rewrite_file(file.path(), [&](file_info_builder& info) {
             before = info;
             for (const auto& [name, values] : edit) {
                 if (values.empty()) info.meta_remove_field(name);

@@ -35,7 +35,7 @@ void check_time(std::string_view text) {
 /// Line by line, the values of the statistics fields in a file's tags.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view rest(reinterpret_cast<const char*>(data), size);
-    ostrevan::file_info info;
+    ostrevan::file_info_builder info;
     for (const auto* const field : fields) {
         const auto line = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(rest.size(), line.size() + 1));
@@ -44,13 +44,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     for (const bool fallback : {false, true}) {
         quorvel::t_playback_stats read;
-        const auto supplied = quorvel::PCDB_read_tags(read, info, fallback);
+        const auto supplied = quorvel::PCDB_read_tags(read, info.build(), fallback);
         fuzz::check(read.first_played == 0 || read.added <= read.first_played, "nothing is played before it is added");
 
-        ostrevan::file_info written = info;
+        ostrevan::file_info_builder written = info;
         quorvel::PCDB_write_tags(read, written);
         quorvel::t_playback_stats again;
-        static_cast<void>(quorvel::PCDB_read_tags(again, written, false));
+        static_cast<void>(quorvel::PCDB_read_tags(again, written.build(), false));
         if ((supplied & quorvel::field_play_count) != 0)
             fuzz::check(again.play_count == read.play_count, "a count that is written is the one that is read");
         fuzz::check(again.last_played == read.last_played, "a time that is written is the one that is read");

@@ -96,7 +96,7 @@ std::string locate_audio(const std::string& cue_path, const std::string& name, b
     return join(folder, best);
 }
 
-void overlay(file_info& info, const cue_fields& fields, bool is_disc) {
+void overlay(file_info_builder& info, const cue_fields& fields, bool is_disc) {
     for (const auto& [name, value] : fields) {
         const auto field = !is_disc ? name : name == "title" ? "album" : name == "artist" ? "album artist" : name;
         info.meta_set(field, value);
@@ -112,8 +112,8 @@ bool is_short(const std::vector<std::string>& values) {
 }
 
 /// `owns_file`: the only track in its file, so that all fields of the file apply to it.
-file_info info_of_track(const cue_sheet& sheet, const cue_track& track, const file_info& audio, bool owns_file) {
-    file_info info;
+file_info info_of_track(const cue_sheet& sheet, const cue_track& track, const file_info_builder& audio, bool owns_file) {
+    file_info_builder info;
     if (owns_file) {
         info = audio;
         info.meta_remove_field(embedded_field);
@@ -121,19 +121,20 @@ file_info info_of_track(const cue_sheet& sheet, const cue_track& track, const fi
         info.bitrate = audio.bitrate;
         info.sample_rate = audio.sample_rate;
         info.channels = audio.channels;
-        info.set_codec(audio.codec());
+        info.codec = audio.codec;
         for (const auto name : shared_fields)
-            if (const auto index = audio.meta_find(name); index != file_info::npos && is_short(audio.meta_values(index)))
+            if (const auto index = audio.meta_find(name);
+                index != file_info_builder::npos && is_short(audio.meta_values(index)))
                 info.meta_set_values(name, audio.meta_values(index));
     }
     overlay(info, sheet.fields, true);
     overlay(info, track.fields, false);
     info.meta_set("tracknumber", std::to_string(track.number));
-    info.set_length(std::max(0.0, track.end.value_or(audio.length()) - track.start));
-    return info;
+    info.length = std::max(0.0, track.end.value_or(audio.length) - track.start);
+    return info.build();
 }
 
-std::vector<read_track> tracks_of(const cue_sheet& sheet, const std::vector<file_info>& audio) {
+std::vector<read_track> tracks_of(const cue_sheet& sheet, const std::vector<file_info_builder>& audio) {
     std::vector<std::size_t> tracks_in_file(audio.size());
     for (const auto& track : sheet.tracks) ++tracks_in_file[track.file];
     std::vector<read_track> tracks;
@@ -155,11 +156,11 @@ std::uint64_t mark_of_sheet(const std::vector<std::uint64_t>& audio) {
 
 /// The sheet inside an audio file. It applies to that file alone, whatever names it holds. Empty when there is none or it
 /// cannot be understood.
-std::optional<cue_sheet> embedded_sheet(const file_info& info) {
+std::optional<cue_sheet> embedded_sheet(const file_info_builder& info) {
     const auto field = info.meta_find(embedded_field);
-    if (field == file_info::npos || info.meta_value_count(field) == 0) return std::nullopt;
+    if (field == file_info_builder::npos || info.meta_values(field).empty()) return std::nullopt;
     try {
-        auto sheet = parse_cue(info.meta_value(field, 0));
+        auto sheet = parse_cue(info.meta_values(field).front());
         const auto is_elsewhere = [](const cue_track& track) { return track.file != 0; };
         if (std::ranges::any_of(sheet.tracks, is_elsewhere)) return std::nullopt;
         return sheet;
@@ -199,7 +200,7 @@ located_sheet locate_sheet(const std::string& cue_path) {
 cue_contents read_cue(const std::string& cue_path, const info_reader& reader) {
     const auto [sheet, audio] = locate_sheet(cue_path);
     cue_contents contents;
-    std::vector<file_info> infos;
+    std::vector<file_info_builder> infos;
     std::vector<std::uint64_t> marks;
     for (const auto& path : audio) {
         contents.sources.push_back({path, status_of(path).stamp});
@@ -212,15 +213,9 @@ cue_contents read_cue(const std::string& cue_path, const info_reader& reader) {
     return contents;
 }
 
-std::vector<read_track> split_embedded(file_info info) {
-    std::vector<read_track> tracks;
-    if (const auto sheet = embedded_sheet(info)) {
-        std::vector<file_info> audio;
-        audio.push_back(std::move(info));
-        return tracks_of(*sheet, audio);
-    }
-    tracks.push_back({0, std::move(info)});
-    return tracks;
+std::vector<read_track> split_embedded(const file_info_builder& info) {
+    if (const auto sheet = embedded_sheet(info)) return tracks_of(*sheet, {info});
+    return {{0, info.build()}};
 }
 
 playable resolve_playable(const std::string& path, std::uint32_t subsong, const info_reader& reader) {

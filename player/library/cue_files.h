@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ostrevan/file_info.h"
+#include "ostrevan/file_info_builder.h"
 #include "player/library/cue_sheet.h"
 #include "player/library/file_stamp.h"
 #include "player/tags/reader.h"
@@ -45,7 +45,7 @@ struct cue_contents {
 cue_contents read_cue(const std::string& cue_path, const info_reader& reader);
 
 /// The tracks of an audio file: subsong 0, or tracks 1 to n of the sheet in its "cuesheet" field.
-std::vector<read_track> split_embedded(file_info info);
+std::vector<read_track> split_embedded(const file_info_builder& info);
 
 /// The part of a file to play for a track.
 struct playable {

@@ -8,7 +8,7 @@ constexpr double length_tolerance = 0.05;  // seconds
 }
 
 bool is_same_sound(const file_info& a, const file_info& b) noexcept {
-    return a.codec() == b.codec() && a.sample_rate == b.sample_rate && a.channels == b.channels &&
+    return a.codec() == b.codec() && a.sample_rate() == b.sample_rate() && a.channels() == b.channels() &&
            std::abs(a.length() - b.length()) <= length_tolerance;
 }
 

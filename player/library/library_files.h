@@ -27,7 +27,7 @@ struct stored_file {
 
 struct stored_track {
     std::uint32_t subsong = 0;
-    std::string encoded;  // by encode_info
+    file_info info;
 };
 
 /// A library track before a change, with its previous location if it has moved.

@@ -2,6 +2,8 @@
 
 #include <tuple>
 
+#include "player/library/older_info.h"
+
 namespace ostrevan::library {
 namespace {
 
@@ -29,11 +31,12 @@ CREATE TABLE queue_entries(
     path BLOB NOT NULL,
     subsong INTEGER NOT NULL);
 )",
+    "UPDATE tracks SET info = info_of_version_5(info); UPDATE edits SET info = info_of_version_5(info)",
 };
 
 // Scans only append files and tracks. There is no index on the path, since the library has all paths in memory.
 constexpr sqlite::format library_format{0x4F4C4942,  // "OLIB"
-                                        4,
+                                        5,
                                         R"(
 CREATE TABLE folders(
     id INTEGER PRIMARY KEY,
@@ -87,8 +90,7 @@ CREATE TABLE queue_entries(
     position INTEGER PRIMARY KEY,
     path BLOB NOT NULL,
     subsong INTEGER NOT NULL);
-)",
-                                        "library", upgrades};
+)",        "library", upgrades, define_conversion};
 
 std::int64_t as_integer(std::uint64_t number) noexcept { return static_cast<std::int64_t>(number); }
 std::uint64_t as_number(std::int64_t integer) noexcept { return static_cast<std::uint64_t>(integer); }
@@ -149,14 +151,14 @@ void library_store::remove_ignored(const std::string& path) {
     database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
 }
 
-void library_store::load(
-    const std::function<void(std::string&&, stored_file&&, std::vector<stored_track>&&)>& on_file) const {
+void library_store::load(const std::function<void(std::string&&, stored_file&&, std::span<loaded_track>)>& on_file) const {
     // Reads three tables side by side, in the order of file ids.
     auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
     auto tracks = database_.prepare("SELECT file, subsong, info FROM tracks ORDER BY file, subsong");
     auto sources = database_.prepare("SELECT file, path, size, mtime FROM sources ORDER BY file, position");
     bool has_track = tracks.step();
     bool has_source = sources.step();
+    std::vector<loaded_track> of_file;
     while (files.step()) {
         stored_file file{.id = files.integer(0),
                          .folder = files.integer(1),
@@ -164,12 +166,13 @@ void library_store::load(
                          .device = as_number(files.integer(5)),
                          .arrived = as_number(files.integer(7))};
         if (!files.is_null(6)) file.sound = as_number(files.integer(6));
-        std::vector<stored_track> of_file;
+        of_file.clear();
         for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step())
-            of_file.push_back({static_cast<std::uint32_t>(tracks.integer(1)), from_blob(tracks.blob(2))});
+            of_file.push_back(
+                {static_cast<std::uint32_t>(tracks.integer(1)), file_info::from_bytes(text_of(tracks.blob(2)))});
         for (; has_source && sources.integer(0) <= file.id; has_source = sources.step())
             file.sources.push_back({from_blob(sources.blob(1)), {sources.integer(2), sources.integer(3)}});
-        on_file(from_blob(files.blob(2)), std::move(file), std::move(of_file));
+        on_file(from_blob(files.blob(2)), std::move(file), of_file);
     }
 }
 
@@ -182,7 +185,7 @@ std::int64_t library_store::put_file(const std::string& path, const stored_file&
     else put.bind_null(6);
     if (file.id != 0) {
         for (const auto& track : tracks)
-            insert_edit_.bind(1, file.id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.encoded)).run();
+            insert_edit_.bind(1, file.id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.info.bytes())).run();
         put.bind(8, file.id);
         clear_file(file.id);
     }
@@ -190,7 +193,7 @@ std::int64_t library_store::put_file(const std::string& path, const stored_file&
 
     const std::int64_t id = file.id != 0 ? file.id : database_.last_insert_id();
     for (const auto& track : tracks)
-        insert_track_.bind(1, id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.encoded)).run();
+        insert_track_.bind(1, id).bind(2, std::int64_t{track.subsong}).bind(3, to_blob(track.info.bytes())).run();
     for (std::size_t i = 0; i < file.sources.size(); ++i) {
         const auto& [source, stamp] = file.sources[i];
         insert_source_.bind(1, id)
@@ -218,8 +221,9 @@ std::vector<stored_edit> library_store::edits() const {
     std::vector<stored_edit> result;
     auto query = database_.prepare("SELECT path, subsong, info, path_before FROM edits ORDER BY rowid");
     while (query.step()) {
-        result.push_back(
-            {from_blob(query.blob(0)), {static_cast<std::uint32_t>(query.integer(1)), from_blob(query.blob(2))}, {}});
+        auto before = file_info::from_bytes(text_of(query.blob(2)));
+        if (!before) continue;
+        result.push_back({from_blob(query.blob(0)), {static_cast<std::uint32_t>(query.integer(1)), *std::move(before)}, {}});
         if (!query.is_null(3)) result.back().path_before = from_blob(query.blob(3));
     }
     return result;
@@ -227,7 +231,7 @@ std::vector<stored_edit> library_store::edits() const {
 
 void library_store::put_edit(const stored_edit& edit) {
     auto insert = database_.prepare("INSERT INTO edits(path, subsong, info, path_before) VALUES(?1, ?2, ?3, ?4)");
-    insert.bind(1, to_blob(edit.path)).bind(2, std::int64_t{edit.before.subsong}).bind(3, to_blob(edit.before.encoded));
+    insert.bind(1, to_blob(edit.path)).bind(2, std::int64_t{edit.before.subsong}).bind(3, to_blob(edit.before.info.bytes()));
     if (edit.path_before) insert.bind(4, to_blob(*edit.path_before));
     insert.run();
 }

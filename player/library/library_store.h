@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,6 +20,11 @@ struct library_folder {
     std::string path;
     /// The last scan that completed the folder, or an earlier one if nothing new has come to the library since.
     std::uint64_t scanned = 0;
+};
+
+struct loaded_track {
+    std::uint32_t subsong = 0;
+    std::optional<file_info> info;  // empty when damaged
 };
 
 /// The library database, `library.sqlite`. Paths are stored as bytes, because file names need not be UTF-8. Used by one
@@ -38,7 +44,7 @@ public:
     void remove_ignored(const std::string& path);
 
     /// Loads every file with its tracks, in the order in which they were first stored.
-    void load(const std::function<void(std::string&& path, stored_file&&, std::vector<stored_track>&&)>& on_file) const;
+    void load(const std::function<void(std::string&& path, stored_file&&, std::span<loaded_track>)>& on_file) const;
 
     // To be called inside a transaction on `database()`.
     /// Adds the file, or replaces the one with its id; returns the id.
@@ -49,7 +55,7 @@ public:
     /// Lets the entries of playlists and of the queue follow their tracks.
     void move_entries(const moved_locations& moved);
 
-    /// Edits recorded by `put_file` and `put_edit` and not forgotten yet, oldest first.
+    /// Edits recorded by `put_file` and `put_edit` and not forgotten yet, oldest first. Damaged ones are left out.
     [[nodiscard]] std::vector<stored_edit> edits() const;
     void put_edit(const stored_edit& edit);
     /// Forgets the edits of one file.
@@ -71,8 +77,9 @@ private:
 
 /// Converts text to the BLOB form of a column, and back.
 inline std::span<const std::byte> to_blob(std::string_view text) noexcept { return std::as_bytes(std::span(text)); }
-inline std::string from_blob(std::span<const std::byte> blob) {
+inline std::string_view text_of(std::span<const std::byte> blob) noexcept {
     return {reinterpret_cast<const char*>(blob.data()), blob.size()};
 }
+inline std::string from_blob(std::span<const std::byte> blob) { return std::string(text_of(blob)); }
 
 }  // namespace ostrevan::library

@@ -8,7 +8,6 @@
 
 #include "player/library/audio_claims.h"
 #include "player/library/directory.h"
-#include "player/library/info_codec.h"
 #include "player/library/locations.h"
 #include "player/library/moved_files.h"
 #include "player/library/read_files.h"
@@ -50,13 +49,13 @@ void media_library::load() {
     const auto count = static_cast<std::size_t>(store_.database().query_integer("SELECT count(*) FROM files"));
     files_.reserve(count);
     tracks_.reserve(count);
-    store_.load([this](std::string&& path, stored_file&& file, std::vector<stored_track>&& tracks) {
+    store_.load([this](std::string&& path, stored_file&& file, std::span<loaded_track> tracks) {
         library_file known{std::move(file)};
         last_arrival_ = std::max(last_arrival_, known.arrived);
         known.tracks.reserve(tracks.size());
-        for (auto& [subsong, encoded] : tracks) {
+        for (auto& [subsong, info] : tracks) {
             known.tracks.push_back(tracks_.obtain(path, subsong));
-            known.tracks.back()->publish_encoded(std::move(encoded));
+            if (info) known.tracks.back()->publish(make_snapshot(*std::move(info)));
         }
         files_.emplace(std::move(path), std::move(known));
     });
@@ -204,10 +203,10 @@ void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& 
             std::ranges::find_if(known.tracks, [&](const track_ptr& each) { return is_same_track(each, fresh); });
         if (old != known.tracks.end()) {
             tracks.push_back(*old);
-            update(*old, fresh.encoded, is_other_sound, done);
+            update(*old, std::move(fresh.info), is_other_sound, done);
         } else {
             tracks.push_back(tracks_.obtain(path, fresh.subsong));
-            tracks.back()->publish_encoded(std::move(fresh.encoded));
+            tracks.back()->publish(make_snapshot(std::move(fresh.info)));
             done.changes.added.push_back(tracks.back());
         }
     }
@@ -220,13 +219,13 @@ void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& 
     known.tracks = std::move(tracks);
 }
 
-void media_library::update(const track_ptr& track, std::string_view encoded, bool is_other_sound, outcome& done) {
+void media_library::update(const track_ptr& track, file_info&& info, bool is_other_sound, outcome& done) {
     const auto before = track->info();
-    const auto after = make_snapshot(decode_info(encoded));
-    if (before && before->info() == after->info()) {
+    if (before && before->info() == info) {
         ++done.tracks_unchanged;
         return;
     }
+    const auto after = make_snapshot(std::move(info));
     track->publish(after);
     done.changes.modified.push_back(track);
     if (before && is_same_sound(before->info(), after->info()))
@@ -239,7 +238,7 @@ void media_library::drop(std::span<const std::string> gone, outcome& done, const
     for (const auto& path : gone) store_.remove_file(files_.at(path).id);
     for (const auto& path : moved.paths) store_.forget_edits(path);
     for (const auto& [track, before, after, from] : moved.edits)
-        store_.put_edit({track->location().path, {from->subsong, encode_info(before->info())}, from->path});
+        store_.put_edit({track->location().path, {from->subsong, before->info()}, from->path});
     library_store::moved_locations places;
     for (const auto& [track, before, after, from] : moved.edits) places.emplace(*from, track->location());
     if (!places.empty()) store_.move_entries(places);
@@ -322,7 +321,7 @@ std::vector<track_edit> media_library::unfinished_edits() const {
         const auto track = std::ranges::find_if(
             tracks, [&scanned = before](const track_ptr& each) { return is_same_track(each, scanned); });
         if (track == tracks.end()) continue;
-        auto old = make_snapshot(decode_info(before.encoded));
+        auto old = make_snapshot(before.info);
         auto now = (*track)->info();
         const bool is_edit =
             now && (path_before || !(old->info() == now->info())) && is_same_sound(old->info(), now->info());

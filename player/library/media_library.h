@@ -79,7 +79,7 @@ private:
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
     void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done);
     void apply(scanned_file&& file, bool is_other_sound, outcome& done);
-    static void update(const track_ptr& track, std::string_view encoded, bool is_other_sound, outcome& done);
+    static void update(const track_ptr& track, file_info&& info, bool is_other_sound, outcome& done);
     /// Removes files, with `more` in the same transaction, and lets moved files keep their tracks.
     void drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more);
     void note_scan(const scan_report& report);

@@ -8,8 +8,6 @@
 #include <string_view>
 #include <utility>
 
-#include "player/library/info_codec.h"
-
 namespace ostrevan::library {
 namespace {
 
@@ -21,8 +19,8 @@ constexpr auto longest_portion = std::chrono::seconds(1);
 /// Treats an audio file as a sheet without sources.
 cue_contents contents_of(const std::string& path, const info_reader& reader) {
     if (is_cue_path(path)) return read_cue(path, reader);
-    auto [info, sound] = reader(path);
-    return {{}, split_embedded(std::move(info)), sound};
+    const auto [info, sound] = reader(path);
+    return {{}, split_embedded(info), sound};
 }
 
 class reading {
@@ -105,7 +103,7 @@ scanned_file scan_file(const read_job& job, const info_reader& reader) {
                                  .device = device,
                                  .sound = contents.sound,
                                  .sources = std::move(contents.sources)}};
-    for (const auto& [subsong, info] : contents.tracks) result.tracks.push_back({subsong, encode_info(info)});
+    for (auto& [subsong, info] : contents.tracks) result.tracks.push_back({subsong, std::move(info)});
     return result;
 }
 

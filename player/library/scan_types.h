@@ -24,8 +24,7 @@ struct scan_options {
     std::function<void(const scan_progress&)> on_progress;
 };
 
-/// A file read because it is new or changed. Its tracks are encoded: ten thousand field lists in memory would cost more in
-/// allocations than the database.
+/// A file read because it is new or changed.
 struct scanned_file {
     std::string path;
     stored_file file{};  // id and arrival not known yet

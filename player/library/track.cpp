@@ -1,10 +1,7 @@
 #include "player/library/track.h"
 
-#include <exception>
 #include <thread>
 #include <utility>
-
-#include "player/library/info_codec.h"
 
 namespace ostrevan::library {
 
@@ -25,36 +22,18 @@ metadb_info_ptr make_snapshot(file_info info) { return service_new<info_snapshot
 
 metadb_info_ptr track::info() const {
     const spin_guard guard(*this);
-    if (!encoded_.empty()) {
-        // Decodes under the lock, once per handle: a second reader waits no longer than it would take to decode.
-        try {
-            info_ = make_snapshot(decode_info(encoded_));
-        } catch (const std::exception&) {
-            info_.reset();
-        }
-        encoded_ = {};
-    }
     return info_;
 }
 
 bool track::has_info() const noexcept {
     const spin_guard guard(*this);
-    return info_ || !encoded_.empty();
+    return static_cast<bool>(info_);
 }
 
 void track::publish(metadb_info_ptr snapshot) {
-    std::string unused;
     const spin_guard guard(*this);
     // The old snapshot is destroyed by the caller's pointer, after the lock is released.
     std::swap(info_, snapshot);
-    std::swap(encoded_, unused);
-}
-
-void track::publish_encoded(std::string bytes) {
-    metadb_info_ptr unused;
-    const spin_guard guard(*this);
-    std::swap(encoded_, bytes);
-    std::swap(info_, unused);
 }
 
 }  // namespace ostrevan::library

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <string>
 
 #include "ostrevan/track.h"
 
@@ -22,19 +21,16 @@ struct track_snapshot {
     metadb_info_ptr info;
 };
 
-/// The player's track handle. Information from the database stays encoded until first used. [any-thread]
+/// The player's track handle. [any-thread]
 class track : public metadb_handle {
 public:
     explicit track(playable_location location) : location_(std::move(location)) {}
 
     [[nodiscard]] const playable_location& location() const noexcept override { return location_; }
-    /// Empty as well when the encoded form is damaged.
     [[nodiscard]] metadb_info_ptr info() const override;
 
     [[nodiscard]] bool has_info() const noexcept;
     void publish(metadb_info_ptr snapshot);
-    /// Publishes a result of `encode_info`.
-    void publish_encoded(std::string bytes);
 
 private:
     class spin_guard;
@@ -42,8 +38,7 @@ private:
     const playable_location location_;
     // Held for a few instructions only, to copy or exchange a pointer.
     mutable std::atomic_flag lock_;
-    mutable metadb_info_ptr info_;
-    mutable std::string encoded_;  // valid while not empty
+    metadb_info_ptr info_;
 };
 using track_ptr = service_ptr_t<track>;
 

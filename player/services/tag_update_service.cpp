@@ -79,13 +79,13 @@ void tag_update_service_impl::rewrite(batch& work, const metadb_handle_ptr& trac
             throw std::runtime_error(path + "|" + std::to_string(subsong) +
                                      ": a part of a CUE sheet has no tags of its own. Edit the sheet, or split the file.");
         file_info before;
-        auto result = tags::rewrite_file(path, [&](file_info& info) {
-            before = info;
+        auto result = tags::rewrite_file(path, [&](file_info_builder& info) {
+            before = info.build();
             return core::call_component(*work.filter, [&] { return work.filter->apply_filter(track, info); });
         });
         for (const auto& note : result.notes) work.notes.push_back(path + ": " + note);
         if (result.outcome == tags::rewrite_outcome::rewritten)
-            work.rewritten.push_back({track, std::move(before), std::move(result.info)});
+            work.rewritten.push_back({track, std::move(before), result.info.build()});
     } catch (const std::exception& error) {
         work.problems.emplace_back(error.what());
     }

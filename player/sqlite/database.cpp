@@ -250,6 +250,8 @@ void database::upgrade(std::int64_t version, const format& expected) {
         throw error(SQLITE_NOTADB, describe(contents_, path_, "has a format that this program does not know. ") +
                                        way_out_of(SQLITE_NOTADB));
     if (!copy_) back_up(*this, "format-" + std::to_string(version));
+    if (expected.define_functions != nullptr)
+        if (const int code = expected.define_functions(handle_.get())) fail(code);
     transaction change(*this);
     for (auto step = version; step < expected.version; ++step)
         execute(expected.upgrades[static_cast<std::size_t>(step - 1)]);

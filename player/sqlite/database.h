@@ -34,6 +34,8 @@ struct format {
     const char* contents;         ///< what the user calls the contents, such as "library"
     /// Statements that upgrade by one version each, the first from version 1 to 2.
     std::span<const char* const> upgrades{};
+    /// Defines the SQL functions that the upgrades call; returns SQLite's result code.
+    int (*define_functions)(sqlite3* connection) noexcept = nullptr;
 };
 
 /// A prepared statement. Parameters count from 1 and columns from 0. Bound bytes and texts are not copied: they must live

@@ -91,7 +91,7 @@ std::string asf_name_of_key(const std::string& key) {
     return key;
 }
 
-void add_asf_fields(file_stream& stream, file_info& info) try {
+void add_asf_fields(file_stream& stream, file_info_builder& info) try {
     std::vector<std::pair<std::string, std::vector<std::string>>> entries;
     for (const auto& attribute : read_asf_header(stream).attributes) {
         const bool age_rating = attribute.place == asf_place::description && attribute.name == "Rating";

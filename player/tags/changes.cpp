@@ -23,25 +23,25 @@ bool is_number_field(const number_pair* pair, std::string_view field) {
     return pair != nullptr && pair->number_field == field;
 }
 
-const std::vector<std::string>* values_of(const file_info& info, std::string_view field) {
+const std::vector<std::string>* values_of(const file_info_builder& info, std::string_view field) {
     const auto index = info.meta_find(field);
-    return index == file_info::npos ? nullptr : &info.meta_values(index);
+    return index == file_info_builder::npos ? nullptr : &info.meta_values(index);
 }
 
-bool same_values(const file_info& a, const file_info& b, std::string_view field) {
+bool same_values(const file_info_builder& a, const file_info_builder& b, std::string_view field) {
     const auto* left = values_of(a, field);
     const auto* right = values_of(b, field);
     return left == nullptr || right == nullptr ? left == right : *left == *right;
 }
 
-tag_change change_of(std::string_view field, const file_info& after) {
+tag_change change_of(std::string_view field, const file_info_builder& after) {
     tag_change change{std::string(field), keys_of_field(field), {}};
     if (const auto* values = values_of(after, field); values != nullptr && !values->empty())
         change.writes.emplace_back(change.keys.front(), *values);
     return change;
 }
 
-tag_change change_of(const number_pair& pair, const file_info& after, number_style style) {
+tag_change change_of(const number_pair& pair, const file_info_builder& after, number_style style) {
     tag_change change = change_of(pair.number_field, after);
     tag_change total = change_of(pair.total_field, after);
     change.keys.insert(change.keys.end(), total.keys.begin(), total.keys.end());
@@ -60,7 +60,7 @@ bool concerns(const tag_change& change, const std::string& key) {
     return !key.empty() && std::ranges::find(change.keys, key) != change.keys.end();
 }
 
-void add_entry(const std::string& key, std::vector<std::string> values, file_info& info) {
+void add_entry(const std::string& key, std::vector<std::string> values, file_info_builder& info) {
     const std::string field = field_of_key(key);
     if (values.empty() || info.meta_exists(field)) return;
     const auto* pair = pair_of_field(field);
@@ -75,30 +75,30 @@ void add_entry(const std::string& key, std::vector<std::string> values, file_inf
     }
 }
 
-file_info canonical(const file_info& info) {
+file_info_builder canonical(const file_info_builder& info) {
     const auto is_newer = [&](std::size_t index) {
         const auto name = info.meta_name(index);
         const auto field = field_of_key(name);
-        if (is_number_field(pair_of_field(field), field) && info.meta_value_count(index) > 0)
-            return info.meta_value(index, 0).find('/') != std::string::npos;
+        if (const auto& values = info.meta_values(index); is_number_field(pair_of_field(field), field) && !values.empty())
+            return values.front().find('/') != std::string::npos;
         return field != ascii_lower(name);
     };
-    file_info result = info;
-    while (result.meta_count() > 0) result.meta_remove(0);
+    file_info_builder result = info;
+    result.meta_clear();
     for (const bool newer : {true, false})
         for (std::size_t i = 0; i < info.meta_count(); ++i)
-            if (is_newer(i) == newer) add_entry(std::string(info.meta_name(i)), info.meta_values(i), result);
+            if (is_newer(i) == newer) add_entry(info.meta_name(i), info.meta_values(i), result);
     return result;
 }
 
-bool same_fields(const file_info& a, const file_info& b) {
+bool same_fields(const file_info_builder& a, const file_info_builder& b) {
     if (a.meta_count() != b.meta_count()) return false;
     for (std::size_t i = 0; i < a.meta_count(); ++i)
         if (!same_values(a, b, a.meta_name(i))) return false;
     return true;
 }
 
-tag_changes difference(const file_info& before, const file_info& after, number_style style) {
+tag_changes difference(const file_info_builder& before, const file_info_builder& after, number_style style) {
     std::vector<std::string> fields;
     for (const auto* info : {&before, &after})
         for (std::size_t i = 0; i < info->meta_count(); ++i) {

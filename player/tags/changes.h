@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "ostrevan/file_info.h"
+#include "ostrevan/file_info_builder.h"
 
 namespace ostrevan::tags {
 
@@ -26,15 +26,15 @@ bool concerns(const tag_change& change, const std::string& key);
 
 /// The fields under the names and in the form that reading gives: other spellings renamed, "3/12" split. Of an old
 /// and a new spelling of one field, the one that reading does not give is the newer.
-file_info canonical(const file_info& info);
+file_info_builder canonical(const file_info_builder& info);
 
 /// Whether the same fields hold the same values, their order aside.
-bool same_fields(const file_info& a, const file_info& b);
+bool same_fields(const file_info_builder& a, const file_info_builder& b);
 
 /// The fields that differ, both given in canonical form; a pair such as track number and total is one change.
-tag_changes difference(const file_info& before, const file_info& after, number_style style);
+tag_changes difference(const file_info_builder& before, const file_info_builder& after, number_style style);
 
 /// Adds the values of a tag entry under the player's name and form; a field that is there already stays.
-void add_entry(const std::string& key, std::vector<std::string> values, file_info& info);
+void add_entry(const std::string& key, std::vector<std::string> values, file_info_builder& info);
 
 }  // namespace ostrevan::tags

@@ -20,7 +20,7 @@ namespace {
 /// The tag that the fields were read from, or null when the file has none.
 const TagLib::Tag* source_of_fields(const opened_file& opened) {
     for (const auto* tag : tags_by_precedence(opened)) {
-        file_info fields;
+        file_info_builder fields;
         add_tag_fields(*tag, fields);
         if (fields.meta_count() > 0) return tag;
     }
@@ -43,16 +43,15 @@ number_style style_of(container kind) {
     }
 }
 
-void require_values(const file_info& before, const file_info& after) {
+void require_values(const file_info_builder& before, const file_info_builder& after) {
     for (std::size_t i = 0; i < after.meta_count(); ++i) {
         const auto& values = after.meta_values(i);
         const auto old = before.meta_find(after.meta_name(i));
-        if (old != file_info::npos && before.meta_values(old) == values) continue;
+        if (old != file_info_builder::npos && before.meta_values(old) == values) continue;
         if (after.meta_name(i).empty()) cannot_hold("files", "", "a field needs a name");
         const bool bad =
             std::ranges::any_of(values, [](const auto& value) { return value.empty() || value.find('\0') != value.npos; });
-        if (bad)
-            cannot_hold("files", std::string(after.meta_name(i)), "a value must not be empty; remove the field instead");
+        if (bad) cannot_hold("files", after.meta_name(i), "a value must not be empty; remove the field instead");
     }
 }
 
@@ -62,13 +61,13 @@ void cannot_hold(const std::string& format, const std::string& field, const std:
     throw edit_error(format + " cannot hold the field \"" + ascii_lower(field) + "\": " + why);
 }
 
-void edit_tags(opened_file& opened, const file_info& before, const file_info& after) {
+void edit_tags(opened_file& opened, const file_info_builder& before, const file_info_builder& after) {
     require_values(before, after);
     const auto* source = source_of_fields(opened);
     // A new tag would hide the limited one from readers, so it takes over all fields.
     const bool seeded =
         opened.kind != container::asf && !holds_fields(opened.xiph_comment) && (source == nullptr || is_limited(source));
-    file_info nothing;
+    file_info_builder nothing;
     const auto changes = difference(seeded ? nothing : before, after, style_of(opened.kind));
     auto& stream = *opened.stream;
     const auto role_if = [](bool primary) { return primary ? tag_role::primary : tag_role::other; };

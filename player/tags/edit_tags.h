@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ostrevan/file_info.h"
+#include "ostrevan/file_info_builder.h"
 #include "player/tags/changes.h"
 #include "player/tags/errors.h"
 #include "player/tags/formats.h"
@@ -30,6 +30,6 @@ void edit_asf(file_stream& stream, const tag_changes& changes);
 
 /// Makes the fields of an open file those of `after`, touching only entries of fields that differ from `before`.
 /// Both in canonical form. @throws edit_error
-void edit_tags(opened_file& opened, const file_info& before, const file_info& after);
+void edit_tags(opened_file& opened, const file_info_builder& before, const file_info_builder& after);
 
 }  // namespace ostrevan::tags

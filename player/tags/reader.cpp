@@ -8,7 +8,9 @@
 
 namespace ostrevan::tags {
 
-file_info read_file(const std::string& path) try { return info_of(open_audio(path)); } catch (const std::bad_alloc&) {
+file_info_builder read_file(const std::string& path) try {
+    return info_of(open_audio(path));
+} catch (const std::bad_alloc&) {
     throw tag_error(path, "needs more memory than there is; it may be damaged");
 }
 

@@ -57,7 +57,8 @@ void lock_and_require_same(const std::string& path, int original, const struct s
         throw tag_error(path, "was changed by another program meanwhile; try again");
 }
 
-void edit_copy(const std::string& copy, const file_info& before, const file_info& after, const rewrite_options& options) {
+void edit_copy(const std::string& copy, const file_info_builder& before, const file_info_builder& after,
+               const rewrite_options& options) {
     auto opened = open_audio(copy, file_stream::access::write);
     if (options.faults != nullptr && options.faults->at_write) opened.stream->set_write_fault(options.faults->at_write);
     std::string refusal;
@@ -87,27 +88,29 @@ std::uint64_t known_sound(const std::string& path, const opened_file& opened) {
 }
 
 /// A field that does not hold the same in both.
-std::optional<std::string> differing_field(const file_info& a, const file_info& b) {
+std::optional<std::string> differing_field(const file_info_builder& a, const file_info_builder& b) {
     for (const auto* one : {&a, &b})
         for (std::size_t i = 0; i < one->meta_count(); ++i) {
             const auto& other = one == &a ? b : a;
             const auto index = other.meta_find(one->meta_name(i));
-            if (index == file_info::npos || other.meta_values(index) != one->meta_values(i))
-                return std::string(one->meta_name(i));
+            if (index == file_info_builder::npos || other.meta_values(index) != one->meta_values(i))
+                return one->meta_name(i);
         }
     return std::nullopt;
 }
 
-bool same_sound(const opened_file& opened, const file_info& now, const file_info& before, std::uint64_t sound) try {
-    return now.length() == before.length() && now.sample_rate == before.sample_rate && now.channels == before.channels &&
-           now.codec() == before.codec() && digest_of_sound(opened.kind, *opened.stream) == sound;
+bool same_sound(const opened_file& opened, const file_info_builder& now, const file_info_builder& before,
+                std::uint64_t sound) try {
+    return now.length == before.length && now.sample_rate == before.sample_rate && now.channels == before.channels &&
+           now.codec == before.codec && digest_of_sound(opened.kind, *opened.stream) == sound;
 } catch (const edit_error&) {
     return false;
 }
 
-file_info verified_copy(const std::string& copy, const file_info& before, const file_info& after, std::uint64_t sound) {
+file_info_builder verified_copy(const std::string& copy, const file_info_builder& before, const file_info_builder& after,
+                                std::uint64_t sound) {
     const auto opened = open_audio(copy);
-    file_info now = info_of(opened);
+    file_info_builder now = info_of(opened);
     if (!same_sound(opened, now, before, sound))
         throw tag_error(copy, "the edit would have changed its sound; the file may be damaged, play it to find out");
     if (const int error = opened.stream->error(); error != 0)
@@ -125,15 +128,15 @@ rewrite_result rewrite_resolved(const std::string& path, const field_edit& edit,
     rewrite_result result;
     opened_file original = open_audio(path);
     const struct stat about = examined(path, original.stream->file());
-    const file_info before = info_of(original);
+    const file_info_builder before = info_of(original);
     original.file.reset();
 
     result.info = before;
-    file_info edited = before;
+    file_info_builder edited = before;
     if (!edit(edited)) return result;
-    const file_info after = canonical(edited);
+    const file_info_builder after = canonical(edited);
     if (same_fields(before, after)) return result;
-    if (before.length() <= 0) throw tag_error(path, "has no known length and may be damaged; repair or replace it first");
+    if (before.length <= 0) throw tag_error(path, "has no known length and may be damaged; repair or replace it first");
     require_writable(path, about);
     const std::uint64_t sound = known_sound(path, original);
     done(rewrite_step::opened);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "ostrevan/file_info.h"
+#include "ostrevan/file_info_builder.h"
 
 namespace ostrevan::tags {
 
@@ -43,11 +43,11 @@ struct rewrite_result {
     /// Side effects to tell the user of, such as a broken hard link.
     std::vector<std::string> notes;
     /// The file as it is now; saves reading it again.
-    file_info info;
+    file_info_builder info;
 };
 
 /// Changes the file's fields; returns whether it did. May throw before anything has happened.
-using field_edit = std::function<bool(file_info&)>;
+using field_edit = std::function<bool(file_info_builder&)>;
 
 /// Edits the fields of one audio file without ever endangering it: a copy is edited, checked and then takes the file's place
 /// in one step. Killed at any moment, the path holds either the old file or the new one, whole. Only the entries of fields

@@ -30,7 +30,7 @@ std::vector<TagLib::Tag*> filled(std::initializer_list<TagLib::Tag*> tags) {
     return result;
 }
 
-void add_xiph_fields(const std::string& comment, file_info& info) try {
+void add_xiph_fields(const std::string& comment, file_info_builder& info) try {
     for (auto& [key, values] : entries_of_comment(comment)) add_entry(key, std::move(values), info);
 } catch (const edit_error&) {
     // A file without readable fields still has its sound.
@@ -76,11 +76,11 @@ std::vector<TagLib::Tag*> tags_by_precedence(const opened_file& opened) {
     }
 }
 
-void add_tag_fields(const TagLib::Tag& tag, file_info& info) {
+void add_tag_fields(const TagLib::Tag& tag, file_info_builder& info) {
     for (auto& [key, values] : entries_of(tag)) add_entry(key, std::move(values), info);
 }
 
-void add_fields(const opened_file& opened, file_info& info) {
+void add_fields(const opened_file& opened, file_info_builder& info) {
     if (opened.kind == container::asf) return add_asf_fields(*opened.stream, info);
     if (opened.xiph_comment) add_xiph_fields(*opened.xiph_comment, info);
     for (const auto* tag : tags_by_precedence(opened)) {
@@ -89,19 +89,19 @@ void add_fields(const opened_file& opened, file_info& info) {
             add_tag_fields(*tag, info);
             continue;
         }
-        file_info later;
+        file_info_builder later;
         add_tag_fields(*tag, later);
         for (const auto field : statistics_fields)
-            if (const auto index = later.meta_find(field); index != file_info::npos && !info.meta_exists(field))
+            if (const auto index = later.meta_find(field); index != file_info_builder::npos && !info.meta_exists(field))
                 info.meta_set_values(field, later.meta_values(index));
     }
 }
 
-file_info info_of(const opened_file& opened) {
-    file_info info;
+file_info_builder info_of(const opened_file& opened) {
+    file_info_builder info;
     add_fields(opened, info);
-    info.set_length(opened.sound.length);
-    info.set_codec(opened.sound.codec);
+    info.length = opened.sound.length;
+    info.codec = opened.sound.codec;
     info.bitrate = opened.sound.bitrate;
     info.sample_rate = opened.sound.sample_rate;
     info.channels = opened.sound.channels;

@@ -36,11 +36,11 @@ class tag_edit_filter : public file_info_filter {
 public:
     explicit tag_edit_filter(const edit_options& wanted) : wanted_(wanted) {}
 
-    bool apply_filter(const metadb_handle_ptr& /*track*/, file_info& info) override {
-        const file_info before = info;
+    bool apply_filter(const metadb_handle_ptr& /*track*/, file_info_builder& info) override {
+        const file_info before = info.build();
         for (const auto& name : wanted_.remove) info.meta_remove_field(name);
         for (const auto& [name, value] : values()) info.meta_set_values(name, value);
-        const bool is_changed = !(info == before);
+        const bool is_changed = !(info.build() == before);
         ++(is_changed ? changed_ : unchanged_);
         return is_changed;
     }
@@ -55,7 +55,7 @@ public:
 private:
     /// A field that is set more than once gets several values.
     [[nodiscard]] std::vector<std::pair<std::string, std::vector<std::string>>> values() const {
-        file_info gathered;
+        file_info_builder gathered;
         for (const auto& [name, value] : wanted_.set) gathered.meta_add(name, value);
         std::vector<std::pair<std::string, std::vector<std::string>>> out;
         for (std::size_t i = 0; i < gathered.meta_count(); ++i)

@@ -69,10 +69,10 @@ constexpr auto info_fields = std::to_array<named<from_info>>({
      [](const file_info& i) {
          return i.length() > 0 ? std::optional(std::to_string(std::llround(i.length()))) : std::nullopt;
      }},
-    {"codec", [](const file_info& i) { return i.codec().empty() ? std::nullopt : std::optional(i.codec()); }},
-    {"bitrate", [](const file_info& i) { return number(i.bitrate); }},
-    {"samplerate", [](const file_info& i) { return number(i.sample_rate); }},
-    {"channels", [](const file_info& i) { return number(i.channels); }},
+    {"codec", [](const file_info& i) { return i.codec().empty() ? std::nullopt : std::optional(std::string(i.codec())); }},
+    {"bitrate", [](const file_info& i) { return number(i.bitrate()); }},
+    {"samplerate", [](const file_info& i) { return number(i.sample_rate()); }},
+    {"channels", [](const file_info& i) { return number(i.channels()); }},
 });
 
 /// Substitutes for an absent tag, in the order in which they are tried.
@@ -89,7 +89,7 @@ bool append_tag(const file_info& info, std::string_view name, std::string& out) 
     const auto index = info.meta_find(name);
     if (index == file_info::npos || info.meta_value_count(index) == 0) return false;
     const char* separator = "";
-    for (const auto& value : info.meta_values(index)) {
+    for (const auto value : info.meta_values(index)) {
         out.append(separator).append(value);
         separator = ", ";
     }

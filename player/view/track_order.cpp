@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "player/query/sort.h"
@@ -13,10 +14,10 @@
 namespace ostrevan::view {
 namespace {
 
-std::string value_of(const file_info& info, const char* field) {
+std::string_view value_of(const file_info& info, const char* field) {
     const auto index = info.meta_find(field);
     if (index == file_info::npos || info.meta_value_count(index) == 0) return {};
-    return info.meta_values(index).front();
+    return info.meta_value(index, 0);
 }
 
 struct listening_place {

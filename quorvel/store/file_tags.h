@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "ostrevan/file_info.h"
+#include "ostrevan/file_info_builder.h"
 #include "quorvel/store/record_fields.h"
 
 namespace quorvel {
@@ -11,7 +11,7 @@ namespace quorvel {
 /// Writes the record into the tags and removes the tags of fields that are not set. The play count is written to
 /// "play_count" alone, whichever tag held it before. Times as text ("last_played", ...) are left as they are.
 /// [any-thread]
-void PCDB_write_tags(const t_playback_stats& record, ostrevan::file_info& info);
+void PCDB_write_tags(const t_playback_stats& record, ostrevan::file_info_builder& info);
 
 /// Fills the record from the tags and returns the set of `ExportFields` that they supply. A missing first play is taken from
 /// the last one, and the date added is never later than the first play. With `allowTextFallback` a time as text is read

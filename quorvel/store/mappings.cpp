@@ -19,7 +19,7 @@ constexpr double frames_per_second = 75;
 bool feed_field(unit_digest& digest, const file_info& info, std::string_view name) {
     const std::size_t field = info.meta_find(name);
     if (field == file_info::npos) return false;
-    for (const auto& value : info.meta_values(field)) digest.feed_text(value);
+    for (const auto value : info.meta_values(field)) digest.feed_text(value);
     return true;
 }
 

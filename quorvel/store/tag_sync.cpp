@@ -25,11 +25,11 @@ class StampTagsFilter : public ostrevan::file_info_filter {
 public:
     explicit StampTagsFilter(record_of_track records) noexcept : records_(std::move(records)) {}
 
-    bool apply_filter(const ostrevan::metadb_handle_ptr& track, ostrevan::file_info& info) override {
+    bool apply_filter(const ostrevan::metadb_handle_ptr& track, ostrevan::file_info_builder& info) override {
         const auto found = records_.find(track);
         if (found == records_.end()) return false;
         t_playback_stats current;
-        PCDB_read_tags(current, info, false);
+        PCDB_read_tags(current, info.build(), false);
         if (current == found->second) return false;
         PCDB_write_tags(found->second, info);
         return true;
@@ -41,9 +41,9 @@ private:
 
 class ClearTagsFilter : public ostrevan::file_info_filter {
 public:
-    bool apply_filter(const ostrevan::metadb_handle_ptr& /*track*/, ostrevan::file_info& info) override {
+    bool apply_filter(const ostrevan::metadb_handle_ptr& /*track*/, ostrevan::file_info_builder& info) override {
         t_playback_stats current;
-        PCDB_read_tags(current, info, false);
+        PCDB_read_tags(current, info.build(), false);
         if (current == t_playback_stats{}) return false;
         PCDB_write_tags({}, info);
         return true;

@@ -16,6 +16,7 @@
 #include "ostrevan/context_menu.h"
 #include "ostrevan/dialog.h"
 #include "ostrevan/file_dialog.h"
+#include "ostrevan/file_info_builder.h"
 #include "ostrevan/main_menu.h"
 #include "ostrevan/popup.h"
 #include "ostrevan/tag_edit.h"
@@ -32,7 +33,7 @@ struct build_property {
 
 /// The causes come first and the sizes that follow from them later.
 struct build_fingerprint {
-    build_property properties[24];
+    build_property properties[32];
 };
 
 /// The values of the first property in which two builds differ. They live as long as the fingerprints.
@@ -116,6 +117,7 @@ consteval build_fingerprint this_build() {
     writer.add_size<nuv::guid>("guid");
     writer.add_size<service_base>("service_base");
     writer.add_size<file_info>("file_info");
+    writer.add_size<file_info_builder>("file_info_builder");
     writer.add_size<playable_location>("playable_location");
     writer.add_size<metadb_info>("metadb_info");
     writer.add_size<tag_edit>("tag_edit");

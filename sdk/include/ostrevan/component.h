@@ -24,9 +24,9 @@ class config_variable;
 inline constexpr std::uint32_t player_magic = 0x5652544F;     // "OTRV" in memory order
 inline constexpr std::uint32_t component_magic = 0x504D434F;  // "OCMP" in memory order
 
-/// Raised when a part of this SDK changes its layout or its meaning. Version 2: `tag_edit` says where a file was before, an
-/// empty blob removes an index record, an `advanced_checkbox` is found by an identifier of its own.
-inline constexpr std::uint32_t interface_version = 2;
+/// Raised when a part of this SDK changes its layout or its meaning. Version 3: `file_info` is one
+/// block of memory that never changes, and filters edit a `file_info_builder`.
+inline constexpr std::uint32_t interface_version = 3;
 /// Counts what was added since that version. An addition has an identifier of its own and is asked for, so a component and a
 /// player of different revisions work together.
 inline constexpr std::uint32_t interface_revision = 0;

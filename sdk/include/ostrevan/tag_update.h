@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ostrevan/file_info_builder.h"
 #include "ostrevan/track.h"
 
 namespace ostrevan {
@@ -20,7 +21,7 @@ class file_info_filter : public service_base {
 public:
     /// `info` holds the tags that are in the file. Edit it in place and return whether it changed; only then is the file
     /// written. Called once for each track, on one thread at a time. [worker]
-    virtual bool apply_filter(const metadb_handle_ptr& track, file_info& info) = 0;
+    virtual bool apply_filter(const metadb_handle_ptr& track, file_info_builder& info) = 0;
 };
 
 /// Rewrites file tags asynchronously, with one progress display for the batch. A file that fails is reported and the others

@@ -24,9 +24,9 @@ struct files : temporary_folder {
 };
 
 struct filter : file_info_filter {
-    std::function<bool(file_info& info)> apply;
-    explicit filter(std::function<bool(file_info& info)> how) : apply(std::move(how)) {}
-    bool apply_filter(const metadb_handle_ptr&, file_info& info) override { return apply(info); }
+    std::function<bool(file_info_builder& info)> apply;
+    explicit filter(std::function<bool(file_info_builder& info)> how) : apply(std::move(how)) {}
+    bool apply_filter(const metadb_handle_ptr&, file_info_builder& info) override { return apply(info); }
 };
 
 TEST_F(files, a_later_request_of_the_user_overtakes_the_background_but_not_at_the_same_file) {
@@ -37,7 +37,7 @@ TEST_F(files, a_later_request_of_the_user_overtakes_the_background_but_not_at_th
     const auto update = [&](char batch, std::string_view names, unsigned options = 0) {
         metadb_handle_list tracks;
         for (const char name : names) tracks.items().push_back(support::make_track(path(std::string(1, name) + ".wav"), {}));
-        const auto note = [&, batch](file_info&) {
+        const auto note = [&, batch](file_info_builder&) {
             if (batch == '-') all_are_queued.get_future().wait();
             return order += batch, false;
         };
@@ -68,15 +68,15 @@ TEST_F(files, what_became_of_a_request_is_told) {
                 said.push_back(std::to_string(file.before_in_file.meta_count()) + std::to_string(file.after.meta_count()));
         });
     write_sound("1.wav");
-    const auto update = [&](const std::string& name, unsigned options, std::function<bool(file_info&)> apply) {
+    const auto update = [&](const std::string& name, unsigned options, std::function<bool(file_info_builder&)> apply) {
         const metadb_handle_list tracks{support::make_track(path(name), {}), support::make_track(path("1.wav"), {})};
         updates.update_async(tracks, service_new<filter>(std::move(apply)), nullptr, options, service_new<note>(said));
         player.loop.run_until_idle();
         return std::exchange(said, {});
     };
-    const auto set_title = [](file_info& info) { return info.meta_set("title", "x"), true; };
+    const auto set_title = [](file_info_builder& info) { return info.meta_set("title", "x"), true; };
     EXPECT_EQ(update("1.wav", 0, set_title), (lines{"01", "status 0"}));
-    EXPECT_EQ(update("1.wav", 0, [](file_info& info) { return info.meta_set("title", "y"), true; }),
+    EXPECT_EQ(update("1.wav", 0, [](file_info_builder& info) { return info.meta_set("title", "y"), true; }),
               (lines{"11", "status 0"}));
     EXPECT_EQ(update("1.wav", 0, [](auto&) -> bool { throw 1; }),
               (lines{"app_tests: unknown error", "app_tests: unknown error", "failed",
@@ -101,7 +101,8 @@ TEST_F(files, edits_that_a_component_has_not_followed_are_told_of_again) {
         if (fails) followers[0].fails = [] { throw 1; };
         followers[0].outcome.has_followed = has_followed;
         for (auto& each : followers) run.services.add(each);
-        tags::rewrite_file(song, [&](file_info& info) { return info.meta_set("title", std::to_string(kept)), true; });
+        tags::rewrite_file(song,
+                           [&](file_info_builder& info) { return info.meta_set("title", std::to_string(kept)), true; });
         (void)run.library.rescan();
         run.run_until_idle();
         EXPECT_EQ(followers[1].calls, 1);

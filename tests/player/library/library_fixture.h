@@ -18,7 +18,7 @@ using namespace ostrevan::library;
 inline ostrevan::tags::audio_reading read_lines(const std::string& path) {
     std::ifstream file(path);
     if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
-    ostrevan::file_info info;
+    ostrevan::file_info_builder info;
     std::uint64_t sound = 0;
     for (std::string line; std::getline(file, line);) {
         const auto equals = line.find('=');
@@ -27,8 +27,8 @@ inline ostrevan::tags::audio_reading read_lines(const std::string& path) {
         auto value = line.substr(equals + 1);
         for (auto& each : value)
             if (each == ';') each = '\n';  // for a sheet in a field
-        if (name == "length") info.set_length(std::stod(value));
-        else if (name == "codec") info.set_codec(value);
+        if (name == "length") info.length = std::stod(value);
+        else if (name == "codec") info.codec = value;
         else if (name == "sound") sound = std::stoull(value);
         else info.meta_add(name, value);
     }
@@ -97,7 +97,7 @@ protected:
             if (subsong != 0) text += "|" + std::to_string(subsong);
             const auto info = track->info();
             const auto title = info ? info->info().meta_find("title") : ostrevan::file_info::npos;
-            text += title == ostrevan::file_info::npos ? "\n" : ":" + info->info().meta_value(title, 0) + "\n";
+            text += title == ostrevan::file_info::npos ? "\n" : ":" + std::string(info->info().meta_value(title, 0)) + "\n";
         }
         return text;
     }

@@ -126,9 +126,12 @@ TEST_F(moved_files_test, are_found_in_a_library_of_an_older_version_after_one_sc
     change_database(
         "ALTER TABLE folders DROP COLUMN scanned; ALTER TABLE files DROP COLUMN device; ALTER TABLE files DROP COLUMN sound;"
         "ALTER TABLE files DROP COLUMN arrived; ALTER TABLE edits DROP COLUMN path_before; DROP TABLE ignored;"
-        "DROP TABLE queue; DROP TABLE queue_entries; PRAGMA user_version=2");
+        "DROP TABLE queue; DROP TABLE queue_entries;"
+        "UPDATE tracks SET info=CASE (SELECT CAST(path AS TEXT) LIKE '%1.mp3' FROM files WHERE id=file)"
+        " WHEN 1 THEN x'01000000000000000000000000057469746C6501034F6E65' ELSE x'01FF' END; PRAGMA user_version=2");
     reads_ = 0;
     reopen();
+    EXPECT_EQ(listing(), "1.mp3:One\ngone.mp3\n") << "tags are converted, and damaged ones forgotten";
     fs::remove(music_ / "gone.mp3");
     EXPECT_EQ(rescan().tracks_removed, 1U);
     EXPECT_EQ(rescan().tracks_unchanged, 1U);

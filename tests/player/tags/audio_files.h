@@ -83,15 +83,15 @@ protected:
 };
 
 inline field_edit set_field(std::string name, std::string value) {
-    return [=](file_info& info) {
+    return [=](file_info_builder& info) {
         info.meta_set(name, value);
         return true;
     };
 }
 
-inline std::string first_value(const file_info& info, std::string_view name) {
+inline std::string first_value(const file_info_builder& info, std::string_view name) {
     const auto index = info.meta_find(name);
-    return index == file_info::npos ? "(none)" : info.meta_value(index, 0);
+    return index == file_info_builder::npos ? "(none)" : info.meta_values(index).front();
 }
 
 /// What a rewrite says that should fail.

@@ -43,13 +43,13 @@ std::vector<std::string> lost(const std::set<std::string>& from, const std::set<
     return result;
 }
 
-bool set_all(file_info& info) {
+bool set_all(file_info_builder& info) {
     for (const auto field : statistics_fields) info.meta_set(field, "13370000000000000" + std::to_string(field.size()));
     info.meta_set("title", "Ein neuer Titel – ほ");
     return true;
 }
 
-bool remove_statistics(file_info& info) {
+bool remove_statistics(file_info_builder& info) {
     for (const auto field : statistics_fields) info.meta_remove_field(field);
     return true;
 }
@@ -90,7 +90,7 @@ TEST_F(edit_tags_in_files, hold_statistics_and_title_and_nothing_else_changes) {
 }
 
 TEST_F(edit_tags_in_files, hold_ordinary_fields_numbers_and_several_values) {
-    const auto edit = [](file_info& info) {
+    const auto edit = [](file_info_builder& info) {
         info.meta_set("ALBUMARTIST", "New Hands");
         info.meta_set("TRACKNUMBER", "4/7");
         info.meta_set("totaldiscs", "9");
@@ -148,7 +148,7 @@ TEST_F(edit_tags_in_files, grow_and_shrink_without_touching_the_sound) {
         const auto size = fs::file_size(path);
         rewrite_file(path.string(), set_field("lyrics", std::string(300101, 'x')));
         EXPECT_LE(fs::file_size(path), size + 200) << path;
-        rewrite_file(path.string(), [](file_info& info) { return info.meta_remove_field("lyrics"); });
+        rewrite_file(path.string(), [](file_info_builder& info) { return info.meta_remove_field("lyrics"); });
         EXPECT_EQ(read_audio(path.string()).sound, marks[path]) << path;
     }
     EXPECT_EQ(sounds_of(ordinary), sounds);

@@ -226,8 +226,7 @@ TEST_F(tag_edit, takes_the_statistics_along) {
     EXPECT_FALSE(outcome->all_followed());
     EXPECT_TRUE(outcome->all_followed()) << "of what was told since then";
     const auto started = player.threads.started.load();
-    auto retagged = a;
-    retagged.meta_set("comment", "new");
+    const auto retagged = support::make_info({{"artist", "a"}, {"title", "a"}, {"comment", "new"}});
     edit({{track, &a, &retagged, &a}});
     EXPECT_EQ(player.threads.started, started) << "the key has stayed";
     const nuv::list_t<ostrevan::tag_edit> known_as_in_file{{track, &a, &b, &a}};

@@ -32,10 +32,10 @@ const std::vector<vector>& vectors() {
 }
 
 ostrevan::file_info info_of(const vector& v) {
-    ostrevan::file_info info;
+    ostrevan::file_info_builder info;
     for (const auto& [name, values] : v.fields) info.meta_set_values(name, values);
-    info.set_length(v.length);
-    return info;
+    info.length = v.length;
+    return info.build();
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ TEST_F(tag_sync, stamps_the_record_of_the_moment_of_the_request) {
     ASSERT_EQ(player.tag_updates.requests.size(), 1U);
     EXPECT_EQ(player.tag_updates.requests[0].options, 3U);
     EXPECT_EQ(player.tag_updates.requests[0].parent, player.main_window());
-    auto info = make_info({{"play_count", "9"}});
+    ostrevan::file_info_builder info(make_info({{"play_count", "9"}}));
     EXPECT_FALSE(player.tag_updates.requests[0].filter->apply_filter(support::make_track("/c", {}), info));
     EXPECT_EQ(player.tag_updates.run_next(), only_track) << "a file that says the same is not written";
     EXPECT_EQ(track->info()->info(), make_info({{"artist", "a"}, {"title", "t"}, {"play_count", "1"}}));

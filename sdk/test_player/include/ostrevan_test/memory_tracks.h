@@ -56,10 +56,10 @@ using memory_track_ptr = ostrevan::service_ptr_t<memory_track>;
 using tag_values = std::initializer_list<std::pair<const char*, const char*>>;
 /// A repeated name adds a value.
 inline ostrevan::file_info make_info(tag_values tags, double seconds = 180) {
-    ostrevan::file_info info;
+    ostrevan::file_info_builder info;
     for (const auto& [name, value] : tags) info.meta_add(name, value);
-    info.set_length(seconds);
-    return info;
+    info.length = seconds;
+    return info.build();
 }
 inline memory_track_ptr make_track(const std::string& path, tag_values tags, double seconds = 180) {
     auto track = ostrevan::service_new<memory_track>(ostrevan::playable_location{path, 0});
@@ -118,7 +118,7 @@ public:
         if (is_offered) return out.text;
         const auto known = track.info();
         const auto at = known ? known->info().meta_find(name) : ostrevan::file_info::npos;
-        return at == ostrevan::file_info::npos ? std::string() : known->info().meta_value(at, 0);
+        return at == ostrevan::file_info::npos ? std::string() : std::string(known->info().meta_value(at, 0));
     }
 };
 
@@ -153,9 +153,9 @@ public:
         std::vector<ostrevan::metadb_handle_ptr> changed;
         std::thread([&] {
             for (const auto& track : next.tracks) {
-                ostrevan::file_info info = track->info()->info();
+                ostrevan::file_info_builder info(track->info()->info());
                 if (!next.filter->apply_filter(track, info)) continue;
-                static_cast<memory_track&>(*track).publish(std::move(info));
+                static_cast<memory_track&>(*track).publish(info.build());
                 changed.push_back(track);
             }
         }).join();

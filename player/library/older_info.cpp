@@ -1,25 +1,19 @@
-#include "player/library/info_codec.h"
+#include "player/library/older_info.h"
+
+#include <sqlite3.h>
 
 #include <bit>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "ostrevan/exceptions.h"
+#include "ostrevan/file_info_builder.h"
 
 namespace ostrevan::library {
 namespace {
 
 constexpr char format_version = 1;
-
-void put_number(std::string& out, std::uint64_t value) {
-    for (; value >= 0x80; value >>= 7) out += static_cast<char>(value | 0x80);
-    out += static_cast<char>(value);
-}
-
-void put_text(std::string& out, std::string_view text) {
-    put_number(out, text.size());
-    out += text;
-}
 
 class input {
 public:
@@ -62,44 +56,45 @@ private:
     std::string_view rest_;
 };
 
-}  // namespace
-
-std::string encode_info(const file_info& info) {
-    thread_local std::string out;  // so that the result is allocated once, at its final size
-    out.clear();
-    out += format_version;
-    const auto length = std::bit_cast<std::uint64_t>(info.length());
-    for (unsigned shift = 0; shift < 64; shift += 8) out += static_cast<char>(length >> shift);
-    put_number(out, info.bitrate);
-    put_number(out, info.sample_rate);
-    put_number(out, info.channels);
-    put_text(out, info.codec());
-    for (std::size_t i = 0; i < info.meta_count(); ++i) {
-        put_text(out, info.meta_name(i));
-        put_number(out, info.meta_value_count(i));
-        for (const auto& value : info.meta_values(i)) put_text(out, value);
-    }
-    return out;
-}
-
-file_info decode_info(std::string_view bytes) {
+/// Throws ostrevan_io::exception_io_data for malformed bytes; never reads past them.
+file_info decode(std::string_view bytes) {
     input in(bytes);
     if (in.byte() != format_version) throw ostrevan_io::exception_io_data();
-    file_info info;
+    file_info_builder info;
     std::uint64_t length = 0;
     for (unsigned shift = 0; shift < 64; shift += 8) length |= std::uint64_t{in.byte()} << shift;
-    info.set_length(std::bit_cast<double>(length));
+    info.length = std::bit_cast<double>(length);
     info.bitrate = static_cast<std::uint32_t>(in.number());
     info.sample_rate = static_cast<std::uint32_t>(in.number());
     info.channels = static_cast<std::uint32_t>(in.number());
-    info.set_codec(std::string(in.text()));
+    info.codec = in.text();
     while (!in.at_end()) {
         const auto name = in.text();
         std::vector<std::string> values(in.count());
         for (auto& value : values) value = in.text();
         info.meta_set_values(name, std::move(values));
     }
-    return info;
+    return info.build();
+}
+
+/// What is damaged stays as it is, and no track will have it.
+void convert(sqlite3_context* context, int /*count*/, sqlite3_value** values) noexcept {
+    const auto* data = static_cast<const char*>(sqlite3_value_blob(values[0]));
+    try {
+        const auto info = decode({data, static_cast<std::size_t>(sqlite3_value_bytes(values[0]))});
+        sqlite3_result_blob64(context, info.bytes().data(), info.bytes().size(), SQLITE_TRANSIENT);
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    } catch (const std::exception&) {
+        sqlite3_result_value(context, values[0]);
+    }
+}
+
+}  // namespace
+
+int define_conversion(sqlite3* database) noexcept {
+    return sqlite3_create_function_v2(database, "info_of_version_5", 1, SQLITE_UTF8 | SQLITE_DIRECTONLY, nullptr, convert,
+                                      nullptr, nullptr, nullptr);
 }
 
 }  // namespace ostrevan::library
