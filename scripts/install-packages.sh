@@ -9,9 +9,11 @@ set -euo pipefail
 # One word per need, with alternatives between bars, preferred one first, where distributions differ.
 run_packages=(ffmpeg)
 build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcli11-dev libsqlite3-dev libssl-dev
-    "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev)
+    "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev
+    libsystemd-dev libmpdclient-dev)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev libavformat-dev clang libclang-rt-dev clang-format
-    clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace)
+    clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace
+    "dbus-daemon|dbus" python3-dbus-next)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
 
 needs=("${run_packages[@]}")

@@ -1,0 +1,131 @@
+#include "player/app/watching.h"
+
+#include <chrono>
+#include <exception>
+#include <future>
+#include <memory>
+#include <utility>
+
+#include "player/watch/mpd_source.h"
+#include "player/watch/mpris_source.h"
+
+namespace ostrevan::app {
+namespace {
+
+constexpr auto patience = std::chrono::milliseconds(250);
+
+/// A web radio names a new track every few minutes, for as long as it plays.
+constexpr std::size_t most_left_out = 10'000;
+
+}  // namespace
+
+void watching::run(const std::atomic<bool>& stop) {
+    watch::observation_queue news;
+    const auto mpris = watch::watch_mpris(news, options_.players);
+    const auto mpd = options_.players.admits("mpd") ? watch::watch_mpd(news, options_.music_folder) : nullptr;
+    while (!stop)
+        if (const auto heard = news.pop(patience)) take(*heard);
+}
+
+void watching::take(const watch::observation& heard) {
+    time_ = heard.time;
+    if (const auto* const trouble = std::get_if<watch::has_trouble>(&heard.what))
+        return on_trouble(heard.player, trouble->text);
+    player_called(heard.player).listener.hear(heard.time, heard.what);
+    if (std::holds_alternative<watch::has_gone>(heard.what)) heard_.erase(heard.player);
+}
+
+void watching::on_trouble(const std::string& source, const std::string& text) {
+    auto& known = troubles_[source];
+    if (known == text) return;
+    const auto news = text.empty() ? source + " is heard." : text;
+    known = text;
+    report_({.what = watch_report::kind::source, .player = source, .reason = news});
+}
+
+watching::heard_player& watching::player_called(const std::string& name) {
+    const auto known = heard_.find(name);
+    if (known != heard_.end()) return known->second;
+    watch::listener::events events{
+        .on_playing = [this, name](const watch::told_track& told, bool is_new) { on_playing(name, told, is_new); },
+        .on_counted = [this, name](const watch::told_track& told, double heard) { on_counted(name, told, heard); }};
+    return heard_.emplace(name, heard_player{watch::listener(std::move(events))}).first->second;
+}
+
+void watching::look_up(heard_player& player, const watch::told_track& told) {
+    if (player.looked_up == told) return;
+    const auto library = player_.loop.call([this] { return player_.library.items(); });
+    player.looked_up = told;
+    player.found = watch::find_track(told, library);
+    if (!player.found.track) return;
+    const auto info = player.found.track->info();
+    // Of the same file, the library knows the length better. Of another one with the same tags, any length is better than
+    // none.
+    if (info && info->info().length() > 0 && (player.found.is_by_location || told.length <= 0))
+        player.listener.correct_length(info->info().length());
+}
+
+void watching::on_playing(const std::string& name, const watch::told_track& told, bool is_new) {
+    if (told.location.empty() && told.title.empty()) return;  // browsers tell of nothing in particular
+    auto& player = player_called(name);
+    const auto before = player.found.track;
+    look_up(player, told);
+    if (is_new || player.found.track != before) report_({watch_report::kind::playing, name, told, player.found.track});
+}
+
+void watching::on_counted(const std::string& name, const watch::told_track& told, double heard) {
+    auto& player = player_called(name);
+    look_up(player, told);
+    watch_report play{watch_report::kind::counted, name, told, player.found.track, player.found.reason};
+    if (!play.track) return leave_out(std::move(play));
+    if (is_heard_twice(name, play.track, heard)) {
+        play.what = watch_report::kind::not_counted;
+        play.reason = "it was counted for " + plays_[play.track].player + ", which plays it as well";
+        return report_(play);
+    }
+    plays_[play.track] = {name, time_};
+    count(play);
+}
+
+/// Some players come to the bus twice, themselves and through another program. Nobody hears a track twice at the same time.
+bool watching::is_heard_twice(const std::string& name, const library::track_ptr& track, double heard) {
+    const auto last = plays_.find(track);
+    return last != plays_.end() && last->second.player != name && time_ - heard < last->second.time;
+}
+
+void watching::leave_out(watch_report play) {
+    if (left_out_.size() >= most_left_out) left_out_.clear();
+    if (!left_out_.insert(play.told.location + '\n' + play.told.artist + '\n' + play.told.title).second) return;
+    play.what = watch_report::kind::not_counted;
+    report_(play);
+}
+
+play_verdict watching::tell_components(const library::track_ptr& track) {
+    auto promise = std::make_shared<std::promise<play_verdict>>();
+    auto verdict = promise->get_future();
+    player_.loop.post([this, track, promise = std::move(promise)] {
+        tell_of_play(player_.loop, player_.services, track,
+                     [promise](const play_verdict& given) { promise->set_value(given); });
+    });
+    core::job::current()->serve_until(
+        [&] { return verdict.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
+    return verdict.get();
+}
+
+void watching::count(const watch_report& play) {
+    auto report = play;
+    try {
+        const auto verdict = tell_components(play.track);
+        if (verdict.is_counted) player_.save();
+        if (!verdict.is_counted) report.reason = verdict.reason();
+        report.what = verdict.is_counted   ? watch_report::kind::counted
+                      : verdict.has_failed ? watch_report::kind::failure
+                                           : watch_report::kind::not_counted;
+    } catch (const std::exception& error) {
+        report.what = watch_report::kind::failure;
+        report.reason = error.what();
+    }
+    report_(report);
+}
+
+}  // namespace ostrevan::app

@@ -1,0 +1,141 @@
+#include "player/bus/value.h"
+
+#include <systemd/sd-bus.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace ostrevan::bus {
+namespace {
+
+template <class Number>
+value integer(sd_bus_message& message, char type) {
+    Number number{};
+    sd_bus_message_read_basic(&message, type, &number);
+    if constexpr (sizeof(Number) == 8) {
+        constexpr auto limit = static_cast<Number>(std::numeric_limits<std::int64_t>::max());
+        return static_cast<std::int64_t>(std::min(number, limit));
+    } else {
+        return static_cast<std::int64_t>(number);
+    }
+}
+
+value boolean(sd_bus_message& message) {
+    int flag = 0;
+    sd_bus_message_read_basic(&message, SD_BUS_TYPE_BOOLEAN, &flag);
+    return flag != 0;
+}
+
+value real(sd_bus_message& message) {
+    double number = 0;
+    sd_bus_message_read_basic(&message, SD_BUS_TYPE_DOUBLE, &number);
+    return number;
+}
+
+value text(sd_bus_message& message, char type) {
+    const char* characters = nullptr;
+    if (sd_bus_message_read_basic(&message, type, &characters) < 0) return {};
+    return std::string(characters);
+}
+
+/// Entries of which the key is text; others are of no use here.
+dictionary entries(std::vector<value>&& pairs) {
+    dictionary result;
+    for (auto& pair : pairs) {
+        auto& both = std::get<std::vector<value>>(pair);
+        if (both.size() == 2 && std::holds_alternative<std::string>(both[0]))
+            result.insert_or_assign(std::move(std::get<std::string>(both[0])), std::move(both[1]));
+    }
+    return result;
+}
+
+value container(sd_bus_message& message, char type, const char* contents) {
+    const std::string kind(contents);  // the message may forget it
+    if (sd_bus_message_enter_container(&message, type, contents) < 0) return {};
+    auto values = read_values(message);
+    sd_bus_message_exit_container(&message);
+    if (type == SD_BUS_TYPE_VARIANT) return values.empty() ? value{} : std::move(values.front());
+    if (type == SD_BUS_TYPE_ARRAY && kind.starts_with('{')) return entries(std::move(values));
+    return values;
+}
+
+value read_value(sd_bus_message& message, char type, const char* contents) {
+    switch (type) {
+        case SD_BUS_TYPE_BOOLEAN:
+            return boolean(message);
+        case SD_BUS_TYPE_BYTE:
+            return integer<std::uint8_t>(message, type);
+        case SD_BUS_TYPE_INT16:
+            return integer<std::int16_t>(message, type);
+        case SD_BUS_TYPE_UINT16:
+            return integer<std::uint16_t>(message, type);
+        case SD_BUS_TYPE_INT32:
+            return integer<std::int32_t>(message, type);
+        case SD_BUS_TYPE_UINT32:
+            return integer<std::uint32_t>(message, type);
+        case SD_BUS_TYPE_INT64:
+            return integer<std::int64_t>(message, type);
+        case SD_BUS_TYPE_UINT64:
+            return integer<std::uint64_t>(message, type);
+        case SD_BUS_TYPE_DOUBLE:
+            return real(message);
+        case SD_BUS_TYPE_STRING:
+        case SD_BUS_TYPE_OBJECT_PATH:
+        case SD_BUS_TYPE_SIGNATURE:
+            return text(message, type);
+        case SD_BUS_TYPE_ARRAY:
+        case SD_BUS_TYPE_STRUCT:
+        case SD_BUS_TYPE_DICT_ENTRY:
+        case SD_BUS_TYPE_VARIANT:
+            return container(message, type, contents);
+        default:
+            sd_bus_message_skip(&message, nullptr);
+            return {};
+    }
+}
+
+const value* find(const dictionary& values, std::string_view name) {
+    const auto found = values.find(name);
+    return found == values.end() ? nullptr : &found->second;
+}
+
+}  // namespace
+
+std::vector<value> read_values(sd_bus_message& message) {
+    std::vector<value> values;
+    char type = 0;
+    const char* contents = nullptr;
+    while (sd_bus_message_peek_type(&message, &type, &contents) > 0) values.push_back(read_value(message, type, contents));
+    return values;
+}
+
+std::string text_of(const dictionary& values, std::string_view name) {
+    const auto* const found = find(values, name);
+    if (found == nullptr) return {};
+    if (const auto* const single = std::get_if<std::string>(found)) return *single;
+    std::string joined;
+    if (const auto* const several = std::get_if<std::vector<value>>(found))
+        for (const auto& each : *several)
+            if (const auto* const part = std::get_if<std::string>(&each)) joined += (joined.empty() ? "" : ", ") + *part;
+    return joined;
+}
+
+std::optional<double> number_of(const value& single) {
+    if (const auto* const number = std::get_if<std::int64_t>(&single)) return static_cast<double>(*number);
+    if (const auto* const number = std::get_if<double>(&single)) return *number;
+    return std::nullopt;
+}
+
+std::optional<double> number_of(const dictionary& values, std::string_view name) {
+    const auto* const found = find(values, name);
+    return found == nullptr ? std::nullopt : number_of(*found);
+}
+
+const dictionary& dictionary_of(const dictionary& values, std::string_view name) {
+    static const dictionary none;
+    const auto* const found = find(values, name);
+    const auto* const entries = found == nullptr ? nullptr : std::get_if<dictionary>(found);
+    return entries == nullptr ? none : *entries;
+}
+
+}  // namespace ostrevan::bus
