@@ -16,12 +16,6 @@
 namespace ostrevan::app {
 namespace {
 
-/// The items of one file; `items` is sorted by path.
-auto items_of_file(const std::vector<library::track_ptr>& items, const std::string& path) {
-    return std::ranges::equal_range(
-        items, path, {}, [](const library::track_ptr& track) -> const std::string& { return track->location().path; });
-}
-
 /// Receives a message for everything left out.
 using problem_sink = std::function<void(const std::string& message)>;
 
@@ -48,9 +42,10 @@ void append_tracks_at(session& player, const std::string& place, std::vector<met
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) return append_tracks_below(player, path, out, on_problem);
 
-    const auto held = items_of_file(player.library.items(), path);
-    const auto tracks = held.empty() ? library::tracks_on_disk(player.tracks, path)
-                                     : std::vector<library::track_ptr>(held.begin(), held.end());
+    const auto held = player.library.items_of_file(path);
+    auto tracks = held.empty() ? library::tracks_on_disk(player.tracks, path)
+                               : std::vector<library::track_ptr>(held.begin(), held.end());
+    std::ranges::stable_sort(tracks, {}, [](const library::track_ptr& track) { return track->location().subsong; });
     const auto before = out.size();
     const bool whole_file = named.path.size() == place.size();
     for (const auto& track : tracks)

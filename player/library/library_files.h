@@ -44,12 +44,7 @@ struct library_file : stored_file {
     std::uint64_t seen_on = 0;  // the device it was then on
 };
 
-struct path_hash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view path) const noexcept { return std::hash<std::string_view>()(path); }
-};
-
-/// By path.
-using library_files = std::unordered_map<std::string, library_file, path_hash, std::equal_to<>>;
+/// By path. The texts are those of track handles, which live as long as their table.
+using library_files = std::unordered_map<std::string_view, library_file>;
 
 }  // namespace ostrevan::library

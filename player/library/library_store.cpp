@@ -151,28 +151,31 @@ void library_store::remove_ignored(const std::string& path) {
     database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
 }
 
-void library_store::load(const std::function<void(std::string&&, stored_file&&, std::span<loaded_track>)>& on_file) const {
+void library_store::load(const std::function<void(library_file&&, std::string_view path)>& on_file) const {
     // Reads three tables side by side, in the order of file ids.
     auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
     auto tracks = database_.prepare("SELECT file, subsong, info FROM tracks ORDER BY file, subsong");
     auto sources = database_.prepare("SELECT file, path, size, mtime FROM sources ORDER BY file, position");
     bool has_track = tracks.step();
     bool has_source = sources.step();
-    std::vector<loaded_track> of_file;
     while (files.step()) {
-        stored_file file{.id = files.integer(0),
-                         .folder = files.integer(1),
-                         .stamp = {files.integer(3), files.integer(4)},
-                         .device = as_number(files.integer(5)),
-                         .arrived = as_number(files.integer(7))};
+        library_file file{{.id = files.integer(0),
+                           .folder = files.integer(1),
+                           .stamp = {files.integer(3), files.integer(4)},
+                           .device = as_number(files.integer(5)),
+                           .arrived = as_number(files.integer(7))}};
         if (!files.is_null(6)) file.sound = as_number(files.integer(6));
-        of_file.clear();
-        for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step())
-            of_file.push_back(
-                {static_cast<std::uint32_t>(tracks.integer(1)), file_info::from_bytes(text_of(tracks.blob(2)))});
+        const auto path = text_of(files.blob(2));
+        for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step()) {
+            const auto subsong = static_cast<std::uint32_t>(tracks.integer(1));
+            auto track = service_new<library::track>(playable_location{std::string(path), subsong});
+            // A track with damaged information is as one that was not read yet.
+            if (auto info = file_info::from_bytes(text_of(tracks.blob(2)))) track->publish(make_snapshot(*std::move(info)));
+            file.tracks.push_back(std::move(track));
+        }
         for (; has_source && sources.integer(0) <= file.id; has_source = sources.step())
             file.sources.push_back({from_blob(sources.blob(1)), {sources.integer(2), sources.integer(3)}});
-        on_file(from_blob(files.blob(2)), std::move(file), of_file);
+        on_file(std::move(file), path);
     }
 }
 

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,11 +21,6 @@ struct library_folder {
     std::uint64_t scanned = 0;
 };
 
-struct loaded_track {
-    std::uint32_t subsong = 0;
-    std::optional<file_info> info;  // empty when damaged
-};
-
 /// The library database, `library.sqlite`. Paths are stored as bytes, because file names need not be UTF-8. Used by one
 /// thread at a time; every function throws sqlite::error, whose text names the file and the remedy.
 class library_store {
@@ -43,8 +37,8 @@ public:
     void add_ignored(const std::string& path);
     void remove_ignored(const std::string& path);
 
-    /// Loads every file with its tracks, in the order in which they were first stored.
-    void load(const std::function<void(std::string&& path, stored_file&&, std::span<loaded_track>)>& on_file) const;
+    /// Loads every file with its tracks, in the order in which they were first stored. The handles are not in the table yet.
+    void load(const std::function<void(library_file&&, std::string_view path)>& on_file) const;
 
     // To be called inside a transaction on `database()`.
     /// Adds the file, or replaces the one with its id; returns the id.

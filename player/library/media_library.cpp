@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <mutex>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -21,6 +22,12 @@ bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcep
 }
 
 }  // namespace
+
+/// A file from the database, and where its path lasts; empty if it has tracks.
+struct media_library::loaded_file {
+    library_file file;
+    std::string_view path;
+};
 
 /// The changes collected during an update.
 struct media_library::outcome {
@@ -43,24 +50,61 @@ media_library::media_library(const std::string& database_path, track_table& trac
     load();
 }
 
+/// A second thread reads the database while this one fills the tables.
 void media_library::load() {
     folders_ = store_.folders();
     for (auto& path : store_.ignored()) ignored_.insert(std::move(path));
     const auto count = static_cast<std::size_t>(store_.database().query_integer("SELECT count(*) FROM files"));
     files_.reserve(count);
     tracks_.reserve(count);
-    store_.load([this](std::string&& path, stored_file&& file, std::span<loaded_track> tracks) {
-        library_file known{std::move(file)};
-        last_arrival_ = std::max(last_arrival_, known.arrived);
-        known.tracks.reserve(tracks.size());
-        for (auto& [subsong, info] : tracks) {
-            known.tracks.push_back(tracks_.obtain(path, subsong));
-            if (info) known.tracks.back()->publish(make_snapshot(*std::move(info)));
+    constexpr std::size_t portion = 1000;
+    std::mutex mutex;
+    std::vector<loaded_file> read;  // guarded
+    worker_group reader(1, nullptr);
+    const auto read_all = [&] {
+        std::vector<loaded_file> fresh;
+        const auto deliver = [&] {
+            const std::lock_guard guard(mutex);
+            std::ranges::move(fresh, std::back_inserter(read));
+            fresh.clear();
+            reader.wake();
+        };
+        store_.load([&](library_file&& file, std::string_view path) {
+            fresh.push_back({std::move(file), {}});
+            // A sheet whose audio belongs to another one has no tracks, but a handle all the same.
+            if (fresh.back().file.tracks.empty()) fresh.back().path = tracks_.obtain(path)->location().path;
+            if (fresh.size() == portion) deliver();
+        });
+        deliver();
+    };
+    reader.run(1, read_all, [&] {
+        std::vector<loaded_file> arrived;
+        {
+            const std::lock_guard guard(mutex);
+            arrived.swap(read);
         }
-        files_.emplace(std::move(path), std::move(known));
+        for (auto& each : arrived) enter(std::move(each));
     });
     scan_number_ = last_arrival_;
     for (const auto& folder : folders_) scan_number_ = std::max(scan_number_, folder.scanned);
+}
+
+void media_library::enter(loaded_file&& loaded) {
+    auto& [file, path] = loaded;
+    last_arrival_ = std::max(last_arrival_, file.arrived);
+    for (auto& track : file.tracks) track = tracks_.adopt(std::move(track));
+    if (!file.tracks.empty()) path = file.tracks.front()->location().path;
+    files_.emplace(path, std::move(file));
+}
+
+void media_library::append_items(std::vector<metadb_handle_ptr>& out) const {
+    out.reserve(out.size() + files_.size());
+    for (const auto& [path, file] : files_) out.insert(out.end(), file.tracks.begin(), file.tracks.end());
+}
+
+std::span<const track_ptr> media_library::items_of_file(const std::string& path) const {
+    const auto known = files_.find(path);
+    return known == files_.end() ? std::span<const track_ptr>() : known->second.tracks;
 }
 
 const std::vector<track_ptr>& media_library::items() const {
@@ -95,7 +139,7 @@ path_changes media_library::remove_folders(std::span<const std::string> paths) {
     };
     std::vector<std::string> gone;
     for (const auto& [path, file] : files_)
-        if (is_leaving(file.folder)) gone.push_back(path);
+        if (is_leaving(file.folder)) gone.emplace_back(path);
     outcome done;
     drop(gone, done, [&] {
         for (const auto& folder : leaving) store_.remove_folder(folder.id);
@@ -118,12 +162,12 @@ scan_summary media_library::rescan(std::span<const std::string> paths, const sca
 path_changes media_library::ignore(std::span<const std::string> paths) {
     path_changes result;
     const auto fresh = check_ignored(paths, folders_, result.refused);
-    const auto is_leaving = [&](const std::string& path) {
+    const auto is_leaving = [&](std::string_view path) {
         return std::ranges::any_of(fresh, [&](const std::string& place) { return is_below(path, place); });
     };
     std::vector<std::string> gone;
     for (const auto& [path, file] : files_)
-        if (is_leaving(path)) gone.push_back(path);
+        if (is_leaving(path)) gone.emplace_back(path);
     outcome done;
     drop(gone, done, [&] {
         for (const auto& path : fresh) store_.add_ignored(path);
@@ -192,8 +236,16 @@ void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, 
 
 void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& done) {
     items_valid_ = false;
-    const auto [place, is_new] = files_.try_emplace(scanned.path);
-    const auto& path = place->first;
+    auto found = files_.find(scanned.path);
+    const bool is_new = found == files_.end();
+    if (is_new)
+        found = files_
+                    .try_emplace(tracks_.obtain(scanned.path, scanned.tracks.empty() ? 0 : scanned.tracks.front().subsong)
+                                     ->location()
+                                     .path)
+                    .first;
+    const auto place = found;
+    const auto path = place->first;
     auto& known = place->second;
     if (is_other_sound) done.displaced.push_back(sound_at(path, known, scan_of(folders_, known.folder)));
     std::vector<track_ptr> tracks;

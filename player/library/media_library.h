@@ -40,6 +40,10 @@ public:
     [[nodiscard]] const std::vector<library_folder>& folders() const noexcept { return folders_; }
     /// By path, then subsong. Valid until the library changes.
     [[nodiscard]] const std::vector<track_ptr>& items() const;
+    /// In no order, which costs a fraction.
+    void append_items(std::vector<metadb_handle_ptr>& out) const;
+    /// The tracks of one file; none if it is not in the library.
+    [[nodiscard]] std::span<const track_ptr> items_of_file(const std::string& path) const;
 
     // The following functions notify the observer before they return or throw sqlite::error; after that the library is in
     // the state of the last portion saved. An unsuitable path is refused with the reason; the others are processed.
@@ -74,8 +78,10 @@ public:
 
 private:
     struct outcome;
+    struct loaded_file;
 
     void load();
+    void enter(loaded_file&& loaded);
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
     void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done);
     void apply(scanned_file&& file, bool is_other_sound, outcome& done);

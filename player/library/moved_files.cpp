@@ -5,8 +5,8 @@
 
 namespace ostrevan::library {
 
-placed_sound sound_at(const std::string& path, const library_file& file, std::uint64_t scan) {
-    placed_sound sound{path, file.sound.value_or(0), scan, {}};
+placed_sound sound_at(std::string_view path, const library_file& file, std::uint64_t scan) {
+    placed_sound sound{std::string(path), file.sound.value_or(0), scan, {}};
     for (const auto& track : file.tracks) sound.tracks.push_back({track->location().subsong, track->info()});
     return sound;
 }

@@ -14,7 +14,7 @@
 namespace ostrevan::library {
 
 /// The sound at a path. `scan` is when it came, or when it was last there.
-placed_sound sound_at(const std::string& path, const library_file& file, std::uint64_t scan);
+placed_sound sound_at(std::string_view path, const library_file& file, std::uint64_t scan);
 
 /// The number of the last scan of the folder with this id.
 std::uint64_t scan_of(std::span<const library_folder> folders, std::int64_t id) noexcept;

@@ -91,7 +91,7 @@ private:
         for (const auto& [path, file] : files_) {
             if (file.seen != request_.number) continue;
             disks_.note(file.device, file.seen_on);
-            if (file.device != file.seen_on) report_.on_other_device.push_back(path);
+            if (file.device != file.seen_on) report_.on_other_device.emplace_back(path);
         }
     }
 
@@ -143,7 +143,7 @@ private:
         return true;
     }
 
-    [[nodiscard]] bool is_gone(const std::string& path, const library_file& file) const {
+    [[nodiscard]] bool is_gone(std::string_view path, const library_file& file) const {
         return file.seen != request_.number && is_in_seen_folder(file) && absent_place_of(path) == report_.absent.size() &&
                !place_without_disk(path, file);
     }
@@ -153,9 +153,9 @@ private:
     }
 
     /// Audio claimed by a sheet and ignored files are gone, whatever their disk.
-    [[nodiscard]] std::optional<std::string> place_without_disk(const std::string& path, const library_file& file) const {
-        if (claims_.contains(path)) return std::nullopt;
-        return disks_.place_without_disk(path, file.device);
+    [[nodiscard]] std::optional<std::string> place_without_disk(std::string_view path, const library_file& file) const {
+        if (claims_.contains(std::string(path))) return std::nullopt;
+        return disks_.place_without_disk(std::string(path), file.device);
     }
 
     [[nodiscard]] std::size_t absent_place_of(std::string_view path) const {
@@ -172,7 +172,7 @@ private:
             if (file.seen == request_.number) continue;
             if (const auto place = absent_place_of(path); place != report_.absent.size())
                 report_.absent[place].tracks_kept += file.tracks.size();
-            else if (is_gone(path, file)) report_.gone.push_back(path);
+            else if (is_gone(path, file)) report_.gone.emplace_back(path);
             else if (is_in_seen_folder(file)) on_other_disk[*place_without_disk(path, file)] += file.tracks.size();
         }
         for (const auto& [path, kept] : on_other_disk) report_.absent.push_back({path, {}, kept, absence::other_disk});

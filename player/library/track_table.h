@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <mutex>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "player/library/track.h"
 
@@ -14,26 +14,23 @@ class track_table {
 public:
     /// Returns the handle of a location, and makes it the first time.
     track_ptr obtain(std::string_view path, std::uint32_t subsong = 0);
+    /// Adds a handle that was made elsewhere. Returns the one of its location, which may be another.
+    track_ptr adopt(track_ptr made);
     /// Null when the location was never obtained.
     [[nodiscard]] track_ptr find(std::string_view path, std::uint32_t subsong = 0) const;
 
     void reserve(std::size_t tracks);
 
 private:
-    /// Views the location inside the handle.
-    struct key {
-        std::string_view path;
-        std::uint32_t subsong;
-        bool operator==(const key&) const = default;
-    };
-    struct key_hash {
-        std::size_t operator()(const key& value) const noexcept {
-            return std::hash<std::string_view>()(value.path) ^ value.subsong * 0x9E3779B97F4A7C15ULL;
-        }
-    };
+    [[nodiscard]] static std::uint32_t hash_of(std::string_view path, std::uint32_t subsong) noexcept;
+    [[nodiscard]] std::size_t slot_of(std::string_view path, std::uint32_t subsong, std::uint32_t hash) const noexcept;
+    void make_room(std::size_t tracks);
 
     mutable std::mutex mutex_;
-    std::unordered_map<key, track_ptr, key_hash> tracks_;
+    // Open addressing: null is a free slot. The number of slots is a power of two; at most three quarters are in use.
+    std::vector<track_ptr> slots_ = std::vector<track_ptr>(8);
+    std::vector<std::uint32_t> hashes_ = std::vector<std::uint32_t>(8);
+    std::size_t used_ = 0;
 };
 
 }  // namespace ostrevan::library

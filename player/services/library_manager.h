@@ -18,6 +18,10 @@ public:
         core::check_main_thread("library_manager::get_all_items");
         out = metadb_handle_list(std::vector<metadb_handle_ptr>(library_.items().begin(), library_.items().end()));
     }
+    void get_unordered_items(metadb_handle_list& out) const override {
+        out.items().clear();
+        library_.append_items(out.items());
+    }
 
 private:
     const library::media_library& library_;

@@ -61,7 +61,7 @@ private:
 
 ostrevan::metadb_handle_list tracks_of_library() {
     ostrevan::metadb_handle_list tracks;
-    if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_all_items(tracks);
+    if (const auto library = ostrevan::find_service<ostrevan::library_manager>()) library->get_unordered_items(tracks);
     return tracks;
 }
 
