@@ -184,7 +184,7 @@ def edit_tags(profile, tracks, edition):
     """As if another program had edited every file: the library has the new tags, the statistics are still under the old keys."""
     database = sqlite3.connect(profile / "library.sqlite")
     with database:
-        database.execute("INSERT INTO edits SELECT path, subsong, info FROM tracks JOIN files ON id = file")
+        database.execute("INSERT INTO edits(path, subsong, info) SELECT path, subsong, info FROM tracks JOIN files ON id = file")
         database.executemany("UPDATE tracks SET info = ? WHERE file = ? AND subsong = 0",
                              ((info_of(i, edition), i + 1) for i in range(tracks)))
     database.close()
