@@ -88,9 +88,9 @@ void rewrite_with_taglib(const std::string& path, std::uint64_t plays) {
 class nobody final : public ostrevan::view::front_end {
     void print_line(const std::string& line) override { throw std::runtime_error(line); }
     void show_message(const std::string&, const std::string&, ostrevan::popup_message::icon_t) override {}
-    unsigned ask(const ostrevan::popup_message_v3::query_t&) override { return 0; }
-    void show_dialog(ostrevan::view::open_dialog&, unsigned) override {}
-    std::optional<std::string> ask_file(const ostrevan::file_dialog_service::query_t&) override { return std::nullopt; }
+    void ask(ostrevan::popup_message_v3::query_t) override {}
+    void show_dialog(std::shared_ptr<ostrevan::view::open_dialog>) override {}
+    void ask_file(ostrevan::file_dialog_service::query_t) override {}
     void show_listing(const ostrevan::view::track_listing&) override {}
     void show_progress(const std::string&, std::size_t, std::size_t) override {}
     void end_progress() override {}

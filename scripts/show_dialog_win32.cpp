@@ -39,6 +39,7 @@ int main(int argc, char** argv) {
                                      nullptr, nullptr, nullptr);
     player.window = owner;
     if (argc != 2 || !open_dialog(player, argv[1])) return 2;
+    player.settle();
     draw_everything();
 
     RECT frame;

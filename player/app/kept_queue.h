@@ -7,27 +7,19 @@
 #include <string>
 #include <vector>
 
-#include "player/app/session.h"
+#include "ostrevan/track.h"
+#include "player/library/queue_store.h"
 #include "player/playback/mpv_player.h"
 
 namespace ostrevan::app {
 
-/// What a list is played from.
+/// A list of tracks, and where it is played from.
 struct play_start {
     metadb_handle_list tracks{};
     playback::queue order;
     double seconds = 0;  ///< into the first track
     double volume = 100;
 };
-
-/// The tracks at stored locations. Those outside the library are read from the disk; the ones that cannot be read have no
-/// information.
-metadb_handle_list tracks_of_entries(session& player, const std::vector<playable_location>& entries);
-
-/// A new start with these tracks, shuffled differently each time. There must be a track.
-play_start start_with(session& player, metadb_handle_list tracks, playback::play_modes modes);
-/// Where the last playback of this profile stopped; empty when there was none.
-std::optional<play_start> start_again(session& player);
 
 /// Saves the queue of a playback in the profile as it changes. [main-thread]
 class kept_queue {

@@ -1,21 +1,67 @@
 #include "player/app/playing.h"
 
 #include <exception>
+#include <thread>
 #include <utility>
 
 #include "player/library/cue_files.h"
 #include "player/library/read_files.h"
-#include "player/system/interrupt.h"
 #include "player/tags/reader.h"
-#include "player/titleformat/script.h"
 #include "player/view/context_menu.h"
 
 namespace ostrevan::app {
 
-playing::playing(session& player, play_watcher& watcher)
-    : player_(player),
-      watcher_(watcher),
-      kept_(player.library.queue(), [&watcher](const std::string& text) { watcher.on_failure(text); }) {}
+playing::playing(core::main_loop& loop, const core::service_registry& services, library::queue_store& queue,
+                 std::function<void()> save)
+    : loop_(loop), services_(services), store_(queue), save_(std::move(save)) {}
+
+void playing::start(play_start start, playback::play_options options, play_watcher& starter) {
+    options.volume = start.volume;
+    options.start_at = start.seconds;
+    waiting_start next{std::move(start), options, &starter, core::job::current()};
+    if (!engine_) return begin(std::move(next));
+    if (next_) next_->starter->on_ended(true);  // has not begun
+    next_ = std::move(next);
+    engine_->perform({playback::action::quit});
+}
+
+/// The playback is a job of its own, and its thread that job's own thread.
+void playing::begin(waiting_start next) {
+    starter_ = next.starter;
+    status_.reset();
+    is_over_ = is_saving_ = false;
+    is_heard_ = true;
+    counted_.clear();
+    engine_.emplace(next.options, callbacks());
+    kept_.emplace(store_, [this](const std::string& text) { fail(text); });
+    kept_->begin(next.start);
+    tracks_ = std::move(next.start.tracks);
+    const core::job::scope nobody(nullptr);
+    std::thread([this, order = std::move(next.start.order), starter = std::move(next.starter_job),
+                 busy = core::main_loop::activity(loop_)] {
+        const auto job = starter ? std::make_shared<core::job>(starter->stop()) : std::make_shared<core::job>();
+        const core::job::scope scope(job);
+        play(order, core::stop_flag());
+        job->wait_until_idle();
+        loop_.call([this] {
+            if (!counted_.empty()) save_counted();  // a last attempt
+        });
+        job->wait_until_idle();
+        loop_.call([this] {
+            give_up();
+            end();
+        });
+    }).detach();
+}
+
+void playing::play(const playback::queue& order, const std::atomic<bool>& stop) {
+    try {
+        const bool is_over = engine_->run(items(), order, stop);
+        post([this, is_over] { is_over_ = is_over; });
+    } catch (const std::exception& error) {
+        post([this, text = std::string(error.what())] { fail(text); });
+    }
+}
 
 std::vector<playback::play_item> playing::items() const {
     std::vector<playback::play_item> result;
@@ -31,44 +77,71 @@ std::vector<playback::play_item> playing::items() const {
     return result;
 }
 
+void playing::end() {
+    if (now_ && status_) kept_->end(*status_, is_over_ ? 0 : now_->position);
+    now_.reset();
+    engine_.reset();
+    auto next = std::exchange(next_, std::nullopt);
+    tell([&](play_watcher& watcher) { watcher.on_ended(next.has_value()); });
+    starter_ = nullptr;
+    if (next) begin(std::move(*next));
+}
+
+void playing::fail(const std::string& text) {
+    tell([&](play_watcher& watcher) { watcher.on_failure(text); });
+}
+
+void playing::save_counted() {
+    is_saving_ = true;
+    loop_.start_thread([this, places = std::exchange(counted_, {})] {
+        std::string problem;
+        try {
+            save_();
+        } catch (const std::exception& error) {
+            problem = error.what();
+        }
+        post([this, places, problem] { acknowledge(places, problem); });
+    });
+}
+
 /// The index reports failures itself; what it holds in memory may be saved with a later play.
-void playing::acknowledge() try {
+void playing::acknowledge(const std::vector<std::size_t>& places, const std::string& problem) {
     is_saving_ = false;
-    player_.save();
-    for (const auto place : std::exchange(counted_, {})) {
-        watcher_.on_counted(tracks_[place]);
-        ++acknowledged_;
+    save_problem_ = problem;
+    if (!problem.empty()) {
+        counted_.insert(counted_.begin(), places.begin(), places.end());
+        return;
     }
-} catch (const std::exception& error) {
-    save_problem_ = error.what();
+    for (const auto place : places) tell([&](play_watcher& watcher) { watcher.on_counted(tracks_[place]); });
+    if (!counted_.empty()) save_counted();  // those counted meanwhile
 }
 
 void playing::give_up() {
-    if (!counted_.empty()) acknowledge();
-    for (const auto place : counted_) watcher_.on_not_counted(tracks_[place], "it could not be saved");
-    if (!counted_.empty()) watcher_.on_failure(save_problem_);
+    if (counted_.empty()) return;
+    for (const auto place : counted_)
+        tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[place], "it could not be saved"); });
+    fail(save_problem_);
 }
 
 void playing::settle(std::size_t place, const play_verdict& verdict) {
     const auto& track = tracks_[place];
-    if (verdict.has_failed)
-        watcher_.on_failure(track->location().path + ": the play could not be counted: " + verdict.reason());
-    if (!verdict.is_counted) return watcher_.on_not_counted(track, verdict.reason());
+    if (verdict.has_failed) fail(track->location().path + ": the play could not be counted: " + verdict.reason());
+    if (!verdict.is_counted) return tell([&](play_watcher& watcher) { watcher.on_not_counted(track, verdict.reason()); });
     counted_.push_back(place);
-    if (!std::exchange(is_saving_, true)) post([this] { acknowledge(); });  // together with plays counted meanwhile
+    if (!is_saving_) save_counted();
 }
 
 void playing::count(std::size_t place) {
-    if (!is_heard_) return watcher_.on_not_counted(tracks_[place], "there is no sound device");
-    tell_of_play(player_.loop, player_.services, tracks_[place],
-                 [this, place](const play_verdict& verdict) { settle(place, verdict); });
+    if (!is_heard_)
+        return tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[place], "there is no sound device"); });
+    tell_of_play(loop_, services_, tracks_[place], [this, place](const play_verdict& verdict) { settle(place, verdict); });
 }
 
 void playing::show_progress() {
     if (!now_ || !status_) return;
     const bool is_current = status_->order.place(status_->order.current()) == now_->place;
-    kept_.update(*status_, is_current ? now_->position : 0);
-    watcher_.on_progress(*now_, *status_);
+    kept_->update(*status_, is_current ? now_->position : 0);
+    tell([this](play_watcher& watcher) { watcher.on_progress(*now_, *status_); });
 }
 
 playback::play_callbacks playing::callbacks() {
@@ -76,7 +149,7 @@ playback::play_callbacks playing::callbacks() {
     out.on_started = [this](std::size_t place) {
         post([this, place] {
             now_ = now_playing{tracks_[place], place};
-            watcher_.on_started(*now_);
+            tell([this](play_watcher& watcher) { watcher.on_started(*now_); });
         });
     };
     out.on_counted = [this](std::size_t place) { post([this, place] { count(place); }); };
@@ -84,15 +157,14 @@ playback::play_callbacks playing::callbacks() {
         post([this, is_heard] {
             is_heard_ = is_heard;
             if (!is_heard)
-                watcher_.on_failure(
+                fail(
                     "There is no sound device: nothing is heard, and no play is counted. Connect one, or use --audio null "
                     "to count plays without sound.");
         });
     };
     out.on_error = [this](std::size_t place, const std::string& text) {
         post([this, place, text] {
-            watcher_.on_failure(tracks_[place]->location().path + " cannot be played: " + text +
-                                ". The play was not counted.");
+            fail(tracks_[place]->location().path + " cannot be played: " + text + ". The play was not counted.");
         });
     };
     out.on_progress = [this](std::size_t place, double position, double duration) {
@@ -110,33 +182,6 @@ playback::play_callbacks playing::callbacks() {
     return out;
 }
 
-void playing::play(const std::vector<playback::play_item>& items, const playback::queue& order) {
-    try {
-        const bool is_over = engine_->run(items, order, system::interrupted());
-        post([this, is_over] { is_over_ = is_over; });
-    } catch (const std::exception& error) {
-        post([this, text = std::string(error.what())] { watcher_.on_failure(text); });
-    }
-}
-
-void playing::run(play_start start, playback::play_options options) {
-    options.volume = start.volume;
-    options.start_at = start.seconds;
-    kept_.begin(start);
-    tracks_ = std::move(start.tracks);
-    engine_.emplace(options, callbacks());
-    std::thread worker([this, items = items(), order = std::move(start.order),
-                        busy = std::optional<core::main_loop::activity>(player_.loop)]() mutable {
-        play(items, order);
-        busy.reset();
-    });
-    player_.run_until_idle();
-    worker.join();
-    give_up();
-    if (now_ && status_) kept_.end(*status_, is_over_ ? 0 : now_->position);
-    now_.reset();
-}
-
 void playing::perform(const playback::request& wanted) {
     if (!now_) return;
     if (wanted.what == playback::action::rate) rate(wanted.amount);
@@ -146,7 +191,7 @@ void playing::perform(const playback::request& wanted) {
 /// Through the menu, like any front end: what a rating is, only the components know.
 void playing::rate(double stars) {
     const metadb_handle_list track(std::vector{now_->track});
-    const auto menu = view::context_menu_for(player_.services, track);
+    const auto menu = view::context_menu_for(services_, track);
     const auto word = std::to_string(static_cast<int>(stars));
     const auto& entry = view::find_command(menu, view::rating_path(word));
     if (entry.is_enabled) entry.run();

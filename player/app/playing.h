@@ -1,14 +1,16 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "player/app/kept_queue.h"
 #include "player/app/play_counting.h"
-#include "player/app/session.h"
+#include "player/core/main_loop.h"
+#include "player/core/service_registry.h"
 #include "player/playback/mpv_player.h"
 
 namespace ostrevan::app {
@@ -32,6 +34,8 @@ public:
     virtual void on_counted(const metadb_handle_ptr& track) = 0;
     virtual void on_not_counted(const metadb_handle_ptr& track, const std::string& reason) = 0;
     virtual void on_failure(const std::string& text) = 0;
+    /// Nothing plays any more and everything is counted, or another playback is about to begin.
+    virtual void on_ended(bool is_replaced) = 0;
 
 protected:
     play_watcher() = default;
@@ -39,42 +43,74 @@ protected:
     play_watcher& operator=(const play_watcher&) = default;
 };
 
-/// Plays a list on a thread of its own while the main loop serves the components. Plays are reported once they are on disk;
-/// those in quick succession share one wait for the disk. [main-thread]
+/// What plays in this player. A list is played on a thread of its own. Plays are reported once they are on disk; those in
+/// quick succession share one wait for the disk. [main-thread]
 class playing {
 public:
-    playing(session& player, play_watcher& watcher);
+    /// `save` waits until all statistics are on disk, and throws when they cannot be saved. [any-thread]
+    playing(core::main_loop& loop, const core::service_registry& services, library::queue_store& queue,
+            std::function<void()> save);
     playing(const playing&) = delete;
     playing& operator=(const playing&) = delete;
 
-    /// Returns after the end of the list, or when the listener quits or interrupts. Runs the main loop meanwhile. The start
-    /// says where; the options say how, but for the volume and the position.
-    void run(play_start start, playback::play_options options);
+    /// Begins to play, after what plays now has been ended. The start says where; the options say how, but for the volume
+    /// and the position. The playback ends when the list does, when the listener quits, or when the current job is stopped.
+    /// `starter` watches this playback only, and lives until it has ended.
+    void start(play_start start, playback::play_options options, play_watcher& starter);
+
+    /// These watch every playback.
+    void add(play_watcher& watcher) { watchers_.push_back(&watcher); }
+    void remove(play_watcher& watcher) { std::erase(watchers_, &watcher); }
 
     /// Performs an action of the listener. Does nothing when nothing plays.
     void perform(const playback::request& wanted);
 
-    /// How many plays were counted.
-    [[nodiscard]] std::size_t counted() const noexcept { return acknowledged_; }
+    /// What sounds now; empty when nothing plays.
+    [[nodiscard]] const std::optional<now_playing>& now() const noexcept { return now_; }
+    [[nodiscard]] const std::optional<playback::play_status>& status() const noexcept { return status_; }
+    /// The list, by place.
+    [[nodiscard]] const metadb_handle_list& tracks() const noexcept { return tracks_; }
 
 private:
+    struct waiting_start {
+        play_start start;
+        playback::play_options options;
+        play_watcher* starter;
+        core::job_ptr starter_job;
+    };
+    void begin(waiting_start next);
+    void end();
+    void play(const playback::queue& order, const std::atomic<bool>& stop);
     [[nodiscard]] std::vector<playback::play_item> items() const;
     playback::play_callbacks callbacks();
-    void play(const std::vector<playback::play_item>& items, const playback::queue& order);
     void rate(double stars);
     void count(std::size_t place);
     void settle(std::size_t place, const play_verdict& verdict);
-    void acknowledge();
+    void save_counted();
+    void acknowledge(const std::vector<std::size_t>& places, const std::string& problem);
     void give_up();
     void show_progress();
     template <class Work>
+    void tell(Work work) {
+        for (auto* watcher : std::vector(watchers_)) work(*watcher);
+        if (starter_ != nullptr) work(*starter_);
+    }
+    void fail(const std::string& text);
+    template <class Work>
     void post(Work work) {
-        player_.loop.post(std::move(work));
+        loop_.post(std::move(work));
     }
 
-    session& player_;
-    play_watcher& watcher_;
-    kept_queue kept_;
+    core::main_loop& loop_;
+    const core::service_registry& services_;
+    library::queue_store& store_;
+    const std::function<void()> save_;
+    std::vector<play_watcher*> watchers_;
+    std::optional<waiting_start> next_;
+
+    // Of the current playback.
+    play_watcher* starter_ = nullptr;
+    std::optional<kept_queue> kept_;
     metadb_handle_list tracks_;
     std::optional<playback::mpv_player> engine_;
     std::optional<playback::play_status> status_;
@@ -84,7 +120,6 @@ private:
     bool is_saving_ = false;
     std::string save_problem_;
     std::vector<std::size_t> counted_;  // and not yet known to be on disk
-    std::size_t acknowledged_ = 0;
 };
 
 }  // namespace ostrevan::app

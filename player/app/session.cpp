@@ -41,10 +41,10 @@ constexpr auto lock_patience = std::chrono::milliseconds(2000);
 }  // namespace
 
 session::session(const session_options& options, view::front_end& ui)
-    : ui_(ui),
-      profile_(options.profile),
+    : profile_(options.profile),
       lock_(core::prepare_profile(profile_), lock_patience),
       loop([this](const char* what) { report(what); }),
+      ui_(loop, ui),
       services([this](const std::string& message) { report_later(message); }),
       crash_log_(core::offer<services::crash_log_service_impl>(services, file("crash.log"))),
       player_(loop, services, crash_log_, profile_, options.quiet),
@@ -59,7 +59,8 @@ session::session(const session_options& options, view::front_end& ui)
       library(file("library.sqlite"), tracks, tags::read_audio, events_),
       fields([this](const field_provider& provider, const std::string& doing) {
           services.guard().report(typeid(provider), doing);
-      }) {
+      }),
+      playing(loop, services, library.queue(), [this] { save(); }) {
     offer_services();
     const auto report_now = [this](const std::string& message) { report(message); };
     if (records_.is_read_only()) ui_.print_line(records_.refusal());
@@ -93,7 +94,7 @@ void session::offer_services() {
     core::offer<services::metadb_impl>(services, tracks);
     core::offer<services::playlist_manager_impl>(services, library.playlists(), tracks);
     core::offer<services::input_entry_impl>(services);
-    core::offer<services::library_search_impl>(services, ui_, services, library, fields);
+    core::offer<services::library_search_impl>(services, loop, ui_, services, library, fields);
     core::offer<services::progress_service_impl>(services, ui_);
     auto& open_dialogs = core::offer<services::dialog_registry_impl>(services);
     core::offer<services::dialog_service_impl>(services, loop, ui_, open_dialogs, player_);

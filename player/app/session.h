@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "player/app/job_front_ends.h"
 #include "player/app/library_events.h"
+#include "player/app/playing.h"
 #include "player/core/component_loader.h"
 #include "player/core/main_loop.h"
 #include "player/core/profile_lock.h"
@@ -28,7 +30,7 @@ struct session_options {
 };
 
 /// One run of the player on one profile, from the profile lock to the loaded components, in the order of construction.
-/// Made, used and destroyed on the main thread; one per process.
+/// Made and destroyed on the main thread, and used there by `loop.call`; one per process.
 class session {
 public:
     /// Opens the profile and starts the components. Throws with a message for the user, and changes nothing, when the
@@ -39,9 +41,12 @@ public:
     session(const session&) = delete;
     session& operator=(const session&) = delete;
 
-    /// Runs the loop until nothing is left to do: no posted work, worker, tag update or open question.
+    /// Gives the commands of a job a front end of their own. Those of other jobs use the one of the session.
+    void add_front_end(const core::job_ptr& job, std::shared_ptr<view::front_end> ui) { ui_.add(job, std::move(ui)); }
+    void remove_front_end(const core::job_ptr& job) { ui_.remove(job); }
+    /// Runs the loop until nothing is left to do: no posted work, command, worker, tag update or open question.
     void run_until_idle() { loop.run_until_idle(); }
-    /// Waits until all statistics are on disk; throws when they cannot be saved.
+    /// Waits until all statistics are on disk; throws when they cannot be saved. [any-thread]
     void save() { records_.flush(); }
     /// Throws when the profile is read-only: statistics could not follow an edit of tags.
     void require_writable() const;
@@ -60,12 +65,16 @@ private:
     void publish_rewritten(const std::vector<services::tag_rewrite>& files);
     [[nodiscard]] metadb_handle_list library_handles() const;
 
-    view::front_end& ui_;
     const std::string profile_;
     const core::profile_lock lock_;
 
 public:
     core::main_loop loop;
+
+private:
+    job_front_ends ui_;
+
+public:
     core::service_registry services;
 
 private:
@@ -86,6 +95,7 @@ public:
     library::media_library library;
     titleformat::component_fields fields;
     std::vector<core::loaded_component> components;
+    app::playing playing;
 
 private:
     void offer_services();

@@ -16,17 +16,26 @@
 namespace ostrevan::app {
 namespace {
 
+/// The tracks of the library in no order.
+std::vector<metadb_handle_ptr> items_of(session& player) {
+    return player.loop.call([&] {
+        std::vector<metadb_handle_ptr> items;
+        player.library.append_items(items);
+        return items;
+    });
+}
+
 /// Receives a message for everything left out.
 using problem_sink = std::function<void(const std::string& message)>;
 
 void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,
                          const problem_sink& on_problem) {
     const auto prefix = folder == "/" ? folder : folder + "/";
-    std::vector<metadb_handle_ptr> found;
-    for (const auto& track : player.library.items())
-        if (track->location().path.starts_with(prefix)) found.emplace_back(track);
+    auto found = items_of(player);
+    std::erase_if(found, [&](const metadb_handle_ptr& track) { return !track->location().path.starts_with(prefix); });
+    std::ranges::sort(found, {}, [](const metadb_handle_ptr& each) -> const playable_location& { return each->location(); });
     if (found.empty()) {
-        const auto on_disk = library::folder_tracks_on_disk(player.tracks, folder);
+        const auto on_disk = library::folder_tracks_on_disk(player.tracks, folder, core::stop_flag());
         for (const auto& [path, reason] : on_disk.problems) on_problem(path + ": " + reason);
         found.assign(on_disk.tracks.begin(), on_disk.tracks.end());
     }
@@ -42,9 +51,11 @@ void append_tracks_at(session& player, const std::string& place, std::vector<met
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) return append_tracks_below(player, path, out, on_problem);
 
-    const auto held = player.library.items_of_file(path);
-    auto tracks = held.empty() ? library::tracks_on_disk(player.tracks, path)
-                               : std::vector<library::track_ptr>(held.begin(), held.end());
+    auto tracks = player.loop.call([&] {
+        const auto held = player.library.items_of_file(path);
+        return std::vector<library::track_ptr>(held.begin(), held.end());
+    });
+    if (tracks.empty()) tracks = library::tracks_on_disk(player.tracks, path);
     std::ranges::stable_sort(tracks, {}, [](const library::track_ptr& track) { return track->location().subsong; });
     const auto before = out.size();
     const bool whole_file = named.path.size() == place.size();
@@ -64,7 +75,8 @@ bool is_no_audio(const std::string& place) {
 }  // namespace
 
 metadb_handle_list find_tracks(session& player, const std::string& query) {
-    return view::find_tracks(player.library, player.fields, query);
+    const auto items = items_of(player);
+    return view::find_tracks(items, player.fields, view::parse_query(items, player.fields, query));
 }
 
 selection tracks_at(session& player, const std::vector<std::string>& places) {

@@ -7,6 +7,8 @@
 
 namespace ostrevan::app {
 
+// For the own thread of a job.
+
 /// The tracks of the library that match a query.
 metadb_handle_list find_tracks(session& player, const std::string& query);
 

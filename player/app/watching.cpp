@@ -23,7 +23,7 @@ void watching::run(const std::atomic<bool>& stop) {
     watch::observation_queue news;
     const auto mpris = watch::watch_mpris(news, options_.players);
     const auto mpd = options_.players.admits("mpd") ? watch::watch_mpd(news, options_.music_folder) : nullptr;
-    while (!stop)
+    for (; !stop; core::job::current()->serve())
         if (const auto heard = news.pop(patience)) take(*heard);
 }
 

@@ -46,6 +46,11 @@ void job::take_over() {
     own_thread_ = std::this_thread::get_id();
 }
 
+void job::leave() {
+    const std::lock_guard lock(mutex_);
+    own_thread_ = {};
+}
+
 void job::serve_until(const std::function<bool()>& is_done) {
     std::unique_lock lock(mutex_);
     for (;;) {
@@ -64,9 +69,9 @@ void job::wait_until_idle() {
     serve_until([this] { return begun_ == 0; });
 }
 
-bool is_stopping() noexcept {
+const std::atomic<bool>& stop_flag() noexcept {
     const auto& job = job::current();
-    return job ? job->stop().load() : system::interrupted().load();
+    return job ? job->stop() : system::interrupted();
 }
 
 }  // namespace ostrevan::core

@@ -18,7 +18,7 @@ using job_ptr = std::shared_ptr<job>;
 /// One command under way. It counts what it has begun, posted tasks and activities, and is idle when all of that is done. It
 /// has a thread of its own, which carries out the command and everything that belongs on the user's side, such as reading an
 /// answer.
-class job {
+class job : public std::enable_shared_from_this<job> {
 public:
     /// The thread that makes it is its own until another one calls `take_over`.
     job() : stop_(&own_stop_) {}
@@ -51,12 +51,19 @@ public:
     /// Runs the task on the job's own thread: at once when called there, else when that thread waits next.
     void run_on_own_thread(std::function<void()> task);
 
-    // On the job's own thread.
     /// Makes the calling thread the job's own. The former one must no longer use it.
     void take_over();
+    /// Without an own thread, tasks wait until another one takes over.
+    void leave();
+
+    // On the job's own thread.
     /// Carries out tasks until `is_done`, which is asked after every end of something begun. It must not use the job.
     void serve_until(const std::function<bool()>& is_done);
     void wait_until_idle();
+    /// Carries out the tasks that wait.
+    void serve() {
+        serve_until([] { return true; });
+    }
 
 private:
     std::atomic<bool> own_stop_{false};
@@ -68,7 +75,8 @@ private:
     std::size_t begun_ = 0;
 };
 
-/// Whether the user wants the work of this thread to end: that of its job or, without one, the whole process.
-bool is_stopping() noexcept;
+/// Becomes true when the user wants the work of this thread to end: that of its job or, without one, the whole process.
+const std::atomic<bool>& stop_flag() noexcept;
+inline bool is_stopping() noexcept { return stop_flag(); }
 
 }  // namespace ostrevan::core

@@ -29,6 +29,18 @@ void main_loop::end_activity(const job_ptr& of) noexcept {
     changed_.notify_one();
 }
 
+void main_loop::start_thread(task work) {
+    std::thread([this, busy = activity(*this), work = std::move(work)]() mutable {
+        const job::scope scope(busy.of());
+        try {
+            work();
+        } catch (...) {
+            post([failure = std::current_exception()] { std::rethrow_exception(failure); });
+        }
+        work = nullptr;  // while the loop still waits
+    }).detach();
+}
+
 void main_loop::run(posted& next) const {
     const job::scope scope(next.of);
     try {

@@ -69,6 +69,10 @@ public:
         job_ptr job_;
     };
 
+    /// Runs work on a thread of its own, as an activity of the current job. What it throws is treated as if posted work had
+    /// thrown it. [any-thread]
+    void start_thread(task work);
+
     /// Runs posted work until none is left and no activity is under way. [main-thread]
     void run_until_idle();
 

@@ -9,7 +9,6 @@
 #include "player/library/folder_walk.h"
 #include "player/library/name_filter.h"
 #include "player/library/read_files.h"
-#include "player/system/interrupt.h"
 #include "player/tags/reader.h"
 
 namespace ostrevan::library {
@@ -25,9 +24,9 @@ std::vector<track_ptr> tracks_on_disk(track_table& tracks, const std::string& pa
     throw std::runtime_error(path + ": " + reason_of(error, path));
 }
 
-folder_on_disk folder_tracks_on_disk(track_table& tracks, const std::string& folder) {
+folder_on_disk folder_tracks_on_disk(track_table& tracks, const std::string& folder, const std::atomic<bool>& stop) {
     constexpr std::size_t workers_of_walk = 1;
-    worker_group workers(workers_of_walk, &system::interrupted());
+    worker_group workers(workers_of_walk, &stop);
     const name_filter names;
     auto found = walk_folder(folder,
                              {.is_wanted = [&](std::string_view name) { return names.is_wanted(name); },
@@ -45,7 +44,7 @@ folder_on_disk folder_tracks_on_disk(track_table& tracks, const std::string& fol
     });
     std::unordered_set<std::string> claimed;
     for (const auto& [path, stamp, device] : found.files) {
-        if (system::interrupted()) break;
+        if (stop) break;
         try {
             if (is_cue_path(path))
                 for (auto& audio : locate_sheet(path).audio) claimed.insert(std::move(audio));

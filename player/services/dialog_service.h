@@ -8,8 +8,7 @@
 
 namespace ostrevan::services {
 
-/// Dialogs for components. An open dialog is shown once per turn of the main loop until it is closed, so that work posted
-/// by its rules, such as a message, runs in between.
+/// Dialogs for components.
 class dialog_service_impl : public dialog_service {
 public:
     dialog_service_impl(core::main_loop& loop, view::front_end& ui, dialog_registry& registry, player_api& player)
@@ -17,8 +16,6 @@ public:
     void open(dialog_rules_ptr rules) override;
 
 private:
-    void take_turn(const std::shared_ptr<view::open_dialog>& dialog, unsigned turn);
-
     core::main_loop& loop_;
     view::front_end& ui_;
     dialog_registry& registry_;

@@ -1,7 +1,9 @@
 #include "player/services/file_dialog_service.h"
 
 #include <filesystem>
+#include <utility>
 
+#include "player/core/component_call.h"
 #include "player/core/main_loop.h"
 #include "player/system/local_path.h"
 
@@ -21,19 +23,31 @@ std::string with_extension(const std::string& name, const std::string& extension
 
 }  // namespace
 
-std::optional<std::string> file_dialog_service_impl::ask(const query_t& query) {
+void file_dialog_service_impl::ask(query_t query) {
     core::check_main_thread("file_dialog_service::ask");
-    auto path = ui_.ask_file(query);
-    if (!path || !query.save) return path;
+    const auto reply = [given = std::move(query.reply)](const std::optional<std::string>& path) {
+        if (given) core::call_component(given.target_type(), [&] { given(path); });
+    };
+    if (query.save)
+        query.reply = [this, reply, title = query.title,
+                       extension = query.default_extension](const std::optional<std::string>& path) {
+            if (path) confirm(with_extension(*path, extension), title, reply);
+            else reply(path);
+        };
+    else query.reply = reply;
+    ui_.ask_file(std::move(query));
+}
 
-    path = with_extension(*path, query.default_extension);
+void file_dialog_service_impl::confirm(const std::string& path, const std::string& title, const reply_t& reply) {
     std::error_code error;
-    if (!system::is_local_path(*path) || !std::filesystem::is_regular_file(system::local_path(*path), error)) return path;
-    const auto answer = ui_.ask({.text = *path + " is there already. Replace it?",
-                                 .title = query.title,
-                                 .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
-                                 .reply = {}});
-    return answer == popup_message_v3::answer_yes ? path : std::nullopt;
+    if (!system::is_local_path(path) || !std::filesystem::is_regular_file(system::local_path(path), error))
+        return reply(path);
+    ui_.ask({.text = path + " is there already. Replace it?",
+             .title = title,
+             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
+             .reply = [path, reply](unsigned answer) {
+                 reply(answer == popup_message_v3::answer_yes ? std::optional(path) : std::nullopt);
+             }});
 }
 
 }  // namespace ostrevan::services

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "ostrevan/file_dialog.h"
@@ -11,10 +10,13 @@ namespace ostrevan::services {
 /// Asks for files. A name for saving gets the default extension; replacing a file needs a confirmation.
 class file_dialog_service_impl : public file_dialog_service {
 public:
-    file_dialog_service_impl(view::front_end& ui) : ui_(ui) {}
-    std::optional<std::string> ask(const query_t& query) override;
+    explicit file_dialog_service_impl(view::front_end& ui) : ui_(ui) {}
+    void ask(query_t query) override;
 
 private:
+    using reply_t = decltype(query_t::reply);
+    void confirm(const std::string& path, const std::string& title, const reply_t& reply);
+
     view::front_end& ui_;
 };
 

@@ -8,10 +8,11 @@ namespace ostrevan::services {
 
 void popup_message_v3_impl::messageBoxAsync(query_t query) {
     core::check_main_thread("messageBoxAsync");
-    loop_.post([&ui = ui_, query = std::move(query)] {
-        const unsigned answer = ui.ask(query);
-        if (query.reply) core::call_component(query.reply.target_type(), [&] { query.reply(answer); });
-    });
+    if (query.reply)
+        query.reply = [reply = std::move(query.reply)](unsigned answer) {
+            core::call_component(reply.target_type(), [&] { reply(answer); });
+        };
+    loop_.post([&ui = ui_, query = std::move(query)] { ui.ask(query); });
 }
 
 void popup_message_impl::show(const char* text, const char* title, icon_t icon) {

@@ -6,8 +6,7 @@
 
 namespace ostrevan::services {
 
-/// Asks questions from the loop, so that the command has returned when the reply comes. An open question keeps the loop
-/// from being idle.
+/// Asks questions from the loop, after everything that the asking call itself says.
 class popup_message_v3_impl : public popup_message_v3 {
 public:
     popup_message_v3_impl(core::main_loop& loop, view::front_end& ui) : loop_(loop), ui_(ui) {}

@@ -4,7 +4,9 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -19,10 +21,20 @@ class Option;
 
 namespace ostrevan::terminal {
 
-/// The context of a command. Results go to standard output; failures are thrown, or reported to the screen one by one.
+/// The context of a command, which runs on the own thread of its job. Results go to `out`; failures are thrown, or reported
+/// to the screen one by one.
 struct run_context {
     app::session& player;
     terminal& screen;
+    std::ostream& out;
+    core::job& job;
+
+    /// Runs work on the main thread, where components and the library are used, and returns its value. Keep it short:
+    /// everything else waits meanwhile.
+    template <typename Work>
+    auto on_main(Work work) const {
+        return player.loop.call(std::move(work));
+    }
 };
 
 /// A command with its arguments.

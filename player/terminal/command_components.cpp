@@ -1,4 +1,3 @@
-#include <iostream>
 
 #include "player/app/component_description.h"
 #include "player/terminal/command.h"
@@ -15,9 +14,11 @@ constexpr const char* components_examples =
 void print_components(run_context& context) {
     for (const auto& component : context.player.components) {
         const auto* const version = core::version_of(component);
-        std::cout << core::name_of(component) << (version == nullptr ? "" : std::string(" ") + version->version()) << '\n';
-        for (const auto& [what, value] : app::describe(component, context.player.index.registrations()))
-            std::cout << "  " << what << std::string(11 - what.size(), ' ') << value << '\n';
+        context.out << core::name_of(component) << (version == nullptr ? "" : std::string(" ") + version->version()) << '\n';
+        const auto description =
+            context.on_main([&] { return app::describe(component, context.player.index.registrations()); });
+        for (const auto& [what, value] : description)
+            context.out << "  " << what << std::string(11 - what.size(), ' ') << value << '\n';
     }
 }
 

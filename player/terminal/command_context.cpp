@@ -52,15 +52,15 @@ void run_context_menu(run_context& context, const context_words& words) {
     const auto tracks = tracks_of(context, words.tracks);
     const auto& services = context.player.services;
     const auto what_for = tracks_text(tracks.get_count());
-    if (!words.command) return print_menu(view::context_menu_for(services, tracks));
-    if (const auto id = nuv::parse_guid(*words.command)) {
-        if (!view::run_context_command(services, *id, tracks))
+    if (const auto id = nuv::parse_guid(words.command.value_or(""))) {
+        if (!context.on_main([&] { return view::run_context_command(services, *id, tracks); }))
             throw system::user_error("No component has a command " + *words.command + ".");
-        context.player.run_until_idle();
+        context.job.wait_until_idle();
         return context.screen.note_done("The command is done " + what_for);
     }
-    if (tracks.empty()) return;
-    const auto menu = view::context_menu_for(services, tracks);
+    if (tracks.empty() && words.command) return;
+    const auto menu = context.on_main([&] { return view::context_menu_for(services, tracks); });
+    if (!words.command) return print_menu(context.out, menu);
     const auto& entry = view::find_command(menu, *words.command);
     run_entry(context, entry, "for these tracks");
     context.screen.note_done(path_of(menu, entry) + " is done " + what_for);

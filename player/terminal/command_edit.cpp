@@ -87,8 +87,8 @@ void edit(run_context& context, const edit_options& wanted) {
     if (wanted.tracks.where && tracks.get_count() > many_files && !is_wanted(context.screen, tracks.get_count())) return;
     const auto filter = service_new<tag_edit_filter>(wanted);
     auto* const service = context.player.services.at(tag_update_service::class_guid, 0);
-    static_cast<tag_update_service*>(service)->update_async(tracks, filter, nullptr, 0, {});
-    context.player.run_until_idle();
+    context.on_main([&] { static_cast<tag_update_service*>(service)->update_async(tracks, filter, nullptr, 0, {}); });
+    context.job.wait_until_idle();
     context.screen.note_done(filter->summary());
 }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iostream>
 #include <optional>
 
 #include "player/system/user_error.h"
@@ -16,7 +15,8 @@ constexpr const char* index_examples =
     "  ostrevan index prune\n"
     "Records are kept until you prune them; the index is backed up first.";
 
-void dump(const services::index_manager_impl& index, const nuv::guid& id) {
+void dump(run_context& context, const nuv::guid& id) {
+    const auto& index = context.player.index;
     const auto name = nuv::guid_text(id);
     std::vector<unsigned char> blob(index::index_store::max_record_size);
     std::string line;
@@ -25,22 +25,22 @@ void dump(const services::index_manager_impl& index, const nuv::guid& id) {
         const auto size = std::min(index.read(id, key, blob.data(), blob.size()), blob.size());
         line.assign(name).append(" ").append(hexadecimal(key)).append(" ");
         for (std::size_t i = 0; i < size; ++i) line.append({digits[blob[i] >> 4], digits[blob[i] & 15]});
-        std::cout << line << '\n';
+        context.out << line << '\n';
     }
 }
 
 void dump_index(run_context& context, const std::optional<std::string>& wanted) {
     if (!wanted) {
-        for (const auto& id : context.player.stored_indexes()) dump(context.player.index, id);
+        for (const auto& id : context.player.stored_indexes()) dump(context, id);
         return;
     }
     const auto id = nuv::parse_guid(*wanted);
     if (!id) throw system::user_error("\"" + *wanted + "\" is not a GUID; 'ostrevan index dump' shows those in use.");
-    dump(context.player.index, *id);
+    dump(context, *id);
 }
 
 void prune(run_context& context) {
-    const auto old = context.player.old_records();
+    const auto old = context.on_main([&] { return context.player.old_records(); });
     std::size_t number = 0;
     for (const auto& records : old) number += records.keys.size();
     if (number == 0) return context.screen.note("No record is old enough.");
@@ -52,7 +52,7 @@ void prune(run_context& context) {
                     (number == 1 ? "it" : "them") + "? A copy of the index is put into the folder backup first.";
     question.style = popup_message_v3::style_yes_no;
     if (context.screen.ask(question) != popup_message_v3::answer_yes) return;
-    context.player.index.drop(old);
+    context.on_main([&] { context.player.index.drop(old); });
     context.screen.note(which + " removed.");
 }
 

@@ -1,4 +1,3 @@
-#include <iostream>
 #include <stdexcept>
 
 #include "player/terminal/command.h"
@@ -13,13 +12,13 @@ constexpr const char* key_examples =
     "  ostrevan key ~/Music/song.flac";
 
 void print_keys(run_context& context, const track_arguments& wanted) {
-    if (context.player.index.registrations().empty())
-        throw std::runtime_error("No component has registered an index; see 'ostrevan components'.");
+    const auto indexes = context.on_main([&] { return context.player.index.registrations(); });
+    if (indexes.empty()) throw std::runtime_error("No component has registered an index; see 'ostrevan components'.");
     for (const auto& track : tracks_of(context, wanted)) {
-        const auto key = key_text(context.player.index, *track);
-        std::cout << (key.empty() ? std::string(16, '-') : key) << ' ' << track->location().path;
-        if (track->location().subsong != 0) std::cout << '|' << track->location().subsong;
-        std::cout << '\n';
+        const auto key = key_text(indexes, *track);
+        context.out << (key.empty() ? std::string(16, '-') : key) << ' ' << track->location().path;
+        if (track->location().subsong != 0) context.out << '|' << track->location().subsong;
+        context.out << '\n';
     }
 }
 

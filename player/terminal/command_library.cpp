@@ -1,6 +1,4 @@
-#include <iostream>
 
-#include "player/system/interrupt.h"
 #include "player/terminal/command.h"
 #include "player/terminal/table.h"
 
@@ -19,9 +17,11 @@ constexpr const char* library_examples =
 
 library::scan_options options_for(run_context& context) {
     library::scan_options options;
-    options.stop = &system::interrupted();
-    options.on_progress = [&screen = context.screen](const library::scan_progress& progress) {
-        screen.show_progress("files  " + progress.folder, progress.files_done, progress.files_known);
+    options.stop = &context.job.stop();
+    options.on_progress = [&context](const library::scan_progress& progress) {
+        context.job.run_on_own_thread([&screen = context.screen, progress] {
+            screen.show_progress("files  " + progress.folder, progress.files_done, progress.files_known);
+        });
     };
     return options;
 }
@@ -52,21 +52,23 @@ void report(run_context& context, const library::scan_summary& done) {
 
 void finish_scan(run_context& context, const library::scan_summary& done) {
     report(context, done);
-    context.player.run_until_idle();
-    if (!done.is_stopped) context.player.mark_library_seen();
+    context.job.wait_until_idle();
+    if (!done.is_stopped) context.on_main([&] { context.player.mark_library_seen(); });
 }
 
 void add_folders(run_context& context, const paths& folders) {
-    const auto done = context.player.library.add_folders(folders, options_for(context));
+    const auto done = context.on_main([&] { return context.player.library.add_folders(folders, options_for(context)); });
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size()) finish_scan(context, done);
 }
 
 void rescan(run_context& context, const paths& folders) {
     auto& library = context.player.library;
-    if (!library.is_enabled())
+    if (!context.on_main([&] { return library.is_enabled(); }))
         context.screen.note("The library has no folder yet: add one with 'ostrevan library add FOLDER'.");
-    const auto done = folders.empty() ? library.rescan(options_for(context)) : library.rescan(folders, options_for(context));
+    const auto done = context.on_main([&] {
+        return folders.empty() ? library.rescan(options_for(context)) : library.rescan(folders, options_for(context));
+    });
     refuse(context.screen, done.refused);
     if (folders.empty() || done.refused.size() < folders.size()) finish_scan(context, done);
 }
@@ -75,14 +77,14 @@ void rescan(run_context& context, const paths& folders) {
 void ignore(run_context& context, const paths& places, bool undo) {
     auto& library = context.player.library;
     if (places.empty())
-        for (const auto& path : library.ignored()) std::cout << path << '\n';
+        for (const auto& path : context.on_main([&] { return library.ignored(); })) context.out << path << '\n';
     else if (undo) {
-        const auto done = library.stop_ignoring(places);
+        const auto done = context.on_main([&] { return library.stop_ignoring(places); });
         refuse(context.screen, done.refused);
         if (done.refused.size() < places.size())
             context.screen.note("No longer left out; 'ostrevan library rescan' reads it.");
     } else {
-        const auto done = library.ignore(places);
+        const auto done = context.on_main([&] { return library.ignore(places); });
         refuse(context.screen, done.refused);
         if (done.refused.size() < places.size())
             context.screen.note(counted(done.tracks_removed, "track", "tracks") +
@@ -91,7 +93,7 @@ void ignore(run_context& context, const paths& places, bool undo) {
 }
 
 void remove_folders(run_context& context, const paths& folders) {
-    const auto done = context.player.library.remove_folders(folders);
+    const auto done = context.on_main([&] { return context.player.library.remove_folders(folders); });
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size())
         context.screen.note(counted(done.tracks_removed, "track", "tracks") +
@@ -99,7 +101,8 @@ void remove_folders(run_context& context, const paths& folders) {
 }
 
 void print_folders(run_context& context) {
-    for (const auto& folder : context.player.library.folders()) std::cout << folder.path << '\n';
+    for (const auto& folder : context.on_main([&] { return context.player.library.folders(); }))
+        context.out << folder.path << '\n';
 }
 
 const command_file library_commands(10, [](declared_command& program) {

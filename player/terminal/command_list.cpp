@@ -1,5 +1,4 @@
 #include <cmath>
-#include <iostream>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -34,7 +33,8 @@ constexpr const char* list_examples =
 
 std::optional<query::sort_order> order_of(const run_context& context, const list_options& wanted) {
     if (!wanted.sort) return std::nullopt;
-    const auto column = view::find_column(view::all_columns(context.player.services), *wanted.sort);
+    const auto column =
+        context.on_main([&] { return view::find_column(view::all_columns(context.player.services), *wanted.sort); });
     return query::sort_order{titleformat::compile(column.sort_script), wanted.descending};
 }
 
@@ -74,9 +74,12 @@ json seconds_of(const metadb_handle& track) {
     return std::round(info->info().length() * 1000) / 1000;
 }
 
-json object_of(const run_context& context, const std::set<std::string>& component_fields, metadb_handle& track) {
+using registrations = std::vector<services::index_manager_impl::registration>;
+
+json object_of(const run_context& context, const registrations& indexes, const std::set<std::string>& component_fields,
+               metadb_handle& track) {
     const titleformat::track_fields fields(context.player.fields, track);
-    const auto key = key_text(context.player.index, track);
+    const auto key = key_text(indexes, track);
     json object{{"path", track.location().path},
                 {"subsong", track.location().subsong},
                 {"key", key.empty() ? json() : json(key)},
@@ -91,19 +94,20 @@ json object_of(const run_context& context, const std::set<std::string>& componen
 }
 
 void print_json(const run_context& context, const metadb_handle_list& tracks) {
+    const auto indexes = context.on_main([&] { return context.player.index.registrations(); });
     std::set<std::string> component_fields;
     for (const auto& [name, entry] : context.player.fields.all()) component_fields.insert(name);
 
     // One object per line, so that only one track is held as JSON at a time.
-    std::cout << '[';
+    context.out << '[';
     const char* separator = "\n";
     for (const auto& track : tracks) {
-        if (!std::cout) return;
-        const auto object = object_of(context, component_fields, *track);
-        std::cout << separator << object.dump(-1, ' ', false, json::error_handler_t::replace);
+        if (!context.out || context.job.stop()) return;
+        const auto object = object_of(context, indexes, component_fields, *track);
+        context.out << separator << object.dump(-1, ' ', false, json::error_handler_t::replace);
         separator = ",\n";
     }
-    std::cout << "\n]\n";
+    context.out << "\n]\n";
 }
 
 std::string in_one_line(const std::vector<std::string>& words) {
@@ -113,7 +117,7 @@ std::string in_one_line(const std::vector<std::string>& words) {
 }
 
 void list(run_context& context, const list_options& wanted) {
-    const auto columns = columns_of(context, wanted.columns);
+    const auto columns = context.on_main([&] { return columns_of(context, wanted.columns); });
     const auto order = order_of(context, wanted);
     const auto query = in_one_line(wanted.query);
     auto tracks = app::find_tracks(context.player, query);
@@ -121,7 +125,7 @@ void list(run_context& context, const list_options& wanted) {
     if (wanted.json) print_json(context, tracks);
     else if (wanted.format) print_lines(context, tracks, *wanted.format);
     else context.screen.show_listing(view::listing_of(tracks, columns, context.player.fields));
-    if (tracks.empty() && !context.player.library.is_enabled())
+    if (tracks.empty() && !context.on_main([&] { return context.player.library.is_enabled(); }))
         context.screen.note("The library is empty: add a folder with 'ostrevan library add FOLDER'.");
     else if (tracks.empty()) context.screen.note("No track of the library matches " + query);
 }

@@ -1,4 +1,3 @@
-#include <iostream>
 #include <optional>
 
 #include "player/system/user_error.h"
@@ -36,16 +35,21 @@ const view::menu_entry& entry_of(const std::vector<view::menu_entry>& menu, cons
     return *entry;
 }
 
+std::vector<view::menu_entry> main_menu(const run_context& context) {
+    const auto& player = context.player;
+    return context.on_main([&] { return view::main_menu_of(player.components, player.services.guard()); });
+}
+
 /// The current mark of the command.
 bool is_marked(run_context& context, const nuv::guid& id) {
-    const auto menu = view::main_menu_of(context.player.components, context.player.services.guard());
+    const auto menu = main_menu(context);
     const auto* const entry = view::find_command(menu, id);
     return entry != nullptr && entry->is_checked;
 }
 
 void run_main_menu(run_context& context, const menu_words& words) {
-    const auto menu = view::main_menu_of(context.player.components, context.player.services.guard());
-    if (!words.command) return print_menu(menu);
+    const auto menu = main_menu(context);
+    if (!words.command) return print_menu(context.out, menu);
     const auto& entry = entry_of(menu, *words.command);
     const bool before = entry.is_checked;
     const bool wanted = words.value ? parse_switch(*words.value) : !before;
@@ -54,7 +58,7 @@ void run_main_menu(run_context& context, const menu_words& words) {
     if (wanted != before) run_entry(context, entry, "now");
     const bool after = is_marked(context, entry.id);
     if (words.value && after != wanted) refuse();
-    if (words.value || after != before) std::cout << entry.text << ": " << switch_word(after) << '\n';
+    if (words.value || after != before) context.out << entry.text << ": " << switch_word(after) << '\n';
     else context.screen.note_done(entry.text + " is done");
 }
 

@@ -1,7 +1,6 @@
 #include <algorithm>
 
-#include "player/app/playing.h"
-#include "player/system/interrupt.h"
+#include "player/app/play_start.h"
 #include "player/terminal/command.h"
 #include "player/terminal/play_keys.h"
 #include "player/terminal/play_screen.h"
@@ -65,29 +64,32 @@ std::optional<app::play_start> start_of(run_context& context, const play_words& 
                            {.repeat = repeat.value_or(repeat_mode::off), .shuffle = shuffle.value_or(shuffle_mode::off)});
 }
 
+void press(run_context& context, const std::string& key) {
+    const core::job::scope scope(context.job.shared_from_this());
+    context.player.loop.post([&context, key] {
+        if (key == "?") return context.job.run_on_own_thread([&context] { context.screen.print_line(keys_help()); });
+        if (const auto wanted = request_of(key)) context.player.playing.perform(*wanted);
+    });
+}
+
 void play(run_context& context, const play_words& words) {
     auto start = start_of(context, words);
     if (!start) return;
     if (words.volume) start->volume = *words.volume;
-    play_screen screen(context, start->tracks.get_count());
-    app::playing playing(context.player, screen);
-    const auto audio = words.audio == "null" ? playback::audio_output::null : playback::audio_output::automatic;
+    play_screen shown(context, start->tracks.get_count());
+    auto& playing = context.player.playing;
     // A full-speed run is over before a key could be meant for it.
-    if (!words.fast) {
-        context.screen.read_keys([&context, &playing](const std::string& key) {
-            context.player.loop.post([&context, &playing, key] {
-                if (key == "?") return context.screen.print_line(keys_help());
-                if (const auto wanted = request_of(key)) playing.perform(*wanted);
-            });
-        });
-    }
+    if (!words.fast) context.screen.read_keys([&context](const std::string& key) { press(context, key); });
+    const auto audio = words.audio == "null" ? playback::audio_output::null : playback::audio_output::automatic;
     const auto gain = mode_of<replay_gain>(words.gain, gain_names).value_or(replay_gain::off);
-    playing.run(std::move(*start), {.audio = audio, .fast = words.fast, .gain = gain});
+    context.on_main([&] { playing.start(std::move(*start), {.audio = audio, .fast = words.fast, .gain = gain}, shown); });
+    context.job.serve_until([&] { return shown.has_ended(); });
     context.screen.stop_keys();
-    context.player.run_until_idle();  // keys that came at the end
+    context.job.wait_until_idle();  // keys that came at the end
     context.screen.end_progress();
-    if (system::interrupted())
-        context.screen.note("Interrupted: plays counted so far (" + std::to_string(playing.counted()) + ") are kept.");
+    if (context.job.stop())
+        context.screen.note("Interrupted: plays counted so far (" + std::to_string(shown.counted()) + ") are kept.");
+    else if (shown.is_replaced()) context.screen.note("Something else was asked to play.");
 }
 
 const command_file play_command(30, [](declared_command& program) {

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 #include <stdexcept>
 
@@ -20,19 +19,20 @@ constexpr const char* playlist_examples =
     "  ostrevan play --playlist Favourites";
 
 void print_names(run_context& context) {
-    for (const auto& name : context.player.library.playlists().names()) std::cout << name << '\n';
+    for (const auto& name : context.on_main([&] { return context.player.library.playlists().names(); }))
+        context.out << name << '\n';
 }
 
 void print_tracks(run_context& context, const std::string& name) {
     for (const auto& [path, subsong] : entries_of(context, name)) {
         const auto track = context.player.tracks.find(path, subsong);
-        std::cout << path;
-        if (subsong != 0) std::cout << '|' << subsong;
+        context.out << path;
+        if (subsong != 0) context.out << '|' << subsong;
         if (track) {
             const titleformat::track_fields fields(context.player.fields, *track);
-            std::cout << '\t' << titleformat::compile("[%artist% - ]%title%").run(fields).text;
+            context.out << '\t' << titleformat::compile("[%artist% - ]%title%").run(fields).text;
         }
-        std::cout << '\n';
+        context.out << '\n';
     }
 }
 
@@ -55,7 +55,7 @@ void note_count(run_context& context, const std::string& name, std::size_t count
 }
 
 void make_playlist(run_context& context, const std::string& name, const std::vector<playable_location>& entries) {
-    if (!context.player.library.playlists().create(name, entries)) throw_taken(name);
+    if (!context.on_main([&] { return context.player.library.playlists().create(name, entries); })) throw_taken(name);
     note_count(context, name, entries.size());
 }
 
@@ -63,32 +63,45 @@ void create_playlist(run_context& context, const std::string& name, const track_
     make_playlist(context, name, locations_of(tracks_of(context, wanted)));
 }
 
+/// In one step, so that no other command comes in between.
+template <typename Change>
+void change(run_context& context, const std::string& name, Change change_entries) {
+    context.on_main([&] {
+        auto entries = entries_of(context, name);
+        change_entries(entries);
+        context.player.library.playlists().replace(name, entries);
+    });
+}
+
 void append(run_context& context, const std::string& name, const track_arguments& wanted) {
-    auto entries = entries_of(context, name);
-    std::ranges::move(locations_of(tracks_of(context, wanted)), std::back_inserter(entries));
-    context.player.library.playlists().replace(name, entries);
-    note_count(context, name, entries.size());
+    (void)entries_of(context, name);
+    auto more = locations_of(tracks_of(context, wanted));
+    std::size_t count = 0;
+    change(context, name, [&](std::vector<playable_location>& entries) {
+        std::ranges::move(more, std::back_inserter(entries));
+        count = entries.size();
+    });
+    note_count(context, name, count);
 }
 
 void rename(run_context& context, const std::string& name, const std::string& new_name) {
     (void)entries_of(context, name);
-    if (!context.player.library.playlists().rename(name, new_name)) throw_taken(new_name);
+    if (!context.on_main([&] { return context.player.library.playlists().rename(name, new_name); })) throw_taken(new_name);
 }
 
 /// Places count from 1.
 void move_entry(run_context& context, const std::string& name, std::size_t from, std::size_t to) {
-    auto entries = entries_of(context, name);
-    if (from < 1 || to < 1 || from > entries.size() || to > entries.size())
-        throw std::runtime_error("Playlist " + in_quotes(name) + " has the places 1 to " + std::to_string(entries.size()) +
-                                 ".");
-    auto moved = std::move(entries[from - 1]);
-    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(from - 1));
-    entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(to - 1), std::move(moved));
-    context.player.library.playlists().replace(name, entries);
+    change(context, name, [&](std::vector<playable_location>& entries) {
+        if (from < 1 || to < 1 || from > entries.size() || to > entries.size())
+            throw std::runtime_error("Playlist " + in_quotes(name) + " has the places 1 to " +
+                                     std::to_string(entries.size()) + ".");
+        auto moved = std::move(entries[from - 1]);
+        entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(from - 1));
+        entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(to - 1), std::move(moved));
+    });
 }
 
 void remove_playlist(run_context& context, const std::string& name) {
-    auto& playlists = context.player.library.playlists();
     const auto entries = entries_of(context, name);
     const auto quoted = in_quotes(name);
     const auto answer =
@@ -97,7 +110,7 @@ void remove_playlist(run_context& context, const std::string& name) {
                             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
                             .reply = {}});
     if (answer != popup_message_v3::answer_yes) return;
-    playlists.remove(name);
+    context.on_main([&] { context.player.library.playlists().remove(name); });
     context.screen.note("Playlist " + quoted + " is removed; its tracks stay.");
 }
 
@@ -140,7 +153,7 @@ const command_file playlist_commands(100, [](declared_command& program) {
     importing.add_option("NAME", name.get()).required();
     importing.add_option("PATH", file.get()).required();
     importing.run([name, file](run_context& context) {
-        if (context.player.library.playlists().entries(*name)) throw_taken(*name);
+        if (context.on_main([&] { return context.player.library.playlists().entries(*name); })) throw_taken(*name);
         make_playlist(context, *name, read_playlist_file(context, *file));
     });
     auto remove = playlist.add("remove", "Remove a playlist; its tracks stay");

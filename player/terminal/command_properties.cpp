@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iostream>
 
 #include "player/terminal/command.h"
 #include "player/terminal/table.h"
@@ -16,13 +15,14 @@ constexpr const char* properties_examples =
 
 void print_properties(run_context& context, const track_arguments& wanted) {
     const auto tracks = tracks_of(context, wanted);
-    for (const auto& section : view::track_properties(context.player.services, tracks)) {
-        std::cout << section.name << '\n';
+    const auto sections = context.on_main([&] { return view::track_properties(context.player.services, tracks); });
+    for (const auto& section : sections) {
+        context.out << section.name << '\n';
         std::size_t width = 0;
         for (const auto& row : section.rows) width = std::max(width, display_width(row.name));
         for (const auto& row : section.rows)
-            std::cout << "  " << row.name << std::string(width - display_width(row.name) + 2, ' ') << row.value << '\n';
-        if (section.rows.empty()) std::cout << "  nothing recorded\n";
+            context.out << "  " << row.name << std::string(width - display_width(row.name) + 2, ' ') << row.value << '\n';
+        if (section.rows.empty()) context.out << "  nothing recorded\n";
     }
 }
 

@@ -1,5 +1,5 @@
-#include <iostream>
 #include <optional>
+#include <sstream>
 #include "player/terminal/command.h"
 #include "player/terminal/switch_word.h"
 #include "player/view/settings_tree.h"
@@ -24,24 +24,32 @@ std::pair<std::string, std::string> parts_of(const std::string& label) {
     return {label.substr(0, open), label.substr(open + 1)};
 }
 
-void print(const advanced_setting& setting, const advanced_checkbox* checkbox, std::size_t depth) {
+void print(std::ostream& out, const advanced_setting& setting, const advanced_checkbox* checkbox, std::size_t depth) {
     const std::string indent(2 * depth, ' ');
     const auto [name, remark] = parts_of(setting.label());
-    std::cout << indent << name;
-    if (checkbox != nullptr) std::cout << ": " << switch_word(checkbox->get_state());
-    if (!remark.empty()) std::cout << '\n' << indent << "  " << remark;
-    std::cout << '\n';
+    out << indent << name;
+    if (checkbox != nullptr) out << ": " << switch_word(checkbox->get_state());
+    if (!remark.empty()) out << '\n' << indent << "  " << remark;
+    out << '\n';
+}
+
+/// [main-thread]
+std::string settings_text(const app::session& player, const setting_words& words) {
+    std::ostringstream out;
+    const auto tree = view::settings_tree(player.services);
+    if (!words.name) {
+        for (const auto& [setting, checkbox, depth] : tree) print(out, *setting, checkbox, depth);
+    } else {
+        auto& checkbox = view::find_checkbox(tree, *words.name);
+        if (words.value) checkbox.set_state(parse_switch(*words.value));
+        print(out, checkbox, &checkbox, 0);
+    }
+    return out.str();
 }
 
 void run_settings(run_context& context, const setting_words& words) {
-    const auto tree = view::settings_tree(context.player.services);
-    if (!words.name) {
-        for (const auto& [setting, checkbox, depth] : tree) print(*setting, checkbox, depth);
-        return context.screen.note("A setting can be named by a part of its label: ostrevan settings synchronize on");
-    }
-    auto& checkbox = view::find_checkbox(tree, *words.name);
-    if (words.value) checkbox.set_state(parse_switch(*words.value));
-    print(checkbox, &checkbox, 0);
+    context.out << context.on_main([&] { return settings_text(context.player, words); });
+    if (!words.name) context.screen.note("A setting can be named by a part of its label: ostrevan settings synchronize on");
 }
 
 const command_file settings_command(110, [](declared_command& program) {

@@ -1,11 +1,8 @@
 #include <array>
 #include <cmath>
-#include <iostream>
 #include <nlohmann/json.hpp>
-#include <thread>
 
 #include "player/app/watching.h"
-#include "player/system/interrupt.h"
 #include "player/terminal/command.h"
 #include "player/titleformat/script.h"
 
@@ -43,10 +40,10 @@ void print_text(run_context& context, const watch_report& report) {
         case watch_report::kind::playing:
             return context.screen.note(report.player + " plays: " + title);
         case watch_report::kind::counted:
-            std::cout << "Counted: " << title << " (" << report.player << ")" << std::endl;
+            context.out << "Counted: " << title << " (" << report.player << ")" << std::endl;
             return;
         case watch_report::kind::not_counted:
-            std::cout << "Played, not counted: " << title << " (" << report.player << "): " << report.reason << std::endl;
+            context.out << "Played, not counted: " << title << " (" << report.player << "): " << report.reason << std::endl;
             return;
         case watch_report::kind::source:
             return context.screen.note(report.reason);
@@ -58,7 +55,7 @@ void print_text(run_context& context, const watch_report& report) {
 json text_or_null(const std::string& text) { return text.empty() ? json() : json(text); }
 
 /// One object a line.
-void print_json(const watch_report& report) {
+void print_json(std::ostream& out, const watch_report& report) {
     constexpr std::array events{"playing", "counted", "not counted", "failure", "source"};
     json object{{"event", events[static_cast<std::size_t>(report.what)]}, {"player", report.player}};
     object["path"] = report.track ? json(report.track->location().path) : json();
@@ -68,21 +65,15 @@ void print_json(const watch_report& report) {
     object["artist"] = text_or_null(report.told.artist);
     object["album"] = text_or_null(report.told.album);
     object["reason"] = text_or_null(report.reason);
-    std::cout << object.dump(-1, ' ', false, json::error_handler_t::replace) << std::endl;
+    out << object.dump(-1, ' ', false, json::error_handler_t::replace) << std::endl;
 }
 
 void watch(run_context& context, const watch_words& words) {
     app::watching watching(context.player, words.options, [&](const watch_report& report) {
-        if (words.json) print_json(report);
+        if (words.json) print_json(context.out, report);
         else print_text(context, report);
     });
-    std::thread worker([&, busy = core::main_loop::activity(context.player.loop)] {
-        const auto job = std::make_shared<core::job>(system::interrupted());
-        const core::job::scope own(job);
-        watching.run(job->stop());
-    });
-    context.player.run_until_idle();
-    worker.join();
+    watching.run(context.job.stop());
 }
 
 const command_file watch_command(35, [](declared_command& program) {

@@ -1,7 +1,5 @@
 #include "player/terminal/formatted_lines.h"
 
-#include <iostream>
-
 #include "player/titleformat/track_fields.h"
 
 namespace ostrevan::terminal {
@@ -9,8 +7,8 @@ namespace ostrevan::terminal {
 void print_lines(const run_context& context, const metadb_handle_list& tracks, const std::string& format) {
     const auto script = titleformat::compile(format);
     for (const auto& track : tracks) {
-        if (!std::cout) return;
-        std::cout << script.run(titleformat::track_fields(context.player.fields, *track)).text << '\n';
+        if (!context.out || context.job.stop()) return;
+        context.out << script.run(titleformat::track_fields(context.player.fields, *track)).text << '\n';
     }
 }
 

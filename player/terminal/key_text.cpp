@@ -9,9 +9,9 @@ std::string hexadecimal(std::uint64_t key) {
     return text;
 }
 
-std::string key_text(const services::index_manager_impl& index, const metadb_handle& track) {
-    if (index.registrations().empty()) return {};
-    const auto key = services::index_manager_impl::key_of(index.registrations().front(), track);
+std::string key_text(const std::vector<services::index_manager_impl::registration>& indexes, const metadb_handle& track) {
+    if (indexes.empty()) return {};
+    const auto key = services::index_manager_impl::key_of(indexes.front(), track);
     return key ? hexadecimal(*key) : std::string{};
 }
 

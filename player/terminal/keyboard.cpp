@@ -23,7 +23,7 @@ std::size_t sequence_length(std::string_view text) {
 
 }  // namespace
 
-keyboard::keyboard(key_sink on_key) : on_key_(std::move(on_key)), mode_(STDIN_FILENO) {
+keyboard::keyboard(const user_side& side, key_sink on_key) : side_(side), on_key_(std::move(on_key)), mode_(side.input) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) throw std::runtime_error("Keys cannot be read");
     wake_in_ = system::descriptor(ends[1]);
@@ -70,12 +70,12 @@ void keyboard::read_keys() {
         is_reading_ = true;
         lock.unlock();
 
-        const bool may_read = mode_.resume() && system::is_in_foreground(STDIN_FILENO);
-        std::array<pollfd, 2> ready{{{wake_out_.get(), POLLIN, 0}, {may_read ? STDIN_FILENO : -1, POLLIN, 0}}};
+        const bool may_read = mode_.resume() && side_.is_in_foreground(side_.input);
+        std::array<pollfd, 2> ready{{{wake_out_.get(), POLLIN, 0}, {may_read ? side_.input : -1, POLLIN, 0}}};
         ::poll(ready.data(), ready.size(), may_read ? -1 : look_again_ms);
         while (::read(wake_out_.get(), buffer.data(), buffer.size()) > 0) continue;
         if (ready[1].revents == 0 || ready[0].revents != 0) continue;
-        const auto size = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+        const auto size = ::read(side_.input, buffer.data(), buffer.size());
         is_open = size > 0;
         for (std::string_view text(buffer.data(), is_open ? static_cast<std::size_t>(size) : 0); !text.empty();) {
             const auto length = text.front() == '\x1b' ? sequence_length(text) : titleformat::first_character(text).length;

@@ -8,21 +8,22 @@
 
 #include "player/system/descriptor.h"
 #include "player/system/raw_terminal.h"
+#include "player/terminal/user_side.h"
 
 namespace ostrevan::terminal {
 
-/// Reads single keys from standard input, which must be a terminal, on a thread of its own.
+/// Reads single keys from the user's input, which must be a terminal, on a thread of its own.
 class keyboard {
 public:
     /// Receives a key as the terminal sends it: a character, or a whole escape sequence. [any-thread]
     using key_sink = std::function<void(const std::string& key)>;
 
-    explicit keyboard(key_sink on_key);
+    keyboard(const user_side& side, key_sink on_key);
     ~keyboard();
     keyboard(const keyboard&) = delete;
     keyboard& operator=(const keyboard&) = delete;
 
-    /// Between these two, whole lines can be read from standard input. [main-thread]
+    /// Between these two, whole lines can be read.
     void suspend();
     void resume();
 
@@ -30,6 +31,7 @@ private:
     void read_keys();
     void wake();
 
+    const user_side side_;
     const key_sink on_key_;
     system::raw_terminal mode_;
     system::descriptor wake_in_, wake_out_;
@@ -41,7 +43,7 @@ private:
     std::thread reader_;
 };
 
-/// Gives standard input back while it lives; does nothing without a keyboard.
+/// Gives the input back while it lives; does nothing without a keyboard.
 class keyboard_pause {
 public:
     explicit keyboard_pause(keyboard* keys) : keys_(keys) {

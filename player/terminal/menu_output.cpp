@@ -1,6 +1,5 @@
 #include "player/terminal/menu_output.h"
 
-#include <iostream>
 #include <stdexcept>
 
 namespace ostrevan::terminal {
@@ -11,22 +10,22 @@ const char* mark_of(const view::menu_entry& entry) {
     return entry.is_radio ? " (*)" : " [x]";
 }
 
-void print_level(const std::vector<view::menu_entry>& level, std::size_t depth) {
+void print_level(std::ostream& out, const std::vector<view::menu_entry>& level, std::size_t depth) {
     for (const auto& entry : level) {
-        std::cout << std::string(2 * depth, ' ') << entry.text << (entry.run ? "" : "/") << mark_of(entry)
-                  << (entry.is_enabled ? "" : " (greyed)") << '\n';
-        print_level(entry.children, depth + 1);
+        out << std::string(2 * depth, ' ') << entry.text << (entry.run ? "" : "/") << mark_of(entry)
+            << (entry.is_enabled ? "" : " (greyed)") << '\n';
+        print_level(out, entry.children, depth + 1);
     }
 }
 
 }  // namespace
 
-void print_menu(const std::vector<view::menu_entry>& menu) { print_level(menu, 0); }
+void print_menu(std::ostream& out, const std::vector<view::menu_entry>& menu) { print_level(out, menu, 0); }
 
 void run_entry(run_context& context, const view::menu_entry& entry, const char* when) {
     if (!entry.is_enabled) throw std::runtime_error("\"" + entry.text + "\" is greyed " + when + ".");
-    entry.run();
-    context.player.run_until_idle();
+    context.on_main(entry.run);
+    context.job.wait_until_idle();
 }
 
 std::string path_of(const std::vector<view::menu_entry>& menu, const view::menu_entry& entry) {

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "player/app/kept_queue.h"
+#include "player/app/play_start.h"
 #include "player/app/track_selection.h"
 #include "player/library/locations.h"
 #include "player/library/m3u.h"

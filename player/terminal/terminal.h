@@ -1,41 +1,55 @@
 #pragma once
 
-#include <mutex>
+#include <atomic>
+#include <chrono>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
+#include "player/core/job.h"
 #include "player/terminal/keyboard.h"
 #include "player/terminal/prepared_answers.h"
 #include "player/terminal/standard_output.h"
+#include "player/terminal/user_side.h"
 #include "player/view/front_end.h"
 
 namespace ostrevan::terminal {
 
-/// The front end on a terminal: lists and results go to standard output, everything else to standard error. Questions are
-/// asked on the terminal; without one, the answers of the command line apply, and a question without an answer counts as
-/// declined.
-class terminal final : public view::front_end {
+/// The user's side of one command: lists and results go to its output, everything else to its error output. Questions are
+/// asked on its terminal; without one, the answers of the command line apply, and a question without an answer counts as
+/// declined. Used on the own thread of the job, and waits there.
+class terminal final {
 public:
-    terminal(bool quiet, prepared_answers answers, standard_output& output);
-    ~terminal() override;
+    terminal(user_side side, core::job_ptr job, bool quiet, prepared_answers answers);
+    ~terminal();
+    terminal(const terminal&) = delete;
+    terminal& operator=(const terminal&) = delete;
 
-    void print_line(const std::string& line) override;
-    void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) override;
-    unsigned ask(const popup_message_v3::query_t& query) override;
-    void show_dialog(view::open_dialog& dialog, unsigned turn) override;
-    std::optional<std::string> ask_file(const file_dialog_service::query_t& query) override;
-    void show_listing(const view::track_listing& listing) override;
-    void show_progress(const std::string& what, std::size_t done, std::size_t total) override;
-    void end_progress() override;
-    void beep() override;
-    void note_failure() override { ++failures_; }
+    /// For results.
+    [[nodiscard]] std::ostream& out() noexcept { return output_; }
+    /// The system's error number of the first failure of `out`; 0 without one.
+    [[nodiscard]] int output_error() const noexcept { return output_.error(); }
+
+    void print_line(const std::string& line);
+    void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon);
+    /// Returns one of the answers of `popup_message_v3`.
+    unsigned ask(const popup_message_v3::query_t& query);
+    /// Returns an absolute path; empty on cancel.
+    std::optional<std::string> ask_file(const file_dialog_service::query_t& query);
+    /// Returns when the dialog is closed. What its rules throw closes it and is thrown here.
+    void show_dialog(view::open_dialog& dialog);
+    void show_listing(const view::track_listing& listing);
+    void show_progress(const std::string& what, std::size_t done, std::size_t total);
+    void end_progress();
+    void beep();
+    void note_failure() { ++failures_; }
 
     /// Draws one line in the place of the one before, as the progress: a text, cut to what the width leaves, then details,
     /// of which the last ones give way first. Empty ones are left out. Nothing is drawn while nothing has changed.
     void show_line(const std::string& text, const std::vector<std::string>& details);
 
-    /// Passes on keys from now on when standard input is a terminal. Questions are asked as always.
+    /// Passes on keys from now on when its input is a terminal. Questions are asked as always.
     void read_keys(keyboard::key_sink on_key);
     void stop_keys() { keys_.reset(); }
 
@@ -52,27 +66,33 @@ public:
     [[nodiscard]] int exit_status() const noexcept;
 
 private:
-    void write_line(const std::string& line);
-    void draw(const std::string& line, std::size_t width);
-    void clear_progress();
+    void draw(const std::string& line);
+    /// Writes to the error output. Nothing can be done about a failure there.
+    void put(std::string_view text);
+    [[nodiscard]] bool is_in_foreground(int descriptor) const;
+    [[nodiscard]] std::size_t width_of_line() const;
 
     /// Whether the user can be asked; false also when all answers are given.
     [[nodiscard]] bool can_ask() const;
     /// Reads a line after a prompt; empty on interruption or end of input.
     std::optional<std::string> read_line(const std::string& prompt);
+    std::optional<std::string> next_line();
     void decline(const char* way_out);
-    void apply_labels(view::open_dialog& dialog);
+    void apply_labels(view::open_dialog& dialog) const;
     void ask_in_dialog(view::open_dialog& dialog);
-    void answer_dialog(view::open_dialog& dialog, unsigned turn);
+    void answer_dialog(view::open_dialog& dialog);
 
+    const user_side side_;
+    const core::job_ptr job_;
     const bool quiet_;
     const prepared_answers answers_;
+    const bool can_redraw_;  // the error output is a terminal that understands escape codes
     const bool draws_progress_;
-    standard_output& output_;
-    std::mutex mutex_;
+    standard_output output_;
     std::string drawn_;  // the progress on the screen; empty when there is none
+    std::chrono::steady_clock::time_point last_drawn_{};
+    std::string typed_;  // and not yet read as a line
     std::optional<keyboard> keys_;
-    long long last_drawn_ms_ = 0;
 
     bool is_misused_ = false;
     unsigned failures_ = 0;
@@ -81,9 +101,6 @@ private:
     std::optional<std::string> file_asked_for_;
     bool list_shown_ = false;
     bool file_used_ = false;
-    // While a dialog is open: failures and refusals before its OK was pressed, and refusals before it opened.
-    unsigned known_troubles_ = 0;
-    unsigned declined_before_ = 0;
 };
 
 }  // namespace ostrevan::terminal

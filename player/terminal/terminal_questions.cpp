@@ -2,11 +2,12 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <iostream>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <utility>
 
-#include "player/system/interrupt.h"
+#include "player/system/local_path.h"
 #include "player/system/user_error.h"
 #include "player/terminal/dialog_text.h"
 #include "player/terminal/terminal.h"
@@ -34,15 +35,6 @@ const buttons& buttons_of(unsigned style) {
     return button_table[0];
 }
 
-/// Returns false on interruption. A signal during a blocking read would go unnoticed.
-bool wait_for_input() {
-    constexpr int look_again_ms = 100;
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    while (!system::interrupted())
-        if (::poll(&input, 1, look_again_ms) > 0) return true;
-    return false;
-}
-
 std::optional<bool> meaning_of(const std::string& line) {
     const std::string_view yes = "yYoO", no = "nNcC";
     if (line.empty()) return std::nullopt;
@@ -52,35 +44,60 @@ std::optional<bool> meaning_of(const std::string& line) {
 }
 
 /// Expands a path like a shell.
-std::string with_home(std::string path) {
-    const char* const home = std::getenv("HOME");
-    if (home != nullptr && path.starts_with("~/")) path.replace(0, 1, home);
+std::string with_home(std::string path, const std::string& home) {
+    if (!home.empty() && path.starts_with("~/")) path.replace(0, 1, home);
     return path;
+}
+
+/// Others may have another current folder.
+std::string absolute(const std::string& path) {
+    return system::protocol_of(path).empty() ? std::filesystem::absolute(path).string() : path;
 }
 
 /// Ends even a dialog whose rules ignore Cancel.
 void cancel(view::open_dialog& dialog) {
-    if (dialog.is_open()) dialog.press(dialog_cancel);
-    dialog.close();
+    dialog.loop().call([&] {
+        if (dialog.is_open()) dialog.press(dialog_cancel);
+        dialog.close();
+    });
 }
 
 }  // namespace
 
-bool terminal::can_ask() const { return !answers_.yes && ::isatty(STDIN_FILENO) != 0; }
+bool terminal::can_ask() const { return !answers_.yes && ::isatty(side_.input) != 0; }
+
+/// A signal during a blocking read would go unnoticed.
+std::optional<std::string> terminal::next_line() {
+    constexpr int look_again_ms = 100;
+    pollfd input{side_.input, POLLIN, 0};
+    for (;;) {
+        if (const auto end = typed_.find('\n'); end != std::string::npos) {
+            const auto line = typed_.substr(0, end);
+            typed_.erase(0, end + 1);
+            return line;
+        }
+        if (job_->stop()) return std::nullopt;
+        if (::poll(&input, 1, look_again_ms) <= 0) continue;
+        std::array<char, 4096> block{};
+        const auto size = ::read(side_.input, block.data(), block.size());
+        if (size < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+        if (size > 0) typed_.append(block.data(), static_cast<std::size_t>(size));
+        else if (typed_.empty()) return std::nullopt;
+        else return std::exchange(typed_, {});
+    }
+}
 
 std::optional<std::string> terminal::read_line(const std::string& prompt) {
     const keyboard_pause pause(keys_ ? &*keys_ : nullptr);
     output_.flush();
-    std::fputs(shown_on_terminal(prompt).c_str(), stderr);
-    std::fflush(stderr);
-    std::string line;
-    if (wait_for_input() && std::getline(std::cin, line)) return line;
-    std::fputc('\n', stderr);
-    return std::nullopt;
+    put(shown_on_terminal(prompt));
+    auto line = next_line();
+    if (!line) put("\n");
+    return line;
 }
 
 void terminal::decline(const char* way_out) {
-    write_line(std::string("Nobody is there to answer; use ") + way_out + ". Taken as declined.");
+    print_line(std::string("Nobody is there to answer; use ") + way_out + ". Taken as declined.");
     ++declined_;
 }
 
@@ -88,7 +105,7 @@ unsigned terminal::ask(const popup_message_v3::query_t& query) {
     const auto& choice = buttons_of(query.style);
     constexpr unsigned icon_mask = 0xF0;
     if ((query.style & icon_mask) == popup_message_v3::style_icon_error) ++failures_;
-    write_line(query.title + ": " + query.text);
+    print_line(query.title + ": " + query.text);
     if (choice.yes == choice.no) return choice.yes;
 
     auto answer = answers_.yes;
@@ -105,65 +122,74 @@ unsigned terminal::ask(const popup_message_v3::query_t& query) {
 
 std::optional<std::string> terminal::ask_file(const file_dialog_service::query_t& query) {
     file_used_ = true;
-    if (answers_.file) return file_asked_for_ = answers_.file;
-    if (::isatty(STDIN_FILENO) != 0 && answers_.yes.value_or(true)) {
-        const auto line = read_line(std::string(query.title) + ": path of the file (empty to cancel): ");
-        if (line && !line->empty()) return file_asked_for_ = with_home(*line);
+    if (answers_.file) return absolute(*(file_asked_for_ = answers_.file));
+    if (::isatty(side_.input) != 0 && answers_.yes.value_or(true)) {
+        const auto line = read_line(query.title + ": path of the file (empty to cancel): ");
+        if (line && !line->empty()) return absolute(*(file_asked_for_ = with_home(*line, side_.home)));
         ++declined_;
     } else {
-        write_line(std::string(query.title) + ": a file has to be named.");
+        print_line(query.title + ": a file has to be named.");
         decline("--file PATH");
     }
     return std::nullopt;
 }
 
-void terminal::show_dialog(view::open_dialog& dialog, unsigned turn) {
+void terminal::show_dialog(view::open_dialog& dialog) {
+    labels_used_ = true;
     try {
-        if (turn == 0) declined_before_ = declined_;
-        if (turn == 0) apply_labels(dialog);
+        dialog.loop().call([&] { apply_labels(dialog); });
     } catch (const system::user_error& wrong) {
         error(wrong.what());
         is_misused_ = true;
         return cancel(dialog);
     }
     if (can_ask()) ask_in_dialog(dialog);
-    else answer_dialog(dialog, turn);
+    else answer_dialog(dialog);
 }
 
-void terminal::apply_labels(view::open_dialog& dialog) {
-    labels_used_ = true;
+void terminal::apply_labels(view::open_dialog& dialog) const {
     for (const auto& label : answers_.check) apply_label(dialog, label, true);
     for (const auto& label : answers_.uncheck) apply_label(dialog, label, false);
 }
 
 void terminal::ask_in_dialog(view::open_dialog& dialog) {
-    write_line(dialog_text(dialog));
-    const auto line = read_line(" number to change, [o]k or [c]ancel: ");
-    if (!line) {
-        ++declined_;
-        return cancel(dialog);
+    const auto declined_before = declined_;
+    auto effect = input_effect::none;
+    for (;;) {
+        const auto text =
+            dialog.loop().call([&] { return dialog.is_open() ? std::optional(dialog_text(dialog)) : std::nullopt; });
+        if (!text) break;
+        print_line(*text);
+        const auto line = read_line(" number to change, [o]k or [c]ancel: ");
+        if (!line) {
+            ++declined_;
+            return cancel(dialog);
+        }
+        effect = dialog.loop().call([&] { return apply_input(dialog, *line); });
+        job_->wait_until_idle();  // further questions come before the dialog is shown again
+        if (effect == input_effect::none) print_line("\"" + *line + "\" is none of these.");
+        if (effect == input_effect::cancel_pressed) ++declined_;
     }
-    const auto effect = apply_input(dialog, *line);
-    if (effect == input_effect::none) write_line("\"" + *line + "\" is none of these.");
-    if (effect == input_effect::cancel_pressed) ++declined_;
     // Earlier refusals, such as of the first file name, no longer count.
-    if (effect == input_effect::ok_pressed && !dialog.is_open()) declined_ = declined_before_;
+    if (effect == input_effect::ok_pressed) declined_ = declined_before;
 }
 
-void terminal::answer_dialog(view::open_dialog& dialog, unsigned turn) {
-    const auto troubles = failures_ + declined_;
-    if (turn == 0 && answers_.yes.value_or(false)) {
-        known_troubles_ = troubles;
-        return dialog.press(dialog_ok);
-    }
+void terminal::answer_dialog(view::open_dialog& dialog) {
     const std::string title = dialog.layout().title;
-    if (turn != 0 && troubles == known_troubles_)
-        error("\"" + title +
-              "\" does not take OK as it stands, and nobody is there to change it. Use --check with one of: " +
-              labels_of(dialog) + ".");
-    if (turn == 0 && answers_.yes) ++declined_;
-    if (turn == 0 && !answers_.yes) {
-        write_line(dialog_text(dialog));
+    if (answers_.yes.value_or(false)) {
+        const auto troubles = failures_ + declined_;
+        dialog.loop().call([&] { dialog.press(dialog_ok); });
+        job_->wait_until_idle();
+        const auto labels =
+            dialog.loop().call([&] { return dialog.is_open() ? std::optional(labels_of(dialog)) : std::nullopt; });
+        if (labels && troubles == failures_ + declined_)
+            error("\"" + title +
+                  "\" does not take OK as it stands, and nobody is there to change it. Use --check with one of: " + *labels +
+                  ".");
+    } else if (answers_.yes) {
+        ++declined_;
+    } else {
+        print_line(dialog.loop().call([&] { return dialog_text(dialog); }));
         decline("--yes or --no, with --check and --uncheck to choose");
     }
     cancel(dialog);

@@ -3,23 +3,26 @@
 #include <algorithm>
 #include <chrono>
 
-#include "player/query/query.h"
 #include "player/view/known_fields.h"
 #include "player/view/track_order.h"
 
 namespace ostrevan::view {
 
-metadb_handle_list find_tracks(const library::media_library& library, const titleformat::component_fields& fields,
-                               const std::string& text) {
-    const auto wanted = query::parse(text);
-    check_fields(wanted, text, library, fields);
+query::query parse_query(const std::vector<metadb_handle_ptr>& items, const titleformat::component_fields& fields,
+                         const std::string& text) {
+    auto wanted = query::parse(text);
+    check_fields(wanted, text, items, fields);
+    return wanted;
+}
+
+metadb_handle_list find_tracks(const std::vector<metadb_handle_ptr>& items, const titleformat::component_fields& fields,
+                               const query::query& wanted) {
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-    const auto limit = wanted.limit().value_or(library.items().size());
+    const auto limit = wanted.limit().value_or(items.size());
     std::vector<metadb_handle_ptr> found;
-    for (const auto& track : library.items()) {
-        if (!wanted.sort() && found.size() == limit) break;
-        if (wanted.matches(titleformat::track_fields(fields, *track), now)) found.emplace_back(track);
-    }
+    for (const auto& track : items)
+        if (wanted.matches(titleformat::track_fields(fields, *track), now)) found.push_back(track);
+    std::ranges::sort(found, {}, [](const metadb_handle_ptr& each) -> const playable_location& { return each->location(); });
 
     metadb_handle_list tracks(std::move(found));
     if (wanted.sort()) tracks = sorted_by(*wanted.sort(), tracks, fields);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "ostrevan/file_dialog.h"
@@ -11,7 +11,7 @@
 
 namespace ostrevan::view {
 
-/// What the rest of the player asks of a front end. [main-thread] unless said otherwise.
+/// What the rest of the player asks of a front end. No call waits for the user. [main-thread] unless said otherwise.
 class front_end {
 public:
     virtual ~front_end() = default;
@@ -21,14 +21,12 @@ public:
 
     /// A message that needs no answer.
     virtual void show_message(const std::string& text, const std::string& title, popup_message::icon_t icon) = 0;
-    /// Asks and returns one of the answers of `popup_message_v3`.
-    virtual unsigned ask(const popup_message_v3::query_t& query) = 0;
-
-    /// Shows a dialog and processes one step of the user. Called again with the next `turn`, counted from 0, while the
-    /// dialog is open; work posted meanwhile has run.
-    virtual void show_dialog(open_dialog& dialog, unsigned turn) = 0;
-    /// The path as typed by the user; empty on cancel.
-    virtual std::optional<std::string> ask_file(const file_dialog_service::query_t& query) = 0;
+    /// Asks, and replies with one of the answers of `popup_message_v3`. The front end may call `query.reply` on any thread.
+    virtual void ask(popup_message_v3::query_t query) = 0;
+    /// Replies likewise with an absolute path.
+    virtual void ask_file(file_dialog_service::query_t query) = 0;
+    /// Shows a dialog until it is closed.
+    virtual void show_dialog(std::shared_ptr<open_dialog> dialog) = 0;
 
     /// Shows a list of tracks requested by the user.
     virtual void show_listing(const track_listing& listing) = 0;

@@ -16,20 +16,21 @@ constexpr std::string_view usual[] = {
     "genre",      "length",       "length_seconds", "lyrics",        "path",        "performer",  "publisher",
     "samplerate", "subsong",      "title",          "totaldiscs",    "totaltracks", "tracknumber"};
 
-bool is_had(const std::string& name, const library::media_library& library, const titleformat::component_fields& fields) {
+bool is_had(const std::string& name, const std::vector<metadb_handle_ptr>& items,
+            const titleformat::component_fields& fields) {
     std::string text;
-    return std::ranges::any_of(library.items(), [&](const library::track_ptr& track) {
+    return std::ranges::any_of(items, [&](const metadb_handle_ptr& track) {
         return titleformat::track_fields(fields, *track).field(name, text) || !text.empty();
     });
 }
 
 }  // namespace
 
-void check_fields(const query::query& query, std::string_view source, const library::media_library& library,
+void check_fields(const query::query& query, std::string_view source, const std::vector<metadb_handle_ptr>& items,
                   const titleformat::component_fields& fields) {
     for (const auto& [name, position] : query.fields()) {
         if (std::ranges::find(usual, name) != std::end(usual) || fields.find(name) != nullptr) continue;
-        if (is_had(name, library, fields)) continue;
+        if (is_had(name, items, fields)) continue;
         std::vector<std::string> known(std::begin(usual), std::end(usual));
         for (const auto& [published, entry] : fields.all()) known.push_back(published);
         std::ranges::sort(known);

@@ -1,16 +1,17 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
-#include "player/library/media_library.h"
+#include "ostrevan/track.h"
 #include "player/query/query.h"
 #include "player/titleformat/track_fields.h"
 
 namespace ostrevan::view {
 
 /// Throws `query::query_error` for a query that compares or sorts by an unknown field: not the player's, a component's, a
-/// common tag, or a field of some track in the library. `source` is the text of the query.
-void check_fields(const query::query& query, std::string_view source, const library::media_library& library,
+/// common tag, or a field of some of the tracks. `source` is the text of the query.
+void check_fields(const query::query& query, std::string_view source, const std::vector<metadb_handle_ptr>& items,
                   const titleformat::component_fields& fields);
 
 }  // namespace ostrevan::view

@@ -7,12 +7,15 @@
 
 namespace ostrevan::view {
 
-open_dialog::open_dialog(dialog_rules_ptr rules, dialog_registry& registry, player_api& player)
-    : rules_(std::move(rules)), registry_(registry), player_(player), states_(layout().controls.size()) {
+open_dialog::open_dialog(dialog_rules_ptr rules, core::main_loop& loop, dialog_registry& registry, player_api& player)
+    : rules_(std::move(rules)), loop_(loop), registry_(registry), player_(player), states_(layout().controls.size()) {
     registry_.add(*this);
 }
 
-open_dialog::~open_dialog() { registry_.forget(*this); }
+open_dialog::~open_dialog() {
+    registry_.forget(*this);
+    rules_->on_closed();
+}
 
 void open_dialog::press(int button) {
     core::call_component(*rules_, [&] { rules_->on_button(*this, button); });

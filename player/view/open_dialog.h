@@ -4,6 +4,7 @@
 
 #include "ostrevan/component.h"
 #include "ostrevan/dialog.h"
+#include "player/core/main_loop.h"
 
 namespace ostrevan::view {
 
@@ -11,11 +12,13 @@ namespace ostrevan::view {
 class open_dialog final : public dialog_window, public registered_dialog {
 public:
     /// Registers itself while it lives.
-    open_dialog(dialog_rules_ptr rules, dialog_registry& registry, player_api& player);
+    open_dialog(dialog_rules_ptr rules, core::main_loop& loop, dialog_registry& registry, player_api& player);
     ~open_dialog();
     open_dialog(const open_dialog&) = delete;
     open_dialog& operator=(const open_dialog&) = delete;
 
+    /// For a front end on a thread of its own. [any-thread]
+    [[nodiscard]] core::main_loop& loop() const noexcept { return loop_; }
     [[nodiscard]] const dialog_layout& layout() const noexcept { return rules_->layout(); }
     [[nodiscard]] bool is_open() const noexcept { return is_open_; }
     [[nodiscard]] bool is_enabled(int id) const { return states_[index_of(id)].is_enabled; }
@@ -26,7 +29,7 @@ public:
     void set_checked(int id, bool checked) override;
     void set_enabled(int id, bool enabled) override { states_[index_of(id)].is_enabled = enabled; }
     void close() override { is_open_ = false; }
-    /// Nothing to do: every open dialog is shown in turn.
+    /// Nothing to do: there is one at a time.
     void bring_forward() override {}
 
 private:
@@ -38,6 +41,7 @@ private:
     [[nodiscard]] std::size_t index_of(int id) const;
 
     const dialog_rules_ptr rules_;
+    core::main_loop& loop_;
     dialog_registry& registry_;
     player_api& player_;
     std::vector<state> states_;

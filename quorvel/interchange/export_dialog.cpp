@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <exception>
 #include <optional>
 #include <string>
@@ -45,12 +46,15 @@ constexpr auto database_controls = [] {
 constexpr ostrevan::dialog_layout selection_layout{export_title, dialog_font, dialog_font_points, selection_controls};
 constexpr ostrevan::dialog_layout database_layout{export_title, dialog_font, dialog_font_points, database_controls};
 
-std::optional<std::string> ask_for_destination(const dialog_window& window) {
-    return ostrevan::uGetOpenFileName({.parent = window.native(),
-                                       .filter = "XML files|*.xml",
-                                       .default_extension = "xml",
-                                       .title = export_title,
-                                       .save = true});
+using destination_reply = decltype(ostrevan::file_dialog_service::query_t::reply);
+
+void ask_for_destination(const dialog_window& window, destination_reply reply) {
+    ostrevan::uGetOpenFileName({.parent = window.native(),
+                                .filter = "XML files|*.xml",
+                                .default_extension = "xml",
+                                .title = export_title,
+                                .save = true,
+                                .reply = std::move(reply)});
 }
 
 void report_export_failure(const std::string& reason) { report_failure("Playback statistics export failure: " + reason); }
@@ -74,24 +78,38 @@ public:
     }
 
     void on_button(dialog_window& window, int id) override {
+        if (is_asking_) return;
         if (id == ostrevan::dialog_cancel) window.close();
-        if (id == ostrevan::dialog_ok) export_as_chosen(window);
+        if (id == ostrevan::dialog_ok) ask_and_export(window);
     }
+    void on_closed() noexcept override { is_closed_ = true; }
 
 private:
-    void export_as_chosen(dialog_window& window) const {
+    void ask_and_export(dialog_window& window) {
         const auto fields = checked_fields(window);
         if (fields == 0) return beep();
-        // Read now: the window may close while the user chooses a file.
         const bool everything = !selection_ && window.is_checked(full_backup);
+        is_asking_ = true;
         try {
-            const auto path = ask_for_destination(window);
-            if (!path) return;
-            exportToFile(path->c_str(), fields, everything ? nullptr : chosen_tracks().get());
+            ask_for_destination(window, [self = ostrevan::service_ptr_t<export_dialog>(this), &window, fields,
+                                         everything](const std::optional<std::string>& path) {
+                self->is_asking_ = false;
+                if (!path) return;
+                self->export_to(*path, fields, everything);
+                if (!self->is_closed_) window.close();
+            });
+        } catch (const std::exception& e) {
+            report_export_failure(e.what());
+            window.close();
+        }
+    }
+
+    void export_to(const std::string& path, std::uint32_t fields, bool everything) const {
+        try {
+            exportToFile(path.c_str(), fields, everything ? nullptr : chosen_tracks().get());
         } catch (const std::exception& e) {
             report_export_failure(e.what());
         }
-        window.close();
     }
 
     [[nodiscard]] shared_tracks chosen_tracks() const {
@@ -102,6 +120,8 @@ private:
     }
 
     shared_tracks selection_;
+    bool is_asking_ = false;  ///< for the file; the window waits for the answer
+    bool is_closed_ = false;
 };
 
 /// Only one dialog is open at a time. One that is open already is brought forward.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,6 +27,15 @@ constexpr field_controls import_controls = controls_for_fields("Fields to import
 constexpr ostrevan::dialog_layout import_layout{import_title, dialog_font, dialog_font_points, import_controls};
 
 void report_import_failure(const std::string& reason) { report_failure("Playback statistics import failure: " + reason); }
+
+template <typename Work>
+void report_failures(Work&& work) {
+    try {
+        work();
+    } catch (const std::exception& e) {
+        report_import_failure(e.what());
+    }
+}
 
 /// Reports the failure of one stage, so that the others work on what there is. A stop by the user ends them all.
 template <typename Stage>
@@ -77,6 +87,12 @@ private:
     file_content content_;
 };
 
+/// Another dialog may have been opened while the user chose the file.
+void open_import_dialog(const std::string& path) {
+    if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
+    open_dialog(ostrevan::service_new<import_dialog>(read_file(path)));
+}
+
 }  // namespace
 
 void import_file(std::string_view text, std::uint32_t fields) {
@@ -106,15 +122,15 @@ void import_file(std::string_view text, std::uint32_t fields) {
 void pcdb_export::importStatistics() {
     ostrevan::core_api::ensure_main_thread();
     if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
-    try {
-        const auto path = ostrevan::uGetOpenFileName({.parent = ostrevan::core_api::main_window(),
-                                                      .filter = "XML files|*.xml",
-                                                      .default_extension = "xml",
-                                                      .title = import_title});
-        if (path) open_dialog(ostrevan::service_new<import_dialog>(read_file(*path)));
-    } catch (const std::exception& e) {
-        report_import_failure(e.what());
-    }
+    report_failures([] {
+        ostrevan::uGetOpenFileName({.parent = ostrevan::core_api::main_window(),
+                                    .filter = "XML files|*.xml",
+                                    .default_extension = "xml",
+                                    .title = import_title,
+                                    .reply = [](const std::optional<std::string>& path) {
+                                        if (path) report_failures([&] { open_import_dialog(*path); });
+                                    }});
+    });
 }
 
 }  // namespace quorvel

@@ -155,6 +155,7 @@ void native_dialog::on_destroy() noexcept {
     if (registry_) registry_->forget(*this);
     std::erase(open_dialogs(), this);
     window_ = nullptr;
+    rules_->on_closed();
 }
 
 INT_PTR CALLBACK native_dialog::procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {

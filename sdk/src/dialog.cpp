@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/file_dialog.h"
@@ -27,8 +28,6 @@ void ModalDialog_PokeExisting() {
     if (const auto registry = find_service<dialog_registry>()) registry->poke_existing();
 }
 
-std::optional<std::string> uGetOpenFileName(const file_dialog_service::query_t& query) {
-    return get_service<file_dialog_service>()->ask(query);
-}
+void uGetOpenFileName(file_dialog_service::query_t query) { get_service<file_dialog_service>()->ask(std::move(query)); }
 
 }  // namespace ostrevan

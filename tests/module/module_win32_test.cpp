@@ -119,7 +119,9 @@ void one_life(const copied_library& library) {
     player->file_dialog.answer = "/out.xml";
     for (const std::size_t export_or_import : {3, 4}) {
         player->component_service<ostrevan::main_menu_commands>().execute(export_or_import);
+        player->settle();
         player->dialogs.press(ostrevan::dialog_ok);
+        player->settle();
     }
     EXPECT_TRUE(player.run_context(copy, tracks));
     EXPECT_TRUE(player.run_context(paste, tracks));

@@ -44,7 +44,7 @@ public:
     /// Checking a radio button unchecks the others of its group.
     virtual void set_checked(int id, bool checked) = 0;
     virtual void set_enabled(int id, bool enabled) = 0;
-    /// Ends the dialog once the call of its rules has returned.
+    /// Ends the dialog, but not before a call of its rules has returned.
     virtual void close() = 0;
     /// The window in the system's terms, to own further dialogs; null where there is none.
     [[nodiscard]] virtual void* native() const noexcept { return nullptr; }
@@ -61,6 +61,8 @@ public:
     virtual void on_open(dialog_window& window) = 0;
     /// A button was pressed. The dialog stays open unless this closes it.
     virtual void on_button(dialog_window& window, int id) = 0;
+    /// The window is gone, for whatever reason, and must not be used any more. The last call.
+    virtual void on_closed() noexcept {}
 };
 using dialog_rules_ptr = service_ptr_t<dialog_rules>;
 

@@ -128,15 +128,16 @@ struct setting : advanced_checkbox, tally {
     bool default_state() const noexcept override { return false; }
 };
 
-/// Records its calls and gives the answers set in it.
+/// Records its calls and replies at once.
 struct screen final : view::front_end {
     lines said;
-    std::function<void(view::open_dialog&, unsigned)> turn = [](view::open_dialog& dialog, unsigned) { dialog.close(); };
+    std::optional<std::string> file;
+    std::shared_ptr<view::open_dialog> dialog;
     void print_line(const std::string& line) override { said.push_back(line); }
     void show_message(const std::string& text, const std::string&, popup_message::icon_t) override { said.push_back(text); }
-    unsigned ask(const popup_message_v3::query_t& query) override { return said.push_back(query.text), query.style; }
-    void show_dialog(view::open_dialog& dialog, unsigned number) override { turn(dialog, number); }
-    std::optional<std::string> ask_file(const file_dialog_service::query_t&) override { return {}; }
+    void ask(popup_message_v3::query_t query) override { said.push_back(query.text), query.reply(query.style); }
+    void show_dialog(std::shared_ptr<view::open_dialog> opened) override { dialog = std::move(opened); }
+    void ask_file(file_dialog_service::query_t query) override { query.reply(file); }
     void show_listing(const view::track_listing&) override {}
     void show_progress(const std::string&, std::size_t, std::size_t) override {}
     void end_progress() override {}

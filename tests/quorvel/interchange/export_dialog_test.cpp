@@ -22,9 +22,13 @@ protected:
         for (const auto& track : tracks) put(track, {.play_count = 3, .rating = 63});
         player.file_dialog.answer = "/out.xml";
     }
+    void press_ok() {
+        player.dialogs.press(ok);
+        player.settle();
+    }
     /// The number of records in the file written by OK.
     std::size_t records_after_ok() {
-        player.dialogs.press(ok);
+        press_ok();
         EXPECT_FALSE(player.dialogs.is_open());
         const auto& text = player.local_files.files.at("/out.xml");
         return static_cast<std::size_t>(std::ranges::count(text, '\n')) / 2;
@@ -62,7 +66,7 @@ TEST_F(export_dialog, exports_what_is_chosen) {
     open_export_dialog();
     player.dialogs.set_checked(full_backup, true);
     player.library.items.clear();
-    player.dialogs.press(ok);
+    press_ok();
     EXPECT_EQ(std::ranges::count(player.local_files.files.at("/out.xml"), '\n'), 3) << "everything, without tracks";
 
     open_export_dialog(ostrevan::metadb_handle_list(tracks));
@@ -76,15 +80,18 @@ TEST_F(export_dialog, exports_what_is_chosen) {
 TEST_F(export_dialog, stays_open_until_there_is_something_to_write_and_somewhere) {
     open_export_dialog(tracks);
     for (int id = times_played; id <= rating; ++id) player.dialogs.set_checked(id, false);
-    player.dialogs.press(ok);
+    press_ok();
     EXPECT_EQ(player.beeps.count, 1U);
     player.withdraw(player.beeps.class_guid);
-    player.dialogs.press(ok);
+    press_ok();
     EXPECT_TRUE(player.file_dialog.queries.empty());
 
     player.dialogs.set_checked(rating, true);
     player.file_dialog.answer.reset();
-    player.dialogs.press(ok);
+    for (const int button : {ok, ok, cancel}) player.dialogs.press(button);
+    EXPECT_TRUE(player.dialogs.is_open()) << "it waits for the file";
+    player.settle();
+    EXPECT_EQ(player.file_dialog.queries.size(), 1U);
     EXPECT_TRUE(player.dialogs.is_open());
     EXPECT_TRUE(player.local_files.files.empty());
     EXPECT_EQ(player.file_dialog.texts.at(0), "save Export Playback Statistics XML files|*.xml xml");
@@ -94,7 +101,7 @@ TEST_F(export_dialog, stays_open_until_there_is_something_to_write_and_somewhere
 TEST_F(export_dialog, tells_of_a_failure) {
     player.local_files.room = 10;
     open_export_dialog();
-    player.dialogs.press(ok);
+    press_ok();
     EXPECT_EQ(question(), "10 Information: Playback statistics export failure: disk full");
     EXPECT_TRUE(player.local_files.files.empty()) << "half a file replaces nothing";
 
@@ -103,7 +110,7 @@ TEST_F(export_dialog, tells_of_a_failure) {
     player.local_files.room = static_cast<std::size_t>(-1);
     player.progress.abort = true;
     open_export_dialog(support::make_tracks(1000));
-    player.dialogs.press(ok);
+    press_ok();
     EXPECT_EQ(player.local_files.flushes, 0U);
     EXPECT_EQ(plain.messages,
               (std::vector<support::shown_message>{{"Playback statistics export failure: Interrupted", "Information", 1}}));
@@ -112,7 +119,7 @@ TEST_F(export_dialog, tells_of_a_failure) {
     player.withdraw(plain.class_guid);
     player.local_files.room = 0;
     open_export_dialog(tracks);
-    player.dialogs.press(ok);
+    press_ok();
     EXPECT_EQ(player.console.lines.back(), "Playback statistics export failure: disk full") << "for want of messages";
 }
 

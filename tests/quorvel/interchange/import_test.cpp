@@ -36,6 +36,7 @@ protected:
         player.local_files.files["/s.xml"] = text;
         player.file_dialog.answer = "/s.xml";
         quorvel::pcdb_export::importStatistics();
+        player.settle();
         for (const int box : unchecked) player.dialogs.set_checked(box, false);
         player.dialogs.press(ostrevan::dialog_ok);
         EXPECT_FALSE(player.dialogs.is_open());
@@ -71,6 +72,7 @@ protected:
     void run(const char* answer) {
         player.file_dialog.answer = answer;
         quorvel::pcdb_export::importStatistics();
+        player.settle();
     }
 };
 using import_command = import_test;
@@ -80,6 +82,7 @@ using import_apply = import_test;
 TEST_F(import_command, asks_for_a_file_and_then_for_fields) {
     player.file_dialog.answer = std::nullopt;
     quorvel::pcdb_export::importStatistics();
+    player.settle();
     EXPECT_FALSE(player.dialogs.is_open());
     EXPECT_EQ(player.file_dialog.texts, std::vector<std::string>{"open Import Playback Statistics XML files|*.xml xml"});
     EXPECT_EQ(player.file_dialog.queries[0].parent, player.main_window());

@@ -111,6 +111,7 @@ protected:
     void import() {
         player.file_dialog.answer = "/in.xml";
         quorvel::pcdb_export::importStatistics();
+        player.settle();
     }
 };
 
@@ -220,6 +221,7 @@ TEST_F(native_dialogs, keys_go_round_and_choose) {
     EXPECT_FALSE(is_checked(control(times_played)));
     const HWND asking = dialog();
     type(VK_RETURN);
+    player.settle();
     EXPECT_EQ(player.file_dialog.queries.at(0).parent, asking);
     const auto& text = player.local_files.files.at("/out.xml");
     EXPECT_EQ(text.find("Count="), std::string::npos);

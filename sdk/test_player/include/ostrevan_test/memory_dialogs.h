@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ostrevan/dialog.h"
@@ -11,6 +12,7 @@
 #include "ostrevan/library_search.h"
 #include "ostrevan/progress.h"
 #include "ostrevan_test/main_thread_check.h"
+#include "ostrevan_test/memory_threads.h"
 
 /// Dialogs, questions for files, searches and progress, drawn nowhere: the test looks at them and acts for the user.
 namespace ostrevan_test {
@@ -65,10 +67,10 @@ public:
     void set_checked(int id, bool checked) { window_.set_checked(id, checked); }
     void press(int id) {
         if (!is_open() || !window_.states.at(id).enabled) throw std::logic_error("this button cannot be pressed");
+        window_.is_calling = true;
         window_.rules->on_button(window_, id);
-        if (!window_.closing) return;
-        window_.registry.forget(window_);
-        window_.rules.reset();
+        window_.is_calling = false;
+        if (window_.closing) window_.end();
     }
 
     void open(ostrevan::dialog_rules_ptr rules) override {
@@ -97,7 +99,14 @@ private:
             states.at(id).checked = checked;
         }
         void set_enabled(int id, bool enabled) override { states.at(id).enabled = enabled; }
-        void close() override { closing = true; }
+        void close() override {
+            closing = true;
+            if (!is_calling) end();
+        }
+        void end() {
+            registry.forget(*this);
+            std::exchange(rules, {})->on_closed();
+        }
         void* native() const noexcept override { return const_cast<bool*>(&closing); }
         void bring_forward() override {}
 
@@ -105,24 +114,38 @@ private:
         ostrevan::dialog_rules_ptr rules;
         std::map<int, control_state> states;
         bool closing = false;
+        bool is_calling = false;  ///< the rules
     };
     window window_;
 };
 
+/// Questions for files have one answer, which comes as a callback of the main thread.
 class recorded_file_questions : public ostrevan::file_dialog_service {
 public:
+    explicit recorded_file_questions(main_thread_queue& replies) noexcept : replies_(replies) {}
+
     std::optional<std::string> answer;
     std::vector<query_t> queries;
 
     std::vector<std::string> texts;  ///< of the queries: "open" or "save", title, filter, extension
 
-    std::optional<std::string> ask(const query_t& query) override {
+    void ask(query_t query) override {
         require_main_thread("file_dialog_service::ask");
-        queries.push_back(query);
-        texts.push_back(std::string(query.save ? "save " : "open ") + query.title + ' ' + query.filter + ' ' +
-                        query.default_extension);
-        return answer;
+        texts.push_back((query.save ? "save " : "open ") + query.title + ' ' + query.filter + ' ' + query.default_extension);
+        if (query.reply) replies_.add_callback(ostrevan::service_new<reply>(query.reply, answer));
+        queries.push_back(std::move(query));
+        queries.back().reply = {};
     }
+
+private:
+    struct reply : ostrevan::main_thread_callback {
+        reply(decltype(query_t::reply) given, std::optional<std::string> chosen)
+            : call(std::move(given)), path(std::move(chosen)) {}
+        void callback_run() override { call(path); }
+        decltype(query_t::reply) call;
+        std::optional<std::string> path;
+    };
+    main_thread_queue& replies_;
 };
 
 class recorded_searches : public ostrevan::library_search {

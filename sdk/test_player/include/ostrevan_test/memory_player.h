@@ -49,7 +49,7 @@ public:
     ostrevan::service_uncounted_t<recorded_reloads> reloads;
     ostrevan::service_uncounted_t<memory_dialog_registry> open_dialogs;
     ostrevan::service_uncounted_t<memory_dialogs> dialogs{open_dialogs};
-    ostrevan::service_uncounted_t<recorded_file_questions> file_dialog;
+    ostrevan::service_uncounted_t<recorded_file_questions> file_dialog{main_queue};
     ostrevan::service_uncounted_t<recorded_searches> searches;
     ostrevan::service_uncounted_t<recorded_progress> progress;
     // Without state, and used by components beyond the end of one player.

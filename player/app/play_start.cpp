@@ -1,0 +1,66 @@
+#include "player/app/play_start.h"
+
+#include <algorithm>
+#include <exception>
+#include <random>
+#include <set>
+#include <utility>
+
+#include "player/library/disk_tracks.h"
+#include "player/system/local_path.h"
+#include "player/titleformat/script.h"
+
+namespace ostrevan::app {
+namespace {
+
+playback::queue make_queue(session& player, const metadb_handle_list& tracks, playback::play_modes modes) {
+    // The album artist of a compilation is often missing, and its artists differ.
+    const auto album = titleformat::compile("$if(%album%,%album%|%directoryname%)");
+    std::vector<std::string> albums;
+    for (const auto& track : tracks) albums.push_back(album.run(titleformat::track_fields(player.fields, *track)).text);
+    std::random_device entropy;
+    return {std::move(albums), modes, (std::uint64_t{entropy()} << 32U) + entropy()};
+}
+
+/// The database may have been changed by another program.
+template <class Mode>
+Mode mode_of(int number, Mode last) {
+    return number >= 0 && number <= static_cast<int>(last) ? static_cast<Mode>(number) : Mode{};
+}
+
+}  // namespace
+
+metadb_handle_list tracks_of_entries(session& player, const std::vector<playable_location>& entries) {
+    std::vector<metadb_handle_ptr> result;
+    std::set<std::string> tried;
+    for (const auto& [path, subsong] : entries) {
+        const auto track = player.tracks.obtain(path, subsong);
+        result.emplace_back(track);
+        if (track->has_info() || !system::is_local_path(path) || !tried.insert(path).second) continue;
+        try {
+            library::tracks_on_disk(player.tracks, path);
+        } catch (const std::exception&) {
+            continue;  // reported when it is to be played
+        }
+    }
+    return metadb_handle_list(std::move(result));
+}
+
+play_start start_with(session& player, metadb_handle_list tracks, playback::play_modes modes) {
+    auto order = make_queue(player, tracks, modes);
+    return {.tracks = std::move(tracks), .order = std::move(order)};
+}
+
+std::optional<play_start> start_again(session& player) {
+    auto saved = player.loop.call([&] { return player.library.queue().load(); });
+    if (!saved) return std::nullopt;
+    const auto& state = saved->state;
+    const playback::play_modes modes{.repeat = mode_of(state.repeat, playback::repeat_mode::list),
+                                     .shuffle = mode_of(state.shuffle, playback::shuffle_mode::albums)};
+    auto start = start_with(player, tracks_of_entries(player, saved->entries), modes);
+    if (start.order.resume(std::move(saved->round), state.place)) start.seconds = std::max(state.seconds, 0.0);
+    start.volume = std::clamp(state.volume, 0.0, 100.0);
+    return start;
+}
+
+}  // namespace ostrevan::app
