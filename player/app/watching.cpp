@@ -36,11 +36,10 @@ void watching::take(const watch::observation& heard) {
 }
 
 void watching::on_trouble(const std::string& source, const std::string& text) {
-    auto& known = troubles_[source];
-    if (known == text) return;
-    const auto news = text.empty() ? source + " is heard." : text;
-    known = text;
-    report_({.what = watch_report::kind::source, .player = source, .reason = news});
+    const auto known = troubles_.find(source);
+    if (known != troubles_.end() && known->second == text) return;
+    troubles_[source] = text;
+    report_({.what = watch_report::kind::source, .player = source, .reason = text.empty() ? source + " is heard." : text});
 }
 
 watching::heard_player& watching::player_called(const std::string& name) {
@@ -66,7 +65,6 @@ void watching::look_up(heard_player& player, const watch::told_track& told) {
 }
 
 void watching::on_playing(const std::string& name, const watch::told_track& told, bool is_new) {
-    if (told.location.empty() && told.title.empty()) return;  // browsers tell of nothing in particular
     auto& player = player_called(name);
     const auto before = player.found.track;
     look_up(player, told);

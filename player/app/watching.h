@@ -22,7 +22,7 @@ struct watch_report {
         counted,      ///< the play is on disk
         not_counted,  ///< a play, but not counted: see `reason`
         failure,      ///< the play could not be counted: see `reason`
-        source,       ///< `reason` says why the players of a source cannot be heard, or that they can be heard again
+        source,       ///< `reason` says why the players of a source cannot be heard, or that they can
     };
     kind what;
     std::string player;  ///< or the source

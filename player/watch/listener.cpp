@@ -91,7 +91,8 @@ void listener::step_to(double position) {
     const bool counts = rule_.position(position);
     position_ = position;
     due_ = 0;
-    if (!is_told_ && rule_.listened() >= 1) {
+    const bool is_something = !track_.location.empty() || !track_.title.empty();  // browsers play nothing in particular
+    if (!is_told_ && is_something && rule_.listened() >= 1) {
         is_told_ = true;
         report_.on_playing(track_, true);
     }
