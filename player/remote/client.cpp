@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "player/remote/channel.h"
+#include "player/remote/client_terminal.h"
 #include "player/system/interrupt.h"
 #include "player/system/raw_terminal.h"
 
@@ -37,9 +38,11 @@ public:
 private:
     void wait();
     void tell_of_signals();
-    void tell_of_foreground();
+    void tell_of_foreground(bool now);
+    void stop();
 
     channel channel_;
+    client_terminal terminal_;
     bool has_told_interrupt_ = false;
     bool is_in_foreground_ = true;
 };
@@ -55,9 +58,15 @@ void conversation::tell_of_signals() {
     channel_.send(interrupt{});
 }
 
-void conversation::tell_of_foreground() {
-    const bool now = is_job_in_foreground();
-    if (std::exchange(is_in_foreground_, now) != now) channel_.send(foreground{now});
+void conversation::tell_of_foreground(bool now) {
+    if (std::exchange(is_in_foreground_, now) == now) return;
+    if (now) terminal_.take_back();
+    channel_.send(foreground{now});
+}
+
+void conversation::stop() {
+    tell_of_foreground(false);
+    terminal_.stop();
 }
 
 std::optional<int> conversation::run(command wanted) {
@@ -80,17 +89,17 @@ std::optional<int> conversation::run(command wanted) {
             throw std::runtime_error("The process that uses the profile refused the command: " + refused.reason + ".");
         }
         tell_of_signals();
-        tell_of_foreground();
+        if (client_terminal::is_to_stop()) stop();
+        tell_of_foreground(is_job_in_foreground());
     }
     throw std::runtime_error("The process that carried out this command has ended before it was done.");
 }
 
 }  // namespace
 
-std::optional<int> run_at_owner(const socket_place& place, const command& wanted) {
+std::optional<int> run_at_owner(system::descriptor owner, command wanted) {
     open_missing_streams();
-    auto socket = place.connect();
-    return socket ? conversation(std::move(socket)).run(wanted) : std::nullopt;
+    return conversation(std::move(owner)).run(std::move(wanted));
 }
 
 }  // namespace ostrevan::remote

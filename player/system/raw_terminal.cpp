@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
+#include <utility>
 
 namespace ostrevan::system {
 namespace {
@@ -22,6 +23,17 @@ std::atomic<bool> is_ending{false};  // by a signal; another one may end the pro
 constexpr std::array caught{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTSTP, SIGCONT};
 std::array<struct sigaction, caught.size()> former{};
 
+/// Keeps the mode before; one without lines was left behind by a job that was stopped.
+bool make_raw(int descriptor, termios& before) noexcept {
+    termios mode{};
+    ::tcgetattr(descriptor, &mode);
+    if ((mode.c_lflag & ICANON) != 0) before = mode;
+    mode.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+    mode.c_cc[VMIN] = 1;
+    mode.c_cc[VTIME] = 0;
+    return ::tcsetattr(descriptor, TCSANOW, &mode) == 0;
+}
+
 /// A job in the background would be stopped for changing the terminal.
 void leave() noexcept {
     const int before = errno;
@@ -31,15 +43,7 @@ void leave() noexcept {
 
 void enter() noexcept {
     const int before = errno;
-    if (is_wanted && !is_raw && is_in_foreground(terminal)) {
-        termios mode{};
-        ::tcgetattr(terminal, &mode);
-        if ((mode.c_lflag & ICANON) != 0) cooked = mode;  // else left behind by a job that was stopped in raw mode
-        mode.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-        mode.c_cc[VMIN] = 1;
-        mode.c_cc[VTIME] = 0;
-        is_raw = ::tcsetattr(terminal, TCSANOW, &mode) == 0;
-    }
+    if (is_wanted && !is_raw && is_in_foreground(terminal)) is_raw = make_raw(terminal, cooked);
     errno = before;
 }
 
@@ -83,21 +87,30 @@ bool is_in_foreground(int descriptor) noexcept {
     return group == ::getpgrp() || group == -1;  // without jobs, as when another program has made the terminal
 }
 
-raw_terminal::raw_terminal(int descriptor) {
-    terminal = descriptor;
-    is_ending = false;
-    ::tcgetattr(terminal, &cooked);
-    cooked.c_lflag |= ICANON | ECHO;
-    for (std::size_t i = 0; i < caught.size(); ++i) {
-        ::sigaction(caught[i], nullptr, &former[i]);
-        const bool is_other = (former[i].sa_flags & SA_SIGINFO) != 0;  // such as those of a sanitizer
-        if (former[i].sa_handler != SIG_IGN && !is_other) set_handler(i, on_caught_signal);
-    }
+raw_terminal::raw_terminal(int descriptor) : descriptor_(descriptor), is_own_(descriptor == STDIN_FILENO) {
+    auto& before = is_own_ ? cooked : cooked_;
+    ::tcgetattr(descriptor, &before);
+    before.c_lflag |= ICANON | ECHO;
+    if (is_own_) catch_signals();
     resume();
 }
 
 raw_terminal::~raw_terminal() {
     suspend();
+    if (is_own_) release_signals();
+}
+
+void raw_terminal::catch_signals() {
+    terminal = STDIN_FILENO;
+    is_ending = false;
+    for (std::size_t i = 0; i < caught.size(); ++i) {
+        ::sigaction(caught[i], nullptr, &former[i]);
+        const bool is_other = (former[i].sa_flags & SA_SIGINFO) != 0;  // such as those of a sanitizer
+        if (former[i].sa_handler != SIG_IGN && !is_other) set_handler(i, on_caught_signal);
+    }
+}
+
+void raw_terminal::release_signals() {
     for (std::size_t i = 0; i < caught.size(); ++i) {
         struct sigaction now {};
         ::sigaction(caught[i], nullptr, &now);
@@ -107,11 +120,16 @@ raw_terminal::~raw_terminal() {
 }
 
 void raw_terminal::suspend() {
+    if (!is_own_) {
+        if (std::exchange(is_raw_, false)) ::tcsetattr(descriptor_, TCSANOW, &cooked_);
+        return;
+    }
     is_wanted = false;
     leave();
 }
 
 bool raw_terminal::resume() {
+    if (!is_own_) return is_raw_ = is_raw_ || make_raw(descriptor_, cooked_);
     if (is_ending) return false;
     is_wanted = true;
     enter();
