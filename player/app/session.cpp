@@ -1,6 +1,5 @@
 #include "player/app/session.h"
 
-#include <chrono>
 #include <ctime>
 #include <exception>
 #include <stdexcept>
@@ -8,7 +7,6 @@
 
 #include "player/app/component_start.h"
 #include "player/core/offer.h"
-#include "player/core/profile_folder.h"
 #include "player/services/beep_service.h"
 #include "player/services/clipboard_service.h"
 #include "player/services/configuration_store.h"
@@ -34,15 +32,9 @@
 #include "player/tags/reader.h"
 
 namespace ostrevan::app {
-namespace {
-
-constexpr auto lock_patience = std::chrono::milliseconds(2000);
-
-}  // namespace
-
-session::session(const session_options& options, view::front_end& ui)
+session::session(const session_options& options, core::profile_lock lock, view::front_end& ui)
     : profile_(options.profile),
-      lock_(core::prepare_profile(profile_), lock_patience),
+      lock_(std::move(lock)),
       loop([this](const char* what) { report(what); }),
       ui_(loop, ui),
       services([this](const std::string& message) { report_later(message); }),

@@ -35,12 +35,14 @@ class session {
 public:
     /// Opens the profile and starts the components. Throws with a message for the user, and changes nothing, when the
     /// profile cannot be used. A component that cannot be loaded is reported to the front end and left out.
-    session(const session_options& options, view::front_end& ui);
+    session(const session_options& options, core::profile_lock lock, view::front_end& ui);
     /// Ends the components and closes the profile.
     ~session();
     session(const session&) = delete;
     session& operator=(const session&) = delete;
 
+    /// The folder.
+    [[nodiscard]] const std::string& profile() const noexcept { return profile_; }
     /// Gives the commands of a job a front end of their own. Those of other jobs use the one of the session.
     void add_front_end(const core::job_ptr& job, std::shared_ptr<view::front_end> ui) { ui_.add(job, std::move(ui)); }
     void remove_front_end(const core::job_ptr& job) { ui_.remove(job); }

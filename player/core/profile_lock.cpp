@@ -10,10 +10,13 @@
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 namespace ostrevan::core {
 namespace {
+
+constexpr int open_flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+
+std::string path_in(const std::string& profile) { return profile + "/lock"; }
 
 /// The start of the file. In a lock of ours it is a process number.
 std::string content_of(int file) {
@@ -35,38 +38,35 @@ bool is_not_writable(int error) noexcept {
 
 }  // namespace
 
-profile_lock::profile_lock(const std::string& profile, std::chrono::milliseconds patience) {
-    const auto path = profile + "/lock";
-    constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    file_ = system::descriptor(::open(path.c_str(), O_RDWR | O_CREAT | flags, 0600));
-    const bool is_writable{file_};
+std::optional<profile_lock> profile_lock::take(const std::string& profile) {
+    const auto path = path_in(profile);
+    system::descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | open_flags, 0600));
+    const bool is_writable{file};
     if (!is_writable && is_not_writable(errno)) {
         const int reason = errno;
-        file_ = system::descriptor(::open(path.c_str(), O_RDONLY | flags));
+        file = system::descriptor(::open(path.c_str(), O_RDONLY | open_flags));
         // No lock file in a read-only profile: nobody holds it.
-        if (!file_ && errno == ENOENT) return;
-        if (!file_) errno = reason;
+        if (!file && errno == ENOENT) return profile_lock({});
+        if (!file) errno = reason;
     }
-    if (!file_ && errno != ELOOP && errno != EISDIR)
+    if (!file && errno != ELOOP && errno != EISDIR)
         throw std::runtime_error("Cannot open " + path + ": " + std::system_category().message(errno) +
                                  ". Correct the permissions of the profile folder, or choose another with --profile.");
-    if (!file_ || !is_lock_file(file_.get()))
+    if (!file || !is_lock_file(file.get()))
         throw std::runtime_error(path + " is not the player's lock file and was left as it is. Move it away, or choose " +
                                  "another profile with --profile.");
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline) {
-            const auto holder = content_of(file_.get());
-            throw std::runtime_error("The profile " + profile + " is in use by process " +
-                                     (holder.empty() ? "unknown" : holder) +
-                                     ". Wait until it ends, or choose another profile with --profile.");
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) return std::nullopt;
     const auto own = std::to_string(::getpid());
-    if (is_writable && (::ftruncate(file_.get(), 0) != 0 || ::pwrite(file_.get(), own.data(), own.size(), 0) < 0)) {
-        // Not needed for locking, only for the message above.
+    if (is_writable && (::ftruncate(file.get(), 0) != 0 || ::pwrite(file.get(), own.data(), own.size(), 0) < 0)) {
+        // Not needed for locking, only for messages.
     }
+    return profile_lock(std::move(file));
+}
+
+std::string holder_of(const std::string& profile) {
+    const system::descriptor file(::open(path_in(profile).c_str(), O_RDONLY | open_flags));
+    const auto holder = file ? content_of(file.get()) : "";
+    return holder.empty() ? "unknown" : holder;
 }
 
 }  // namespace ostrevan::core

@@ -12,6 +12,7 @@
 
 #include "player/app/session.h"
 #include "player/terminal/exit_status.h"
+#include "player/terminal/ownership.h"
 #include "player/terminal/terminal.h"
 
 namespace CLI {
@@ -28,6 +29,9 @@ struct run_context {
     terminal& screen;
     std::ostream& out;
     core::job& job;
+    ownership& owner;
+    /// False for the command of another process.
+    bool is_own;
 
     /// Runs work on the main thread, where components and the library are used, and returns its value. Keep it short:
     /// everything else waits meanwhile.
@@ -44,6 +48,8 @@ struct chosen_command {
     bool may_ask = false;
     /// Loaded alone into a player with an empty profile, instead of the components folder.
     std::optional<std::string> component_to_check = std::nullopt;
+    /// Whether it goes on for as long as the user likes. A process that is about to end does not begin it for another one.
+    bool is_lasting = false;
 };
 
 /// An operand, an option or a flag of a command.

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "player/system/default_folders.h"
 #include "player/terminal/wrong_words.h"
@@ -28,7 +29,7 @@ constexpr const char* main_examples =
 class command_line {
 public:
     command_line();
-    std::variant<arguments, nothing_to_run> parse(int count, const char* const* values);
+    std::variant<arguments, nothing_to_run> parse(std::vector<std::string> words);
 
 private:
     void check_answers() const;
@@ -71,8 +72,7 @@ void command_line::check_answers() const {
 }
 
 /// In reverse order, as the parser expects.
-std::vector<std::string> reversed_words(int count, const char* const* values) {
-    std::vector<std::string> words(values + 1, values + count);
+std::vector<std::string> reversed(std::vector<std::string> words) {
     std::error_code error;
     for (auto& word : words)  // the parser reads [a,b] as a list; file names can look like that
         if (word.starts_with('[') && std::filesystem::exists(word, error)) word.insert(0, "./");
@@ -80,9 +80,9 @@ std::vector<std::string> reversed_words(int count, const char* const* values) {
     return words;
 }
 
-std::variant<arguments, nothing_to_run> command_line::parse(int count, const char* const* values) {
+std::variant<arguments, nothing_to_run> command_line::parse(std::vector<std::string> words) {
     try {
-        app_.parse(reversed_words(count, values));
+        app_.parse(reversed(std::move(words)));
         check_answers();
     } catch (const CLI::ParseError& error) {
         if (const auto wrong = describe_unknown_words(app_); !wrong.empty()) return nothing_to_run{exit_usage, wrong};
@@ -96,8 +96,8 @@ std::variant<arguments, nothing_to_run> command_line::parse(int count, const cha
 
 }  // namespace
 
-std::variant<arguments, nothing_to_run> parse_arguments(int count, const char* const* values) {
-    return command_line().parse(count, values);
+std::variant<arguments, nothing_to_run> parse_arguments(std::vector<std::string> words) {
+    return command_line().parse(std::move(words));
 }
 
 }  // namespace ostrevan::terminal

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "player/terminal/command.h"
 #include "player/terminal/prepared_answers.h"
@@ -22,6 +23,7 @@ struct nothing_to_run {
     std::string text;
 };
 
-std::variant<arguments, nothing_to_run> parse_arguments(int count, const char* const* values);
+/// The words after the name of the program.
+std::variant<arguments, nothing_to_run> parse_arguments(std::vector<std::string> words);
 
 }  // namespace ostrevan::terminal

@@ -1,12 +1,7 @@
-#include <cmath>
-#include <nlohmann/json.hpp>
-#include <set>
-
 #include "player/app/track_selection.h"
 #include "player/terminal/command.h"
 #include "player/terminal/formatted_lines.h"
-#include "player/terminal/key_text.h"
-#include "player/titleformat/integer.h"
+#include "player/terminal/track_json.h"
 #include "player/view/track_listing.h"
 #include "player/view/track_order.h"
 
@@ -48,63 +43,14 @@ std::vector<view::column> columns_of(const run_context& context, const std::vect
     return chosen;
 }
 
-using json = nlohmann::ordered_json;
-
-/// A field in JSON: null when not found, a number where it reads like one.
-json value_of(const titleformat::track_fields& fields, const std::string& name, bool may_be_number) {
-    std::string text;
-    if (!fields.field(name, text)) return nullptr;
-    if (may_be_number)
-        if (auto number = json::parse(text, nullptr, false); number.is_number()) return number;
-    return text;
-}
-
-/// The leading number of a field ("3/12"), else its text ("A1").
-json leading_number(const titleformat::track_fields& fields, const std::string& name) {
-    auto text = value_of(fields, name, false);
-    if (!text.is_string()) return text;
-    const auto number = titleformat::leading_integer(text.get<std::string>());
-    return number ? json(*number) : text;
-}
-
-/// Rounded to milliseconds.
-json seconds_of(const metadb_handle& track) {
-    const auto info = track.info();
-    if (!info || !(info->info().length() > 0)) return nullptr;
-    return std::round(info->info().length() * 1000) / 1000;
-}
-
-using registrations = std::vector<services::index_manager_impl::registration>;
-
-json object_of(const run_context& context, const registrations& indexes, const std::set<std::string>& component_fields,
-               metadb_handle& track) {
-    const titleformat::track_fields fields(context.player.fields, track);
-    const auto key = key_text(indexes, track);
-    json object{{"path", track.location().path},
-                {"subsong", track.location().subsong},
-                {"key", key.empty() ? json() : json(key)},
-                {"length", seconds_of(track)},
-                {"codec", value_of(fields, "codec", false)},
-                {"track", leading_number(fields, "tracknumber")},
-                {"disc", leading_number(fields, "discnumber")}};
-    for (const char* name : {"artist", "album artist", "album", "title", "date", "genre"})
-        object[name] = value_of(fields, name, false);
-    for (const auto& name : component_fields) object[name] = value_of(fields, name, true);
-    return object;
-}
-
 void print_json(const run_context& context, const metadb_handle_list& tracks) {
-    const auto indexes = context.on_main([&] { return context.player.index.registrations(); });
-    std::set<std::string> component_fields;
-    for (const auto& [name, entry] : context.player.fields.all()) component_fields.insert(name);
-
+    const track_json object_of(context);
     // One object per line, so that only one track is held as JSON at a time.
     context.out << '[';
     const char* separator = "\n";
     for (const auto& track : tracks) {
         if (!context.out || context.job.stop()) return;
-        const auto object = object_of(context, indexes, component_fields, *track);
-        context.out << separator << object.dump(-1, ' ', false, json::error_handler_t::replace);
+        context.out << separator << text_of(object_of(*track));
         separator = ",\n";
     }
     context.out << "\n]\n";

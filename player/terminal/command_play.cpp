@@ -108,7 +108,9 @@ const command_file play_command(30, [](declared_command& program) {
     app.add_option("--volume", &words->volume, "0 to 100").between(0, 100);
     app.add_option("--audio", &words->audio, "auto: the sound device; null: none").one_of({"auto", "null"});
     app.add_flag("--fast", words->fast, "Decode as fast as possible, without sound");
-    app.run([words](run_context& context) { play(context, *words); });
+    app.choose([words] {
+        return chosen_command{.run = [words](run_context& context) { play(context, *words); }, .is_lasting = true};
+    });
 });
 
 }  // namespace

@@ -88,7 +88,9 @@ const command_file watch_command(35, [](declared_command& program) {
         .one_value_each();
     app.add_option("--music-dir", &options.music_folder, "The folder of music of an MPD on another machine").called("DIR");
     app.add_flag("--json", words->json, "An object a line");
-    app.run([words](run_context& context) { watch(context, *words); });
+    app.choose([words] {
+        return chosen_command{.run = [words](run_context& context) { watch(context, *words); }, .is_lasting = true};
+    });
 });
 
 }  // namespace

@@ -74,7 +74,7 @@ void keyboard::read_keys() {
         std::array<pollfd, 2> ready{{{wake_out_.get(), POLLIN, 0}, {may_read ? side_.input : -1, POLLIN, 0}}};
         ::poll(ready.data(), ready.size(), may_read ? -1 : look_again_ms);
         while (::read(wake_out_.get(), buffer.data(), buffer.size()) > 0) continue;
-        if (ready[1].revents == 0 || ready[0].revents != 0) continue;
+        if (ready[1].revents == 0 || ready[0].revents != 0 || !side_.is_in_foreground(side_.input)) continue;
         const auto size = ::read(side_.input, buffer.data(), buffer.size());
         is_open = size > 0;
         for (std::string_view text(buffer.data(), is_open ? static_cast<std::size_t>(size) : 0); !text.empty();) {

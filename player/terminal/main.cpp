@@ -1,91 +1,91 @@
-#include <cerrno>
-#include <cstring>
+#include <chrono>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <thread>
 
 #include "player/core/job_thread.h"
-#include "player/system/failure_text.h"
+#include "player/core/profile_folder.h"
+#include "player/remote/client.h"
 #include "player/system/interrupt.h"
 #include "player/system/temporary_folder.h"
-#include "player/system/user_error.h"
+#include "player/terminal/client_commands.h"
 #include "player/terminal/command_line.h"
+#include "player/terminal/running.h"
 #include "player/terminal/terminal_front_end.h"
 
 namespace ostrevan::terminal {
 namespace {
 
-/// Carries out a command to its end, on the own thread of its job.
-int carry_out(const chosen_command& chosen, run_context& context) {
-    auto& screen = context.screen;
-    try {
-        chosen.run(context);
-    } catch (...) {
-        context.job.wait_until_idle();  // finishes what the components have begun
-        screen.end_progress();
-        throw;
-    }
-    context.job.wait_until_idle();
-    screen.end_progress();
-    context.player.save();
-    context.job.wait_until_idle();  // shows messages about saving
-    const int status = screen.exit_status();
-    if (status == exit_done) screen.note_unused_answers();
-    return status;
-}
+/// A process that is started or ended at the same moment gets this long.
+constexpr auto patience = std::chrono::milliseconds(2000);
 
-/// Runs the main loop until everything is done.
-int run_with(const app::session_options& options, const chosen_command& chosen, terminal& screen, const core::job_ptr& job) {
+/// Owns the profile until the command is done, and those of other processes that came meanwhile.
+int run_as_owner(const app::session_options& options, core::profile_lock lock, const chosen_command& chosen,
+                 terminal& screen, const core::job_ptr& job) {
     const core::job_thread thread(job);
     terminal_front_end ui(job, screen);
+    ownership owner{.components = std::filesystem::absolute(options.components).lexically_normal(),
+                    .is_lasting = chosen.is_lasting};
+    const auto place = lock.is_exclusive() ? remote::socket_place::of(options.profile) : std::nullopt;
     const core::job::scope scope(job);
-    app::session player(options, ui);
-    int status = exit_failed;
-    std::exception_ptr failure;
+    app::session player(options, std::move(lock), ui);
     const core::job::scope nobody(nullptr);
+    std::optional<client_commands> clients;
+    try {
+        if (place) clients.emplace(player, owner, *place);
+        else owner.obstacle = "The profile can only be read.";
+    } catch (const std::exception& error) {
+        owner.obstacle = error.what();  // a client says it, too
+    }
+    int status = exit_failed;
     job->run_on_own_thread([&, busy = std::make_shared<core::main_loop::activity>(player.loop)] {
-        try {
-            run_context context{player, screen, screen.out(), *job};
-            status = carry_out(chosen, context);
-        } catch (...) {
-            failure = std::current_exception();
-        }
+        run_context context{player, screen, screen.out(), *job, owner, true};
+        status = run_to_end(chosen, context);
+        if (clients) clients->finish(context);
     });
     player.run_until_idle();
-    if (failure) std::rethrow_exception(failure);
     return status;
 }
 
-int run_all(const arguments& wanted, terminal& screen, const core::job_ptr& job) {
-    const auto& checked = wanted.chosen.component_to_check;
-    if (!checked) return run_with({wanted.profile, wanted.components, wanted.quiet}, wanted.chosen, screen, job);
+/// Checks a component in a player with an empty profile.
+int run_check(const arguments& wanted, terminal& screen, const core::job_ptr& job) {
     const auto parent = std::filesystem::temp_directory_path().string();
     const auto profile = system::temporary_folder::in(parent);
     if (!profile) throw std::runtime_error("No folder can be made in " + parent + ": name another one with TMPDIR.");
-    return run_with({profile->path(), *checked, wanted.quiet}, wanted.chosen, screen, job);
+    return run_as_owner({profile->path(), *wanted.chosen.component_to_check, wanted.quiet},
+                        *core::profile_lock::take(profile->path()), wanted.chosen, screen, job);
 }
 
-int run_reporting(const arguments& wanted, terminal& screen, const core::job_ptr& job) {
-    try {
-        return run_all(wanted, screen, job);
-    } catch (const system::user_error& error) {
-        screen.error(error.what());
-        return exit_usage;
-    } catch (const std::exception& error) {
-        screen.error(system::failure_text(error));
-        return exit_failed;
+remote::command as_command(std::vector<std::string> words) {
+    auto side = own_side();
+    return {.words = std::move(words), .home = std::move(side.home), .terminal_kind = std::move(side.terminal_kind)};
+}
+
+/// Here when no other process owns the profile, else there.
+int run(const arguments& wanted, const std::vector<std::string>& words, terminal& screen, const core::job_ptr& job) {
+    if (wanted.chosen.component_to_check) return run_check(wanted, screen, job);
+    const auto& profile = core::prepare_profile(wanted.profile);
+    std::string obstacle;
+    for (const auto begin = std::chrono::steady_clock::now(); std::chrono::steady_clock::now() - begin < patience;) {
+        if (auto lock = core::profile_lock::take(profile))
+            return run_as_owner({profile, wanted.components, wanted.quiet}, std::move(*lock), wanted.chosen, screen, job);
+        const auto place = remote::socket_place::of(profile);
+        auto owner = system::descriptor();
+        try {
+            if (place) owner = place->connect();
+        } catch (const std::exception& error) {
+            obstacle = std::string(" ") + error.what();
+        }
+        if (owner)
+            if (const auto status = remote::run_at_owner(std::move(owner), as_command(words))) return *status;
+        if (system::interrupted()) return exit_interrupted;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-}
-
-/// The exit status, after all output is written or has failed.
-int final_status(int status, terminal& screen) {
-    screen.out().flush();
-    if (system::interrupted()) return exit_interrupted;
-    const int problem = screen.output_error();
-    // A reader that closed its end of the pipe has read enough.
-    if (problem != 0 && problem != EPIPE)
-        screen.error(std::string("standard output could not be written: ") + std::strerror(problem) + ".");
-    return problem != 0 && status == exit_done ? exit_failed : status;
+    throw std::runtime_error("The profile " + profile + " is in use by process " + core::holder_of(profile) +
+                             ", which takes no commands. Wait until it ends, or choose another profile with --profile." +
+                             obstacle);
 }
 
 }  // namespace
@@ -95,13 +95,19 @@ int main(int count, char** values) {
     using namespace ostrevan;
     using namespace ostrevan::terminal;
     system::handle_interrupts();
-    const auto parsed = parse_arguments(count, values);
+    const std::vector<std::string> words(values + 1, values + count);
+    const auto parsed = parse_arguments(words);
     const auto* const nothing = std::get_if<nothing_to_run>(&parsed);
     const auto wanted = nothing == nullptr ? std::get<arguments>(parsed) : arguments{};
     const auto job = std::make_shared<core::job>(system::interrupted());
     ostrevan::terminal::terminal screen(own_side(), job, wanted.quiet, wanted.answers);
-    if (nothing == nullptr) return final_status(run_reporting(wanted, screen, job), screen);
-    if (nothing->status == exit_done) screen.out() << nothing->text << '\n';
-    else screen.error(nothing->text);
-    return final_status(nothing->status, screen);
+    int status = exit_done;
+    if (nothing == nullptr) {
+        status = reporting(screen, [&] { return run(wanted, words, screen, job); });
+    } else {
+        status = nothing->status;
+        if (status == exit_done) screen.out() << nothing->text << '\n';
+        else screen.error(nothing->text);
+    }
+    return final_status(status, screen, system::interrupted());
 }

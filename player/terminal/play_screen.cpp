@@ -1,38 +1,12 @@
 #include "player/terminal/play_screen.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdio>
 #include <iterator>
 #include <vector>
 
+#include "player/terminal/playback_text.h"
+
 namespace ostrevan::terminal {
-namespace {
-
-using playback::repeat_mode;
-using playback::shuffle_mode;
-
-/// "4:05", and with hours "1:04:05".
-std::string clock_text(double seconds) {
-    const auto whole = static_cast<long long>(std::max(seconds, 0.0));
-    std::array<char, 32> text{};
-    if (whole < 3600) std::snprintf(text.data(), text.size(), "%lld:%02lld", whole / 60, whole % 60);
-    else std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
-    return text.data();
-}
-
-/// What differs from a plain playback.
-std::vector<std::string> modes_of(const playback::play_status& status) {
-    constexpr std::array repeat{"", "repeat track", "repeat"};
-    constexpr std::array shuffle{"", "shuffle", "shuffle albums"};
-    const auto& modes = status.order.modes();
-    return {status.is_paused ? "paused" : "", repeat[static_cast<std::size_t>(modes.repeat)],
-            shuffle[static_cast<std::size_t>(modes.shuffle)], modes.stop_after ? "last track" : "",
-            status.volume < 100 ? "volume " + std::to_string(std::lround(status.volume)) : ""};
-}
-
-}  // namespace
 
 std::string play_screen::text_of(const titleformat::script& script, const metadb_handle_ptr& track) const {
     return script.run(titleformat::track_fields(context_.player.fields, *track)).text;

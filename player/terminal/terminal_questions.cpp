@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <thread>
 #include <utility>
 
 #include "player/system/local_path.h"
@@ -78,6 +79,10 @@ std::optional<std::string> terminal::next_line() {
         }
         if (job_->stop()) return std::nullopt;
         if (::poll(&input, 1, look_again_ms) <= 0) continue;
+        if (!is_in_foreground(side_.input)) {  // what is typed is for another job
+            std::this_thread::sleep_for(std::chrono::milliseconds(look_again_ms));
+            continue;
+        }
         std::array<char, 4096> block{};
         const auto size = ::read(side_.input, block.data(), block.size());
         if (size < 0 && (errno == EINTR || errno == EAGAIN)) continue;

@@ -5,7 +5,7 @@ from sandbox import require
 from work_play import Plays
 from work_tags import WRITE_TAGS
 
-HELD = r"The profile .* is in use by process \d+"
+HELD = r"The profile .* is in use by process \d+|The process that carried out this command has ended"
 OTHERS = (["list"], ["library", "rescan"], ["index", "dump"], WRITE_TAGS)
 
 
@@ -26,7 +26,7 @@ class Crowd:
         most, least = dict(work.before), dict(work.before)
         for words, result in zip(commands, results):
             require(result.status in (0, 1, -9), f"{words} ended with {result.status}: {result.err}")
-            require(result.status != 1 or re.search(HELD, result.err), f"{words}: not said who holds the profile: {result.err}")
+            require(result.status != 1 or re.search(HELD, result.err), f"{words}: not said why: {result.err}")
             job.count({0: "worked", 1: "held off", -9: "killed"}[result.status])
             for title in re.findall("^Counted: .* - (.*)$", result.out, re.M):
                 least[title] += 1

@@ -3,6 +3,7 @@
 #include <future>
 
 #include "player/app/track_selection.h"
+#include "player/core/profile_folder.h"
 #include "player/services/clipboard_service.h"
 #include "player/services/tag_update_service.h"
 #include "player/tags/rewrite.h"
@@ -95,7 +96,8 @@ TEST_F(files, edits_that_a_component_has_not_followed_are_told_of_again) {
     } runs[] = {{0, true, true}, {1, false, false}, {2, false, true}, {0, false, true}};
     for (const auto& [kept, fails, has_followed] : runs) {
         service_uncounted_t<follower> followers[2];
-        session run({path("profile"), path("none"), true}, player.ui);
+        session run({path("profile"), path("none"), true}, *core::profile_lock::take(core::prepare_profile(path("profile"))),
+                    player.ui);
         EXPECT_EQ(run.library.unfinished_edits().size(), kept);
         (void)run.library.add_folders(folders);
         if (fails) followers[0].fails = [] { throw 1; };
@@ -113,7 +115,8 @@ TEST_F(files, are_taken_in_the_order_of_listening_from_folders_outside_the_libra
     for (const auto* name : {"10.wav", "2.wav", "9.wav", "1.wav", "b/1.wav", "cd 10/1.wav", "cd 9/1.wav"}) write_sound(name);
     write(path("2.cue"), "FILE \"2.wav\" WAVE\n TRACK 01 AUDIO\n INDEX 01 00:00:00\n TRACK 02 AUDIO\n INDEX 01 00:00:30\n");
     write(path("cover.jpg"), "x");
-    session run({path("profile"), path("none"), true}, player.ui);
+    session run({path("profile"), path("none"), true}, *core::profile_lock::take(core::prepare_profile(path("profile"))),
+                player.ui);
     const auto taken = [&](lines places) {
         for (auto& place : places) place = path(place);
         const auto chosen = tracks_at(run, places);

@@ -102,23 +102,23 @@ TEST_F(profile_files, lie_at_an_absolute_place_or_nowhere) {
 }
 
 TEST_F(profile_files, a_second_process_is_told_who_holds_the_profile) {
-    { const profile_lock made(folder_, 0ms); }
+    EXPECT_TRUE(profile_lock::take(folder_)->is_exclusive());
     EXPECT_EQ(mode(path("lock")), 0600U);
     write(path("lock"), "99999999999");  // longer than the number that follows
     {
-        const profile_lock held(folder_, 50ms);
-        EXPECT_THAT(failure_of([&] { const profile_lock second(folder_, 50ms); }),
-                    HasSubstr("in use by process " + std::to_string(::getpid()) + "."));
+        const auto held = profile_lock::take(folder_);
+        EXPECT_FALSE(profile_lock::take(folder_).has_value());
+        EXPECT_EQ(holder_of(folder_), std::to_string(::getpid()));
     }
     const pid_t child = ::fork();
     if (child == 0) {
-        const profile_lock held(folder_, 0ms);
+        const auto held = profile_lock::take(folder_);
         ::kill(::getpid(), SIGKILL);
     }
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
-    const profile_lock free(folder_, 0ms);
+    EXPECT_TRUE(profile_lock::take(folder_).has_value());
 }
 
 TEST_F(profile_files, what_is_in_the_place_of_the_lock_is_named_and_left_alone) {
@@ -132,7 +132,7 @@ TEST_F(profile_files, what_is_in_the_place_of_the_lock_is_named_and_left_alone) 
     for (const auto& prepare : cases) {
         std::filesystem::remove(lock);
         prepare();
-        EXPECT_THAT(failure_of([&] { const profile_lock refused(folder_, 0ms); }), HasSubstr(lock + " is not the player's"));
+        EXPECT_THAT(failure_of([&] { (void)profile_lock::take(folder_); }), HasSubstr(lock + " is not the player's"));
         EXPECT_EQ(content(path("precious")), "12");
     }
     EXPECT_EQ(content(lock), "my notes");

@@ -8,6 +8,8 @@ import json
 import os
 import pathlib
 import pty
+import re
+import select
 import shutil
 import struct
 import subprocess
@@ -62,6 +64,20 @@ class PlayerTest(unittest.TestCase):
         self.addCleanup(lambda: end in self.open_ends and os.close(end))
         self.open_ends.add(end)
         return player, master, end
+
+    def type_keys(self, terminal, *steps):
+        """Waits for what is said, and then types, in turn."""
+        said = ""
+        for expected, keys in steps:
+            while not (found := re.search(expected, said, re.S)):
+                self.assertTrue(select.select([terminal], [], [], 60)[0], f"{expected} did not come: {said}")
+                said += os.read(terminal, 65536).decode(errors="replace")
+            said = said[found.end():]
+            os.write(terminal, keys.encode())
+
+    @staticmethod
+    def reads_lines(end):
+        return bool(termios.tcgetattr(end)[3] & termios.ICANON)
 
     def on_terminal(self, *words, **options):
         """What a command writes to a terminal."""

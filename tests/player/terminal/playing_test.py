@@ -1,9 +1,5 @@
 """Keys while tracks play on a terminal, and the terminal afterwards."""
-import os
-import re
-import select
 import signal
-import termios
 import unicodedata
 
 from player import ASKING, PlayerTest
@@ -11,24 +7,10 @@ from player import ASKING, PlayerTest
 PLAY = ("play", "--audio", "null")
 
 
-def reads_lines(end):
-    return bool(termios.tcgetattr(end)[3] & termios.ICANON)
-
-
 class Playing(PlayerTest):
     def setUp(self):
         super().setUp()
         self.copy_music()
-
-    def type_keys(self, terminal, *steps):
-        """Waits for what is said, and then types, in turn."""
-        said = ""
-        for expected, keys in steps:
-            while not (found := re.search(expected, said, re.S)):
-                self.assertTrue(select.select([terminal], [], [], 60)[0], f"{expected} did not come: {said}")
-                said += os.read(terminal, 65536).decode(errors="replace")
-            said = said[found.end():]
-            os.write(terminal, keys.encode())
 
     def test_keys_do_what_the_table_says_and_each_time_heard_counts_once(self):
         player, terminal, end = self.start_on_terminal(*PLAY, self.music, columns=120)
@@ -36,7 +18,7 @@ class Playing(PlayerTest):
                        ("Playing 1 of 8.* / ", "4"), ("★★★★☆", " "), ("paused", "--"), ("volume 90", "rse"),
                        ("repeat track  shuffle  last track  volume 90", "se "), ("Counted", ""), ("Counted", ""), ("0:0", "q"))
         self.assertEqual(player.wait(timeout=100), 0)
-        self.assertTrue(reads_lines(end))
+        self.assertTrue(self.reads_lines(end))
         played = {(track["rating"], track["play_count"]) for track in self.tracks() if track["play_count"]}
         self.assertEqual(played, {(4, 2)})
         player, terminal, _ = self.start_on_terminal(*PLAY, columns=120)
@@ -47,10 +29,10 @@ class Playing(PlayerTest):
         for way, status in ((signal.SIGINT, 130), (signal.SIGTERM, 130), (signal.SIGSEGV, -signal.SIGSEGV), (signal.SIGHUP, -1)):
             player, terminal, end = self.start_on_terminal(*PLAY, self.music)
             self.type_keys(terminal, (" / ", ""))
-            self.assertFalse(reads_lines(end))
+            self.assertFalse(self.reads_lines(end))
             player.send_signal(way)
             self.assertEqual(player.wait(timeout=100), status)
-            self.assertTrue(reads_lines(end), way)
+            self.assertTrue(self.reads_lines(end), way)
 
     def test_it_can_be_stopped_and_continued(self):
         shell = ("bash", "-mc", '"$@"; stty -a | grep -o ".icanon"; fg; stty -a | grep -o ".icanon"', "bash")

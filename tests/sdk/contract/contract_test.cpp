@@ -10,6 +10,7 @@
 #include "ostrevan/filesystem.h"
 #include "ostrevan/thread_service.h"
 #include "ostrevan_test/memory_player.h"
+#include "player/core/profile_folder.h"
 #include "tests/player/app/doubles.h"
 #include "tests/player/temporary_folder.h"
 
@@ -42,7 +43,8 @@ running_player in_memory(const std::string& /*profile*/) {
 
 running_player real(const std::string& profile) {
     const auto screen = std::make_shared<app::screen>();
-    const auto session = std::make_shared<app::session>(app::session_options{profile, PROBE_FOLDER, true}, *screen);
+    const auto session = std::make_shared<app::session>(app::session_options{profile, PROBE_FOLDER, true},
+                                                        *core::profile_lock::take(core::prepare_profile(profile)), *screen);
     return {session, [=] { session->run_until_idle(); }, [=] { return screen->said; }};
 }
 

@@ -1,0 +1,60 @@
+#include <unistd.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "player/terminal/command.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+constexpr const char* serve_examples =
+    "Examples:\n"
+    "  ostrevan serve &\n"
+    "  ostrevan list\n"
+    "  ostrevan quit\n"
+    "Commands are fast while a process serves the profile: it has loaded everything already. Ends at SIGTERM, Ctrl-C or "
+    "quit.";
+
+constexpr const char* quit_examples =
+    "Examples:\n"
+    "  ostrevan quit\n"
+    "Ends a playback, or the process that serves the profile. Commands under way are finished.";
+
+void serve(run_context& context) {
+    auto& owner = context.owner;
+    if (!context.is_own)
+        throw std::runtime_error("Process " + std::to_string(::getpid()) + " owns the profile already and serves it.");
+    if (!owner.obstacle.empty()) throw std::runtime_error(owner.obstacle);
+    owner.is_serving = true;
+    context.screen.note("Serving " + context.player.profile() + ".");
+    context.player.loop.start_thread([&stop = context.job.stop(), &owner] {
+        while (!stop && !owner.is_to_quit) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    });
+    context.job.wait_until_idle();
+    context.job.stop() = false;  // this is how it is ended, and no failure
+}
+
+void quit(run_context& context) {
+    if (context.is_own) throw std::runtime_error("No other process uses the profile.");
+    const bool plays = context.on_main([&] {
+        auto& playing = context.player.playing;
+        playing.perform({playback::action::quit});
+        return playing.now().has_value();
+    });
+    context.owner.is_to_quit = true;
+    if (!plays && !context.owner.is_serving)
+        throw std::runtime_error("Process " + std::to_string(::getpid()) + " carries out a command, which ends by itself.");
+}
+
+const command_file serve_commands(150, [](declared_command& program) {
+    program.add("serve", "Keep the profile open for the commands of other processes", serve_examples).choose([] {
+        return chosen_command{.run = serve, .is_lasting = true};
+    });
+    program.add("quit", "End the process that plays or serves", quit_examples).run(quit);
+});
+
+}  // namespace
+}  // namespace ostrevan::terminal

@@ -1,0 +1,28 @@
+#include "player/terminal/playback_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+
+namespace ostrevan::terminal {
+
+std::string clock_text(double seconds) {
+    const auto whole = static_cast<long long>(std::max(seconds, 0.0));
+    std::array<char, 32> text{};
+    if (whole < 3600) std::snprintf(text.data(), text.size(), "%lld:%02lld", whole / 60, whole % 60);
+    else std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
+    return text.data();
+}
+
+std::vector<std::string> modes_of(const playback::play_status& status) {
+    constexpr std::array repeat{"", "repeat track", "repeat"};
+    constexpr std::array shuffle{"", "shuffle", "shuffle albums"};
+    const auto& modes = status.order.modes();
+    return {status.is_paused ? "paused" : "", repeat[static_cast<std::size_t>(modes.repeat)],
+            shuffle[static_cast<std::size_t>(modes.shuffle)], modes.stop_after ? "last track" : "",
+            status.volume < 100 ? "volume " + std::to_string(std::lround(status.volume)) : ""};
+}
+
+}  // namespace ostrevan::terminal
