@@ -13,7 +13,7 @@ build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcl
     libsystemd-dev libmpdclient-dev)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev libavformat-dev clang libclang-rt-dev clang-format
     clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace
-    "dbus-daemon|dbus" python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base)
+    dbus python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
 
 needs=("${run_packages[@]}")

@@ -3,6 +3,7 @@
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace ostrevan::bus {
@@ -94,6 +95,38 @@ value read_value(sd_bus_message& message, char type, const char* contents) {
     }
 }
 
+int write_text(sd_bus_message& message, char type, const std::string& text) {
+    return sd_bus_message_append_basic(&message, type, text.c_str());
+}
+
+int write_list(sd_bus_message& message, const std::vector<value>& list) {
+    int result = sd_bus_message_open_container(&message, SD_BUS_TYPE_ARRAY, "s");
+    for (const auto& each : list)
+        if (result >= 0) result = write_value(message, each);
+    return result < 0 ? result : sd_bus_message_close_container(&message);
+}
+
+const char* signature_of(const value& single) {
+    constexpr std::array signatures{"s", "b", "x", "d", "s", "as", "a{sv}", "o", "i"};  // by alternative
+    return signatures[single.index()];
+}
+
+int write_entry(sd_bus_message& message, const std::string& name, const value& single) {
+    int result = sd_bus_message_open_container(&message, SD_BUS_TYPE_DICT_ENTRY, "sv");
+    if (result >= 0) result = write_text(message, SD_BUS_TYPE_STRING, name);
+    if (result >= 0) result = sd_bus_message_open_container(&message, SD_BUS_TYPE_VARIANT, signature_of(single));
+    if (result >= 0) result = write_value(message, single);
+    if (result >= 0) result = sd_bus_message_close_container(&message);
+    return result < 0 ? result : sd_bus_message_close_container(&message);
+}
+
+int write_dictionary(sd_bus_message& message, const dictionary& entries) {
+    int result = sd_bus_message_open_container(&message, SD_BUS_TYPE_ARRAY, "{sv}");
+    for (const auto& [name, single] : entries)
+        if (result >= 0) result = write_entry(message, name, single);
+    return result < 0 ? result : sd_bus_message_close_container(&message);
+}
+
 const value* find(const dictionary& values, std::string_view name) {
     const auto found = values.find(name);
     return found == values.end() ? nullptr : &found->second;
@@ -107,6 +140,29 @@ std::vector<value> read_values(sd_bus_message& message) {
     const char* contents = nullptr;
     while (sd_bus_message_peek_type(&message, &type, &contents) > 0) values.push_back(read_value(message, type, contents));
     return values;
+}
+
+int write_value(sd_bus_message& message, const value& single) {
+    struct writer {
+        sd_bus_message& message;
+        int operator()(std::monostate) const { return write_text(message, SD_BUS_TYPE_STRING, {}); }
+        int operator()(bool flag) const {
+            const int number = flag ? 1 : 0;
+            return sd_bus_message_append_basic(&message, SD_BUS_TYPE_BOOLEAN, &number);
+        }
+        int operator()(std::int64_t number) const {
+            return sd_bus_message_append_basic(&message, SD_BUS_TYPE_INT64, &number);
+        }
+        int operator()(std::int32_t number) const {
+            return sd_bus_message_append_basic(&message, SD_BUS_TYPE_INT32, &number);
+        }
+        int operator()(double number) const { return sd_bus_message_append_basic(&message, SD_BUS_TYPE_DOUBLE, &number); }
+        int operator()(const std::string& text) const { return write_text(message, SD_BUS_TYPE_STRING, text); }
+        int operator()(const object_path& path) const { return write_text(message, SD_BUS_TYPE_OBJECT_PATH, path.text); }
+        int operator()(const std::vector<value>& list) const { return write_list(message, list); }
+        int operator()(const dictionary& entries) const { return write_dictionary(message, entries); }
+    };
+    return std::visit(writer{message}, static_cast<const value::variant&>(single));
 }
 
 std::string text_of(const dictionary& values, std::string_view name) {

@@ -16,4 +16,10 @@ void wake_event::set() noexcept {
     eventfd_write(file_.get(), 1);
 }
 
+void wake_event::clear() noexcept {
+    is_set_ = false;
+    eventfd_t count = 0;
+    eventfd_read(file_.get(), &count);
+}
+
 }  // namespace ostrevan::system

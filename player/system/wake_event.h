@@ -6,14 +6,15 @@
 
 namespace ostrevan::system {
 
-/// Asks a thread that waits in `poll` to end. Stays set. [any-thread]
+/// Wakes a thread that waits in `poll`. [any-thread]
 class wake_event {
 public:
     /// Throws std::system_error when the process has no descriptor left.
     wake_event();
     void set() noexcept;
+    void clear() noexcept;
     [[nodiscard]] bool is_set() const noexcept { return is_set_; }
-    /// Readable once it is set.
+    /// Readable while it is set.
     [[nodiscard]] int file() const noexcept { return file_.get(); }
 
 private:

@@ -24,8 +24,8 @@ constexpr const char* status_examples =
     "  ostrevan status --follow\n"
     "Shows what plays in another process. --follow prints a line whenever something changes, until the playback ends.";
 
-constexpr const char* repeat_names[] = {"off", "track", "list"};
-constexpr const char* shuffle_names[] = {"off", "tracks", "albums"};
+constexpr const char* repeat_words[] = {"off", "track", "list"};
+constexpr const char* shuffle_words[] = {"off", "tracks", "albums"};
 
 std::string format(const run_context& context, const char* script, metadb_handle& track) {
     return titleformat::compile(script).run(titleformat::track_fields(context.player.fields, track)).text;
@@ -51,8 +51,8 @@ ordered_json as_json(const track_json& object_of, const std::optional<playing_no
             {"place", now->track.place + 1},
             {"tracks", now->list.get_count()},
             {"volume", std::round(now->status.volume)},
-            {"repeat", repeat_names[static_cast<std::size_t>(modes.repeat)]},
-            {"shuffle", shuffle_names[static_cast<std::size_t>(modes.shuffle)]},
+            {"repeat", repeat_words[static_cast<std::size_t>(modes.repeat)]},
+            {"shuffle", shuffle_words[static_cast<std::size_t>(modes.shuffle)]},
             {"stop_after", modes.stop_after},
             {"track", object_of(*now->track.track)}};
 }

@@ -7,6 +7,7 @@
 
 #include "player/core/job_thread.h"
 #include "player/core/profile_folder.h"
+#include "player/mpris/desktop_control.h"
 #include "player/remote/client.h"
 #include "player/system/interrupt.h"
 #include "player/system/temporary_folder.h"
@@ -31,6 +32,7 @@ int run_as_owner(const app::session_options& options, core::profile_lock lock, c
     const auto place = lock.is_exclusive() ? remote::socket_place::of(options.profile) : std::nullopt;
     const core::job::scope scope(job);
     app::session player(options, std::move(lock), ui);
+    const mpris::desktop_control desktop(player);
     const core::job::scope nobody(nullptr);
     std::optional<client_commands> clients;
     try {

@@ -26,6 +26,7 @@ GROUND = {
     "player/services": SDK + ["player/" + room for room in DOMAINS] + ["player/system", "player/core", "player/view"],
     "player/app": SDK + ["player/" + room for room in DOMAINS + ["watch"]] + ["player/system", "player/core", "player/view", "player/services"],
     "player/remote": SDK + ["player/system"],
+    "player/mpris": SDK + ["player/" + room for room in ("system", "bus", "playback", "titleformat", "app")],
     "player/terminal": SDK + ["player"],
     "quorvel/common": SDK,
     "quorvel/xml": SDK,
