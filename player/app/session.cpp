@@ -104,6 +104,8 @@ session::~session() {
             if (const auto outcome = query_service<tag_edit_outcome>(callback)) all_followed &= outcome->all_followed();
         });
         if (all_followed) library.forget_edits();
+        library.leave_behind();
+        tracks.leave_behind();
     } catch (const std::exception& error) {
         report(system::failure_text(error));
     }

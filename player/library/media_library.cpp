@@ -102,6 +102,11 @@ void media_library::append_items(std::vector<metadb_handle_ptr>& out) const {
     for (const auto& [path, file] : files_) out.insert(out.end(), file.tracks.begin(), file.tracks.end());
 }
 
+void media_library::leave_behind() {
+    static auto& left = *new std::vector<std::pair<library_files, std::vector<track_ptr>>>;
+    left.emplace_back(std::exchange(files_, {}), std::exchange(items_, {}));
+}
+
 std::span<const track_ptr> media_library::items_of_file(const std::string& path) const {
     const auto known = files_.find(path);
     return known == files_.end() ? std::span<const track_ptr>() : known->second.tracks;

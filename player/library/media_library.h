@@ -42,6 +42,8 @@ public:
     [[nodiscard]] const std::vector<track_ptr>& items() const;
     /// In no order, which costs a fraction.
     void append_items(std::vector<metadb_handle_ptr>& out) const;
+    /// As in `track_table`. Nothing is known afterwards.
+    void leave_behind();
     /// The tracks of one file; none if it is not in the library.
     [[nodiscard]] std::span<const track_ptr> items_of_file(const std::string& path) const;
 

@@ -62,4 +62,12 @@ void track_table::reserve(std::size_t tracks) {
     make_room(tracks);
 }
 
+void track_table::leave_behind() {
+    static auto& left = *new std::vector<std::vector<track_ptr>>;
+    const std::lock_guard guard(mutex_);
+    left.push_back(std::exchange(slots_, std::vector<track_ptr>(8)));
+    hashes_.assign(slots_.size(), 0);
+    used_ = 0;
+}
+
 }  // namespace ostrevan::library

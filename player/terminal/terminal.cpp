@@ -111,12 +111,16 @@ void terminal::show_message(const std::string& text, const std::string& title, p
 
 void terminal::show_listing(const view::track_listing& listing) {
     std::vector<table::column> heads;
-    for (const auto& column : listing.columns) heads.push_back({column.name, column.align_right});
+    for (const auto& column : listing.columns()) heads.push_back({column.name, column.align_right});
     table shown(std::move(heads));
-    for (const auto& row : listing.rows) shown.add_row(row);
+    std::vector<std::string> cells;
+    for (std::size_t row = 0; row < listing.row_count(); ++row) {
+        listing.format_row(row, cells);
+        shown.add_row(cells);
+    }
     list_shown_ = true;
     end_progress();
-    output_ << shown.text(terminal_width(side_.output));
+    shown.write(terminal_width(side_.output), [&](std::string_view line) { output_ << line; });
 }
 
 void terminal::show_progress(const std::string& what, std::size_t done, std::size_t total) {

@@ -1,5 +1,6 @@
 #include "player/terminal/terminal_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -29,7 +30,12 @@ bool is_obeyed(std::int32_t code) {
 std::string shown_on_terminal(std::string_view text) {
     std::string out;
     out.reserve(text.size());
-    while (!text.empty()) {
+    const auto is_special = [](char c) { return (c < ' ' && c != '\n' && c != '\t') || c > '~'; };
+    for (;;) {
+        const auto plain = static_cast<std::size_t>(std::ranges::find_if(text, is_special) - text.begin());
+        out += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) return out;
         const auto next = titleformat::first_character(text);
         if (next.code == titleformat::character::malformed) {
             out += "\uFFFD";
@@ -42,7 +48,6 @@ std::string shown_on_terminal(std::string_view text) {
         }
         text.remove_prefix(next.length);
     }
-    return out;
 }
 
 }  // namespace ostrevan::terminal

@@ -10,6 +10,7 @@
 #include "quorvel/store/date_added.h"
 #include "quorvel/store/file_tags.h"
 #include "quorvel/store/key.h"
+#include "quorvel/store/sorted_keys.h"
 #include "quorvel/store/stats_op.h"
 
 namespace quorvel {
@@ -20,8 +21,7 @@ namespace {
 template <typename Edit>
 void edit_tracks(ostrevan::metadb_handle_list_cref tracks, Edit&& edit) {
     StatsOp op;
-    for (const auto& track : tracks)
-        if (const auto key = KeyOf(*track); key && !op.has_written(*key)) op.Update(*key, edit);
+    for (const auto key : SortedKeysOf(tracks)) op.Update(key, edit);
     op.finish();
 }
 

@@ -58,7 +58,6 @@ public:
 
     /// Whether something has been written that stays even without `finish`.
     [[nodiscard]] bool has_taken_effect() const noexcept { return own_turn_.owns_lock() && !written_.empty(); }
-    [[nodiscard]] bool has_written(std::uint64_t key) const noexcept { return written_.find(key) != nullptr; }
     /// Each key written, once, in the order of the first write.
     [[nodiscard]] std::vector<std::uint64_t> changed_keys() const { return written_.keys(); }
 
