@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 
+#include "player/system/interrupt.h"
 #include "player/terminal/command.h"
 
 namespace ostrevan::terminal {
@@ -21,7 +22,7 @@ constexpr const char* serve_examples =
 constexpr const char* quit_examples =
     "Examples:\n"
     "  ostrevan quit\n"
-    "Ends a playback, or the process that serves the profile. Commands under way are finished.";
+    "Ends a playback, a watcher, or the process that serves the profile. Commands under way are finished.";
 
 void serve(run_context& context) {
     auto& owner = context.owner;
@@ -44,8 +45,10 @@ void quit(run_context& context) {
         playing.perform({playback::action::quit});
         return playing.now().has_value();
     });
-    context.owner.is_to_quit = true;
-    if (!plays && !context.owner.is_serving)
+    auto& owner = context.owner;
+    if (owner.is_serving) owner.is_to_quit = true;
+    else if (!plays && owner.is_lasting) system::interrupted() = true;
+    else if (!plays)
         throw std::runtime_error("Process " + std::to_string(::getpid()) + " carries out a command, which ends by itself.");
 }
 
@@ -53,7 +56,7 @@ const command_file serve_commands(150, [](declared_command& program) {
     program.add("serve", "Keep the profile open for the commands of other processes", serve_examples).choose([] {
         return chosen_command{.run = serve, .is_lasting = true};
     });
-    program.add("quit", "End the process that plays or serves", quit_examples).run(quit);
+    program.add("quit", "End the process that plays, watches or serves", quit_examples).run(quit);
 });
 
 }  // namespace
