@@ -21,24 +21,31 @@ struct play_start {
     double volume = 100;
 };
 
-/// Saves the queue of a playback in the profile as it changes. [main-thread]
+/// Saves the queue of a playback in the profile as it changes, on the thread of the playback.
 class kept_queue {
 public:
     /// `on_failure` is called at most once.
     kept_queue(library::queue_store& store, std::function<void(const std::string& text)> on_failure)
         : store_(store), on_failure_(std::move(on_failure)) {}
 
-    void begin(const play_start& start);
-    /// Saves a new order at once, and the rest at most once a second.
-    void update(const playback::play_status& status, double seconds);
-    void end(const playback::play_status& status, double seconds);
+    void begin(const metadb_handle_list& tracks, const playback::play_status& status, double seconds);
+    // These save a new order at once, and the rest at most once a second.
+    void on_status(const playback::play_status& status);
+    void on_progress(std::size_t place, double seconds);
+    /// `is_over` when the end of the list was reached.
+    void end(bool is_over);
 
 private:
     void save(const std::function<void()>& work);
-    void save_state(const playback::play_status& status, double seconds);
+    void save_state(double seconds);
+    void update();
+    [[nodiscard]] double seconds_of_current() const;
 
     library::queue_store& store_;
     const std::function<void(const std::string& text)> on_failure_;
+    std::optional<playback::play_status> status_;
+    std::size_t place_ = 0;  // of what sounds
+    double seconds_ = 0;     // into it
     std::vector<std::uint32_t> round_;
     std::chrono::steady_clock::time_point saved_{};
     bool has_failed_ = false;

@@ -52,7 +52,7 @@ play_start start_with(session& player, metadb_handle_list tracks, playback::play
 }
 
 std::optional<play_start> start_again(session& player) {
-    auto saved = player.loop.call([&] { return player.library.queue().load(); });
+    auto saved = player.library.queue().load();
     if (!saved) return std::nullopt;
     const auto& state = saved->state;
     const playback::play_modes modes{.repeat = mode_of(state.repeat, playback::repeat_mode::list),

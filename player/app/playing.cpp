@@ -29,19 +29,19 @@ void playing::start(play_start start, playback::play_options options, play_watch
 void playing::begin(waiting_start next) {
     starter_ = next.starter;
     status_.reset();
-    is_over_ = is_saving_ = false;
+    is_saving_ = false;
     is_heard_ = true;
     counted_.clear();
     engine_.emplace(next.options, callbacks());
-    kept_.emplace(store_, [this](const std::string& text) { fail(text); });
-    kept_->begin(next.start);
+    kept_.emplace(store_, [this](const std::string& text) { post([this, text] { fail(text); }); });
     tracks_ = std::move(next.start.tracks);
     const core::job::scope nobody(nullptr);
-    std::thread([this, order = std::move(next.start.order), starter = std::move(next.starter_job),
+    std::thread([this, from = playback::play_status{std::move(next.start.order), next.start.volume},
+                 seconds = next.start.seconds, starter = std::move(next.starter_job),
                  busy = core::main_loop::activity(loop_)] {
         const auto job = starter ? std::make_shared<core::job>(starter->stop()) : std::make_shared<core::job>();
         const core::job::scope scope(job);
-        play(order, core::stop_flag());
+        play(from, seconds, core::stop_flag());
         job->wait_until_idle();
         loop_.call([this] {
             if (!counted_.empty()) save_counted();  // a last attempt
@@ -54,10 +54,10 @@ void playing::begin(waiting_start next) {
     }).detach();
 }
 
-void playing::play(const playback::queue& order, const std::atomic<bool>& stop) {
+void playing::play(const playback::play_status& from, double seconds, const std::atomic<bool>& stop) {
     try {
-        const bool is_over = engine_->run(items(), order, stop);
-        post([this, is_over] { is_over_ = is_over; });
+        kept_->begin(tracks_, from, seconds);
+        kept_->end(engine_->run(items(), from.order, stop));
     } catch (const std::exception& error) {
         post([this, text = std::string(error.what())] { fail(text); });
     }
@@ -78,7 +78,6 @@ std::vector<playback::play_item> playing::items() const {
 }
 
 void playing::end() {
-    if (now_ && status_) kept_->end(*status_, is_over_ ? 0 : now_->position);
     now_.reset();
     engine_.reset();
     auto next = std::exchange(next_, std::nullopt);
@@ -139,8 +138,6 @@ void playing::count(std::size_t place) {
 
 void playing::show_progress() {
     if (!now_ || !status_) return;
-    const bool is_current = status_->order.place(status_->order.current()) == now_->place;
-    kept_->update(*status_, is_current ? now_->position : 0);
     tell([this](play_watcher& watcher) { watcher.on_progress(*now_, *status_); });
 }
 
@@ -168,12 +165,14 @@ playback::play_callbacks playing::callbacks() {
         });
     };
     out.on_progress = [this](std::size_t place, double position, double duration) {
+        kept_->on_progress(place, position);
         post([this, place, position, duration] {
             now_ = now_playing{tracks_[place], place, position, duration};
             show_progress();
         });
     };
     out.on_status = [this](const playback::play_status& status) {
+        kept_->on_status(status);
         post([this, status] {
             status_ = status;
             show_progress();

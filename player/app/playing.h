@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -80,7 +81,7 @@ private:
     };
     void begin(waiting_start next);
     void end();
-    void play(const playback::queue& order, const std::atomic<bool>& stop);
+    void play(const playback::play_status& from, double seconds, const std::atomic<bool>& stop);
     [[nodiscard]] std::vector<playback::play_item> items() const;
     playback::play_callbacks callbacks();
     void rate(double stars);
@@ -110,12 +111,11 @@ private:
 
     // Of the current playback.
     play_watcher* starter_ = nullptr;
-    std::optional<kept_queue> kept_;
+    std::optional<kept_queue> kept_;  // used on the thread of the playback
     metadb_handle_list tracks_;
     std::optional<playback::mpv_player> engine_;
     std::optional<playback::play_status> status_;
     std::optional<now_playing> now_;
-    bool is_over_ = false;  // the end of the list was reached
     bool is_heard_ = true;
     bool is_saving_ = false;
     std::string save_problem_;

@@ -1,7 +1,9 @@
 #include "player/app/session.h"
 
+#include <algorithm>
 #include <ctime>
 #include <exception>
+#include <span>
 #include <stdexcept>
 #include <utility>
 
@@ -131,23 +133,34 @@ void session::publish_rewritten(const std::vector<services::tag_rewrite>& files)
         edits.push_back({file.track, before, &file.after, *before == file.before_in_file ? nullptr : &file.before_in_file});
         changed.push_back(tracks.obtain(file.track->location().path, file.track->location().subsong));
     }
-    for (const auto& [path, reason] : library.refresh_tracks(changed, library::refresh_mode::always))
-        report(path + ": " + reason);
-    news_.tell(edits);
+    const auto problems = library.refresh_tracks(changed, library::refresh_mode::always, on_main());
+    loop.call([&] {
+        for (const auto& [path, reason] : problems) report(path + ": " + reason);
+    });
+    // Components process each edit before they return.
+    constexpr std::size_t portion = 256;
+    for (std::size_t first = 0; first < edits.size(); first += portion) {
+        const auto now = std::span(edits).subspan(first, std::min(portion, edits.size() - first));
+        loop.call([&] { news_.tell(std::vector(now.begin(), now.end())); });
+    }
 }
 
 void session::require_writable() const {
     if (records_.is_read_only()) throw std::runtime_error("The profile can only be read, and so no file is edited.");
 }
 
-metadb_handle_list session::library_handles() const {
-    return metadb_handle_list(std::vector<metadb_handle_ptr>(library.items().begin(), library.items().end()));
+std::vector<metadb_handle_ptr> session::library_items() {
+    return loop.call([this] {
+        std::vector<metadb_handle_ptr> items;
+        library.append_items(items);
+        return items;
+    });
 }
 
-void session::mark_library_seen() { index.mark_seen(library_handles(), std::time(nullptr)); }
+void session::mark_library_seen() { index.mark_seen(metadb_handle_list(library_items()), std::time(nullptr)); }
 
-std::vector<services::index_manager_impl::old_records> session::old_records() const {
-    return index.find_old(library_handles(), std::time(nullptr));
+std::vector<services::index_manager_impl::old_records> session::old_records() {
+    return index.find_old(metadb_handle_list(library_items()), std::time(nullptr));
 }
 
 }  // namespace ostrevan::app

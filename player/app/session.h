@@ -10,6 +10,7 @@
 #include "player/core/main_loop.h"
 #include "player/core/profile_lock.h"
 #include "player/core/service_registry.h"
+#include "player/core/turn.h"
 #include "player/index/index_store.h"
 #include "player/library/media_library.h"
 #include "player/library/track_table.h"
@@ -52,10 +53,16 @@ public:
     void save() { records_.flush(); }
     /// Throws when the profile is read-only: statistics could not follow an edit of tags.
     void require_writable() const;
-    /// Marks the records of all tracks of the library as seen now.
+    /// The tracks of the library in no order. [any-thread]
+    [[nodiscard]] std::vector<metadb_handle_ptr> library_items();
+    /// Marks the records of all tracks of the library as seen now. [any-thread]
     void mark_library_seen();
-    /// The records that `index_manager_impl::drop` may remove at the user's request.
-    [[nodiscard]] std::vector<services::index_manager_impl::old_records> old_records() const;
+    /// The records that `index_manager_impl::drop` may remove at the user's request. [any-thread]
+    [[nodiscard]] std::vector<services::index_manager_impl::old_records> old_records();
+    /// For long work of the library on another thread.
+    [[nodiscard]] library::main_thread_runner on_main() {
+        return [this](const std::function<void()>& work) { loop.call([&] { work(); }); };
+    }
     /// Every index that ever held a record.
     [[nodiscard]] std::vector<nuv::guid> stored_indexes() const { return records_.indexes(); }
 
@@ -64,9 +71,8 @@ private:
     void report(const std::string& message);
     /// Reports a failure. [any-thread]
     void report_later(const std::string& message);
+    /// [worker]
     void publish_rewritten(const std::vector<services::tag_rewrite>& files);
-    [[nodiscard]] metadb_handle_list library_handles() const;
-
     const std::string profile_;
     const core::profile_lock lock_;
 
@@ -98,6 +104,8 @@ public:
     titleformat::component_fields fields;
     std::vector<core::loaded_component> components;
     app::playing playing;
+    /// To change the folders of the library or to scan them.
+    core::turn library_turn;
 
 private:
     void offer_services();

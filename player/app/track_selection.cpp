@@ -16,22 +16,13 @@
 namespace ostrevan::app {
 namespace {
 
-/// The tracks of the library in no order.
-std::vector<metadb_handle_ptr> items_of(session& player) {
-    return player.loop.call([&] {
-        std::vector<metadb_handle_ptr> items;
-        player.library.append_items(items);
-        return items;
-    });
-}
-
 /// Receives a message for everything left out.
 using problem_sink = std::function<void(const std::string& message)>;
 
 void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,
                          const problem_sink& on_problem) {
     const auto prefix = folder == "/" ? folder : folder + "/";
-    auto found = items_of(player);
+    auto found = player.library_items();
     std::erase_if(found, [&](const metadb_handle_ptr& track) { return !track->location().path.starts_with(prefix); });
     std::ranges::sort(found, {}, [](const metadb_handle_ptr& each) -> const playable_location& { return each->location(); });
     if (found.empty()) {
@@ -75,7 +66,7 @@ bool is_no_audio(const std::string& place) {
 }  // namespace
 
 metadb_handle_list find_tracks(session& player, const std::string& query) {
-    const auto items = items_of(player);
+    const auto items = player.library_items();
     return view::find_tracks(items, player.fields, view::parse_query(items, player.fields, query));
 }
 

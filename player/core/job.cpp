@@ -51,11 +51,18 @@ void job::leave() {
     own_thread_ = {};
 }
 
-void job::serve_until(const std::function<bool()>& is_done) {
+bool job::is_own_thread() {
+    const std::lock_guard lock(mutex_);
+    return std::this_thread::get_id() == own_thread_;
+}
+
+void job::serve_until(const std::function<bool()>& is_done, std::chrono::milliseconds look_again) {
     std::unique_lock lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [&] { return !tasks_.empty() || is_done(); });
-        if (tasks_.empty()) return;
+        while (tasks_.empty()) {
+            if (is_done()) return;
+            changed_.wait_for(lock, look_again);
+        }
         auto task = std::move(tasks_.front());
         tasks_.pop_front();
         lock.unlock();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -56,9 +57,12 @@ public:
     /// Without an own thread, tasks wait until another one takes over.
     void leave();
 
+    [[nodiscard]] bool is_own_thread();
+
     // On the job's own thread.
-    /// Carries out tasks until `is_done`, which is asked after every end of something begun. It must not use the job.
-    void serve_until(const std::function<bool()>& is_done);
+    /// Carries out tasks until `is_done`, which is asked after each of them, after every end of something begun, and again
+    /// and again if `look_again` says so. It must not use the job.
+    void serve_until(const std::function<bool()>& is_done, std::chrono::milliseconds look_again = std::chrono::hours(1));
     void wait_until_idle();
     /// Carries out the tasks that wait.
     void serve() {

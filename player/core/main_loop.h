@@ -33,15 +33,16 @@ public:
     /// [any-thread]
     void post(task work);
 
-    /// Runs work on the main thread, waits for it and returns its value, or throws what it has thrown. Meanwhile the calling
-    /// thread, which must be the own one of its job, serves the job. Called on the main thread, it just runs the work.
+    /// Runs work on the main thread, waits for it and returns its value, or throws what it has thrown. Meanwhile the own
+    /// thread of a job serves the job. Called on the main thread, it just runs the work.
     template <typename Work>
     auto call(Work work) {
         if (on_main_thread()) return work();
         const auto packed = std::make_shared<std::packaged_task<std::invoke_result_t<Work&>()>>(std::move(work));
         auto result = packed->get_future();
         post([packed] { (*packed)(); });
-        job::current()->serve_until([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
+        if (const auto& of = job::current(); of && of->is_own_thread())
+            of->serve_until([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
         return result.get();
     }
 

@@ -148,6 +148,7 @@ void library_store::add_ignored(const std::string& path) {
 }
 
 void library_store::remove_ignored(const std::string& path) {
+    const auto lock = database_.lock();
     database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
 }
 
@@ -221,6 +222,7 @@ void library_store::set_device(std::int64_t file, std::uint64_t device) {
 }
 
 std::vector<stored_edit> library_store::edits() const {
+    const auto lock = database_.lock();
     std::vector<stored_edit> result;
     auto query = database_.prepare("SELECT path, subsong, info, path_before FROM edits ORDER BY rowid");
     while (query.step()) {
@@ -242,6 +244,7 @@ void library_store::put_edit(const stored_edit& edit) {
 void library_store::forget_edits(const std::string& path) { delete_edits_.bind(1, to_blob(path)).run(); }
 
 void library_store::forget_edits() {
+    const auto lock = database_.lock();
     if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM edits)") != 0) database_.execute("DELETE FROM edits");
 }
 

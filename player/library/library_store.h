@@ -21,8 +21,9 @@ struct library_folder {
     std::uint64_t scanned = 0;
 };
 
-/// The library database, `library.sqlite`. Paths are stored as bytes, because file names need not be UTF-8. Used by one
-/// thread at a time; every function throws sqlite::error, whose text names the file and the remedy.
+/// The library database, `library.sqlite`. Paths are stored as bytes, because file names need not be UTF-8. Used by
+/// one thread at a time: all functions hold the lock of `database()`, or want it held. Every one throws sqlite::error, whose
+/// text names the file and the remedy.
 class library_store {
 public:
     explicit library_store(std::string path);

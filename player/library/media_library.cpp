@@ -4,6 +4,7 @@
 #include <iterator>
 #include <mutex>
 #include <set>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -16,6 +17,14 @@
 
 namespace ostrevan::library {
 namespace {
+
+bool is_still(const std::string& path, const file_stamp& stamp) {
+    try {
+        return status_of(path).stamp == stamp;
+    } catch (const std::system_error&) {
+        return true;  // the next scan finds it gone
+    }
+}
 
 bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcept {
     return handle->location().subsong == scanned.subsong;
@@ -86,7 +95,7 @@ void media_library::load() {
         for (auto& each : arrived) enter(std::move(each));
     });
     scan_number_ = last_arrival_;
-    for (const auto& folder : folders_) scan_number_ = std::max(scan_number_, folder.scanned);
+    for (const auto& folder : folders_) scan_number_ = std::max(scan_number_.load(), folder.scanned);
 }
 
 void media_library::enter(loaded_file&& loaded) {
@@ -124,13 +133,16 @@ const std::vector<track_ptr>& media_library::items() const {
 
 scan_summary media_library::add_folders(std::span<const std::string> paths, const scan_options& options) {
     std::vector<file_problem> refused;
-    const auto fresh = check_new_folders(paths, folders_, refused);
-    std::vector<library_folder> added;
+    std::vector<library_folder> present, added;
+    options.on_main([&] { present = folders_; });
+    const auto fresh = check_new_folders(paths, present, refused);
     added.reserve(fresh.size());
-    sqlite::transaction adding(store_.database());
-    for (const auto& path : fresh) added.push_back(store_.add_folder(path));
-    adding.commit();
-    folders_.insert(folders_.end(), added.begin(), added.end());
+    {
+        sqlite::transaction adding(store_.database());
+        for (const auto& path : fresh) added.push_back(store_.add_folder(path));
+        adding.commit();
+    }
+    options.on_main([&] { folders_.insert(folders_.end(), added.begin(), added.end()); });
     auto summary = scan(added, options);
     summary.refused = std::move(refused);
     return summary;
@@ -155,11 +167,17 @@ path_changes media_library::remove_folders(std::span<const std::string> paths) {
     return result;
 }
 
-scan_summary media_library::rescan(const scan_options& options) { return scan(folders_, options); }
+scan_summary media_library::rescan(const scan_options& options) {
+    std::vector<library_folder> present;
+    options.on_main([&] { present = folders_; });
+    return scan(present, options);
+}
 
 scan_summary media_library::rescan(std::span<const std::string> paths, const scan_options& options) {
     std::vector<file_problem> refused;
-    auto summary = scan(folders_around(paths, folders_, refused), options);
+    std::vector<library_folder> present;
+    options.on_main([&] { present = folders_; });
+    auto summary = scan(folders_around(paths, present, refused), options);
     summary.refused = std::move(refused);
     return summary;
 }
@@ -200,18 +218,21 @@ path_changes media_library::stop_ignoring(std::span<const std::string> paths) {
 scan_summary media_library::scan(std::span<const library_folder> folders, const scan_options& options) {
     scan_summary summary;
     outcome done;
-    ++scan_number_;
+    ignored_paths ignored;
+    options.on_main([&] { ignored = ignored_; });
+    const auto number = ++scan_number_;
     try {
-        auto report = scan_folders({scan_number_, folders, ignored_}, files_, reader_, options,
-                                   [&](std::vector<scanned_file>&& files) { save(std::move(files), scan_number_, done); });
+        auto report =
+            scan_folders({number, folders, ignored, files_mutex_}, files_, reader_, options,
+                         [&](std::vector<scanned_file>&& files) { save(std::move(files), number, done, options.on_main); });
         if (report.is_stopped) done.displaced.clear();  // a stopped scan does not know where they went
-        drop(report.gone, done, [&] { note_scan(report); });
+        options.on_main([&] { drop(report.gone, done, [&] { note_scan(report); }); });
         summary.tracks_unchanged = done.tracks_unchanged + report.tracks_unchanged;
         summary.absent = std::move(report.absent);
         summary.problems = std::move(report.problems);
         summary.is_stopped = report.is_stopped;
     } catch (...) {
-        notify(done);
+        options.on_main([&] { notify(done); });
         throw;
     }
     summary.tracks_added = done.changes.added.size();
@@ -219,24 +240,39 @@ scan_summary media_library::scan(std::span<const library_folder> folders, const 
     summary.tracks_removed = done.changes.removed.size();
     summary.tracks_moved = done.tracks_moved;
     summary.unclear = std::move(done.unclear);
-    notify(done);
+    options.on_main([&] { notify(done); });
     return summary;
 }
 
-void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done) {
+void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done,
+                         const main_thread_runner& on_main) {
+    const auto is_other_sound = store(files, scan);
+    on_main([&] {
+        const std::unique_lock lock(files_mutex_);
+        for (std::size_t i = 0; i < files.size(); ++i) apply(std::move(files[i]), is_other_sound[i], done);
+    });
+}
+
+/// Returns whether the sounds are other ones than before. Files that have changed since they were read are left out: they
+/// are read again by the next scan, or are being read by whoever has changed them.
+std::vector<bool> media_library::store(std::vector<scanned_file>& files, std::uint64_t scan) {
     std::vector<bool> is_other_sound;
     sqlite::transaction saving(store_.database());
-    for (auto& [path, file, tracks] : files) {
-        const auto known = files_.find(path);
-        if (known != files_.end()) file.id = known->second.id;
-        const auto before = known != files_.end() ? known->second.sound.value_or(0) : 0;
-        is_other_sound.push_back(before != 0 && file.sound.value_or(0) != 0 && before != file.sound);
-        file.arrived = known != files_.end() && !is_other_sound.back() ? known->second.arrived : scan;
-        last_arrival_ = std::max(last_arrival_, file.arrived);
-        file.id = store_.put_file(path, file, tracks);
+    std::erase_if(files, [](const scanned_file& each) { return !is_still(each.path, each.file.stamp); });
+    {
+        const std::shared_lock lock(files_mutex_);
+        for (auto& [path, file, tracks] : files) {
+            const auto known = files_.find(path);
+            if (known != files_.end()) file.id = known->second.id;
+            const auto before = known != files_.end() ? known->second.sound.value_or(0) : 0;
+            is_other_sound.push_back(before != 0 && file.sound.value_or(0) != 0 && before != file.sound);
+            file.arrived = known != files_.end() && !is_other_sound.back() ? known->second.arrived : scan;
+            last_arrival_ = std::max(last_arrival_, file.arrived);
+        }
     }
+    for (auto& [path, file, tracks] : files) file.id = store_.put_file(path, file, tracks);
     saving.commit();
-    for (std::size_t i = 0; i < files.size(); ++i) apply(std::move(files[i]), is_other_sound[i], done);
+    return is_other_sound;
 }
 
 void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& done) {
@@ -302,6 +338,7 @@ void media_library::drop(std::span<const std::string> gone, outcome& done, const
     more();
     dropping.commit();
 
+    const std::unique_lock lock(files_mutex_);
     for (const auto& path : gone) {
         const auto found = files_.find(path);
         done.changes.removed.insert(done.changes.removed.end(), found->second.tracks.begin(), found->second.tracks.end());
@@ -325,7 +362,7 @@ void media_library::note_scan(const scan_report& report) {
     for (auto& folder : folders_) {
         const bool is_seen = std::ranges::find(report.folders_seen, folder.id) != report.folders_seen.end();
         if (!is_seen || folder.scanned >= last_arrival_) continue;
-        folder.scanned = scan_number_;
+        folder.scanned = scan_number_.load();
         store_.set_scanned(folder);
     }
 }
@@ -336,7 +373,8 @@ void media_library::notify(outcome& done) {
     if (!done.changes.empty()) observer_.on_library_changed(done.changes);
 }
 
-std::vector<file_problem> media_library::refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode) {
+std::vector<file_problem> media_library::refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode,
+                                                        const main_thread_runner& on_main) {
     std::vector<file_problem> problems;
     outcome done;
     auto& changes = done.changes;
@@ -348,24 +386,30 @@ std::vector<file_problem> media_library::refresh_tracks(std::span<const track_pt
         if (!seen.insert(path).second) continue;
         try {
             const auto stamp = status_of(path).stamp;
-            const auto known = files_.find(path);
-            if (known == files_.end()) {
+            const auto known = library_file_at(path);
+            if (!known) {
                 for (const auto& [subsong, info] : read_tracks(path, reader_)) {
                     changes.modified.push_back(tracks_.obtain(path, subsong));
                     changes.modified.back()->publish(info);
                 }
-            } else if (mode != refresh_mode::if_changed || !is_unchanged(known->second, stamp)) {
-                of_library.push_back(scan_file({{path, stamp, known->second.device}, known->second.folder}, reader_));
+            } else if (mode != refresh_mode::if_changed || !is_unchanged(*known, stamp)) {
+                of_library.push_back(scan_file({{path, stamp, known->device}, known->folder}, reader_));
             }
         } catch (const std::exception& failure) {
             problems.push_back({path, reason_of(failure, path)});
         }
     }
-    if (!of_library.empty()) save(std::move(of_library), scan_number_ + 1, done);
+    if (!of_library.empty()) save(std::move(of_library), scan_number_ + 1, done, on_main);
     changes.edited.clear();
     done.assumed.clear();
-    notify(done);
+    on_main([&] { notify(done); });
     return problems;
+}
+
+std::optional<library_file> media_library::library_file_at(const std::string& path) {
+    const std::shared_lock lock(files_mutex_);
+    const auto known = files_.find(path);
+    return known == files_.end() ? std::nullopt : std::optional(known->second);
 }
 
 std::vector<track_edit> media_library::unfinished_edits() const {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
+#include <optional>
+#include <shared_mutex>
 #include <span>
 #include <string>
 #include <string_view>
@@ -27,8 +30,9 @@ struct path_changes {
 /// Which tracks `refresh_tracks` reads again.
 enum class refresh_mode { unknown_only, if_changed, always };
 
-/// The tracks of the folders added by the user, stored in a database and exposed as handles. [main-thread] A scan blocks
-/// its caller and works on its own threads.
+/// The tracks of the folders added by the user, stored in a database and exposed as handles. [main-thread] Long work blocks
+/// its caller, and may be called on another thread, one at a time: it changes the library on the main thread, in small
+/// pieces.
 class media_library {
 public:
     /// Opens or creates `database_path` and loads it without looking at any file. Table and observer must outlive the
@@ -50,13 +54,13 @@ public:
     // The following functions notify the observer before they return or throw sqlite::error; after that the library is in
     // the state of the last portion saved. An unsuitable path is refused with the reason; the others are processed.
 
-    /// Adds the folders and scans them.
+    /// Adds the folders and scans them. Long work.
     scan_summary add_folders(std::span<const std::string> paths, const scan_options& options = {});
     /// The files are not touched.
     path_changes remove_folders(std::span<const std::string> paths);
-    /// Scans all folders.
+    /// Scans all folders. Long work.
     scan_summary rescan(const scan_options& options = {});
-    /// Scans the library folders at or around these paths.
+    /// Scans the library folders at or around these paths. Long work.
     scan_summary rescan(std::span<const std::string> paths, const scan_options& options = {});
 
     /// Files and folders below a library folder that are not part of the library.
@@ -67,8 +71,9 @@ public:
 
     /// Reads files again, also for tracks outside the library. Publishes new snapshots, stores those of the library, and
     /// notifies the observer of modified, added and removed tracks, but not of edits, which are the caller's. Returns the
-    /// files that could not be read; their tracks are unchanged.
-    std::vector<file_problem> refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode);
+    /// files that could not be read; their tracks are unchanged. [any-thread]
+    std::vector<file_problem> refresh_tracks(std::span<const track_ptr> tracks, refresh_mode mode,
+                                             const main_thread_runner& on_main = run_here);
 
     /// Edits stored since the last call of `forget_edits`, also by an earlier process that may have ended before acting on
     /// them. Each ends in the current information of the track.
@@ -85,12 +90,14 @@ private:
     void load();
     void enter(loaded_file&& loaded);
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
-    void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done);
+    void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done, const main_thread_runner& on_main);
+    std::vector<bool> store(std::vector<scanned_file>& files, std::uint64_t scan);
     void apply(scanned_file&& file, bool is_other_sound, outcome& done);
     static void update(const track_ptr& track, file_info&& info, bool is_other_sound, outcome& done);
     /// Removes files, with `more` in the same transaction, and lets moved files keep their tracks.
     void drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more);
     void note_scan(const scan_report& report);
+    [[nodiscard]] std::optional<library_file> library_file_at(const std::string& path);
     void notify(outcome& done);
 
     library_store store_;
@@ -100,10 +107,11 @@ private:
     library::playlists playlists_;
     queue_store queue_;
     std::vector<library_folder> folders_;
-    library_files files_;
+    std::shared_mutex files_mutex_;
+    library_files files_;  // changed on the main thread, with the mutex, and read there without it
     ignored_paths ignored_;
-    std::uint64_t scan_number_ = 0;  // of the last scan
-    std::uint64_t last_arrival_ = 0;
+    std::atomic<std::uint64_t> scan_number_ = 0;  // of the last scan
+    std::uint64_t last_arrival_ = 0;              // used with the lock of the database
     mutable std::vector<track_ptr> items_;
     mutable bool items_valid_ = false;
 };

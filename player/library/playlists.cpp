@@ -5,6 +5,7 @@
 namespace ostrevan::library {
 
 std::vector<std::string> playlists::names() const {
+    const auto lock = database_.lock();
     std::vector<std::string> result;
     auto query = database_.prepare("SELECT name FROM playlists ORDER BY name");
     while (query.step()) result.emplace_back(query.text(0));
@@ -19,6 +20,7 @@ std::optional<std::int64_t> playlists::find(const std::string& name) const {
 }
 
 std::optional<std::vector<playable_location>> playlists::entries(const std::string& name) const {
+    const auto lock = database_.lock();
     const auto id = find(name);
     if (!id) return std::nullopt;
     std::vector<playable_location> result;
@@ -55,6 +57,13 @@ bool playlists::replace(const std::string& name, std::span<const playable_locati
     return true;
 }
 
+bool playlists::change(const std::string& name, const std::function<void(std::vector<playable_location>& entries)>& work) {
+    const auto lock = database_.lock();
+    auto known = entries(name);
+    if (known) work(*known);
+    return known && replace(name, *known);
+}
+
 bool playlists::rename(const std::string& name, const std::string& new_name) {
     sqlite::transaction writing(database_);
     if (find(new_name)) return false;
@@ -67,6 +76,7 @@ bool playlists::rename(const std::string& name, const std::string& new_name) {
 }
 
 bool playlists::remove(const std::string& name) {
+    const auto lock = database_.lock();
     database_.prepare("DELETE FROM playlists WHERE name=?1").bind(1, std::string_view(name)).run();
     return database_.changes() != 0;
 }

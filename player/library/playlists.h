@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,7 +12,7 @@
 namespace ostrevan::library {
 
 /// Named lists of tracks in the user's order, stored in the library's database. A list may hold a location several times,
-/// and locations outside the library. [main-thread] Every function throws sqlite::error.
+/// and locations outside the library. [any-thread] Every function throws sqlite::error.
 class playlists {
 public:
     explicit playlists(sqlite::database& database) noexcept : database_(database) {}
@@ -24,6 +25,8 @@ public:
     bool create(const std::string& name, std::span<const playable_location> entries);
     /// Puts these entries in the place of those of the playlist. Returns false when there is none.
     bool replace(const std::string& name, std::span<const playable_location> entries);
+    /// Lets `work` change the entries. Returns false when there is no such playlist.
+    bool change(const std::string& name, const std::function<void(std::vector<playable_location>& entries)>& work);
     /// Returns false and changes nothing when the new name is taken.
     bool rename(const std::string& name, const std::string& new_name);
     /// Returns false when there is none.

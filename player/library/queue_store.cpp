@@ -7,6 +7,7 @@
 namespace ostrevan::library {
 
 std::optional<saved_queue> queue_store::load() const {
+    const auto lock = database_.lock();
     saved_queue result;
     auto state = database_.prepare("SELECT place, seconds, repeat, shuffle, volume, round FROM queue");
     if (!state.step()) return std::nullopt;
@@ -34,10 +35,12 @@ void queue_store::save(std::span<const playable_location> entries) {
 }
 
 void queue_store::save(std::span<const std::uint32_t> round) {
+    const auto lock = database_.lock();
     database_.prepare("UPDATE queue SET round=?1").bind(1, std::as_bytes(round)).run();
 }
 
 void queue_store::save(const queue_state& state) {
+    const auto lock = database_.lock();
     database_.prepare("UPDATE queue SET place=?1, seconds=?2, repeat=?3, shuffle=?4, volume=?5")
         .bind(1, static_cast<std::int64_t>(state.place))
         .bind(2, state.seconds)

@@ -26,7 +26,7 @@ struct saved_queue {
     queue_state state;
 };
 
-/// The queue of the player in the library's database, so that it survives a restart. [main-thread] Every function throws
+/// The queue of the player in the library's database, so that it survives a restart. [any-thread] Every function throws
 /// sqlite::error.
 class queue_store {
 public:

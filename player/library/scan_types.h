@@ -10,6 +10,10 @@
 
 namespace ostrevan::library {
 
+/// Runs a piece of work on the main thread, and waits for it.
+using main_thread_runner = std::function<void(const std::function<void()>& work)>;
+inline void run_here(const std::function<void()>& work) { work(); }
+
 struct scan_progress {
     std::size_t files_done = 0;
     std::size_t files_known = 0;  // so far; grows during the walk
@@ -22,6 +26,7 @@ struct scan_options {
     const std::atomic<bool>* stop = nullptr;
     /// Called on the scanning thread, about ten times a second and at the end. May be empty.
     std::function<void(const scan_progress&)> on_progress;
+    main_thread_runner on_main = run_here;
 };
 
 /// A file read because it is new or changed.

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <iterator>
 #include <map>
+#include <shared_mutex>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -35,7 +36,6 @@ public:
             if (!workers_.is_stopped()) walk(folder);
         // Only a complete walk can tell what is gone.
         if (!workers_.is_stopped()) {
-            unseen_ = files_.size() - seen_;
             note_devices();
             read_sheets();
             read_audio();
@@ -67,13 +67,17 @@ private:
         }
     }
 
+    [[nodiscard]] std::shared_lock<std::shared_mutex> lock_files() const { return std::shared_lock(request_.files_mutex); }
+
     [[nodiscard]] bool holds_files(std::int64_t folder) const {
+        const auto lock = lock_files();
         return std::ranges::any_of(files_, [&](const auto& each) { return each.second.folder == folder; });
     }
 
     /// Called by the threads of the walk. Each path, and so its record, is visited by one of them only.
     bool is_of_interest(const found_file& there) {
         known_.fetch_add(1, std::memory_order_relaxed);
+        const auto lock = lock_files();
         const auto found = files_.find(there.path);
         if (found == files_.end()) return true;
         auto& file = found->second;
@@ -87,6 +91,8 @@ private:
     }
 
     void note_devices() {
+        const auto lock = lock_files();
+        unseen_ = files_.size() - seen_;
         if (!devices_changed_ && unseen_ == 0) return;
         for (const auto& [path, file] : files_) {
             if (file.seen != request_.number) continue;
@@ -103,6 +109,7 @@ private:
     void read_sheets() {
         if (sheets_.empty() && unseen_ == 0) return;
         std::erase_if(sheets_, [&](const read_job& sheet) {
+            const auto lock = lock_files();
             const auto known = files_.find(sheet.found.path);
             const bool is_same = known != files_.end() && is_unchanged(known->second, sheet.found.stamp);
             if (is_same) note_unchanged(known->second);
@@ -116,21 +123,27 @@ private:
         // Sheets that are unchanged, failed or were not reached keep their tracks and audio, unless they are gone.
         std::unordered_set<std::string_view> replaced;
         for (const auto& sheet : read) replaced.insert(sheet.path);
-        for (const auto& [path, file] : files_)
-            if (!file.sources.empty() && !replaced.contains(path) && !is_gone(path, file)) claims_.add(file.sources);
+        {
+            const auto lock = lock_files();
+            for (const auto& [path, file] : files_)
+                if (!file.sources.empty() && !replaced.contains(path) && !is_gone(path, file)) claims_.add(file.sources);
+        }
         claims_.settle(read);
         if (!read.empty()) sink_(std::move(read));
     }
 
     void read_audio() {
-        done_ += std::erase_if(
-            audio_, [this](const read_job& each) { return claims_.contains(each.found.path) && drop(each.found.path); });
-        // Audio listed by itself so far, and unchanged.
-        for (const auto& path : claims_.paths())
-            if (const auto known = files_.find(path); known != files_.end() && known->second.seen == request_.number) {
-                tracks_unchanged_ -= known->second.tracks.size();
-                drop(path);
-            }
+        {
+            const auto lock = lock_files();
+            done_ += std::erase_if(
+                audio_, [this](const read_job& each) { return claims_.contains(each.found.path) && drop(each.found.path); });
+            // Audio listed by itself so far, and unchanged.
+            for (const auto& path : claims_.paths())
+                if (const auto known = files_.find(path); known != files_.end() && known->second.seen == request_.number) {
+                    tracks_unchanged_ -= known->second.tracks.size();
+                    drop(path);
+                }
+        }
         read_files(audio_, reader_, workers_, done_, events(sink_));
     }
 
@@ -167,6 +180,7 @@ private:
     /// Tracks below an absent place or on an absent disk are kept and counted there.
     void find_gone() {
         if (unseen_ == 0 && report_.absent.empty()) return;
+        const auto lock = lock_files();
         std::map<std::string, std::size_t> on_other_disk;
         for (const auto& [path, file] : files_) {
             if (file.seen == request_.number) continue;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <shared_mutex>
 #include <span>
 #include <vector>
 
@@ -19,10 +20,12 @@ struct scan_request {
     std::uint64_t number = 0;  // higher than that of any earlier scan
     std::span<const library_folder> folders;
     const ignored_paths& ignored;
+    std::shared_mutex& files_mutex;
 };
 
-/// Compares folders with what is known of them and reads what is new or has changed. `files` changes only inside `sink`,
-/// but for `seen` and `seen_on`. What `sink` throws ends the scan.
+/// Compares folders with what is known of them and reads what is new or has changed. Of `files` it changes only `seen` and
+/// `seen_on`, which nobody else uses meanwhile; others may change the rest, with the mutex. What `sink` throws ends the
+/// scan.
 ///
 /// A folder that is missing, unreadable, or empty although it held files, is absent: an unmounted disk leaves an empty mount
 /// point behind, and to lose a library to it is worse than to ask for a folder to be removed by name. Files below a folder

@@ -69,6 +69,7 @@ void index_manager_impl::register_index(index_client_ptr client, const nuv::guid
         refused_.push_back(index);
         throw;
     }
+    const std::lock_guard lock(mutex_);
     std::erase_if(registrations_, [&](const registration& known) { return known.index == index; });
     registrations_.push_back({index, std::move(client)});
 }
@@ -81,6 +82,7 @@ void index_manager_impl::remove_index(const nuv::guid& index) {
         return;
     }
     store_.remove_index(index);
+    const std::lock_guard lock(mutex_);
     std::erase_if(registrations_, [&](const registration& known) { return known.index == index; });
 }
 
@@ -127,13 +129,13 @@ std::optional<std::uint64_t> index_manager_impl::key_of(const registration& inde
 }
 
 void index_manager_impl::mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now) {
-    for (const auto& registered : registrations_) store_.touch(registered.index, keys_of(registered, tracks), now);
+    for (const auto& registered : registrations()) store_.touch(registered.index, keys_of(registered, tracks), now);
 }
 
 std::vector<index_manager_impl::old_records> index_manager_impl::find_old(
     const nuv::list_base_const_t<metadb_handle_ptr>& library, std::int64_t now) const {
     std::vector<old_records> found;
-    for (const auto& registered : registrations_) {
+    for (const auto& registered : registrations()) {
         auto keys = store_.old_keys(registered.index, keys_of(registered, library), now);
         if (!keys.empty()) found.push_back({registered.index, std::move(keys)});
     }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -61,17 +62,20 @@ public:
     void refresh(const nuv::guid& index, const nuv::list_base_const_t<std::uint64_t>& keys) override;
     service_base* service_query(const nuv::guid& interface_guid) noexcept override;
 
-    /// The registered indexes in order of registration, with their key functions. [main-thread]
+    /// The registered indexes in order of registration, with their key functions. [any-thread]
     struct registration {
         nuv::guid index;
         index_client_ptr client;
     };
-    [[nodiscard]] const std::vector<registration>& registrations() const noexcept { return registrations_; }
+    [[nodiscard]] std::vector<registration> registrations() const {
+        const std::lock_guard lock(mutex_);
+        return registrations_;
+    }
 
     /// The key of a track in one index; empty while the track has no information.
     [[nodiscard]] static std::optional<std::uint64_t> key_of(const registration& index, const metadb_handle& track);
 
-    /// Restarts the retention period of the records of these tracks. [main-thread]
+    /// Restarts the retention period of the records of these tracks. [any-thread]
     void mark_seen(const nuv::list_base_const_t<metadb_handle_ptr>& tracks, std::int64_t now);
 
     /// Records without a track in the library, past the retention period of their component.
@@ -79,10 +83,10 @@ public:
         nuv::guid index;
         std::vector<std::uint64_t> keys;
     };
-    /// For every registered index with old records. [main-thread]
+    /// For every registered index with old records. [any-thread]
     [[nodiscard]] std::vector<old_records> find_old(const nuv::list_base_const_t<metadb_handle_ptr>& library,
                                                     std::int64_t now) const;
-    /// Makes a backup, then removes the records. [main-thread]
+    /// Makes a backup, then removes the records. [any-thread]
     void drop(const std::vector<old_records>& old);
 
 private:
@@ -93,7 +97,8 @@ private:
     const redraw on_refresh_;
     service_uncounted_t<index_manager_transactions_impl> transactions_;
     service_uncounted_t<index_manager_backup_impl> backups_;
-    std::vector<registration> registrations_;
+    mutable std::mutex mutex_;
+    std::vector<registration> registrations_;  // changed on the main thread, with the mutex
     std::vector<nuv::guid> refused_;
 };
 

@@ -1,7 +1,8 @@
 #include "player/services/info_reload_service.h"
 
 #include <algorithm>
-#include <span>
+#include <iterator>
+#include <utility>
 
 namespace ostrevan::services {
 namespace {
@@ -28,55 +29,52 @@ std::vector<library::track_edit> edits_between(std::span<const library::track_pt
 
 }  // namespace
 
-struct info_reload_service_impl::job {
-    std::vector<library::track_ptr> tracks;
-    library::refresh_mode mode;
-    completion_notify_ptr notify;
-    std::size_t done = 0;
-    std::vector<library::file_problem> problems{};
-};
-
 void info_reload_service_impl::reload_async(metadb_handle_list_cref tracks, unsigned mode, void* /*parent_window*/,
                                             unsigned /*options*/, completion_notify_ptr notify) {
     core::check_main_thread("reload_async");
     constexpr library::refresh_mode modes[] = {library::refresh_mode::unknown_only, library::refresh_mode::if_changed,
                                                library::refresh_mode::always};
-    auto work = std::make_shared<job>(
-        job{.tracks = own_tracks(tracks_, tracks), .mode = modes[std::min(mode, mode_force)], .notify = std::move(notify)});
-    loop_.post([this, work] { step(work); });
+    loop_.start_thread([this, own = own_tracks(tracks_, tracks), wanted = modes[std::min(mode, mode_force)],
+                        notify = std::move(notify)]() mutable {
+        auto result = reload(own, wanted);
+        loop_.post([this, result = std::move(result), notify = std::move(notify)] { finish(result, notify); });
+    });
 }
 
-void info_reload_service_impl::step(const std::shared_ptr<job>& work) {
+info_reload_service_impl::outcome info_reload_service_impl::reload(std::span<const library::track_ptr> tracks,
+                                                                   library::refresh_mode mode) {
     constexpr std::size_t portion = 64;
-    if (work->done == work->tracks.size() || core::is_stopping()) return finish(*work);
-
-    const auto rest = std::span(work->tracks).subspan(work->done);
-    const auto now = rest.first(std::min(portion, rest.size()));
-    std::vector<metadb_info_ptr> before;
-    for (const auto& track : now) before.push_back(track->info());
-    auto problems = library_.refresh_tracks(now, work->mode);
-    news_.tell(edits_between(now, before));
-    work->problems.insert(work->problems.end(), problems.begin(), problems.end());
-    work->done += now.size();
-    ui_.show_progress("files read", work->done, work->tracks.size());
-    loop_.post([this, work] { step(work); });
+    outcome result{.total = tracks.size()};
+    while (result.done < result.total && !core::is_stopping()) {
+        const auto now = tracks.subspan(result.done, std::min(portion, result.total - result.done));
+        std::vector<metadb_info_ptr> before;
+        for (const auto& track : now) before.push_back(track->info());
+        auto problems = library_.refresh_tracks(now, mode, [this](const auto& work) { loop_.call([&] { work(); }); });
+        std::ranges::move(problems, std::back_inserter(result.problems));
+        result.done += now.size();
+        loop_.call([&] {
+            news_.tell(edits_between(now, before));
+            ui_.show_progress("files read", result.done, result.total);
+        });
+    }
+    return result;
 }
 
-void info_reload_service_impl::finish(const job& done) {
+void info_reload_service_impl::finish(const outcome& result, const completion_notify_ptr& notify) {
     ui_.end_progress();
-    for (const auto& [path, reason] : done.problems) ui_.print_line(path + ": " + reason);
-    if (!done.problems.empty()) {
+    for (const auto& [path, reason] : result.problems) ui_.print_line(path + ": " + reason);
+    if (!result.problems.empty()) {
         ui_.note_failure();
-        ui_.print_line(std::to_string(done.problems.size()) + " of " + std::to_string(done.tracks.size()) +
+        ui_.print_line(std::to_string(result.problems.size()) + " of " + std::to_string(result.total) +
                        " tracks could not be read, so the command ended there; leave those out and run it again.");
     }
-    const bool aborted = done.done < done.tracks.size();
+    const bool aborted = result.done < result.total;
     if (aborted) ui_.print_line("Interrupted: the tags of some tracks were not read, and the command ended there.");
-    if (!done.notify) return;
-    const auto status = aborted                 ? completion_notify::status_aborted
-                        : done.problems.empty() ? completion_notify::status_success
-                                                : completion_notify::status_failed;
-    core::call_component(*done.notify, [&] { done.notify->on_completion(status); });
+    if (!notify) return;
+    const auto status = aborted                   ? completion_notify::status_aborted
+                        : result.problems.empty() ? completion_notify::status_success
+                                                  : completion_notify::status_failed;
+    core::call_component(*notify, [&] { notify->on_completion(status); });
 }
 
 }  // namespace ostrevan::services

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <memory>
+#include <cstddef>
+#include <span>
+#include <vector>
 
 #include "ostrevan/tag_update.h"
 #include "player/core/main_loop.h"
@@ -10,8 +12,7 @@
 
 namespace ostrevan::services {
 
-/// The file-info reload service: reads files in portions, between which the main loop serves others, and reports edits by
-/// other programs to the components.
+/// The file-info reload service: reads files on a thread of its own, and reports edits by other programs to the components.
 class info_reload_service_impl : public info_reload_service {
 public:
     info_reload_service_impl(core::main_loop& loop, view::front_end& ui, tag_edit_news& news,
@@ -22,9 +23,13 @@ public:
                       completion_notify_ptr notify) override;
 
 private:
-    struct job;
-    void step(const std::shared_ptr<job>& work);
-    void finish(const job& done);
+    struct outcome {
+        std::size_t total = 0;
+        std::size_t done = 0;
+        std::vector<library::file_problem> problems{};
+    };
+    outcome reload(std::span<const library::track_ptr> tracks, library::refresh_mode mode);
+    void finish(const outcome& result, const completion_notify_ptr& notify);
 
     core::main_loop& loop_;
     view::front_end& ui_;

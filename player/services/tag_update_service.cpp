@@ -1,6 +1,7 @@
 #include "player/services/tag_update_service.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
@@ -58,6 +59,7 @@ void tag_update_service_impl::work() {
         }
         const core::job::scope scope(next->busy.of());
         rewrite_all(*next);
+        publish(*next);
         loop_.post([this, next] { finish(*next); });
     }
 }
@@ -91,9 +93,17 @@ void tag_update_service_impl::rewrite(batch& work, const metadb_handle_ptr& trac
     }
 }
 
+void tag_update_service_impl::publish(const batch& done) const {
+    if (done.rewritten.empty()) return;
+    try {
+        on_rewritten_(done.rewritten);
+    } catch (...) {
+        loop_.post([failure = std::current_exception()] { std::rethrow_exception(failure); });
+    }
+}
+
 void tag_update_service_impl::finish(const batch& done) const {
     if (!done.is_silent()) ui_.end_progress();
-    if (!done.rewritten.empty()) on_rewritten_(done.rewritten);
     for (const auto& note : done.notes) ui_.print_line(note);
     for (const auto& problem : done.problems) ui_.print_line(problem);
     if (!done.problems.empty() && !done.is_silent()) {

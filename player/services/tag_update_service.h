@@ -24,7 +24,7 @@ struct tag_rewrite {
 /// background work, but those for one file keep their order.
 class tag_update_service_impl : public tag_update_service {
 public:
-    /// Receives the files of a finished batch. [main-thread]
+    /// Receives the files of a finished batch. [worker]
     using rewritten_sink = std::function<void(const std::vector<tag_rewrite>& files)>;
 
     tag_update_service_impl(core::main_loop& loop, view::front_end& ui, rewritten_sink on_rewritten)
@@ -54,6 +54,7 @@ private:
     void work();
     void rewrite_all(batch& work) const;
     void rewrite(batch& work, const metadb_handle_ptr& track) const;
+    void publish(const batch& done) const;
     void finish(const batch& done) const;
 
     core::main_loop& loop_;

@@ -288,7 +288,7 @@ void database::fail(int code) const {
     throw error(code, describe(contents_, path_, "cannot be used: " + reason + ". " + way_out_of(code)));
 }
 
-transaction::transaction(database& target) : target_(target) { target_.execute("BEGIN IMMEDIATE"); }
+transaction::transaction(database& target) : target_(target), lock_(target.lock()) { target_.execute("BEGIN IMMEDIATE"); }
 
 transaction::~transaction() {
     // A failed statement may have rolled back already; this then does nothing.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -74,7 +75,8 @@ private:
     const class database* owner_ = nullptr;
 };
 
-/// One connection to a database file. Used by one thread at a time. Not movable: its statements refer to it.
+/// One connection to a database file. Used by one thread at a time: one that holds the lock, where there are several. Not
+/// movable: its statements refer to it.
 class database {
 public:
     /// Opens the file, or creates it, private to its user. Throws `error` with the reason and the remedy, and leaves the
@@ -103,6 +105,9 @@ public:
     /// For calls that this class does not offer.
     [[nodiscard]] sqlite3* handle() const noexcept { return handle_.get(); }
 
+    /// Waits until no other thread uses the connection. A transaction holds this lock, too. [any-thread]
+    [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() const { return std::unique_lock(mutex_); }
+
     /// Throws `error` for the result code of a call on this connection.
     [[noreturn]] void fail(int code) const;
 
@@ -117,6 +122,7 @@ private:
     void check_schema(const format& expected);
     void upgrade(std::int64_t version, const format& expected);
 
+    mutable std::recursive_mutex mutex_;
     std::string path_;
     std::string contents_;
     std::optional<reading_copy> copy_;  // outlives the connection to it
@@ -136,6 +142,7 @@ public:
 
 private:
     database& target_;
+    const std::unique_lock<std::recursive_mutex> lock_;
     bool open_ = true;
 };
 

@@ -109,7 +109,7 @@ void client_commands::finish(run_context& own) {
     system::handle_interrupts();
     bool is_told = false;
     for (const auto begin = ownership::clock::now(); are_under_way(); std::this_thread::sleep_for(look_again)) {
-        own.job.serve_until([] { return true; });
+        own.job.serve();
         if (system::interrupted()) interrupt_all();
         if (is_told || ownership::clock::now() - begin < long_wait) continue;
         is_told = true;

@@ -40,7 +40,7 @@ void dump_index(run_context& context, const std::optional<std::string>& wanted) 
 }
 
 void prune(run_context& context) {
-    const auto old = context.on_main([&] { return context.player.old_records(); });
+    const auto old = context.player.old_records();
     std::size_t number = 0;
     for (const auto& records : old) number += records.keys.size();
     if (number == 0) return context.screen.note("No record is old enough.");
@@ -52,7 +52,7 @@ void prune(run_context& context) {
                     (number == 1 ? "it" : "them") + "? A copy of the index is put into the folder backup first.";
     question.style = popup_message_v3::style_yes_no;
     if (context.screen.ask(question) != popup_message_v3::answer_yes) return;
-    context.on_main([&] { context.player.index.drop(old); });
+    context.player.index.drop(old);
     context.screen.note(which + " removed.");
 }
 

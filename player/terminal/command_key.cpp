@@ -12,7 +12,7 @@ constexpr const char* key_examples =
     "  ostrevan key ~/Music/song.flac";
 
 void print_keys(run_context& context, const track_arguments& wanted) {
-    const auto indexes = context.on_main([&] { return context.player.index.registrations(); });
+    const auto indexes = context.player.index.registrations();
     if (indexes.empty()) throw std::runtime_error("No component has registered an index; see 'ostrevan components'.");
     for (const auto& track : tracks_of(context, wanted)) {
         const auto key = key_text(indexes, *track);

@@ -1,4 +1,5 @@
 
+#include "player/library/locations.h"
 #include "player/terminal/command.h"
 #include "player/terminal/table.h"
 
@@ -15,15 +16,24 @@ constexpr const char* library_examples =
     "  ostrevan library ignore --undo ~/Music/broken.mp3\n"
     "A missing folder keeps its tracks and their statistics. Ignored files stay on the disk and keep their statistics.";
 
+/// For scans on this thread.
 library::scan_options options_for(run_context& context) {
     library::scan_options options;
     options.stop = &context.job.stop();
     options.on_progress = [&context](const library::scan_progress& progress) {
-        context.job.run_on_own_thread([&screen = context.screen, progress] {
-            screen.show_progress("files  " + progress.folder, progress.files_done, progress.files_known);
-        });
+        context.screen.show_progress("files  " + progress.folder, progress.files_done, progress.files_known);
+        context.job.serve();
     };
+    options.on_main = context.player.on_main();
     return options;
+}
+
+/// Commands that change the library are carried out one after the other.
+template <typename Work>
+void in_turn(run_context& context, Work work) {
+    const auto turn = context.player.library_turn.take(
+        [&] { context.screen.note("Another command is changing the library; this one comes after it."); });
+    if (turn) work();
 }
 
 std::string counted(std::size_t number, const char* one, const char* many) {
@@ -53,11 +63,11 @@ void report(run_context& context, const library::scan_summary& done) {
 void finish_scan(run_context& context, const library::scan_summary& done) {
     report(context, done);
     context.job.wait_until_idle();
-    if (!done.is_stopped) context.on_main([&] { context.player.mark_library_seen(); });
+    if (!done.is_stopped) context.player.mark_library_seen();
 }
 
 void add_folders(run_context& context, const paths& folders) {
-    const auto done = context.on_main([&] { return context.player.library.add_folders(folders, options_for(context)); });
+    const auto done = context.player.library.add_folders(folders, options_for(context));
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size()) finish_scan(context, done);
 }
@@ -66,19 +76,24 @@ void rescan(run_context& context, const paths& folders) {
     auto& library = context.player.library;
     if (!context.on_main([&] { return library.is_enabled(); }))
         context.screen.note("The library has no folder yet: add one with 'ostrevan library add FOLDER'.");
-    const auto done = context.on_main([&] {
-        return folders.empty() ? library.rescan(options_for(context)) : library.rescan(folders, options_for(context));
-    });
+    const auto done = folders.empty() ? library.rescan(options_for(context)) : library.rescan(folders, options_for(context));
     refuse(context.screen, done.refused);
     if (folders.empty() || done.refused.size() < folders.size()) finish_scan(context, done);
 }
 
-/// Lists the ignored paths when none is given.
+/// The current folder of the main thread may be another one.
+paths normal(paths places) {
+    for (auto& each : places) each = library::normal_path(each);
+    return places;
+}
+
+void print_ignored(run_context& context) {
+    for (const auto& path : context.on_main([&] { return context.player.library.ignored(); })) context.out << path << '\n';
+}
+
 void ignore(run_context& context, const paths& places, bool undo) {
     auto& library = context.player.library;
-    if (places.empty())
-        for (const auto& path : context.on_main([&] { return library.ignored(); })) context.out << path << '\n';
-    else if (undo) {
+    if (undo) {
         const auto done = context.on_main([&] { return library.stop_ignoring(places); });
         refuse(context.screen, done.refused);
         if (done.refused.size() < places.size())
@@ -93,7 +108,7 @@ void ignore(run_context& context, const paths& places, bool undo) {
 }
 
 void remove_folders(run_context& context, const paths& folders) {
-    const auto done = context.on_main([&] { return context.player.library.remove_folders(folders); });
+    const auto done = context.on_main([&] { return context.player.library.remove_folders(normal(folders)); });
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size())
         context.screen.note(counted(done.tracks_removed, "track", "tracks") +
@@ -111,18 +126,21 @@ const command_file library_commands(10, [](declared_command& program) {
     const auto folders = std::make_shared<paths>();
     auto add = library.add("add", "Add folders and scan them");
     add.add_option("FOLDER", folders.get()).required();
-    add.run([folders](run_context& context) { add_folders(context, *folders); });
+    add.run([folders](run_context& context) { in_turn(context, [&] { add_folders(context, *folders); }); });
     auto remove = library.add("remove", "Forget folders; files and statistics stay");
     remove.add_option("FOLDER", folders.get()).required();
-    remove.run([folders](run_context& context) { remove_folders(context, *folders); });
+    remove.run([folders](run_context& context) { in_turn(context, [&] { remove_folders(context, *folders); }); });
     auto scan = library.add("rescan", "Look for new, changed and removed files");
     scan.add_option("FOLDER", folders.get(), "Only the library folder at or around this path");
-    scan.run([folders](run_context& context) { rescan(context, *folders); });
+    scan.run([folders](run_context& context) { in_turn(context, [&] { rescan(context, *folders); }); });
     auto leave_out = library.add("ignore", "Leave files or folders out, or list those that are");
     leave_out.add_option("PATH", folders.get(), "A file or folder inside the library");
     const auto undo = std::make_shared<bool>(false);
     leave_out.add_flag("--undo", *undo, "Include them again at the next rescan").needs("PATH");
-    leave_out.run([folders, undo](run_context& context) { ignore(context, *folders, *undo); });
+    leave_out.run([folders, undo](run_context& context) {
+        if (folders->empty()) print_ignored(context);
+        else in_turn(context, [&] { ignore(context, normal(*folders), *undo); });
+    });
     library.add("folders", "List the folders").run(print_folders);
 });
 

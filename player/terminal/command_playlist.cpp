@@ -19,8 +19,7 @@ constexpr const char* playlist_examples =
     "  ostrevan play --playlist Favourites";
 
 void print_names(run_context& context) {
-    for (const auto& name : context.on_main([&] { return context.player.library.playlists().names(); }))
-        context.out << name << '\n';
+    for (const auto& name : context.player.library.playlists().names()) context.out << name << '\n';
 }
 
 void print_tracks(run_context& context, const std::string& name) {
@@ -55,7 +54,7 @@ void note_count(run_context& context, const std::string& name, std::size_t count
 }
 
 void make_playlist(run_context& context, const std::string& name, const std::vector<playable_location>& entries) {
-    if (!context.on_main([&] { return context.player.library.playlists().create(name, entries); })) throw_taken(name);
+    if (!context.player.library.playlists().create(name, entries)) throw_taken(name);
     note_count(context, name, entries.size());
 }
 
@@ -63,21 +62,11 @@ void create_playlist(run_context& context, const std::string& name, const track_
     make_playlist(context, name, locations_of(tracks_of(context, wanted)));
 }
 
-/// In one step, so that no other command comes in between.
-template <typename Change>
-void change(run_context& context, const std::string& name, Change change_entries) {
-    context.on_main([&] {
-        auto entries = entries_of(context, name);
-        change_entries(entries);
-        context.player.library.playlists().replace(name, entries);
-    });
-}
-
 void append(run_context& context, const std::string& name, const track_arguments& wanted) {
     (void)entries_of(context, name);
     auto more = locations_of(tracks_of(context, wanted));
     std::size_t count = 0;
-    change(context, name, [&](std::vector<playable_location>& entries) {
+    context.player.library.playlists().change(name, [&](std::vector<playable_location>& entries) {
         std::ranges::move(more, std::back_inserter(entries));
         count = entries.size();
     });
@@ -86,12 +75,13 @@ void append(run_context& context, const std::string& name, const track_arguments
 
 void rename(run_context& context, const std::string& name, const std::string& new_name) {
     (void)entries_of(context, name);
-    if (!context.on_main([&] { return context.player.library.playlists().rename(name, new_name); })) throw_taken(new_name);
+    if (!context.player.library.playlists().rename(name, new_name)) throw_taken(new_name);
 }
 
 /// Places count from 1.
 void move_entry(run_context& context, const std::string& name, std::size_t from, std::size_t to) {
-    change(context, name, [&](std::vector<playable_location>& entries) {
+    (void)entries_of(context, name);
+    context.player.library.playlists().change(name, [&](std::vector<playable_location>& entries) {
         if (from < 1 || to < 1 || from > entries.size() || to > entries.size())
             throw std::runtime_error("Playlist " + in_quotes(name) + " has the places 1 to " +
                                      std::to_string(entries.size()) + ".");
@@ -110,7 +100,7 @@ void remove_playlist(run_context& context, const std::string& name) {
                             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
                             .reply = {}});
     if (answer != popup_message_v3::answer_yes) return;
-    context.on_main([&] { context.player.library.playlists().remove(name); });
+    context.player.library.playlists().remove(name);
     context.screen.note("Playlist " + quoted + " is removed; its tracks stay.");
 }
 
@@ -153,7 +143,7 @@ const command_file playlist_commands(100, [](declared_command& program) {
     importing.add_option("NAME", name.get()).required();
     importing.add_option("PATH", file.get()).required();
     importing.run([name, file](run_context& context) {
-        if (context.on_main([&] { return context.player.library.playlists().entries(*name); })) throw_taken(*name);
+        if (context.player.library.playlists().entries(*name)) throw_taken(*name);
         make_playlist(context, *name, read_playlist_file(context, *file));
     });
     auto remove = playlist.add("remove", "Remove a playlist; its tracks stay");

@@ -38,7 +38,7 @@ json seconds_of(const metadb_handle& track) {
 }  // namespace
 
 track_json::track_json(const run_context& context)
-    : fields_(context.player.fields), indexes_(context.on_main([&] { return context.player.index.registrations(); })) {
+    : fields_(context.player.fields), indexes_(context.player.index.registrations()) {
     for (const auto& [name, entry] : fields_.all()) names_.insert(name);
 }
 

@@ -1,7 +1,6 @@
 """What a terminal shows and asks: names and tags, progress, dialogs, and names of files."""
 import os
 import pty
-import signal
 import subprocess
 
 from player import MENU, PlayerTest
@@ -63,14 +62,3 @@ class Terminal(PlayerTest):
         said = self.type_into("menu", EXPORT, typed=f"o\n{self.file}\nn\no\n{self.file}\ny\n", status=0)
         self.assertIn(f"{self.file} is there already. Replace it?", said)
         self.assertIn("</PlaybackStatistics>", self.file.read_text())
-
-    def test_an_interrupt_cancels(self):
-        terminal, end = pty.openpty()
-        player = subprocess.Popen(self.command("menu", EXPORT), env=self.env, stdin=end, stderr=subprocess.PIPE, text=True)
-        while "Rating" not in player.stderr.readline():
-            pass
-        player.send_signal(signal.SIGINT)
-        player.communicate(timeout=100)
-        self.assertEqual(player.returncode, 130)
-        os.close(terminal)
-        os.close(end)
