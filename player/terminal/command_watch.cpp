@@ -1,16 +1,7 @@
-#include <array>
-#include <cmath>
-#include <nlohmann/json.hpp>
-
-#include "player/app/watching.h"
-#include "player/terminal/command.h"
-#include "player/titleformat/script.h"
+#include "player/terminal/watch_output.h"
 
 namespace ostrevan::terminal {
 namespace {
-
-using app::watch_report;
-using json = nlohmann::ordered_json;
 
 struct watch_words {
     app::watch_options options{};
@@ -25,53 +16,10 @@ constexpr const char* watch_examples =
     "Hears the players of the desktop (MPRIS) and MPD, found by MPD_HOST and MPD_PORT like any of its clients.\n"
     "Ctrl-C ends it.";
 
-/// What a line says of a track: as the library has it, else as the player tells it.
-std::string title_of(const run_context& context, const watch_report& report) {
-    static const auto script = titleformat::compile("[%artist% - ]%title%");
-    if (report.track) return script.run(titleformat::track_fields(context.player.fields, *report.track)).text;
-    const auto& told = report.told;
-    if (told.title.empty()) return told.location;
-    return (told.artist.empty() ? "" : told.artist + " - ") + told.title;
-}
-
-void print_text(run_context& context, const watch_report& report) {
-    const auto title = title_of(context, report);
-    switch (report.what) {
-        case watch_report::kind::playing:
-            return context.screen.note(report.player + " plays: " + title);
-        case watch_report::kind::counted:
-            context.out << "Counted: " << title << " (" << report.player << ")" << std::endl;
-            return;
-        case watch_report::kind::not_counted:
-            context.out << "Played, not counted: " << title << " (" << report.player << "): " << report.reason << std::endl;
-            return;
-        case watch_report::kind::source:
-            return context.screen.note(report.reason);
-        case watch_report::kind::failure:
-            return context.screen.error(title + ": the play could not be counted: " + report.reason);
-    }
-}
-
-json text_or_null(const std::string& text) { return text.empty() ? json() : json(text); }
-
-/// One object a line.
-void print_json(std::ostream& out, const watch_report& report) {
-    constexpr std::array events{"playing", "counted", "not counted", "failure", "source"};
-    json object{{"event", events[static_cast<std::size_t>(report.what)]}, {"player", report.player}};
-    object["path"] = report.track ? json(report.track->location().path) : json();
-    object["subsong"] = report.track ? json(report.track->location().subsong) : json();
-    object["location"] = text_or_null(report.told.location);
-    object["title"] = text_or_null(report.told.title);
-    object["artist"] = text_or_null(report.told.artist);
-    object["album"] = text_or_null(report.told.album);
-    object["reason"] = text_or_null(report.reason);
-    out << object.dump(-1, ' ', false, json::error_handler_t::replace) << std::endl;
-}
-
 void watch(run_context& context, const watch_words& words) {
-    app::watching watching(context.player, words.options, [&](const watch_report& report) {
-        if (words.json) print_json(context.out, report);
-        else print_text(context, report);
+    app::watching watching(context.player, words.options, [&](const app::watch_report& report) {
+        if (words.json) print_report_as_json(context.out, report);
+        else print_report(context, report);
     });
     watching.run(context.job.stop());
 }

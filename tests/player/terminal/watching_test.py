@@ -75,3 +75,16 @@ class Watching(WatchTest):
         rest[0][1]["Position"] = 3
         self.let_play(("survivor", rest))
         self.assertEqual(self.end(), {("survivor", "gulls over the roof"): 1})
+
+    def test_a_process_that_serves_the_profile_watches_on_request(self):
+        self.start_bus()
+        server = self.start("serve", "--watch")
+        self.addCleanup(lambda: (server.kill(), server.communicate()))
+        while "MPRIS is heard." not in server.stderr.readline():
+            self.assertIsNone(server.poll())
+        for player in self.begin_players([("served", plays(self.file("umbrella"), 2, end=2))]):
+            self.assertEqual(player.wait(timeout=60), 0)
+        self.assertEqual(server.stdout.readline(), "Counted: Ines Vald\u00e5ker - The Other Umbrella (served)\n")
+        self.assertEqual(self.play_count(self.file("umbrella")), 1)
+        self.run_player("quit")
+        self.assertEqual(server.wait(timeout=30), 0)

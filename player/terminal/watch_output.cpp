@@ -1,0 +1,58 @@
+#include "player/terminal/watch_output.h"
+
+#include <array>
+#include <nlohmann/json.hpp>
+
+#include "player/titleformat/script.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+using app::watch_report;
+using watch_json = nlohmann::ordered_json;
+
+/// What a line says of a track: as the library has it, else as the player tells it.
+std::string title_of(const run_context& context, const watch_report& report) {
+    static const auto script = titleformat::compile("[%artist% - ]%title%");
+    if (report.track) return script.run(titleformat::track_fields(context.player.fields, *report.track)).text;
+    const auto& told = report.told;
+    if (told.title.empty()) return told.location;
+    return (told.artist.empty() ? "" : told.artist + " - ") + told.title;
+}
+
+watch_json text_or_null(const std::string& text) { return text.empty() ? watch_json() : watch_json(text); }
+
+}  // namespace
+
+void print_report(run_context& context, const watch_report& report) {
+    const auto title = title_of(context, report);
+    switch (report.what) {
+        case watch_report::kind::playing:
+            return context.screen.note(report.player + " plays: " + title);
+        case watch_report::kind::counted:
+            context.out << "Counted: " << title << " (" << report.player << ")" << std::endl;
+            return;
+        case watch_report::kind::not_counted:
+            context.out << "Played, not counted: " << title << " (" << report.player << "): " << report.reason << std::endl;
+            return;
+        case watch_report::kind::source:
+            return context.screen.note(report.reason);
+        case watch_report::kind::failure:
+            return context.screen.error(title + ": the play could not be counted: " + report.reason);
+    }
+}
+
+void print_report_as_json(std::ostream& out, const watch_report& report) {
+    constexpr std::array events{"playing", "counted", "not counted", "failure", "source"};
+    watch_json object{{"event", events[static_cast<std::size_t>(report.what)]}, {"player", report.player}};
+    object["path"] = report.track ? watch_json(report.track->location().path) : watch_json();
+    object["subsong"] = report.track ? watch_json(report.track->location().subsong) : watch_json();
+    object["location"] = text_or_null(report.told.location);
+    object["title"] = text_or_null(report.told.title);
+    object["artist"] = text_or_null(report.told.artist);
+    object["album"] = text_or_null(report.told.album);
+    object["reason"] = text_or_null(report.reason);
+    out << object.dump(-1, ' ', false, watch_json::error_handler_t::replace) << std::endl;
+}
+
+}  // namespace ostrevan::terminal
