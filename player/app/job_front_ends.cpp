@@ -19,7 +19,7 @@ std::function<void(Answer)> posted(core::main_loop& loop, std::function<void(Ans
     const std::shared_ptr<open_question<Answer>> question(
         new open_question<Answer>{core::main_loop::activity(loop), std::move(reply)});
     return [&loop, question](Answer answer) {
-        const core::job::scope scope(question->busy.of());
+        const core::main_loop::activity::scope scope(question->busy);
         loop.post([reply = std::move(question->reply), answer = std::decay_t<Answer>(answer)] {
             if (reply) reply(answer);
         });

@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "player/core/cause.h"
+
 namespace ostrevan::app {
 
 std::string play_verdict::reason() const {
@@ -14,6 +16,7 @@ std::string play_verdict::reason() const {
 
 void tell_of_play(core::main_loop& loop, const core::service_registry& services, const metadb_handle_ptr& track,
                   std::function<void(const play_verdict&)> settled) {
+    const core::cause_scope why("play");
     const auto verdict = std::make_shared<play_verdict>();
     services.for_each<playback_statistics_collector>(
         [&](playback_statistics_collector& collector) {

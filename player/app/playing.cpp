@@ -11,9 +11,9 @@
 
 namespace ostrevan::app {
 
-playing::playing(core::main_loop& loop, const core::service_registry& services, library::queue_store& queue,
+playing::playing(core::main_loop& loop, const core::service_registry& services, library::queue_store& queue, listen_log& log,
                  std::function<void()> save)
-    : loop_(loop), services_(services), store_(queue), save_(std::move(save)) {}
+    : loop_(loop), services_(services), store_(queue), log_(log), save_(std::move(save)) {}
 
 void playing::start(play_start start, playback::play_options options, play_watcher& starter) {
     options.volume = start.volume;
@@ -122,18 +122,20 @@ void playing::give_up() {
     fail(save_problem_);
 }
 
-void playing::settle(std::size_t place, const play_verdict& verdict) {
+void playing::settle(std::size_t place, double heard, const play_verdict& verdict) {
     const auto& track = tracks_[place];
     if (verdict.has_failed) fail(track->location().path + ": the play could not be counted: " + verdict.reason());
     if (!verdict.is_counted) return tell([&](play_watcher& watcher) { watcher.on_not_counted(track, verdict.reason()); });
+    log_.note_play(*track, heard, {});
     counted_.push_back(place);
     if (!is_saving_) save_counted();
 }
 
-void playing::count(std::size_t place) {
+void playing::count(std::size_t place, double heard) {
     if (!is_heard_)
         return tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[place], "there is no sound device"); });
-    tell_of_play(loop_, services_, tracks_[place], [this, place](const play_verdict& verdict) { settle(place, verdict); });
+    tell_of_play(loop_, services_, tracks_[place],
+                 [this, place, heard](const play_verdict& verdict) { settle(place, heard, verdict); });
 }
 
 void playing::show_progress() {
@@ -149,7 +151,7 @@ playback::play_callbacks playing::callbacks() {
             tell([this](play_watcher& watcher) { watcher.on_started(*now_); });
         });
     };
-    out.on_counted = [this](std::size_t place) { post([this, place] { count(place); }); };
+    out.on_counted = [this](std::size_t place, double heard) { post([this, place, heard] { count(place, heard); }); };
     out.on_hearing = [this](bool is_heard) {
         post([this, is_heard] {
             is_heard_ = is_heard;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "player/app/kept_queue.h"
+#include "player/app/listen_log.h"
 #include "player/app/play_counting.h"
 #include "player/core/main_loop.h"
 #include "player/core/service_registry.h"
@@ -49,7 +50,7 @@ protected:
 class playing {
 public:
     /// `save` waits until all statistics are on disk, and throws when they cannot be saved. [any-thread]
-    playing(core::main_loop& loop, const core::service_registry& services, library::queue_store& queue,
+    playing(core::main_loop& loop, const core::service_registry& services, library::queue_store& queue, listen_log& log,
             std::function<void()> save);
     playing(const playing&) = delete;
     playing& operator=(const playing&) = delete;
@@ -85,8 +86,8 @@ private:
     [[nodiscard]] std::vector<playback::play_item> items() const;
     playback::play_callbacks callbacks();
     void rate(double stars);
-    void count(std::size_t place);
-    void settle(std::size_t place, const play_verdict& verdict);
+    void count(std::size_t place, double heard);
+    void settle(std::size_t place, double heard, const play_verdict& verdict);
     void save_counted();
     void acknowledge(const std::vector<std::size_t>& places, const std::string& problem);
     void give_up();
@@ -105,6 +106,7 @@ private:
     core::main_loop& loop_;
     const core::service_registry& services_;
     library::queue_store& store_;
+    listen_log& log_;
     const std::function<void()> save_;
     std::vector<play_watcher*> watchers_;
     std::optional<waiting_start> next_;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "player/app/component_start.h"
+#include "player/core/cause.h"
 #include "player/core/offer.h"
 #include "player/services/beep_service.h"
 #include "player/services/clipboard_service.h"
@@ -34,6 +35,16 @@
 #include "player/tags/reader.h"
 
 namespace ostrevan::app {
+namespace {
+
+/// For the journal of changes.
+index::change_cause current_cause() {
+    const auto& why = core::cause_scope::current();
+    return why ? index::change_cause{.text = why->text, .act = why->number} : index::change_cause{};
+}
+
+}  // namespace
+
 session::session(const session_options& options, core::profile_lock lock, view::front_end& ui)
     : profile_(options.profile),
       lock_(std::move(lock)),
@@ -44,7 +55,7 @@ session::session(const session_options& options, core::profile_lock lock, view::
       player_(loop, services, crash_log_, profile_, options.quiet),
       interface_(player_.interface_block()),
       records_(file("index.sqlite"), [this](const std::string& message) { loop.post([this, message] { report(message); }); },
-               {.daily_copies = true}),
+               {.daily_copies = true, .cause = current_cause}),
       index(core::offer<services::index_manager_impl>(
           services, records_, [](const service_base& service) { return core::module_of(typeid(service)); },
           services::index_manager_impl::redraw{})),
@@ -54,7 +65,9 @@ session::session(const session_options& options, core::profile_lock lock, view::
       fields([this](const field_provider& provider, const std::string& doing) {
           services.guard().report(typeid(provider), doing);
       }),
-      playing(loop, services, library.queue(), [this] { save(); }) {
+      listens(records_, index),
+      playing(loop, services, library.queue(), listens, [this] { save(); }) {
+    const core::cause_scope why("start");
     offer_services();
     const auto report_now = [this](const std::string& message) { report(message); };
     if (records_.is_read_only()) ui_.print_line(records_.refusal());

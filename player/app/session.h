@@ -51,6 +51,8 @@ public:
     void run_until_idle() { loop.run_until_idle(); }
     /// Waits until all statistics are on disk; throws when they cannot be saved. [any-thread]
     void save() { records_.flush(); }
+    /// The records of all components, with their journal.
+    [[nodiscard]] index::index_store& records() noexcept { return records_; }
     /// Throws when the profile is read-only: statistics could not follow an edit of tags.
     void require_writable() const;
     /// The tracks of the library in no order. [any-thread]
@@ -103,6 +105,7 @@ public:
     library::media_library library;
     titleformat::component_fields fields;
     std::vector<core::loaded_component> components;
+    listen_log listens;
     app::playing playing;
     /// To change the folders of the library or to scan them.
     core::turn library_turn;

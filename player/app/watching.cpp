@@ -82,7 +82,7 @@ void watching::on_counted(const std::string& name, const watch::told_track& told
         return report_(play);
     }
     plays_[play.track] = {name, time_};
-    count(play);
+    count(play, heard);
 }
 
 /// Some players come to the bus twice, themselves and through another program. Nobody hears a track twice at the same time.
@@ -98,22 +98,24 @@ void watching::leave_out(watch_report play) {
     report_(play);
 }
 
-play_verdict watching::tell_components(const library::track_ptr& track) {
+play_verdict watching::tell_components(const library::track_ptr& track, double heard, const std::string& player) {
     auto promise = std::make_shared<std::promise<play_verdict>>();
     auto verdict = promise->get_future();
-    player_.loop.post([this, track, promise = std::move(promise)] {
-        tell_of_play(player_.loop, player_.services, track,
-                     [promise](const play_verdict& given) { promise->set_value(given); });
+    player_.loop.post([this, track, heard, player, promise = std::move(promise)] {
+        tell_of_play(player_.loop, player_.services, track, [=, this](const play_verdict& given) {
+            if (given.is_counted) player_.listens.note_play(*track, heard, player);
+            promise->set_value(given);
+        });
     });
     core::job::current()->serve_until(
         [&] { return verdict.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
     return verdict.get();
 }
 
-void watching::count(const watch_report& play) {
+void watching::count(const watch_report& play, double heard) {
     auto report = play;
     try {
-        const auto verdict = tell_components(play.track);
+        const auto verdict = tell_components(play.track, heard, play.player);
         if (verdict.is_counted) player_.save();
         if (!verdict.is_counted) report.reason = verdict.reason();
         report.what = verdict.is_counted   ? watch_report::kind::counted

@@ -67,9 +67,9 @@ private:
     void on_counted(const std::string& name, const watch::told_track& told, double heard);
     void look_up(heard_player& player, const watch::told_track& told);
     [[nodiscard]] bool is_heard_twice(const std::string& name, const library::track_ptr& track, double heard);
-    void count(const watch_report& play);
+    void count(const watch_report& play, double heard);
     void leave_out(watch_report play);
-    play_verdict tell_components(const library::track_ptr& track);
+    play_verdict tell_components(const library::track_ptr& track, double heard, const std::string& player);
 
     session& player_;
     const watch_options options_;

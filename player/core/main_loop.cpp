@@ -12,7 +12,7 @@ void main_loop::post(task work) {
     const auto& of = job::current();
     if (of) of->begin();
     const std::lock_guard lock(mutex_);
-    queue_.push_back({of, std::move(work)});
+    queue_.push_back({of, cause_scope::current(), std::move(work)});
     changed_.notify_one();
 }
 
@@ -31,7 +31,7 @@ void main_loop::end_activity(const job_ptr& of) noexcept {
 
 void main_loop::start_thread(task work) {
     std::thread([this, busy = activity(*this), work = std::move(work)]() mutable {
-        const job::scope scope(busy.of());
+        const activity::scope scope(busy);
         try {
             work();
         } catch (...) {
@@ -43,6 +43,7 @@ void main_loop::start_thread(task work) {
 
 void main_loop::run(posted& next) const {
     const job::scope scope(next.of);
+    const cause_scope why(next.why);
     try {
         next.work();
     } catch (const std::exception& error) {

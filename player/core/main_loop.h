@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "player/core/cause.h"
 #include "player/core/job.h"
 
 namespace ostrevan::core {
@@ -46,14 +47,19 @@ public:
         return result.get();
     }
 
-    /// Keeps the loop and the current job from being idle while it lives: a running worker, an open question. [any-thread]
+    /// Keeps the loop and the current job from being idle while it lives: a running worker, an open question. Remembers the
+    /// cause. [any-thread]
     class activity {
     public:
-        explicit activity(main_loop& loop) noexcept : loop_(&loop), job_(job::current()) { loop_->begin_activity(job_); }
-        activity(activity&& other) noexcept : loop_(std::exchange(other.loop_, nullptr)), job_(std::move(other.job_)) {}
+        explicit activity(main_loop& loop) noexcept : loop_(&loop), job_(job::current()), why_(cause_scope::current()) {
+            loop_->begin_activity(job_);
+        }
+        activity(activity&& other) noexcept
+            : loop_(std::exchange(other.loop_, nullptr)), job_(std::move(other.job_)), why_(std::move(other.why_)) {}
         activity& operator=(activity&& other) noexcept {
             std::swap(loop_, other.loop_);
             std::swap(job_, other.job_);
+            std::swap(why_, other.why_);
             return *this;
         }
         activity(const activity&) = delete;
@@ -62,12 +68,20 @@ public:
             if (loop_ != nullptr) loop_->end_activity(job_);
         }
 
-        /// The job it belongs to; may be null.
-        [[nodiscard]] const job_ptr& of() const noexcept { return job_; }
+        /// Makes its job and its cause those of the calling thread.
+        class scope {
+        public:
+            explicit scope(const activity& of) noexcept : job_(of.job_), why_(of.why_) {}
+
+        private:
+            job::scope job_;
+            cause_scope why_;
+        };
 
     private:
         main_loop* loop_;
         job_ptr job_;
+        cause_ptr why_;
     };
 
     /// Runs work on a thread of its own, as an activity of the current job. What it throws is treated as if posted work had
@@ -80,6 +94,7 @@ public:
 private:
     struct posted {
         job_ptr of;
+        cause_ptr why;
         task work;
     };
 

@@ -81,6 +81,7 @@ struct listen {
     double seconds = 0;       // heard
     std::string player{};     // another program; empty for this one
     bool is_counted = false;  // as a play; otherwise it was skipped
+    std::int64_t act = 0;     // the one that counted it; 0 for none
     struct key {
         nuv::guid index;
         std::uint64_t key;

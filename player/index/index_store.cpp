@@ -226,8 +226,9 @@ std::filesystem::path index_store::back_up(std::string_view reason, const std::f
     return state_->reader.back_up(reason, beside);
 }
 
-void index_store::note(listen heard) {
+void index_store::note(listen heard, std::uint64_t by) {
     const auto inside = state_->enter_to_write();
+    if (const auto act = state_->first_of_act.find(by); act != state_->first_of_act.end()) heard.act = act->second;
     std::vector<index_job> jobs;
     jobs.emplace_back(std::move(heard));
     state_->enqueue(std::move(jobs));

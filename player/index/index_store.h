@@ -100,8 +100,9 @@ public:
     /// registered. Throws std::runtime_error like `flush`.
     [[nodiscard]] std::vector<std::uint64_t> old_keys(const nuv::guid& index, std::span<const std::uint64_t> kept,
                                                       std::int64_t now) const;
-    /// Notes what was listened to, for good. Throws std::runtime_error for a file that cannot be written.
-    void note(listen heard);
+    /// Notes what was listened to, for good; `by` is the `change_cause::act` that counted it. Throws std::runtime_error for
+    /// a file that cannot be written.
+    void note(listen heard, std::uint64_t by = 0);
     /// What changed the records, and from what to what. Throws std::runtime_error like `flush`.
     [[nodiscard]] journal read_journal();
 

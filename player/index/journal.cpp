@@ -108,7 +108,7 @@ std::vector<listen> journal::listens_of(const nuv::guid& index, std::uint64_t ke
     const auto guid = nuv::guid_text(index);
     std::vector<listen> all;
     auto rows = database_.prepare(
-        "SELECT time, path, subsong, seconds, player, counted FROM listen_keys JOIN listens ON listens.id = listen "
+        "SELECT time, path, subsong, seconds, player, counted, act FROM listen_keys JOIN listens ON listens.id = listen "
         "JOIN indexes ON indexes.id = index_id WHERE key = ? AND guid = ? ORDER BY listen DESC");
     rows.bind(1, std::bit_cast<std::int64_t>(key)).bind(2, std::string_view(guid));
     while (rows.step()) {
@@ -119,6 +119,7 @@ std::vector<listen> journal::listens_of(const nuv::guid& index, std::uint64_t ke
         next.seconds = rows.real(3);
         next.player = rows.text(4);
         next.is_counted = rows.integer(5) != 0;
+        next.act = rows.integer(6);
     }
     return all;
 }

@@ -94,10 +94,14 @@ void journal_writer::save_single(const record_changes& changes, std::int64_t key
 }
 
 void journal_writer::save(const listen& heard) {
-    auto put =
-        database_.prepare("INSERT INTO listens (time, path, subsong, seconds, player, counted) VALUES (?, ?, ?, ?, ?, ?)");
+    auto put = database_.prepare(
+        "INSERT INTO listens (time, path, subsong, seconds, player, counted, act) VALUES (?, ?, ?, ?, ?, ?, ?)");
     put.bind(1, heard.time).bind(2, std::string_view(heard.path)).bind(3, std::int64_t{heard.subsong});
-    put.bind(4, heard.seconds).bind(5, std::string_view(heard.player)).bind(6, std::int64_t{heard.is_counted}).run();
+    put.bind(4, heard.seconds)
+        .bind(5, std::string_view(heard.player))
+        .bind(6, std::int64_t{heard.is_counted})
+        .bind(7, heard.act)
+        .run();
     const auto id = database_.last_insert_id();
     auto put_key = database_.prepare(
         "INSERT OR IGNORE INTO listen_keys (index_id, key, listen) SELECT id, ?, ? FROM indexes WHERE guid = ?");

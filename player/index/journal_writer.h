@@ -42,7 +42,8 @@ inline constexpr const char* journal_schema = R"(
         subsong INTEGER NOT NULL,
         seconds REAL NOT NULL,
         player TEXT NOT NULL,
-        counted INTEGER NOT NULL
+        counted INTEGER NOT NULL,
+        act INTEGER NOT NULL
     ) STRICT;
     CREATE TABLE listen_keys (
         index_id INTEGER NOT NULL,

@@ -353,7 +353,7 @@ void mpv_player::session::on_position(double seconds) {
     const bool counts = rule_.position(position);
     if (!seeking_) position_ = position;
     report(callbacks_.on_progress, *current_, position, duration_);
-    if (counts) report(callbacks_.on_counted, *current_);
+    if (counts) report(callbacks_.on_counted, *current_, rule_.listened());
 }
 
 /// libmpv falls back to the null output.
@@ -387,7 +387,7 @@ void mpv_player::session::on_end_file(const mpv_event_end_file& end) {
 void mpv_player::session::finish(end_reason reason) {
     sounding_ = false;
     const std::size_t index = *current_;
-    if (rule_.ended(reason)) report(callbacks_.on_counted, index);
+    if (rule_.ended(reason)) report(callbacks_.on_counted, index, rule_.listened());
     report(callbacks_.on_finished, index);
 }
 

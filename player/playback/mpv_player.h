@@ -53,7 +53,7 @@ struct play_callbacks {
     /// The item was opened and begins to sound.
     std::function<void(std::size_t index)> on_started;
     /// The item counts as played; once each time it is heard.
-    std::function<void(std::size_t index)> on_counted;
+    std::function<void(std::size_t index, double heard)> on_counted;
     /// A started item has ended, or playback was stopped.
     std::function<void(std::size_t index)> on_finished;
     /// The item cannot be played, or not to its end; the list goes on. `text` is the reason, without the path.

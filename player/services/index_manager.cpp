@@ -55,7 +55,23 @@ private:
     index::store_transaction changes_;
 };
 
+thread_local const assumed_record* assumed = nullptr;
+
 }  // namespace
+
+assumed_record::assumed_record(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> bytes) noexcept
+    : index_(index), key_(key), bytes_(bytes) {
+    assumed = this;
+}
+
+assumed_record::~assumed_record() { assumed = nullptr; }
+
+std::optional<std::size_t> assumed_record::read(const nuv::guid& index, std::uint64_t key, void* buffer,
+                                                std::size_t capacity) const noexcept {
+    if (key != key_ || index != index_) return std::nullopt;
+    std::copy_n(bytes_.begin(), std::min(capacity, bytes_.size()), static_cast<std::byte*>(buffer));
+    return bytes_.size();
+}
 
 index_transaction_ptr index_manager_transactions_impl::begin() {
     return checked([&] { return index_transaction_ptr(service_new<transaction_service>(store_)); });
@@ -87,6 +103,8 @@ void index_manager_impl::remove_index(const nuv::guid& index) {
 }
 
 std::size_t index_manager_impl::read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const {
+    if (assumed != nullptr)
+        if (const auto size = assumed->read(index, key, buffer, capacity)) return *size;
     return store_.read(index, key, buffer, capacity);
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,26 @@ public:
 
 private:
     index::index_store& store_;
+};
+
+/// While it lives, components that read this record on this thread get the given bytes: what a field would say of it. At
+/// most one at a time on a thread.
+class assumed_record {
+public:
+    assumed_record(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> bytes) noexcept;
+    ~assumed_record();
+    assumed_record(const assumed_record&) = delete;
+    assumed_record& operator=(const assumed_record&) = delete;
+
+private:
+    friend class index_manager_impl;
+    /// Copies what fits; empty for other records.
+    [[nodiscard]] std::optional<std::size_t> read(const nuv::guid& index, std::uint64_t key, void* buffer,
+                                                  std::size_t capacity) const noexcept;
+
+    const nuv::guid index_;
+    const std::uint64_t key_;
+    const std::span<const std::byte> bytes_;
 };
 
 /// The index manager for components, on top of the store.

@@ -57,7 +57,7 @@ void tag_update_service_impl::work() {
             next = std::make_shared<batch>(std::move(waiting_.front()));
             waiting_.pop_front();
         }
-        const core::job::scope scope(next->busy.of());
+        const core::main_loop::activity::scope scope(next->busy);
         rewrite_all(*next);
         publish(*next);
         loop_.post([this, next] { finish(*next); });

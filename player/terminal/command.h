@@ -50,6 +50,8 @@ struct chosen_command {
     std::optional<std::string> component_to_check = std::nullopt;
     /// Whether it goes on for as long as the user likes. A process that is about to end does not begin it for another one.
     bool is_lasting = false;
+    /// The command line, as the journal of changes names it.
+    std::string words{};
 };
 
 /// An operand, an option or a flag of a command.

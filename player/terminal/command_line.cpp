@@ -29,7 +29,7 @@ constexpr const char* main_examples =
 class command_line {
 public:
     command_line();
-    std::variant<arguments, nothing_to_run> parse(std::vector<std::string> words);
+    std::variant<arguments, nothing_to_run> parse(const std::vector<std::string>& words);
 
 private:
     void check_answers() const;
@@ -80,9 +80,9 @@ std::vector<std::string> reversed(std::vector<std::string> words) {
     return words;
 }
 
-std::variant<arguments, nothing_to_run> command_line::parse(std::vector<std::string> words) {
+std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<std::string>& words) {
     try {
-        app_.parse(reversed(std::move(words)));
+        app_.parse(reversed(words));
         check_answers();
     } catch (const CLI::ParseError& error) {
         if (const auto wrong = describe_unknown_words(app_); !wrong.empty()) return nothing_to_run{exit_usage, wrong};
@@ -91,13 +91,16 @@ std::variant<arguments, nothing_to_run> command_line::parse(std::vector<std::str
         return nothing_to_run{exit_usage, describe_mistake(app_, error.what())};
     }
     if (yes_ || no_) result_.answers.yes = yes_;
+    const auto name = app_.get_subcommands().front()->get_name();
+    for (auto each = std::ranges::find(words, name); each != words.end(); ++each)
+        result_.chosen.words += (result_.chosen.words.empty() ? "" : " ") + *each;
     return result_;
 }
 
 }  // namespace
 
 std::variant<arguments, nothing_to_run> parse_arguments(std::vector<std::string> words) {
-    return command_line().parse(std::move(words));
+    return command_line().parse(words);
 }
 
 }  // namespace ostrevan::terminal

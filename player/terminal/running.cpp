@@ -4,11 +4,14 @@
 #include <cstring>
 #include <string>
 
+#include "player/core/cause.h"
+
 namespace ostrevan::terminal {
 namespace {
 
 int carry_out(const chosen_command& chosen, run_context& context) {
     auto& screen = context.screen;
+    const core::cause_scope why(chosen.words);
     try {
         chosen.run(context);
     } catch (...) {

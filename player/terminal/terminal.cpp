@@ -118,6 +118,10 @@ void terminal::show_listing(const view::track_listing& listing) {
         listing.format_row(row, cells);
         shown.add_row(cells);
     }
+    show_table(shown);
+}
+
+void terminal::show_table(table& shown) {
     list_shown_ = true;
     end_progress();
     shown.write(terminal_width(side_.output), [&](std::string_view line) { output_ << line; });

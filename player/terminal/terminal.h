@@ -11,6 +11,7 @@
 #include "player/terminal/keyboard.h"
 #include "player/terminal/prepared_answers.h"
 #include "player/terminal/standard_output.h"
+#include "player/terminal/table.h"
 #include "player/terminal/user_side.h"
 #include "player/view/front_end.h"
 
@@ -40,6 +41,8 @@ public:
     /// Returns when the dialog is closed. What its rules throw closes it and is thrown here.
     void show_dialog(view::open_dialog& dialog);
     void show_listing(const view::track_listing& listing);
+    /// At the width of the terminal.
+    void show_table(table& shown);
     void show_progress(const std::string& what, std::size_t done, std::size_t total);
     void end_progress();
     void beep();

@@ -45,7 +45,7 @@ protected:
 
     play_callbacks recording() {
         return {.on_started = [this](std::size_t i) { log_.push_back("started " + std::to_string(i)); },
-                .on_counted = [this](std::size_t i) { log_.push_back("counted " + std::to_string(i)); },
+                .on_counted = [this](std::size_t i, double) { log_.push_back("counted " + std::to_string(i)); },
                 .on_finished = [this](std::size_t i) { log_.push_back("finished " + std::to_string(i)); },
                 .on_error =
                     [this](std::size_t i, const std::string& text) {
@@ -196,7 +196,7 @@ TEST_F(mpv_player_test, stops_when_told_to_and_leaves_the_rest_alone) {
 TEST_F(mpv_player_test, passes_on_what_a_callback_throws_and_can_play_again) {
     bool thrown = false;
     auto callbacks = recording();
-    callbacks.on_counted = [&](std::size_t) {
+    callbacks.on_counted = [&](std::size_t, double) {
         if (!std::exchange(thrown, true)) throw std::runtime_error("the database is full");
     };
     mpv_player player({.audio = audio_output::null, .fast = true}, callbacks);

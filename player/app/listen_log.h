@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "player/index/index_store.h"
+#include "player/services/index_manager.h"
+
+namespace ostrevan::app {
+
+/// Notes counted plays for good. [main-thread]
+class listen_log {
+public:
+    listen_log(index::index_store& records, const services::index_manager_impl& index) : records_(records), index_(index) {}
+
+    /// Called under the cause that counted the play. `seconds` were heard until then; `player` is another program, or empty.
+    void note_play(const metadb_handle& track, double seconds, const std::string& player);
+
+private:
+    index::index_store& records_;
+    const services::index_manager_impl& index_;
+};
+
+}  // namespace ostrevan::app
