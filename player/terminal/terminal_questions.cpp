@@ -51,7 +51,7 @@ std::string with_home(std::string path, const std::string& home) {
 }
 
 /// Others may have another current folder.
-std::string absolute(const std::string& path) {
+std::string path_for_others(const std::string& path) {
     return system::protocol_of(path).empty() ? std::filesystem::absolute(path).string() : path;
 }
 
@@ -127,10 +127,10 @@ unsigned terminal::ask(const popup_message_v3::query_t& query) {
 
 std::optional<std::string> terminal::ask_file(const file_dialog_service::query_t& query) {
     file_used_ = true;
-    if (answers_.file) return absolute(*(file_asked_for_ = answers_.file));
+    if (answers_.file) return path_for_others(*(file_asked_for_ = answers_.file));
     if (::isatty(side_.input) != 0 && answers_.yes.value_or(true)) {
         const auto line = read_line(query.title + ": path of the file (empty to cancel): ");
-        if (line && !line->empty()) return absolute(*(file_asked_for_ = with_home(*line, side_.home)));
+        if (line && !line->empty()) return path_for_others(*(file_asked_for_ = with_home(*line, side_.home)));
         ++declined_;
     } else {
         print_line(query.title + ": a file has to be named.");
