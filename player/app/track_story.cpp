@@ -16,6 +16,7 @@ std::vector<std::string> texts_with(const nuv::guid& index, std::uint64_t key, c
     const services::assumed_record assumed(index, key,
                                            bytes ? std::span<const std::byte>(*bytes) : std::span<const std::byte>());
     std::vector<std::string> texts;
+    texts.reserve(columns.size());
     for (const auto& column : columns)
         texts.push_back(titleformat::compile(column.display_script).run(titleformat::track_fields(fields, *track)).text);
     return texts;

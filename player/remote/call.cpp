@@ -54,15 +54,13 @@ void call::take(message what) {
         files_ = {std::move(descriptors[0]), std::move(descriptors[1]), std::move(descriptors[2]),
                   std::move(descriptors[3])};
         is_complete_ = true;
-    } else if (!is_complete_ || !descriptors.empty()) {
-        throw malformed("a frame is out of place");
-    } else if (std::get_if<interrupt>(&what) != nullptr) {
-        interrupt_it();
-    } else if (const auto* const place = std::get_if<foreground>(&what); place != nullptr) {
-        is_in_foreground_ = place->is_in_foreground;
-    } else {
-        throw malformed("a frame is out of place");
+        return;
     }
+    const bool is_in_place = is_complete_ && descriptors.empty();
+    if (is_in_place && std::holds_alternative<interrupt>(what)) interrupt_it();
+    else if (const auto* const place = std::get_if<foreground>(&what); is_in_place && place != nullptr)
+        is_in_foreground_ = place->is_in_foreground;
+    else throw malformed("a frame is out of place");
 }
 
 }  // namespace ostrevan::remote

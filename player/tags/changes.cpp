@@ -77,7 +77,7 @@ void add_entry(const std::string& key, std::vector<std::string> values, file_inf
 
 file_info_builder canonical(const file_info_builder& info) {
     const auto is_newer = [&](std::size_t index) {
-        const auto name = info.meta_name(index);
+        const auto& name = info.meta_name(index);
         const auto field = field_of_key(name);
         if (const auto& values = info.meta_values(index); is_number_field(pair_of_field(field), field) && !values.empty())
             return values.front().find('/') != std::string::npos;

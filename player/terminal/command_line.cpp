@@ -99,7 +99,7 @@ std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<st
 
 }  // namespace
 
-std::variant<arguments, nothing_to_run> parse_arguments(std::vector<std::string> words) {
+std::variant<arguments, nothing_to_run> parse_arguments(const std::vector<std::string>& words) {
     return command_line().parse(words);
 }
 

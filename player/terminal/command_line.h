@@ -24,6 +24,6 @@ struct nothing_to_run {
 };
 
 /// The words after the name of the program.
-std::variant<arguments, nothing_to_run> parse_arguments(std::vector<std::string> words);
+std::variant<arguments, nothing_to_run> parse_arguments(const std::vector<std::string>& words);
 
 }  // namespace ostrevan::terminal
