@@ -1,5 +1,7 @@
 #include "player/history/undo.h"
 
+#include <atomic>
+
 #include "player/index/index_database.h"
 #include "tests/player/index/records.h"
 
@@ -18,7 +20,7 @@ protected:
     void open(std::unique_ptr<index_store>& store, index_store::options settings = {}) {
         store.reset();
         settings.cause = [this] { return cause_; };
-        settings.clock = [this] { return now_; };
+        settings.clock = [this] { return now_.load(); };
         store = std::make_unique<index_store>(path_, fail_on_report, std::move(settings));
     }
     /// A commit that gives the keys from `first` on records of a version.
@@ -36,7 +38,7 @@ protected:
     static undone undo(index_store& store) { return take_back(store, next_to_undo(store, 1).at(0)); }
 
     index::change_cause cause_;
-    std::int64_t now_ = 1'000'000'000;
+    std::atomic<std::int64_t> now_ = 1'000'000'000;
 };
 
 TEST_F(undo_test, gives_back_what_an_act_changed_where_nothing_else_has_changed_it_and_can_itself_be_taken_back) {
@@ -73,7 +75,8 @@ TEST_F(undo_test, gives_back_what_an_act_changed_where_nothing_else_has_changed_
     EXPECT_FALSE(next_to_redo(*store));
     EXPECT_EQ(next_to_undo(*store, 9).at(1).cause, "mass");
 
-    store->note({.time = now_, .path = "/a.flac", .seconds = 200.5, .is_counted = true, .keys = {{plays, 5}, {moods, 5}}});
+    store->note(
+        {.time = now_.load(), .path = "/a.flac", .seconds = 200.5, .is_counted = true, .keys = {{plays, 5}, {moods, 5}}});
     auto journal = store->read_journal();
     ASSERT_EQ(journal.listens_of(plays, 5).size(), 1U);
     EXPECT_EQ(journal.listens_of(plays, 5)[0].path, "/a.flac");
