@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <utility>
 
 namespace ostrevan::bus {
@@ -31,18 +32,31 @@ void keep(sd_bus_slot* slot, std::unique_ptr<Handler>& handler) {
     sd_bus_slot_unref(slot);
 }
 
+/// Exceptions must not pass through the library, which is C.
+template <class Work>
+int guarded(Work work) noexcept {
+    try {
+        work();
+        return 0;
+    } catch (const std::exception&) {
+        return -EIO;
+    }
+}
+
 int on_signal_message(sd_bus_message* message, void* handler, sd_bus_error*) {
-    const char* const sender = sd_bus_message_get_sender(message);
-    const signal received{sender == nullptr ? "" : sender, read_values(*message)};
-    (*static_cast<connection::signal_handler*>(handler))(received);
-    return 0;
+    return guarded([&] {
+        const char* const sender = sd_bus_message_get_sender(message);
+        const signal received{sender == nullptr ? "" : sender, read_values(*message)};
+        (*static_cast<connection::signal_handler*>(handler))(received);
+    });
 }
 
 int on_reply_message(sd_bus_message* message, void* handler, sd_bus_error*) {
-    const auto values = read_values(*message);
-    const bool has_failed = sd_bus_message_is_method_error(message, nullptr) != 0;
-    (*static_cast<connection::reply_handler*>(handler))(has_failed ? nullptr : &values);
-    return 0;
+    return guarded([&] {
+        const auto values = read_values(*message);
+        const bool has_failed = sd_bus_message_is_method_error(message, nullptr) != 0;
+        (*static_cast<connection::reply_handler*>(handler))(has_failed ? nullptr : &values);
+    });
 }
 
 }  // namespace
@@ -51,7 +65,9 @@ void connection::close::operator()(sd_bus* bus) const noexcept { sd_bus_close_un
 
 connection::connection() {
     sd_bus* bus = nullptr;
-    checked(sd_bus_open_user(&bus));
+    const int result = sd_bus_open_user(&bus);
+    if (result == -ENOMEDIUM) throw bus_error("there is no session bus");
+    checked(result);
     bus_.reset(bus);
 }
 

@@ -32,7 +32,7 @@ struct interface_place {
     std::string interface;
 };
 
-/// A connection to the session bus. Used by one thread; handlers are called inside `wait`, and must not throw.
+/// A connection to the session bus. Used by one thread; handlers are called inside `wait`.
 class connection {
 public:
     using signal_handler = std::function<void(const signal&)>;
@@ -48,8 +48,8 @@ public:
     void call(const interface_place& at, const char* method, std::initializer_list<const char*> words,
               reply_handler handler);
 
-    /// Handles what has come; then waits until more comes, `wake` becomes readable, or the time is over, and handles that.
-    /// Throws bus_error when the bus has gone.
+    /// Handles pending messages, waits for another one, for `wake` to become readable, or for the timeout, and handles what
+    /// has arrived. Throws bus_error when the bus has gone or a handler throws.
     void wait(int wake, std::chrono::milliseconds time);
 
     [[nodiscard]] sd_bus& native() noexcept { return *bus_; }

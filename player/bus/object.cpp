@@ -22,7 +22,7 @@ int refuse(sd_bus_error* out, const std::exception& failure) {
 
 }  // namespace
 
-/// The library's table of what the interface has, which refers to the texts of ours.
+/// The table in sd-bus's form; it refers to the texts of our own.
 struct exported_interface::table {
     connection& on;
     const char* path;

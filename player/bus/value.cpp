@@ -5,14 +5,18 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
+#include <utility>
 
 namespace ostrevan::bus {
 namespace {
 
+// Reading functions return nothing for a damaged message, of which the rest cannot be read either.
+
 template <class Number>
-value integer(sd_bus_message& message, char type) {
+std::optional<value> integer(sd_bus_message& message, char type) {
     Number number{};
-    sd_bus_message_read_basic(&message, type, &number);
+    if (sd_bus_message_read_basic(&message, type, &number) < 0) return std::nullopt;
     if constexpr (sizeof(Number) == 8) {
         constexpr auto limit = static_cast<Number>(std::numeric_limits<std::int64_t>::max());
         return static_cast<std::int64_t>(std::min(number, limit));
@@ -21,21 +25,21 @@ value integer(sd_bus_message& message, char type) {
     }
 }
 
-value boolean(sd_bus_message& message) {
+std::optional<value> boolean(sd_bus_message& message) {
     int flag = 0;
-    sd_bus_message_read_basic(&message, SD_BUS_TYPE_BOOLEAN, &flag);
+    if (sd_bus_message_read_basic(&message, SD_BUS_TYPE_BOOLEAN, &flag) < 0) return std::nullopt;
     return flag != 0;
 }
 
-value real(sd_bus_message& message) {
+std::optional<value> real(sd_bus_message& message) {
     double number = 0;
-    sd_bus_message_read_basic(&message, SD_BUS_TYPE_DOUBLE, &number);
+    if (sd_bus_message_read_basic(&message, SD_BUS_TYPE_DOUBLE, &number) < 0) return std::nullopt;
     return number;
 }
 
-value text(sd_bus_message& message, char type) {
+std::optional<value> text(sd_bus_message& message, char type) {
     const char* characters = nullptr;
-    if (sd_bus_message_read_basic(&message, type, &characters) < 0) return {};
+    if (sd_bus_message_read_basic(&message, type, &characters) < 0) return std::nullopt;
     return std::string(characters);
 }
 
@@ -43,24 +47,26 @@ value text(sd_bus_message& message, char type) {
 dictionary entries(std::vector<value>&& pairs) {
     dictionary result;
     for (auto& pair : pairs) {
-        auto& both = std::get<std::vector<value>>(pair);
+        auto* const list = std::get_if<std::vector<value>>(&pair);
+        if (list == nullptr) continue;
+        auto& both = *list;
         if (both.size() == 2 && std::holds_alternative<std::string>(both[0]))
             result.insert_or_assign(std::move(std::get<std::string>(both[0])), std::move(both[1]));
     }
     return result;
 }
 
-value container(sd_bus_message& message, char type, const char* contents) {
+std::optional<value> container(sd_bus_message& message, char type, const char* contents) {
     const std::string kind(contents);  // the message may forget it
-    if (sd_bus_message_enter_container(&message, type, contents) < 0) return {};
+    if (sd_bus_message_enter_container(&message, type, contents) < 0) return std::nullopt;
     auto values = read_values(message);
-    sd_bus_message_exit_container(&message);
+    if (sd_bus_message_exit_container(&message) < 0) return std::nullopt;
     if (type == SD_BUS_TYPE_VARIANT) return values.empty() ? value{} : std::move(values.front());
     if (type == SD_BUS_TYPE_ARRAY && kind.starts_with('{')) return entries(std::move(values));
     return values;
 }
 
-value read_value(sd_bus_message& message, char type, const char* contents) {
+std::optional<value> read_value(sd_bus_message& message, char type, const char* contents) {
     switch (type) {
         case SD_BUS_TYPE_BOOLEAN:
             return boolean(message);
@@ -90,8 +96,7 @@ value read_value(sd_bus_message& message, char type, const char* contents) {
         case SD_BUS_TYPE_VARIANT:
             return container(message, type, contents);
         default:
-            sd_bus_message_skip(&message, nullptr);
-            return {};
+            return sd_bus_message_skip(&message, nullptr) < 0 ? std::nullopt : std::optional<value>(value{});
     }
 }
 
@@ -138,7 +143,11 @@ std::vector<value> read_values(sd_bus_message& message) {
     std::vector<value> values;
     char type = 0;
     const char* contents = nullptr;
-    while (sd_bus_message_peek_type(&message, &type, &contents) > 0) values.push_back(read_value(message, type, contents));
+    while (sd_bus_message_peek_type(&message, &type, &contents) > 0) {
+        auto next = read_value(message, type, contents);
+        if (!next) break;
+        values.push_back(std::move(*next));
+    }
     return values;
 }
 

@@ -38,7 +38,7 @@ int write_value(sd_bus_message& message, const value& single);
 
 /// Empty without one; several texts are joined by ", ".
 std::string text_of(const dictionary& values, std::string_view name);
-/// Nothing for what is no number.
+/// Empty if the value is not a number.
 std::optional<double> number_of(const dictionary& values, std::string_view name);
 std::optional<double> number_of(const value& single);
 /// Empty without one.

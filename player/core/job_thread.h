@@ -7,7 +7,7 @@
 
 namespace ostrevan::core {
 
-/// The own thread of a job. While it lives it carries out what the job is given to run there, one task after another.
+/// A job's thread. It runs the tasks given to the job, one after another, until it is destroyed.
 class job_thread {
 public:
     explicit job_thread(job_ptr of);
