@@ -25,7 +25,7 @@ std::vector<column_change> seen_in_columns(const nuv::guid& index, const index::
 /// Something that happened to the statistics of a track.
 struct story_event {
     std::int64_t time = 0;  // seconds since 1970
-    std::int64_t act = 0;   // for undo; 0 for what was only heard
+    std::int64_t act = 0;   // the act to undo; 0 for a listen
     std::string what{};
     std::vector<column_change> columns{};
     bool is_undone = false;

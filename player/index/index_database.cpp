@@ -150,7 +150,6 @@ bool index_database::load(const std::function<bool(std::int64_t, const change_li
 }
 
 bool index_database::save(std::span<const index_job> jobs) {
-    const bool had_journal = has_journal_;
     sqlite::transaction transaction(database_);
     for (const index_job& job : jobs)
         if (const auto* entry = std::get_if<catalog_entry>(&job)) save_entry(*entry);
@@ -158,13 +157,13 @@ bool index_database::save(std::span<const index_job> jobs) {
     // Marks may follow changes made after them: a late mark only keeps a record longer.
     for (const index_job& job : jobs)
         if (const auto* seen = std::get_if<seen_keys>(&job)) mark_seen(*seen);
-    if (has_journal_) save_journal(jobs);
+    const bool is_kept = has_journal_ && save_journal(jobs);
     transaction.commit();
-    return has_journal_ == had_journal;
+    return std::exchange(has_journal_, is_kept) == is_kept;
 }
 
 /// A damaged journal must not keep the records from being saved.
-void index_database::save_journal(std::span<const index_job> jobs) {
+bool index_database::save_journal(std::span<const index_job> jobs) {
     database_.execute("SAVEPOINT journal");
     try {
         for (const index_job& job : jobs) {
@@ -176,10 +175,11 @@ void index_database::save_journal(std::span<const index_job> jobs) {
     } catch (const sqlite::error& error) {
         const int kind = error.code() & 0xFF;
         if (kind != SQLITE_CORRUPT && kind != SQLITE_CONSTRAINT) throw;
-        database_.execute("ROLLBACK TO journal");
-        has_journal_ = false;
+        database_.execute("ROLLBACK TO journal; RELEASE journal");
+        return false;
     }
     database_.execute("RELEASE journal");
+    return true;
 }
 
 std::int64_t index_database::last_operation() const { return database_.query_integer("SELECT max(id) FROM operations"); }

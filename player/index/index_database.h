@@ -52,7 +52,8 @@ public:
 private:
     void save_entry(const catalog_entry& entry);
     void save_records(std::span<const index_job> jobs);
-    void save_journal(std::span<const index_job> jobs);
+    /// Returns false when the journal is damaged.
+    bool save_journal(std::span<const index_job> jobs);
     void mark_seen(const seen_keys& seen);
 
     sqlite::database database_;

@@ -112,22 +112,31 @@ void journal_writer::save(const listen& heard) {
 }
 
 void journal_writer::trim(std::int64_t time, std::int64_t bytes) {
-    // The acts from the newest on, each with what it and the newer ones take.
+    // By the sequence of acts: a clock that was wrong for a while makes no younger act old.
+    auto young =
+        database_.prepare("SELECT coalesce(min(act), (SELECT max(act) FROM operations)) FROM operations WHERE time >= ?");
+    young.bind(1, time);
+    if (!young.step() || young.is_null(0)) return;
+    auto oldest_kept = young.integer(0);
+    young.reset();
     auto acts = database_.prepare(
-        "SELECT act, max(time), sum((SELECT coalesce(sum(length(change)), 0) FROM changes WHERE operation = id) + "
+        "SELECT act, sum((SELECT coalesce(sum(length(change)), 0) FROM changes WHERE operation = id) + "
         "(SELECT coalesce(sum(length(changes)), 0) FROM bulk_changes WHERE operation = id)) "
-        "FROM operations GROUP BY act ORDER BY act DESC");
-    std::optional<std::int64_t> oldest_kept;
-    for (std::int64_t total = 0; acts.step(); oldest_kept = acts.integer(0)) {
-        total += acts.integer(2);
-        if (oldest_kept && (acts.integer(1) < time || total > bytes)) break;
+        "FROM operations WHERE act >= ? GROUP BY act ORDER BY act DESC");
+    acts.bind(1, oldest_kept);
+    auto last_fitting = oldest_kept;
+    std::int64_t total = 0;
+    for (bool is_newest = true; acts.step(); is_newest = false) {
+        total += acts.integer(1);
+        if (!is_newest && total > bytes) break;
+        last_fitting = acts.integer(0);
     }
     acts.reset();
-    if (!oldest_kept) return;
+    oldest_kept = last_fitting;
     for (const char* sql : {"DELETE FROM changes WHERE operation IN (SELECT id FROM operations WHERE act < ?)",
                             "DELETE FROM bulk_changes WHERE operation IN (SELECT id FROM operations WHERE act < ?)",
                             "DELETE FROM operations WHERE act < ?"})
-        database_.prepare(sql).bind(1, *oldest_kept).run();
+        database_.prepare(sql).bind(1, oldest_kept).run();
 }
 
 }  // namespace ostrevan::index

@@ -113,6 +113,7 @@ void take_back(run_context& context, const index::act& act) {
     for (const auto& [index, records] : done.restored) {
         restored += records.size();
         std::vector<std::uint64_t> keys;
+        keys.reserve(records.size());
         for (const auto& each : records) keys.push_back(each.key);
         context.on_main([&, &of = index] { context.player.index.refresh(of, nuv::list_view_t<std::uint64_t>(keys)); });
     }
@@ -161,7 +162,7 @@ const command_file history_commands(125, [](declared_command& program) {
     const auto words = std::make_shared<history_words>();
     auto history = program.add("history", "What changed the statistics, of all tracks or of one", history_examples);
     words->tracks.declare(history);
-    history.add_option("--limit", &words->limit, "How many, the newest first").show_default();
+    history.add_option("--limit", &words->limit, "How many, the newest first").between(1, 1e9).show_default();
     history.run([words](run_context& context) { print_history(context, *words); });
     const auto which = std::make_shared<std::optional<std::string>>();
     auto undoing = program.add("undo", "Take back what the last operations changed", undo_examples);
