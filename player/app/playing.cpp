@@ -4,6 +4,7 @@
 #include <thread>
 #include <utility>
 
+#include "player/core/cause.h"
 #include "player/library/cue_files.h"
 #include "player/library/read_files.h"
 #include "player/tags/reader.h"
@@ -194,6 +195,7 @@ void playing::rate(double stars) {
     const metadb_handle_list track(std::vector{now_->track});
     const auto menu = view::context_menu_for(services_, track);
     const auto word = std::to_string(static_cast<int>(stars));
+    const core::cause_scope why("rate " + word);
     const auto& entry = view::find_command(menu, view::rating_path(word));
     if (entry.is_enabled) entry.run();
     post([this] { show_progress(); });

@@ -17,12 +17,6 @@
 namespace ostrevan::remote {
 namespace {
 
-/// A stream that the caller has closed is empty.
-void open_missing_streams() {
-    for (int number = 0; number <= STDERR_FILENO; ++number)
-        if (::fcntl(number, F_GETFD) < 0 && errno == EBADF) (void)!::open("/dev/null", O_RDWR);  // gets that number
-}
-
 /// Of whatever terminal the streams are.
 bool is_job_in_foreground() {
     return system::is_in_foreground(STDIN_FILENO) && system::is_in_foreground(STDOUT_FILENO) &&
@@ -98,7 +92,6 @@ std::optional<int> conversation::run(command wanted) {
 }  // namespace
 
 std::optional<int> run_at_owner(system::descriptor owner, command wanted) {
-    open_missing_streams();
     return conversation(std::move(owner)).run(std::move(wanted));
 }
 

@@ -14,7 +14,7 @@ std::atomic<bool> stop_wanted{false};
 
 void on_stop(int /*signal*/) { stop_wanted = true; }
 
-/// A job in the background would be stopped for it.
+/// Setting the mode would stop a background job.
 void set_mode(const std::optional<termios>& mode) {
     if (mode && system::is_in_foreground(STDIN_FILENO)) ::tcsetattr(STDIN_FILENO, TCSANOW, &*mode);
 }
@@ -25,11 +25,12 @@ client_terminal::client_terminal() {
     termios mode{};
     if (::tcgetattr(STDIN_FILENO, &mode) != 0) return;
     before_ = mode;
-    if (std::signal(SIGTSTP, on_stop) == SIG_IGN) std::signal(SIGTSTP, SIG_IGN);
+    has_stops_ = std::signal(SIGTSTP, on_stop) != SIG_IGN;
+    if (!has_stops_) std::signal(SIGTSTP, SIG_IGN);
 }
 
 client_terminal::~client_terminal() {
-    if (before_) std::signal(SIGTSTP, SIG_DFL);
+    if (has_stops_) std::signal(SIGTSTP, SIG_DFL);
     set_mode(before_);
 }
 

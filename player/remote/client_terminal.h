@@ -24,6 +24,7 @@ public:
 
 private:
     std::optional<termios> before_;  // empty without a terminal
+    bool has_stops_ = false;         // SIGTSTP is handled here
     std::optional<termios> of_owner_;
 };
 

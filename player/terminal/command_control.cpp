@@ -1,6 +1,5 @@
 // Commands for what plays in another process.
-#include <algorithm>
-
+#include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/playing_now.h"
 #include "player/terminal/switch_word.h"
@@ -53,6 +52,8 @@ void change_volume(const run_context& context, const std::optional<std::string>&
         context.out << require_playing(context).status.volume << '\n';
         return;
     }
+    if (text->find(':') != std::string::npos)
+        throw system::user_error("\"" + *text + "\" is no volume, such as 80, +5 or -5.");
     const auto [is_step, amount] = parse_amount(*text);
     perform(context, {is_step ? action::change_volume : action::set_volume, amount});
 }
@@ -76,8 +77,9 @@ const command_file control_commands(34, [](declared_command& program) {
     seeking.run([to](run_context& context) { seek(context, *to); });
 
     auto volume = program.add("volume", "Change the volume", volume_examples);
-    volume.add_option("PERCENT", word.get(), "0 to 100; with + or - by so much");
-    volume.run([word](run_context& context) { change_volume(context, *word); });
+    const auto percent = std::make_shared<std::optional<std::string>>();
+    volume.add_option("PERCENT", percent.get(), "0 to 100; relative with + or -");
+    volume.run([percent](run_context& context) { change_volume(context, *percent); });
 });
 
 }  // namespace

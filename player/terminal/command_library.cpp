@@ -108,7 +108,8 @@ void ignore(run_context& context, const paths& places, bool undo) {
 }
 
 void remove_folders(run_context& context, const paths& folders) {
-    const auto done = context.on_main([&] { return context.player.library.remove_folders(normal(folders)); });
+    const auto places = normal(folders);
+    const auto done = context.on_main([&] { return context.player.library.remove_folders(places); });
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size())
         context.screen.note(counted(done.tracks_removed, "track", "tracks") +

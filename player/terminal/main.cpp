@@ -10,6 +10,7 @@
 #include "player/mpris/desktop_control.h"
 #include "player/remote/client.h"
 #include "player/system/interrupt.h"
+#include "player/system/standard_streams.h"
 #include "player/system/temporary_folder.h"
 #include "player/terminal/client_commands.h"
 #include "player/terminal/command_line.h"
@@ -96,6 +97,7 @@ int run(const arguments& wanted, const std::vector<std::string>& words, terminal
 int main(int count, char** values) {
     using namespace ostrevan;
     using namespace ostrevan::terminal;
+    system::open_missing_streams();
     system::handle_interrupts();
     const std::vector<std::string> words(values + 1, values + count);
     const auto parsed = parse_arguments(words);

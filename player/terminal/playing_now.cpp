@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <stdexcept>
 #include <string_view>
 
@@ -32,7 +33,7 @@ step_or_value parse_amount(const std::string& text) {
     for (int parts = 0; parts < 3; ++parts) {
         double part = 0;
         const auto [end, error] = std::from_chars(left.data(), left.data() + left.size(), part, std::chars_format::fixed);
-        if (error != std::errc{} || part < 0) break;
+        if (error != std::errc{} || !std::isfinite(part) || part < 0) break;
         constexpr double sixty = 60;
         amount = amount * sixty + part;
         left.remove_prefix(static_cast<std::size_t>(end - left.data()));
