@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -106,6 +107,7 @@ public:
     titleformat::component_fields fields;
     std::vector<core::loaded_component> components;
     listen_log listens;
+    std::atomic<bool> is_watching = false;  ///< what other players play is being counted
     app::playing playing;
     /// To change the folders of the library or to scan them.
     core::turn library_turn;

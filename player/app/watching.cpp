@@ -4,6 +4,7 @@
 #include <exception>
 #include <future>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 
 #include "player/watch/mpd_source.h"
@@ -18,6 +19,12 @@ constexpr auto patience = std::chrono::milliseconds(250);
 constexpr std::size_t most_left_out = 10'000;
 
 }  // namespace
+
+watching::watching(session& player, watch_options options, report_sink report)
+    : player_(player), options_(std::move(options)), report_(std::move(report)) {
+    if (player_.is_watching.exchange(true))
+        throw std::runtime_error("Other players are watched already, and a second watcher would count every play twice.");
+}
 
 void watching::run(const std::atomic<bool>& stop) {
     watch::observation_queue news;
@@ -47,7 +54,8 @@ watching::heard_player& watching::player_called(const std::string& name) {
     if (known != heard_.end()) return known->second;
     watch::listener::events events{
         .on_playing = [this, name](const watch::told_track& told, bool is_new) { on_playing(name, told, is_new); },
-        .on_counted = [this, name](const watch::told_track& told, double heard) { on_counted(name, told, heard); }};
+        .on_counted = [this, name](const watch::told_track& told, double heard) { on_counted(name, told, heard); },
+        .true_length = [this, name](const watch::told_track& told) { return true_length(name, told); }};
     return heard_.emplace(name, heard_player{watch::listener(std::move(events))}).first->second;
 }
 
@@ -56,17 +64,22 @@ void watching::look_up(heard_player& player, const watch::told_track& told) {
     const auto library = player_.loop.call([this] { return player_.library.items(); });
     player.looked_up = told;
     player.found = watch::find_track(told, library);
-    if (!player.found.track) return;
-    const auto info = player.found.track->info();
-    // Of the same file, the library knows the length better. Of another one with the same tags, any length is better than
-    // none.
-    if (info && info->info().length() > 0 && (player.found.is_by_location || told.length <= 0))
-        player.listener.correct_length(info->info().length());
+}
+
+/// Of the same file, the library knows the length better. Of another one with the same tags, it is better than none or one
+/// far too short.
+double watching::true_length(const std::string& name, const watch::told_track& told) {
+    auto& player = player_called(name);
+    look_up(player, told);
+    const auto info = player.found.track ? player.found.track->info() : nullptr;
+    const double known = info ? info->info().length() : 0;
+    return player.found.is_by_location || told.length < known / 2 ? known : 0;
 }
 
 void watching::on_playing(const std::string& name, const watch::told_track& told, bool is_new) {
     auto& player = player_called(name);
     const auto before = player.found.track;
+    if (is_new && !before) player.looked_up = {};  // it may have come into the library
     look_up(player, told);
     if (is_new || player.found.track != before) report_({watch_report::kind::playing, name, told, player.found.track});
 }
@@ -81,8 +94,7 @@ void watching::on_counted(const std::string& name, const watch::told_track& told
         play.reason = "it was counted for " + plays_[play.track].player + ", which plays it as well";
         return report_(play);
     }
-    plays_[play.track] = {name, time_};
-    count(play, heard);
+    if (count(play, heard)) plays_[play.track] = {name, time_};
 }
 
 /// Some players come to the bus twice, themselves and through another program. Nobody hears a track twice at the same time.
@@ -112,7 +124,7 @@ play_verdict watching::tell_components(const library::track_ptr& track, double h
     return verdict.get();
 }
 
-void watching::count(const watch_report& play, double heard) {
+bool watching::count(const watch_report& play, double heard) {
     auto report = play;
     try {
         const auto verdict = tell_components(play.track, heard, play.player);
@@ -126,6 +138,7 @@ void watching::count(const watch_report& play, double heard) {
         report.reason = error.what();
     }
     report_(report);
+    return report.what == watch_report::kind::counted;
 }
 
 }  // namespace ostrevan::app

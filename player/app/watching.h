@@ -15,7 +15,7 @@
 
 namespace ostrevan::app {
 
-/// What became known of another player.
+/// News about another player.
 struct watch_report {
     enum class kind {
         playing,      ///< a track has begun, or more is told of it
@@ -36,17 +36,20 @@ struct watch_options {
     std::string music_folder{};  ///< of MPD; it is asked when empty
 };
 
-/// Counts what other players play.
+/// Counts what other players play. One at a time, or each play would count twice.
 class watching {
 public:
     using report_sink = std::function<void(const watch_report&)>;
 
-    /// The session must outlive it. Reports come on the thread of `run`.
-    watching(session& player, watch_options options, report_sink report)
-        : player_(player), options_(std::move(options)), report_(std::move(report)) {}
+    /// The session must outlive it. Reports come on the thread of `run`. Throws with a message for the user when another one
+    /// watches.
+    watching(session& player, watch_options options, report_sink report);
+    ~watching() { player_.is_watching = false; }
+    watching(const watching&) = delete;
+    watching& operator=(const watching&) = delete;
 
-    /// Returns when `stop` becomes true; it is noticed within a quarter of a second. Runs on the own thread of the current
-    /// job, which must not be the main thread.
+    /// Notices within a quarter of a second that `stop` has become true, and returns when the sources have ended, which may
+    /// take as long as connecting to MPD. Runs on the own thread of the current job, which must not be the main thread.
     void run(const std::atomic<bool>& stop);
 
 private:
@@ -66,8 +69,10 @@ private:
     void on_playing(const std::string& name, const watch::told_track& told, bool is_new);
     void on_counted(const std::string& name, const watch::told_track& told, double heard);
     void look_up(heard_player& player, const watch::told_track& told);
+    double true_length(const std::string& name, const watch::told_track& told);
     [[nodiscard]] bool is_heard_twice(const std::string& name, const library::track_ptr& track, double heard);
-    void count(const watch_report& play, double heard);
+    /// Returns whether a component counted it.
+    bool count(const watch_report& play, double heard);
     void leave_out(watch_report play);
     play_verdict tell_components(const library::track_ptr& track, double heard, const std::string& player);
 

@@ -17,7 +17,7 @@ constexpr const char* watch_examples =
     "Ctrl-C ends it.";
 
 void watch(run_context& context, const watch_words& words) {
-    app::watching watching(context.player, words.options, [&](const app::watch_report& report) {
+    app::watching watching(context.player, with_whole_paths(words.options), [&](const app::watch_report& report) {
         if (words.json) print_report_as_json(context.out, report);
         else print_report(context, report);
     });
@@ -27,15 +27,8 @@ void watch(run_context& context, const watch_words& words) {
 const command_file watch_command(35, [](declared_command& program) {
     const auto words = std::make_shared<watch_words>();
     auto app = program.add("watch", "Count what other players play", watch_examples);
-    auto& options = words->options;
-    app.add_option("--only", &options.players.only, "A player to hear, and no other; may be repeated")
-        .called("NAME")
-        .one_value_each();
-    app.add_option("--except", &options.players.except, "A player to leave out; may be repeated")
-        .called("NAME")
-        .one_value_each();
-    app.add_option("--music-dir", &options.music_folder, "The folder of music of an MPD on another machine").called("DIR");
-    app.add_flag("--json", words->json, "An object a line");
+    declare_watch_options(app, words->options);
+    app.add_flag("--json", words->json, "One JSON object per line");
     app.choose([words] {
         return chosen_command{.run = [words](run_context& context) { watch(context, *words); }, .is_lasting = true};
     });

@@ -1,8 +1,12 @@
 #include "player/terminal/watch_output.h"
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "player/library/locations.h"
+#include "player/system/user_error.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::terminal {
@@ -12,7 +16,7 @@ using app::watch_report;
 using watch_json = nlohmann::ordered_json;
 
 /// What a line says of a track: as the library has it, else as the player tells it.
-std::string title_of(const run_context& context, const watch_report& report) {
+std::string text_of(const run_context& context, const watch_report& report) {
     static const auto script = titleformat::compile("[%artist% - ]%title%");
     if (report.track) return script.run(titleformat::track_fields(context.player.fields, *report.track)).text;
     const auto& told = report.told;
@@ -20,9 +24,37 @@ std::string title_of(const run_context& context, const watch_report& report) {
     return (told.artist.empty() ? "" : told.artist + " - ") + told.title;
 }
 
+/// In one line, whatever a player tells.
+std::string title_of(const run_context& context, const watch_report& report) {
+    auto title = text_of(context, report);
+    std::ranges::replace_if(
+        title, [](unsigned char each) { return each < ' '; }, ' ');
+    return title;
+}
+
 watch_json text_or_null(const std::string& text) { return text.empty() ? watch_json() : watch_json(text); }
 
 }  // namespace
+
+void declare_watch_options(declared_command& command, app::watch_options& options, const char* needed) {
+    const auto add = [&](const char* name, declared_command::value into, const char* what) {
+        auto option = command.add_option(name, into, what);
+        if (needed != nullptr) option.needs(needed);
+        return option;
+    };
+    add("--only", &options.players.only, "A player to hear, and no other; may be repeated").called("NAME").one_value_each();
+    add("--except", &options.players.except, "A player to leave out; may be repeated").called("NAME").one_value_each();
+    add("--music-dir", &options.music_folder, "The folder of music of an MPD on another machine").called("DIR");
+}
+
+app::watch_options with_whole_paths(app::watch_options options) {
+    if (options.music_folder.empty()) return options;
+    options.music_folder = library::normal_path(options.music_folder);
+    std::error_code error;
+    if (!std::filesystem::is_directory(options.music_folder, error))
+        throw system::user_error(options.music_folder + " is no folder; --music-dir names the one with MPD's music.");
+    return options;
+}
 
 void print_report(run_context& context, const watch_report& report) {
     const auto title = title_of(context, report);

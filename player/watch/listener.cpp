@@ -13,10 +13,12 @@ using playback::end_reason;
 constexpr double slack = 2;
 /// A player that says "0" for as long, or nothing, while it plays does not know its position: the clock decides.
 constexpr double patience = 10;
-/// Longer "lengths" are those of live broadcasts.
+/// Longer "lengths" are those of live broadcasts; later positions are nonsense.
 constexpr double longest = 1e6;
 
 bool is_file(const std::string& location) { return location.starts_with('/') || location.starts_with("file:"); }
+
+bool is_possible(double position) { return std::isfinite(position) && position < longest; }
 
 bool has_no_text(const told_track& track) { return track.title.empty() && track.artist.empty() && track.album.empty(); }
 
@@ -24,12 +26,14 @@ enum class likeness { same, same_unless_from_the_start, other };
 
 /// Players repeat, complete and correct what they tell of a track. A file is its location. Elsewhere, the title tells one
 /// from the next.
-likeness compare(const told_track& before, const told_track& now) {
+likeness compare(const told_track& before, const told_track& now, bool has_position) {
     if (before.location != now.location) return likeness::other;
     if (!is_file(now.location)) {
         const bool is_same = before.title == now.title && before.artist == now.artist;
+        const bool is_other_entry = !before.id.empty() && !now.id.empty() && before.id != now.id;
+        const bool can_tell_by_position = before.length > 0 && has_position && !is_other_entry;
         if (!is_same && !has_no_text(before))
-            return before.length > 0 ? likeness::same_unless_from_the_start : likeness::other;
+            return can_tell_by_position ? likeness::same_unless_from_the_start : likeness::other;
     }
     return before.id == now.id ? likeness::same : likeness::same_unless_from_the_start;
 }
@@ -42,18 +46,15 @@ void listener::hear(double time, const news& what) {
     std::visit([this](const auto& heard) { on(heard); }, what);
 }
 
-void listener::correct_length(double seconds) {
-    true_length_ = seconds;
-    set_length();
-}
-
 void listener::set_length() {
     const bool is_sane = track_.length > 0 && track_.length < longest;
-    length_ = true_length_.value_or(is_sane ? track_.length : 0);
+    const double known = report_.true_length ? report_.true_length(track_) : 0;
+    if (known > 0) length_ = known;
+    else length_ = is_sane ? track_.length : 0;
     rule_.loaded(length_);
 }
 
-bool listener::is_over() const { return length_ > 0 && expected() >= length_ - std::min(slack, length_ / 3); }
+bool listener::is_over() const { return length_ > 0 && expected() >= length_ - std::min(slack, length_ / 2); }
 
 void listener::begin() {
     rule_.started();
@@ -87,7 +88,8 @@ void listener::describe(const told_track& track) {
 }
 
 void listener::step_to(double position) {
-    if (next_) describe(*std::exchange(next_, std::nullopt));
+    // The first positions after a change may be those of the track before.
+    if (next_ && time_ - next_time_ >= slack) describe(*std::exchange(next_, std::nullopt));
     const bool counts = rule_.position(position);
     position_ = position;
     due_ = 0;
@@ -108,7 +110,7 @@ void listener::jump_to(double position) {
 void listener::move_to(double position) {
     const bool is_back = position < position_ - 0.5;
     const bool is_beyond = position > expected() + slack;
-    const double since_end = length_ > 0 ? std::max(expected() - length_, 0.0) : 0;
+    const double since_end = length_ > 0 ? std::clamp(expected() - length_, 0.0, due_) : 0;
     const bool is_again = is_back && position <= since_end + slack && (next_ || is_over());
     if (is_again) end_and_begin();
     if (is_again || !(is_back || is_beyond)) step_to(position);
@@ -116,19 +118,23 @@ void listener::move_to(double position) {
 }
 
 void listener::on(const has_track& heard) {
-    const auto alike = compare(next_.value_or(track_), heard.track);
+    const auto alike = compare(next_.value_or(track_), heard.track, is_placed_);
     if (alike == likeness::other) {
         end();
         next_.reset();
-        true_length_.reset();
         track_ = heard.track;
         if (state_ == play_state::playing) begin();
     } else if (alike == likeness::same_unless_from_the_start && is_under_way_) {
-        next_ = heard.track;
+        expect(heard.track);
     } else {
         if (next_) next_ = heard.track;
         else describe(heard.track);
     }
+}
+
+void listener::expect(const told_track& track) {
+    next_ = track;
+    next_time_ = time_;
 }
 
 void listener::on(const has_state& heard) {
@@ -137,18 +143,19 @@ void listener::on(const has_state& heard) {
     if (state_ == play_state::stopped && is_over()) end();
     if (state_ != play_state::playing) return;
     if (!is_under_way_) begin();
-    else if (was_stopped && !next_) next_ = track_;
+    else if (was_stopped && !next_) expect(track_);
 }
 
 void listener::on(const has_rate& heard) { rate_ = heard.rate > 0 && std::isfinite(heard.rate) ? heard.rate : 1; }
 
 void listener::on(const is_at& heard) {
-    if (!is_under_way_) return;
     const double position = heard.position.value_or(0);
+    if (!is_under_way_ || !is_possible(position)) return;
     const bool has_moved = position_ > 0 && !is_by_clock_;
     if (!heard.position || (position <= 0 && !has_moved)) {
-        is_by_clock_ |= due_ >= patience;
+        is_by_clock_ |= due_ >= patience && !is_placed_;
         if (is_by_clock_) step_to(expected());
+        else if (is_placed_) due_ = std::min(due_, patience);  // a player that hangs is silent
         return;
     }
     is_by_clock_ = false;
@@ -159,7 +166,7 @@ void listener::on(const is_at& heard) {
 }
 
 void listener::on(const has_jumped& heard) {
-    if (!is_under_way_) return;
+    if (!is_under_way_ || !is_possible(heard.position)) return;
     is_placed_ = true;
     const bool is_expected = std::abs(heard.position - expected()) <= 1;
     if (is_expected || (heard.position <= slack && is_over())) move_to(heard.position);

@@ -26,7 +26,7 @@ using owned = std::unique_ptr<Thing, releasing<Thing, release>>;
 /// Newer versions of the client library know the socket of the user's session themselves.
 std::string session_socket() {
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    if (std::getenv("MPD_HOST") != nullptr || folder == nullptr) return {};
+    if (std::getenv("MPD_HOST") != nullptr || std::getenv("MPD_PORT") != nullptr || folder == nullptr) return {};
     auto path = std::string(folder) + "/mpd/socket";
     std::error_code error;
     return std::filesystem::exists(path, error) ? path : std::string();
@@ -59,11 +59,15 @@ private:
 mpd_listening::mpd_listening(observation_queue& out, std::string music_folder)
     : out_(out), music_folder_(std::move(music_folder)) {
     const auto socket = session_socket();
-    mpd_.reset(mpd_connection_new(socket.empty() ? nullptr : socket.c_str(), 0, patience_ms));
+    if (!socket.empty()) mpd_.reset(mpd_connection_new(socket.c_str(), 0, patience_ms));
+    // A socket may be left of a daemon that has ended.
+    if (!mpd_ || mpd_connection_get_error(mpd_.get()) != MPD_ERROR_SUCCESS)
+        mpd_.reset(mpd_connection_new(nullptr, 0, patience_ms));
     if (!mpd_) throw std::bad_alloc();
     check(mpd_connection_get_error(mpd_.get()) == MPD_ERROR_SUCCESS);
     log_in();
     if (music_folder_.empty()) ask_for_folder();
+    tell();
     out_.push("MPD", has_trouble{});
 }
 
@@ -98,7 +102,7 @@ std::string values_of(const mpd_song& song, mpd_tag_type tag) {
 told_track mpd_listening::track_of(const mpd_song& song) const {
     std::string location = mpd_song_get_uri(&song);
     const bool is_below_folder = !location.starts_with('/') && location.find("://") == std::string::npos;
-    if (is_below_folder) location = music_folder_.empty() ? "" : music_folder_ + "/" + location;
+    if (is_below_folder && !music_folder_.empty()) location = music_folder_ + "/" + location;
     return {.id = std::to_string(mpd_song_get_id(&song)),
             .location = std::move(location),
             .title = values_of(song, MPD_TAG_TITLE),

@@ -32,6 +32,12 @@ const std::string* text_at(const std::vector<bus::value>& values, std::size_t pl
     return place < values.size() ? std::get_if<std::string>(&values[place]) : nullptr;
 }
 
+/// What a reply begins with; null when the call failed or its reply is of another form.
+template <class Value>
+const Value* first_in(const std::vector<bus::value>* reply) {
+    return reply == nullptr || reply->empty() ? nullptr : std::get_if<Value>(&reply->front());
+}
+
 told_track track_of(const bus::dictionary& metadata) {
     return {.id = text_of(metadata, "mpris:trackid"),
             .location = text_of(metadata, "xesam:url"),
@@ -118,7 +124,7 @@ void bus_listening::listen(const system::wake_event& stop) {
 
 void bus_listening::find_players() {
     bus_.call(the_bus, "ListNames", {}, [this](const std::vector<bus::value>* reply) {
-        const auto* const list = reply == nullptr ? nullptr : std::get_if<std::vector<bus::value>>(&reply->at(0));
+        const auto* const list = first_in<std::vector<bus::value>>(reply);
         if (list == nullptr) return;
         std::set<std::string> names;  // in order: a player's shorter name comes first
         for (const auto& each : *list)
@@ -126,7 +132,7 @@ void bus_listening::find_players() {
                 names.insert(*name);
         for (const auto& name : names)
             bus_.call(the_bus, "GetNameOwner", {name.c_str()}, [this, name](const std::vector<bus::value>* owner) {
-                if (const auto* const unique = owner == nullptr ? nullptr : text_at(*owner, 0)) adopt(name, *unique);
+                if (const auto* const unique = first_in<std::string>(owner)) adopt(name, *unique);
             });
     });
 }
@@ -156,8 +162,7 @@ void bus_listening::adopt(const std::string& name, const std::string& owner) {
 
 void bus_listening::ask_all(const std::string& owner) {
     bus_.call(properties_of(owner), "GetAll", {player_interface}, [this, owner](const std::vector<bus::value>* reply) {
-        const auto* const properties = reply == nullptr ? nullptr : std::get_if<bus::dictionary>(&reply->at(0));
-        if (properties != nullptr) take(owner, *properties);
+        if (const auto* const properties = first_in<bus::dictionary>(reply)) take(owner, *properties);
     });
 }
 

@@ -56,8 +56,9 @@ class Players(WatchTest):
         # It refuses to run as root.
         other_user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"] if os.getuid() == 0 else []
         self.env["HOME"] = str(self.folder / "home")
+        # Without a device it ends a track as early as it has read ahead.
         player = self.run_quietly(*other_user, "vlc", "-I", "dummy", "--control=dbus", "--no-video", "--aout=adummy",
-                                  "--play-and-exit", self.file("trois"), self.file("gulls"))
+                                  "--file-caching=100", "--play-and-exit", self.file("trois"), self.file("gulls"))
         self.assertEqual(player.wait(timeout=60), 0)
         self.let_play()
         counted = [name for _, name in self.end().elements()]

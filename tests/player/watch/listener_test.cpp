@@ -10,11 +10,12 @@ namespace {
 /// Plays the part of a player and of the clock, and writes down what counts.
 struct stage {
     std::string counted, shown;
-    double time = 1000, position = 0, rate = 1;
+    double time = 1000, position = 0, rate = 1, known = 0;
     listener ear{
         {.on_playing = [this](const told_track& track, bool is_new) { shown += track.title + (is_new ? " " : "* "); },
          .on_counted = [this](const told_track& track,
-                              double) { counted += track.title + "@" + std::to_string(int(time) - 1000) + " "; }}};
+                              double) { counted += track.title + "@" + std::to_string(int(time) - 1000) + " "; },
+         .true_length = [this](const told_track&) { return known; }}};
 
     stage& tell(const news& what) { return ear.hear(time, what), *this; }
     stage& track(std::string title, double length, const std::string& id = "", const char* protocol = "/") {
@@ -101,8 +102,8 @@ TEST(listener, counts_each_time_a_track_is_heard_once) {
         {"a broadcast has no length", [](stage& s) { s.track("a", 9e12).playing().play(300); }, "a@240 "},
         {"the library knows the length better",
          [](stage& s) {
-             s.track("a", 30).playing().play(2).ear.correct_length(200);
-             s.play(60).track("a", 31).play(138);
+             s.known = 200;
+             s.track("a", 30).playing().play(62).track("a", 31).play(138);
          },
          "a@100 "},
         {"twice the speed", [](stage& s) { s.rate = 2, s.tell(has_rate{2}).track("a", 100).playing().play(50); }, "a@25 "},
@@ -131,6 +132,17 @@ TEST(listener, counts_each_time_a_track_is_heard_once) {
         {"a page that goes to the next title",
          [](stage& s) { s.track("a", 20, "", page).playing().play(20).track("b", 20, "", page).play(20, 0).stopped(); },
          "a@21 b@40 "},
+        {"no address: an old position after the next track was told",
+         [](stage& s) { s.track("a", 100, "1", "").playing().play(40).track("b", 100, "2", "").at(40).play(15, 0); }, ""},
+        {"the same file twice, and an old position",
+         [](stage& s) { s.track("a", 100, "1").playing().play(60).track("a", 100, "2").at(60).play(60, 0); }, "a@50 a@110 "},
+        {"neither address nor position",
+         [](stage& s) { s.track("a", 100, "", "").playing().silent(100, {}).track("b", 100, "", "").silent(60, {}); },
+         "a@50 b@150 "},
+        {"one position is nonsense",
+         [](stage& s) { s.track("a", 100).playing().play(60).at(9.2e12).wait(1).at(62).play(5); }, "a@50 "},
+        {"longer than told, and back", [](stage& s) { s.track("a", 60).playing().play(150).play(20, 80); }, "a@30 "},
+        {"the player hangs", [](stage& s) { s.track("a", 100).playing().play(30).silent(90, {}).tell(has_gone{}); }, ""},
         {"a broadcast that goes to the next title",
          [](stage& s) { s.track("a", 0, "", page).playing().play(200).track("b", 0, "", page).play(300); }, "b@442 "},
     };
