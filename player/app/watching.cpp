@@ -18,6 +18,8 @@ constexpr auto patience = std::chrono::milliseconds(250);
 /// A web radio names a new track every few minutes, for as long as it plays.
 constexpr std::size_t most_left_out = 10'000;
 
+constexpr const char* not_counted = "the play could not be counted: ";
+
 }  // namespace
 
 watching::watching(session& player, watch_options options, report_sink report)
@@ -54,7 +56,8 @@ watching::heard_player& watching::player_called(const std::string& name) {
     if (known != heard_.end()) return known->second;
     watch::listener::events events{
         .on_playing = [this, name](const watch::told_track& told, bool is_new) { on_playing(name, told, is_new); },
-        .on_counted = [this, name](const watch::told_track& told, double heard) { on_counted(name, told, heard); },
+        .on_counted = [this, name](const watch::told_track& told, double heard,
+                                   double began) { on_counted(name, told, heard, began); },
         .true_length = [this, name](const watch::told_track& told) { return true_length(name, told); }};
     return heard_.emplace(name, heard_player{watch::listener(std::move(events))}).first->second;
 }
@@ -84,12 +87,12 @@ void watching::on_playing(const std::string& name, const watch::told_track& told
     if (is_new || player.found.track != before) report_({watch_report::kind::playing, name, told, player.found.track});
 }
 
-void watching::on_counted(const std::string& name, const watch::told_track& told, double heard) {
+void watching::on_counted(const std::string& name, const watch::told_track& told, double heard, double began) {
     auto& player = player_called(name);
     look_up(player, told);
     watch_report play{watch_report::kind::counted, name, told, player.found.track, player.found.reason};
     if (!play.track) return leave_out(std::move(play));
-    if (is_heard_twice(name, play.track, heard)) {
+    if (is_heard_twice(name, began, play.track)) {
         play.what = watch_report::kind::not_counted;
         play.reason = "it was counted for " + plays_[play.track].player + ", which plays it as well";
         return report_(play);
@@ -98,9 +101,9 @@ void watching::on_counted(const std::string& name, const watch::told_track& told
 }
 
 /// Some players come to the bus twice, themselves and through another program. Nobody hears a track twice at the same time.
-bool watching::is_heard_twice(const std::string& name, const library::track_ptr& track, double heard) {
+bool watching::is_heard_twice(const std::string& name, double began, const library::track_ptr& track) {
     const auto last = plays_.find(track);
-    return last != plays_.end() && last->second.player != name && time_ - heard < last->second.time;
+    return last != plays_.end() && last->second.player != name && began < last->second.time;
 }
 
 void watching::leave_out(watch_report play) {
@@ -126,19 +129,21 @@ play_verdict watching::tell_components(const library::track_ptr& track, double h
 
 bool watching::count(const watch_report& play, double heard) {
     auto report = play;
+    bool is_counted = false;
     try {
         const auto verdict = tell_components(play.track, heard, play.player);
-        if (verdict.is_counted) player_.save();
-        if (!verdict.is_counted) report.reason = verdict.reason();
-        report.what = verdict.is_counted   ? watch_report::kind::counted
+        is_counted = verdict.is_counted;
+        if (is_counted) player_.save();
+        else report.reason = (verdict.has_failed ? not_counted : "") + verdict.reason();
+        report.what = is_counted           ? watch_report::kind::counted
                       : verdict.has_failed ? watch_report::kind::failure
                                            : watch_report::kind::not_counted;
     } catch (const std::exception& error) {
         report.what = watch_report::kind::failure;
-        report.reason = error.what();
+        report.reason = (is_counted ? "the play is counted, but not saved yet: " : not_counted) + std::string(error.what());
     }
     report_(report);
-    return report.what == watch_report::kind::counted;
+    return is_counted;
 }
 
 }  // namespace ostrevan::app

@@ -21,7 +21,7 @@ struct watch_report {
         playing,      ///< a track has begun, or more is told of it
         counted,      ///< the play is on disk
         not_counted,  ///< a play, but not counted: see `reason`
-        failure,      ///< the play could not be counted: see `reason`
+        failure,      ///< the play could not be counted or saved: see `reason`
         source,       ///< `reason` says why the players of a source cannot be heard, or that they can
     };
     kind what;
@@ -67,10 +67,10 @@ private:
     void on_trouble(const std::string& source, const std::string& text);
     heard_player& player_called(const std::string& name);
     void on_playing(const std::string& name, const watch::told_track& told, bool is_new);
-    void on_counted(const std::string& name, const watch::told_track& told, double heard);
+    void on_counted(const std::string& name, const watch::told_track& told, double heard, double began);
     void look_up(heard_player& player, const watch::told_track& told);
     double true_length(const std::string& name, const watch::told_track& told);
-    [[nodiscard]] bool is_heard_twice(const std::string& name, const library::track_ptr& track, double heard);
+    [[nodiscard]] bool is_heard_twice(const std::string& name, double began, const library::track_ptr& track);
     /// Returns whether a component counted it.
     bool count(const watch_report& play, double heard);
     void leave_out(watch_report play);

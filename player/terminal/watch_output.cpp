@@ -70,7 +70,7 @@ void print_report(run_context& context, const watch_report& report) {
         case watch_report::kind::source:
             return context.screen.note(report.reason);
         case watch_report::kind::failure:
-            return context.screen.error(title + ": the play could not be counted: " + report.reason);
+            return context.screen.error(title + " (" + report.player + "): " + report.reason);
     }
 }
 

@@ -59,6 +59,7 @@ bool listener::is_over() const { return length_ > 0 && expected() >= length_ - s
 void listener::begin() {
     rule_.started();
     set_length();
+    began_ = time_;
     position_ = 0;
     due_ = 0;
     is_under_way_ = true;
@@ -70,7 +71,8 @@ void listener::begin() {
 void listener::end() {
     if (!is_under_way_) return;
     is_under_way_ = false;
-    if (rule_.ended(is_over() ? end_reason::finished : end_reason::stopped)) report_.on_counted(track_, rule_.listened());
+    if (rule_.ended(is_over() ? end_reason::finished : end_reason::stopped))
+        report_.on_counted(track_, rule_.listened(), began_);
 }
 
 void listener::end_and_begin() {
@@ -98,7 +100,7 @@ void listener::step_to(double position) {
         is_told_ = true;
         report_.on_playing(track_, true);
     }
-    if (counts) report_.on_counted(track_, rule_.listened());
+    if (counts) report_.on_counted(track_, rule_.listened(), began_);
 }
 
 void listener::jump_to(double position) {

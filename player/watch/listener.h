@@ -17,8 +17,8 @@ public:
     struct events {
         /// A second of a new play was heard, or the player tells something else of its track since.
         std::function<void(const told_track&, bool is_new)> on_playing;
-        /// The track counts as played, after `heard` seconds.
-        std::function<void(const told_track&, double heard)> on_counted;
+        /// The track counts as played, after `heard` seconds; it began at `began` by the clock of the observations.
+        std::function<void(const told_track&, double heard, double began)> on_counted;
         /// The length of the file in seconds, which players guess at; 0 when unknown.
         std::function<double(const told_track&)> true_length{};
     };
@@ -58,6 +58,7 @@ private:
     double rate_ = 1;
     double length_ = 0;               // seconds; 0 when unknown
     double time_ = 0;                 // of the last observation
+    double began_ = 0;                // when the play under way began
     double position_ = 0;             // last known
     double due_ = 0;                  // seconds of sound since then, by the clock
     bool is_under_way_ = false;       // the track has begun, and not ended

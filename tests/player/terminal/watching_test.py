@@ -29,6 +29,7 @@ class Watching(WatchTest):
             ("mirrored", plays(trois, 5, end=5, kind="t")), ("mirror", plays(trois, 5, end=5)),
             # Jumps, told and not.
             ("jumping", plays(tram, 3, (0.6, {"Seeked": 2.4}), end=1.2)),
+            ("waking", plays(tram, 3, (0.6, {"Untold": {"Position": 2.9}}), end=1.2)),
             # Tells that something has changed, but not what.
             ("unsaid", [(0, {}), (0.2, {"Unsaid": {"Metadata": metadata(umbrella, 2), "PlaybackStatus": "Playing"}}),
                         (2.2, {"Unsaid": {"PlaybackStatus": "Stopped"}}), (2.4, {})]),
@@ -82,6 +83,7 @@ class Watching(WatchTest):
         self.addCleanup(lambda: (server.kill(), server.communicate()))
         while "MPRIS is heard." not in server.stderr.readline():
             self.assertIsNone(server.poll())
+        self.assertIn("watched already", self.run_player("watch", status=1).stderr)
         for player in self.begin_players([("served", plays(self.file("umbrella"), 2, end=2))]):
             self.assertEqual(player.wait(timeout=60), 0)
         self.assertEqual(server.stdout.readline(), "Counted: Ines Vald\u00e5ker - The Other Umbrella (served)\n")

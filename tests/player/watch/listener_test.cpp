@@ -13,7 +13,7 @@ struct stage {
     double time = 1000, position = 0, rate = 1, known = 0;
     listener ear{
         {.on_playing = [this](const told_track& track, bool is_new) { shown += track.title + (is_new ? " " : "* "); },
-         .on_counted = [this](const told_track& track,
+         .on_counted = [this](const told_track& track, double,
                               double) { counted += track.title + "@" + std::to_string(int(time) - 1000) + " "; },
          .true_length = [this](const told_track&) { return known; }}};
 
