@@ -333,6 +333,11 @@ void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::sp
     list->second.erase(key);
 }
 
+void store_transaction::set_cause(change_cause why) {
+    if (!changes_) throw misuse("The index transaction is finished");
+    changes_->why = std::move(why);
+}
+
 void store_transaction::commit() {
     if (!changes_) throw misuse("The index transaction is finished");
     const auto finished = std::exchange(changes_, nullptr);

@@ -126,6 +126,8 @@ public:
     /// Empty data removes the record; that waits for loading and throws std::runtime_error when loading fails. Throws
     /// std::invalid_argument when the record is too large, `misuse` after commit.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
+    /// Instead of the cause of this thread. Before commit.
+    void set_cause(change_cause why);
     void commit();
 
 private:

@@ -43,16 +43,31 @@ auto checked(Work&& work) {
 /// The contract's transaction, which owns one of the store's.
 class transaction_service : public index_transaction {
 public:
-    explicit transaction_service(index::index_store& store) : changes_(store.begin()) {}
+    explicit transaction_service(index::index_store& store) : changes_(store.begin()), reason_(changes_) {}
     void write(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size) override {
         checked([&] { changes_.write(index, key, bytes_of(bytes, size)); });
     }
     void commit() override {
         checked([&] { changes_.commit(); });
     }
+    service_base* service_query(const nuv::guid& interface_guid) noexcept override {
+        return interface_guid == index_transaction_reason::class_guid ? &reason_ : nullptr;
+    }
 
 private:
+    class reason : public index_transaction_reason {
+    public:
+        explicit reason(index::store_transaction& changes) noexcept : changes_(changes) {}
+        void set_reason(const char* text) override {
+            checked([&] { changes_.set_cause({.text = text}); });
+        }
+
+    private:
+        index::store_transaction& changes_;
+    };
+
     index::store_transaction changes_;
+    service_uncounted_t<reason> reason_;
 };
 
 thread_local const assumed_record* assumed = nullptr;

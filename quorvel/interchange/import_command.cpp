@@ -70,7 +70,7 @@ file_content read_file(const std::string& path) {
 /// Asks which fields are to be imported. It holds the content of the file until it closes.
 class import_dialog : public ostrevan::dialog_rules {
 public:
-    explicit import_dialog(file_content content) noexcept : content_(std::move(content)) {}
+    import_dialog(std::string path, file_content content) noexcept : path_(std::move(path)), content_(std::move(content)) {}
 
     const ostrevan::dialog_layout& layout() const noexcept override { return import_layout; }
     void on_open(ostrevan::dialog_window& window) override { check_all_fields(window); }
@@ -78,27 +78,28 @@ public:
         if (id == ostrevan::dialog_ok) {
             const auto fields = checked_fields(window);
             if (fields == 0) return beep();
-            import_file(content_.text(), fields);
+            import_file(content_.text(), fields, path_);
         }
         window.close();
     }
 
 private:
+    const std::string path_;
     file_content content_;
 };
 
 /// Another dialog may have been opened while the user chose the file.
 void open_import_dialog(const std::string& path) {
     if (!ostrevan::ModalDialog_CanCreateNew()) return ostrevan::ModalDialog_PokeExisting();
-    open_dialog(ostrevan::service_new<import_dialog>(read_file(path)));
+    open_dialog(ostrevan::service_new<import_dialog>(path, read_file(path)));
 }
 
 }  // namespace
 
-void import_file(std::string_view text, std::uint32_t fields) {
+void import_file(std::string_view text, std::uint32_t fields, const std::string& path) {
     ostrevan::core_api::ensure_main_thread();
     try {
-        StatsOp op;
+        StatsOp op("import of " + path);
         ParseGlobals globals{.op = op, .fields = fields};
         ImportedFile file;
         try {

@@ -52,7 +52,7 @@ std::vector<GatheredTrack> tracks_with_keys(const std::vector<legacy_record>& re
 using earlier_records = std::map<std::uint64_t, std::optional<t_playback_stats>>;
 
 void merge(const std::vector<legacy_record>& records, const std::vector<GatheredTrack>& tracks, earlier_records& before) {
-    StatsOp op;
+    StatsOp op(std::string("import of ") + legacy_file_name);
     for (std::size_t i = 0; i < records.size(); ++i) {
         const auto key = tracks[i].key;
         if (!key || *key == 0) continue;

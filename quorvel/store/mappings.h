@@ -6,6 +6,7 @@
 
 #include "ostrevan/hash_service.h"
 #include "ostrevan/index.h"
+#include "quorvel/store/record_editing.h"
 #include "quorvel/store/unit_digest.h"
 
 namespace quorvel {
@@ -27,13 +28,19 @@ private:
     ostrevan::hash_service& hash_;
 };
 
-/// The active rule: numbers and title.
+/// The active rule: numbers and title. The player changes its records by the rules of `record_editing`.
 class TitleMapping : public tag_mapping {
 public:
     using tag_mapping::tag_mapping;
+    ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override {
+        return interface_guid == record_editing::class_guid ? &editing_ : nullptr;
+    }
 
 protected:
     bool feed_track_part(unit_digest& digest, const ostrevan::file_info& info) const override;
+
+private:
+    ostrevan::service_uncounted_t<record_editing> editing_;
 };
 
 /// An older rule, kept because of stored keys: it reads the second value of both numbers.

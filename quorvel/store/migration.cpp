@@ -94,7 +94,7 @@ std::vector<metadb_handle_ptr> take_over_older_records(ostrevan::metadb_handle_l
     std::vector<metadb_handle_ptr> waiting(tracks.begin(), tracks.end());
     const char* failure = "Playback statistics: records under older keys could not be taken over";
     try {
-        StatsOp op;
+        StatsOp op("migration of records under older keys");
         auto [found, owners, unreadable] = find_older_records(op, tracks);
         waiting = std::move(owners);
         if (unreadable) std::rethrow_exception(unreadable);

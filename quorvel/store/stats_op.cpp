@@ -45,6 +45,9 @@ void StatsOp::begin() {
             transaction_ = extension->begin();
         else own_turn_ = std::unique_lock(turn_of_own_writers);
     }
+    if (transaction_ && !reason_.empty())
+        if (const auto named = ostrevan::query_service<ostrevan::index_transaction_reason>(*transaction_))
+            named->set_reason(reason_.c_str());
     begun_ = true;
 }
 

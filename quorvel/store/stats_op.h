@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,9 @@ namespace quorvel {
 /// Used by one thread. [any-thread]
 class StatsOp {
 public:
+    /// The reason is for the player's history, where it has none but the user's command.
+    explicit StatsOp(std::string reason = {}) : reason_(std::move(reason)) {}
+
     /// Without an index records read as the default one, and writes are skipped.
     [[nodiscard]] bool has_index() const noexcept { return manager_ != nullptr; }
 
@@ -65,6 +69,7 @@ private:
     void put(const nuv::guid& index, std::uint64_t key, const void* bytes, std::size_t size);
 
     ostrevan::index_manager* const manager_ = opened_index();
+    const std::string reason_;
     bool begun_ = false;
     ostrevan::index_transaction_ptr transaction_;
     std::unique_lock<std::mutex> own_turn_;  ///< held instead of a transaction

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "nuv/list.h"
@@ -16,6 +17,20 @@ public:
     [[nodiscard]] virtual std::uint64_t key_of(const file_info& info, const playable_location& location) = 0;
 };
 using index_client_ptr = service_ptr_t<index_client>;
+
+/// Extension of the key function, found by `service_query`: lets the player change blobs at the user's request.
+class index_record_editing : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{1A537703-7FA3-4D5B-97B5-EDF9FCB96E92}");
+
+    /// Returns the blob of a key with `into` when a track with `from` gets that key, as after an edit of its tags. Empty
+    /// spans are keys without a blob. [any-thread]
+    [[nodiscard]] virtual std::vector<std::byte> merged(std::span<const std::byte> into,
+                                                        std::span<const std::byte> from) = 0;
+    /// The player has changed the blobs of these tracks: it has taken back an operation, or given a blob to another track.
+    /// [main-thread]
+    virtual void on_records_changed(metadb_handle_list_cref tracks) = 0;
+};
 
 /// The track-information index: blobs under 64-bit keys that the player keeps for components, independent of the tracks.
 /// [any-thread] unless a method says otherwise.
@@ -62,6 +77,16 @@ public:
     virtual void commit() = 0;
 };
 using index_transaction_ptr = service_ptr_t<index_transaction>;
+
+/// Extension of a transaction, found by `service_query`: its reason in the player's history of changes.
+class index_transaction_reason : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{E0AD31CE-F5D2-46F8-8F16-C50986692B35}");
+
+    /// For the user, such as "import of statistics.xml". Without one the history has the user's command. Called before
+    /// `commit` by the thread of the transaction.
+    virtual void set_reason(const char* text) = 0;
+};
 
 /// Extension of the index manager, found by `service_query`. [any-thread]
 class index_manager_transactions : public service_base {

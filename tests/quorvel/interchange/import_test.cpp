@@ -146,6 +146,7 @@ TEST_F(import_handlers, makes_one_operation_of_a_file_and_nothing_of_its_repetit
     for (int time = 0; time < 2; ++time) {
         EXPECT_EQ(import(file), messages{});
         EXPECT_EQ(player.index.committed - committed, 1U);
+        EXPECT_EQ(std::ranges::count(player.index.events, "commit import of /s.xml"), 1);
         EXPECT_NE(player.console.lines.back().find("records read: 4,"), std::string::npos);
         EXPECT_EQ(player.index.refreshes, (std::vector<std::vector<std::uint64_t>>{{key_of(tracks[0]), key_of(tracks[1])}}));
         EXPECT_EQ(player.index.keys(quorvel::statistics_index_guid).size(), 2U);

@@ -85,8 +85,9 @@ TEST_F(legacy_import, adds_both_versions_to_what_is_stored_and_removes_the_file)
     EXPECT_EQ(player.console.lines,
               std::vector<std::string>{"1 of 4 records in PlaybackStatistics.dat are of files that cannot "
                                        "be read; they were left out"});
-    EXPECT_EQ(player.index.events, (std::vector<std::string>{"back up legacy-import " + path, "commit", "refresh",
-                                                             "save " + nuv::guid_text(statistics_index_guid)}));
+    EXPECT_EQ(player.index.events,
+              (std::vector<std::string>{"back up legacy-import " + path, "commit import of PlaybackStatistics.dat",
+                                        "refresh", "save " + nuv::guid_text(statistics_index_guid)}));
     EXPECT_FALSE(files.contains(path));
 
     player.local_files.sharing_violations = 3;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "quorvel/store/merge.h"
+#include "quorvel/store/record_editing.h"
 #include "quorvel/store/record_map.h"
 
 using namespace quorvel;
@@ -53,10 +54,14 @@ TEST(merge, combines_field_by_field) {
         {MergeType::MergeMax, {2, 0, 0, 0, none}, {1, 5, 6, 7, 0}, {2, 5, 6, 7, 0}},
         {MergeType::MergeSum, {~0ULL, 0, 0, 0, 0xFFFFFFFE}, {2, 0, 0, 0, 4}, {1, 0, 0, 0, 1}},
     };
+    ostrevan::service_uncounted_t<record_editing> editing;
     for (const auto& c : cases) {
         const auto result = merged(c.stored, c.incoming, c.type);
         EXPECT_EQ(result, c.expected) << &c - cases;
         EXPECT_EQ(result.trailing, c.stored.trailing) << &c - cases;
+        if (c.type != MergeType::MergeMax) continue;
+        const auto into = encode_record(c.stored), from = encode_record(c.incoming), both = encode_record(result);
+        EXPECT_TRUE(std::ranges::equal(editing.merged(into, from), both)) << "by the player, " << &c - cases;
     }
 }
 

@@ -94,11 +94,14 @@ TEST_F(tag_sync, follows_a_change_only_when_wanted_and_only_on_this_machine) {
     quorvel::PCDB_auto_sync_tags(tracks, true);
     EXPECT_TRUE(player.tag_updates.requests.empty());
 
+    auto& client = *player.index.registered.at(quorvel::statistics_index_guid).client;
+    auto* const editing = ostrevan::query_service<ostrevan::index_record_editing>(client).get();
     quorvel::tag_sync_enabled.set(true);
-    quorvel::PCDB_auto_sync_tags(metadb_handle_list{remote}, true);
+    editing->on_records_changed(metadb_handle_list{remote});
     EXPECT_TRUE(player.tag_updates.requests.empty()) << "nothing left to write";
     for (const bool user_initiated : {true, false}) {
-        quorvel::PCDB_auto_sync_tags(tracks, user_initiated);
+        if (user_initiated) editing->on_records_changed(tracks);
+        else quorvel::PCDB_auto_sync_tags(tracks, false);
         const auto& request = player.tag_updates.requests.back();
         EXPECT_EQ(request.tracks.items(), (std::vector<metadb_handle_ptr>{unowned, local}));
         EXPECT_EQ(request.options, user_initiated ? 0U : 5U);

@@ -40,7 +40,7 @@ public:
     std::map<nuv::guid, registration> registered;
     std::vector<nuv::guid> removed;
     std::vector<std::vector<std::uint64_t>> refreshes;
-    /// "commit", "refresh", "save INDEX" and "back up REASON FILE", as they came.
+    /// "commit REASON", "refresh", "save INDEX" and "back up REASON FILE", as they came.
     std::vector<std::string> events;
     std::size_t direct_writes = 0;
     std::size_t begun = 0;
@@ -128,12 +128,20 @@ private:
             if (!own_turn) ostrevan::uBugCheck("memory_index: committed twice");
             owner.put(pending);
             ++owner.committed;
-            owner.note("commit");
+            owner.note("commit" + reason.text);
             own_turn.reset();
         }
+        ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override {
+            return interface_guid == ostrevan::index_transaction_reason::class_guid ? &reason : nullptr;
+        }
+        struct reason_note : ostrevan::index_transaction_reason {
+            void set_reason(const char* given) override { text = std::string(" ") + given; }
+            std::string text;
+        };
         memory_index& owner;
         std::optional<turn> own_turn;
         blobs pending;
+        ostrevan::service_uncounted_t<reason_note> reason;
     };
     struct transactions : ostrevan::index_manager_transactions {
         explicit transactions(memory_index& index) noexcept : owner(index) {}
