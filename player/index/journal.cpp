@@ -26,14 +26,17 @@ journal::journal(const std::filesystem::path& database) : database_(database.str
     database_.execute("PRAGMA query_only = ON");
 }
 
-std::vector<act> journal::acts(const char* condition, std::int64_t value, std::size_t at_most) {
-    // What takes something back, the newest first. One that is taken back itself does not count.
-    std::map<std::int64_t, std::int64_t> undone_by;
+std::map<std::int64_t, std::int64_t> journal::taken_back() {
+    std::map<std::int64_t, std::int64_t> by;
     auto undoing =
         database_.prepare("SELECT act, undoes FROM operations WHERE undoes IS NOT NULL AND act = id ORDER BY act DESC");
     while (undoing.step())
-        if (!undone_by.contains(undoing.integer(0))) undone_by.try_emplace(undoing.integer(1), undoing.integer(0));
+        if (!by.contains(undoing.integer(0))) by.try_emplace(undoing.integer(1), undoing.integer(0));
+    return by;
+}
 
+std::vector<act> journal::acts(const char* condition, std::int64_t value, std::size_t at_most) {
+    const auto undone_by = taken_back();
     std::vector<act> found;
     auto rows = database_.prepare(std::string("SELECT act, time, cause, undoes FROM operations WHERE act = id AND ") +
                                   condition + " ORDER BY act DESC LIMIT ?");
@@ -122,6 +125,32 @@ std::vector<listen> journal::listens_of(const nuv::guid& index, std::uint64_t ke
         next.act = rows.integer(6);
     }
     return all;
+}
+
+/// Looking up the keys of each listen would take several times as long as reading all of them and sorting.
+void journal::for_each_listen(const nuv::guid& index, const std::function<void(const brief_listen&)>& visit) {
+    const auto guid = nuv::guid_text(index);
+    std::vector<std::pair<std::int64_t, std::int64_t>> keys;  // by listen
+    auto key_rows =
+        database_.prepare("SELECT listen, key FROM listen_keys WHERE index_id = (SELECT id FROM indexes WHERE guid = ?)");
+    key_rows.bind(1, std::string_view(guid));
+    while (key_rows.step()) keys.emplace_back(key_rows.integer(0), key_rows.integer(1));
+    std::ranges::sort(keys);
+
+    const auto undone = taken_back();
+    auto key = keys.begin();
+    auto rows = database_.prepare("SELECT id, time, path, subsong, counted, act FROM listens ORDER BY id");
+    while (rows.step()) {
+        const auto id = rows.integer(0);
+        if (!undone.empty() && undone.contains(rows.integer(5))) continue;
+        brief_listen next{.time = rows.integer(1),
+                          .path = rows.text(2),
+                          .subsong = static_cast<std::uint32_t>(rows.integer(3)),
+                          .is_counted = rows.integer(4) != 0};
+        while (key != keys.end() && key->first < id) ++key;
+        if (key != keys.end() && key->first == id) next.key = std::bit_cast<std::uint64_t>(key->second);
+        visit(next);
+    }
 }
 
 }  // namespace ostrevan::index

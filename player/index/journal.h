@@ -3,9 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "nuv/guid.h"
@@ -37,6 +40,15 @@ struct change_of_record {
     record_change change;
 };
 
+/// A listen as summaries of many need it.
+struct brief_listen {
+    std::int64_t time = 0;               // seconds since 1970, of the end
+    std::optional<std::uint64_t> key{};  // of its track, in the index asked for
+    std::string_view path{};
+    std::uint32_t subsong = 0;
+    bool is_counted = false;  // as a play; otherwise it was skipped
+};
+
 /// Reads the journal of an index database through a connection of its own; what has been saved is visible. Throws
 /// sqlite::error, also for damage. Used by one thread at a time.
 class journal {
@@ -52,9 +64,13 @@ public:
 
     /// The listens of the tracks with this key, the newest first. `keys` is empty.
     [[nodiscard]] std::vector<listen> listens_of(const nuv::guid& index, std::uint64_t key);
+    /// Visits all listens in the order in which they were noted, except for plays that have been taken back.
+    void for_each_listen(const nuv::guid& index, const std::function<void(const brief_listen&)>& visit);
 
 private:
     [[nodiscard]] std::vector<act> acts(const char* condition, std::int64_t value, std::size_t at_most);
+    /// Which act takes which back, the last one of those that have not been taken back themselves.
+    [[nodiscard]] std::map<std::int64_t, std::int64_t> taken_back();
     [[nodiscard]] std::vector<record_change> parsed(std::span<const std::byte> bytes) const;
 
     sqlite::database database_;

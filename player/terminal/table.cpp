@@ -36,14 +36,8 @@ glyph glyph_at(std::string_view text, std::size_t position) {
 
 /// A row is one line, whatever a tag contains.
 void append_one_line(std::string& out, std::string_view cell) {
-    if (std::ranges::all_of(cell, is_plain)) {
-        out += cell;
-        return;
-    }
-    std::string line(cell);
-    std::ranges::replace_if(
-        line, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
-    out += shown_on_terminal(line);
+    if (std::ranges::all_of(cell, is_plain)) out += cell;
+    else out += shown_in_one_line(cell);
 }
 
 }  // namespace

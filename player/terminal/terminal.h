@@ -43,6 +43,8 @@ public:
     void show_listing(const view::track_listing& listing);
     /// At the width of the terminal.
     void show_table(table& shown);
+    /// Of the terminal for results; 0 when there is none.
+    [[nodiscard]] std::size_t width_of_output() const { return terminal_width(side_.output); }
     void show_progress(const std::string& what, std::size_t done, std::size_t total);
     void end_progress();
     void beep();

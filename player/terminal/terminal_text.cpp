@@ -50,4 +50,11 @@ std::string shown_on_terminal(std::string_view text) {
     }
 }
 
+std::string shown_in_one_line(std::string_view text) {
+    std::string line(text);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+    return shown_on_terminal(line);
+}
+
 }  // namespace ostrevan::terminal

@@ -6,7 +6,7 @@ from tracked import lines, report, tracked
 
 # The folders that each folder may include besides itself; the longest match for a file decides.
 SDK = ["sdk", "nuv", "ostrevan"]
-DOMAINS = ["sqlite", "index", "history", "library", "tags", "titleformat", "query", "playback"]
+DOMAINS = ["sqlite", "index", "history", "library", "tags", "titleformat", "query", "summary", "playback"]
 GROUND = {
     "sdk": SDK,
     "sdk/test_player": SDK + ["ostrevan_test"],
@@ -19,6 +19,7 @@ GROUND = {
     "player/core": SDK + ["player/system"],
     "player/tags": SDK + ["player/system"],
     "player/query": SDK + ["player/system", "player/titleformat"],
+    "player/summary": SDK + ["player/" + room for room in ("system", "sqlite", "index", "titleformat", "query")],
     "player/index": SDK + ["player/system", "player/sqlite"],
     "player/history": SDK + ["player/system", "player/sqlite", "player/index"],
     "player/library": SDK + ["player/system", "player/sqlite", "player/tags"],

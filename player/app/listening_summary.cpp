@@ -1,0 +1,26 @@
+#include "player/app/listening_summary.h"
+
+#include <vector>
+
+#include "player/app/track_selection.h"
+
+namespace ostrevan::app {
+
+summary::figures listening_summary(session& player, const std::optional<std::string>& query,
+                                   const summary::question& wanted) {
+    using services::index_manager_impl;
+    const auto tracks = query ? find_tracks(player, *query).items() : player.library_items();
+    // Each listen is noted with the key of its track in every index; the first one tells the tracks apart.
+    const auto indexes = player.index.registrations();
+    const auto key_of = [&](const metadb_handle& track) {
+        return indexes.empty() ? std::nullopt : index_manager_impl::key_of(indexes.front(), track);
+    };
+    const summary::track_set known(tracks, player.fields, key_of);
+    summary::summary_maker maker(wanted, known, !query);
+    auto journal = player.records().read_journal();
+    journal.for_each_listen(indexes.empty() ? nuv::guid{} : indexes.front().index,
+                            [&](const index::brief_listen& heard) { maker.hear(heard); });
+    return std::move(maker).finish();
+}
+
+}  // namespace ostrevan::app

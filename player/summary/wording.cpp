@@ -1,0 +1,80 @@
+#include "player/summary/wording.h"
+
+#include <cstdio>
+
+namespace ostrevan::summary {
+namespace {
+
+using namespace std::chrono;
+
+std::string padded(int number, int digits) {
+    std::array<char, 16> text{};
+    return {text.data(), static_cast<std::size_t>(std::snprintf(text.data(), text.size(), "%0*d", digits, number))};
+}
+
+std::string text_of_day(local_days day) {
+    const year_month_day date{day};
+    return summary::text_of(date.year() / date.month()) + "-" +
+           padded(static_cast<int>(static_cast<unsigned>(date.day())), 2);
+}
+
+}  // namespace
+
+std::string full_name(const ranked& of) { return of.artist.empty() ? of.name : of.artist + " - " + of.name; }
+
+std::string text_of(year_month month) {
+    return padded(static_cast<int>(month.year()), 4) + "-" +
+           padded(static_cast<int>(static_cast<unsigned>(month.month())), 2);
+}
+
+std::string text_of(const std::optional<local_days>& day) { return day ? text_of_day(*day) : std::string(); }
+
+std::string text_of(query::local_time time) {
+    const auto day = floor<days>(time);
+    if (time == day) return text_of_day(day);
+    const hh_mm_ss clock{time - day};
+    const auto two = [](auto part) { return padded(static_cast<int>(part.count()), 2); };
+    return text_of_day(day) + " " + two(clock.hours()) + ":" + two(clock.minutes()) + ":" + two(clock.seconds());
+}
+
+std::string counted(std::size_t number, std::string_view thing) {
+    return std::to_string(number) + " " + std::string(thing) + (number == 1 ? "" : "s");
+}
+
+std::string title_of(const question& wanted, const figures& of) {
+    const auto& [first, end] = wanted.period;
+    if (wanted.is_all_time()) return of.first_day ? text_of(of.first_day) + " to " + text_of(of.last_day) : "All time";
+    // The end is the first moment that does not belong to it.
+    const auto last = end == floor<days>(end) ? end - days{1} : end;
+    if (first == query::local_time::min()) return "Until " + text_of(last);
+    if (end == query::local_time::max()) return "Since " + text_of(first);
+    return text_of(first) == text_of(last) ? text_of(first) : text_of(first) + " to " + text_of(last);
+}
+
+std::vector<std::string> overview(const question& wanted, const figures& of) {
+    std::vector<std::string> lines;
+    lines.push_back(counted(of.plays.dated, "play") + ", " + counted(of.skips, "skip") + ".");
+    if (of.plays.undated != 0)
+        lines.push_back(counted(of.plays.undated, "more play") +
+                        " known only as a number: nobody noted when, so no month, weekday or hour shows them.");
+    if (of.undated_elsewhere != 0)
+        lines.push_back(counted(of.undated_elsewhere, "play") +
+                        " known only as a number left out: nobody noted when they were.");
+    if (of.without_track != 0)
+        lines.push_back(counted(of.without_track, "play") + " of tracks that are not in the library.");
+    lines.push_back(std::to_string(of.played_tracks) + " of " + counted(of.tracks, "track") + " played" +
+                    (wanted.is_all_time() ? "." : " in this time."));
+    return lines;
+}
+
+std::string title_of_added(const question& wanted, const figures& of) {
+    const auto number = ": " + std::to_string(of.added.count);
+    if (!wanted.is_all_time()) return "New in the library in this time" + number;
+    return "New in the library in the last " + std::to_string(recent.count()) + " days" + number;
+}
+
+std::string title_of_never_played(const figures& of) { return "Never played: " + std::to_string(of.never_played.count); }
+
+std::string title_of_long_ago(const figures& of) { return "Not played for a year: " + std::to_string(of.long_ago.count); }
+
+}  // namespace ostrevan::summary
