@@ -20,6 +20,7 @@ void library_events::on_library_changed(const library::library_changes& changes)
     const auto removed = handles_of(changes.removed);
     const auto modified = handles_of(changes.modified);
     index_.mark_seen(removed, std::time(nullptr));
+    known_.note_later(removed);
     services_.for_each<library_callback>(
         [&](library_callback& callback) {
             if (!added.empty()) callback.on_items_added(added);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "player/app/known_tracks.h"
 #include "player/core/service_registry.h"
 #include "player/library/library_changes.h"
 #include "player/services/index_manager.h"
@@ -8,18 +9,19 @@
 namespace ostrevan::app {
 
 /// Passes changes of the library on to the components, and edits of tags by other programs too. The retention period of the
-/// records of removed tracks starts anew.
+/// records of removed tracks starts anew, and what they are called is noted.
 class library_events final : public library::library_observer {
 public:
     library_events(services::tag_edit_news& news, const core::service_registry& services,
-                   services::index_manager_impl& index)
-        : news_(news), services_(services), index_(index) {}
+                   services::index_manager_impl& index, known_tracks& known)
+        : news_(news), services_(services), index_(index), known_(known) {}
     void on_library_changed(const library::library_changes& changes) override;
 
 private:
     services::tag_edit_news& news_;
     const core::service_registry& services_;
     services::index_manager_impl& index_;
+    known_tracks& known_;
 };
 
 }  // namespace ostrevan::app

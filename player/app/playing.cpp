@@ -127,7 +127,7 @@ void playing::settle(std::size_t place, double heard, const play_verdict& verdic
     const auto& track = tracks_[place];
     if (verdict.has_failed) fail(track->location().path + ": the play could not be counted: " + verdict.reason());
     if (!verdict.is_counted) return tell([&](play_watcher& watcher) { watcher.on_not_counted(track, verdict.reason()); });
-    log_.note_play(*track, heard, {});
+    log_.note_play(track, heard, {});
     counted_.push_back(place);
     if (!is_saving_) save_counted();
 }

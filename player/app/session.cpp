@@ -59,13 +59,14 @@ session::session(const session_options& options, core::profile_lock lock, view::
       index(core::offer<services::index_manager_impl>(
           services, records_, [](const service_base& service) { return core::module_of(typeid(service)); },
           services::index_manager_impl::redraw{})),
-      news_(loop, services),
-      events_(news_, services, index),
+      news_(loop, services, [this](std::span<const tag_edit> edits) { known.note_edits(edits); }),
+      known(loop, records_, index),
+      events_(news_, services, index, known),
       library(file("library.sqlite"), tracks, tags::read_audio, events_),
       fields([this](const field_provider& provider, const std::string& doing) {
           services.guard().report(typeid(provider), doing);
       }),
-      listens(records_, index),
+      listens(records_, index, known),
       playing(loop, services, library.queue(), listens, [this] { save(); }) {
     const core::cause_scope why("start");
     offer_services();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "player/app/job_front_ends.h"
+#include "player/app/known_tracks.h"
 #include "player/app/library_events.h"
 #include "player/app/playing.h"
 #include "player/core/component_loader.h"
@@ -99,6 +100,11 @@ public:
 
 private:
     services::tag_edit_news news_;
+
+public:
+    known_tracks known;
+
+private:
     library_events events_;
 
 public:

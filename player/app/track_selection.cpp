@@ -87,4 +87,15 @@ selection tracks_at(session& player, const std::vector<std::string>& places) {
     return chosen;
 }
 
+void note_chosen(session& player, metadb_handle_list_cref tracks) {
+    constexpr std::size_t few = 256;
+    std::vector<metadb_handle_ptr> noted(tracks.begin(), tracks.end());
+    if (noted.size() > few) {
+        auto in_library = player.library_items();
+        std::ranges::sort(in_library);
+        std::erase_if(noted, [&](const metadb_handle_ptr& each) { return std::ranges::binary_search(in_library, each); });
+    }
+    player.known.note(noted);
+}
+
 }  // namespace ostrevan::app

@@ -118,7 +118,7 @@ play_verdict watching::tell_components(const library::track_ptr& track, double h
     auto verdict = promise->get_future();
     player_.loop.post([this, track, heard, player, promise = std::move(promise)] {
         tell_of_play(player_.loop, player_.services, track, [=, this](const play_verdict& given) {
-            if (given.is_counted) player_.listens.note_play(*track, heard, player);
+            if (given.is_counted) player_.listens.note_play(track, heard, player);
             promise->set_value(given);
         });
     });

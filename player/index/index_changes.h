@@ -89,6 +89,18 @@ struct listen {
     std::vector<key> keys{};  // of the track, in each index
 };
 
+/// What a record belongs to, for the time after its track is gone.
+struct known_track {
+    nuv::guid index;
+    std::uint64_t key = 0;
+    std::string artist{}, album{}, title{};
+    std::string path{};
+    std::uint32_t subsong = 0;
+    std::optional<std::uint64_t> successor{};  // the key after an edit of its tags, which the record has followed
+
+    bool operator==(const known_track&) const = default;
+};
+
 /// Keys whose tracks have been seen in the library.
 struct seen_keys {
     std::int64_t index_id;
@@ -97,6 +109,6 @@ struct seen_keys {
 };
 
 /// One step of work for the database.
-using index_job = std::variant<catalog_entry, operation_entry, record_changes, seen_keys, listen>;
+using index_job = std::variant<catalog_entry, operation_entry, record_changes, seen_keys, listen, std::vector<known_track>>;
 
 }  // namespace ostrevan::index

@@ -14,7 +14,7 @@
 namespace ostrevan::index {
 namespace {
 
-constexpr const char* upgrades[] = {"ALTER TABLE indexes ADD COLUMN owner TEXT", journal_schema};
+constexpr const char* upgrades[] = {"ALTER TABLE indexes ADD COLUMN owner TEXT", journal_schema, known_tracks_schema};
 
 const std::string schema = std::string(R"(
     CREATE TABLE indexes (
@@ -30,11 +30,11 @@ const std::string schema = std::string(R"(
         data BLOB NOT NULL,
         PRIMARY KEY (index_id, key)
     ) STRICT, WITHOUT ROWID;
-)") + journal_schema;
+)") + journal_schema + known_tracks_schema;
 
 const sqlite::format format{
     .application_id = 0x4F737449,  // "OstI"
-    .version = 3,
+    .version = 4,
     .schema = schema.c_str(),
     .contents = "track index",
     .upgrades = upgrades,
@@ -171,6 +171,7 @@ bool index_database::save_journal(std::span<const index_job> jobs) {
             if (const auto* changes = std::get_if<record_changes>(&job); changes != nullptr && changes->operation != 0)
                 journal_.save(*changes);
             if (const auto* heard = std::get_if<listen>(&job)) journal_.save(*heard);
+            if (const auto* tracks = std::get_if<std::vector<known_track>>(&job)) journal_.save(*tracks);
         }
     } catch (const sqlite::error& error) {
         const int kind = error.code() & 0xFF;

@@ -234,6 +234,13 @@ void index_store::note(listen heard, std::uint64_t by) {
     state_->enqueue(std::move(jobs));
 }
 
+void index_store::note(std::vector<known_track> tracks) {
+    if (tracks.empty()) return;
+    std::vector<index_job> jobs;
+    jobs.emplace_back(std::move(tracks));
+    state_->enqueue(std::move(jobs));
+}
+
 journal index_store::read_journal() {
     flush();
     return journal(state_->database.path());

@@ -103,6 +103,8 @@ public:
     /// Notes what was listened to, for good; `by` is the `change_cause::act` that counted it. Throws std::runtime_error for
     /// a file that cannot be written.
     void note(listen heard, std::uint64_t by = 0);
+    /// Notes what records belong to. Does nothing for a file that cannot be written.
+    void note(std::vector<known_track> tracks);
     /// What changed the records, and from what to what. Throws std::runtime_error like `flush`.
     [[nodiscard]] journal read_journal();
 

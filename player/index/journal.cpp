@@ -107,6 +107,25 @@ std::vector<change_of_record> journal::changes_of(const nuv::guid& index, std::u
     return all;
 }
 
+std::vector<known_track> journal::known_tracks(const nuv::guid& index) {
+    const auto guid = nuv::guid_text(index);
+    std::vector<known_track> all;
+    auto rows = database_.prepare(
+        "SELECT key, artist, album, title, path, subsong, successor FROM known_tracks "
+        "JOIN indexes ON indexes.id = index_id WHERE guid = ? ORDER BY key");
+    rows.bind(1, std::string_view(guid));
+    while (rows.step()) {
+        auto& next = all.emplace_back(known_track{.index = index, .key = std::bit_cast<std::uint64_t>(rows.integer(0))});
+        next.artist = rows.text(1);
+        next.album = rows.text(2);
+        next.title = rows.text(3);
+        next.path = rows.text(4);
+        next.subsong = static_cast<std::uint32_t>(rows.integer(5));
+        if (!rows.is_null(6)) next.successor = std::bit_cast<std::uint64_t>(rows.integer(6));
+    }
+    return all;
+}
+
 std::vector<listen> journal::listens_of(const nuv::guid& index, std::uint64_t key) {
     const auto guid = nuv::guid_text(index);
     std::vector<listen> all;

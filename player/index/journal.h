@@ -67,6 +67,9 @@ public:
     /// Visits all listens in the order in which they were noted, except for plays that have been taken back.
     void for_each_listen(const nuv::guid& index, const std::function<void(const brief_listen&)>& visit);
 
+    /// What is known of the tracks of records, by key as a signed number.
+    [[nodiscard]] std::vector<known_track> known_tracks(const nuv::guid& index);
+
 private:
     [[nodiscard]] std::vector<act> acts(const char* condition, std::int64_t value, std::size_t at_most);
     /// Which act takes which back, the last one of those that have not been taken back themselves.

@@ -111,6 +111,26 @@ void journal_writer::save(const listen& heard) {
     }
 }
 
+void journal_writer::save(std::span<const known_track> tracks) {
+    // Rows that would stay as they are cost no write.
+    auto put = database_.prepare(
+        "INSERT INTO known_tracks SELECT id, ?2, ?3, ?4, ?5, ?6, ?7, ?8 FROM indexes WHERE guid = ?1 "
+        "ON CONFLICT (index_id, key) DO UPDATE SET artist = excluded.artist, album = excluded.album, "
+        "title = excluded.title, path = excluded.path, subsong = excluded.subsong, successor = excluded.successor "
+        "WHERE (artist, album, title, path, subsong) IS NOT "
+        "(excluded.artist, excluded.album, excluded.title, excluded.path, excluded.subsong) "
+        "OR successor IS NOT excluded.successor");
+    for (const auto& each : tracks) {
+        const auto guid = nuv::guid_text(each.index);
+        put.bind(1, std::string_view(guid)).bind(2, std::bit_cast<std::int64_t>(each.key));
+        put.bind(3, std::string_view(each.artist)).bind(4, std::string_view(each.album));
+        put.bind(5, std::string_view(each.title)).bind(6, std::string_view(each.path)).bind(7, std::int64_t{each.subsong});
+        if (each.successor) put.bind(8, std::bit_cast<std::int64_t>(*each.successor));
+        else put.bind_null(8);
+        put.run();
+    }
+}
+
 void journal_writer::trim(std::int64_t time, std::int64_t bytes) {
     // By the sequence of acts: a clock that was wrong for a while makes no younger act old.
     auto young =

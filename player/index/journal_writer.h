@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "player/index/index_changes.h"
@@ -53,6 +54,21 @@ inline constexpr const char* journal_schema = R"(
     ) STRICT, WITHOUT ROWID;
 )";
 
+/// What the tracks of records are called.
+inline constexpr const char* known_tracks_schema = R"(
+    CREATE TABLE known_tracks (
+        index_id INTEGER NOT NULL,
+        key INTEGER NOT NULL,
+        artist TEXT NOT NULL,
+        album TEXT NOT NULL,
+        title TEXT NOT NULL,
+        path TEXT NOT NULL,
+        subsong INTEGER NOT NULL,
+        successor INTEGER,
+        PRIMARY KEY (index_id, key)
+    ) STRICT, WITHOUT ROWID;
+)";
+
 /// Writes the journal, inside the transactions that save the records. Throws sqlite::error.
 class journal_writer {
 public:
@@ -64,6 +80,7 @@ public:
     void save(const operation_entry& entry);
     void save(const record_changes& changes);
     void save(const listen& heard);
+    void save(std::span<const known_track> tracks);
     /// Removes the oldest acts, except for the newest one, until none is older than `time` (seconds since 1970) and at most
     /// `bytes` of changes are left.
     void trim(std::int64_t time, std::int64_t bytes);

@@ -7,6 +7,7 @@
 namespace ostrevan::services {
 
 void tag_edit_news::tell(const std::vector<tag_edit>& edits) {
+    before_telling_(edits);
     all_told_ &= services_.for_each<tag_edit_callback>(
         [&](tag_edit_callback& callback) { callback.on_tags_edited(nuv::list_view_t<tag_edit>(edits)); },
         "following edited tags");

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include "ostrevan/tag_edit.h"
@@ -13,7 +16,10 @@ namespace ostrevan::services {
 /// Reports edited tags to the components. The constructor's arguments must live until the loop is idle. [main-thread]
 class tag_edit_news {
 public:
-    tag_edit_news(core::main_loop& loop, const core::service_registry& services) : loop_(loop), services_(services) {}
+    /// `before_telling` receives all edits first.
+    tag_edit_news(core::main_loop& loop, const core::service_registry& services,
+                  std::function<void(std::span<const tag_edit>)> before_telling)
+        : loop_(loop), services_(services), before_telling_(std::move(before_telling)) {}
 
     void tell(const std::vector<tag_edit>& edits);
     /// Reports edits seen by the library: the first portion at once, the others as posted work.
@@ -27,6 +33,7 @@ private:
 
     core::main_loop& loop_;
     const core::service_registry& services_;
+    const std::function<void(std::span<const tag_edit>)> before_telling_;
     bool all_told_ = true;
 };
 

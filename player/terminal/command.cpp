@@ -86,7 +86,9 @@ void declared_command::run(std::function<void(run_context&)> work) {
 }
 
 void declared_command::choose(std::function<chosen_command()> choose) {
-    app_->final_callback([chosen = chosen_, choose = std::move(choose)] { *chosen = choose(); });
+    app_->final_callback([app = app_, chosen = chosen_, choose = std::move(choose)] {
+        if (app->get_subcommands().empty()) *chosen = choose();
+    });
 }
 
 void refuse_arguments(const char* words, const std::string& mistake) { throw CLI::ValidationError(words, mistake); }

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "player/app/track_selection.h"
 #include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/menu_output.h"
@@ -52,6 +53,7 @@ void run_context_menu(run_context& context, const context_words& words) {
     const auto tracks = tracks_of(context, words.tracks);
     const auto& services = context.player.services;
     const auto what_for = tracks_text(tracks.get_count());
+    if (words.command) app::note_chosen(context.player, tracks);
     if (const auto id = nuv::parse_guid(words.command.value_or(""))) {
         if (!context.on_main([&] { return view::run_context_command(services, *id, tracks); }))
             throw system::user_error("No component has a command " + *words.command + ".");

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <set>
 
+#include "player/app/changed_records.h"
 #include "player/app/track_story.h"
 #include "player/history/undo.h"
 #include "player/system/user_error.h"
@@ -69,10 +70,8 @@ std::string in_words(const std::vector<app::column_change>& columns) {
 }
 
 void print_story(run_context& context, const metadb_handle_ptr& track, std::size_t limit) {
-    const auto [columns, indexes] = context.on_main(
-        [&] { return std::pair(view::all_columns(context.player.services), context.player.index.registrations()); });
     auto journal = context.player.records().read_journal();
-    auto story = app::story_of(track, journal, indexes, columns, context.player.fields);
+    auto story = app::story_of(track, journal, context.player.index.registrations(), app::record_columns(context.player));
     context.out << track->location().path << '\n';
     if (story.size() > limit) story.resize(limit);
     for (const auto& event : story)
@@ -87,35 +86,30 @@ void print_history(run_context& context, const history_words& words) {
 
 std::string counted(std::size_t number) { return std::to_string(number) + (number == 1 ? " record" : " records"); }
 
+std::vector<std::uint64_t> keys_of(const index::index_changes& changes) {
+    std::vector<std::uint64_t> keys;
+    for (const auto& each : changes.records) keys.push_back(each.key);
+    return keys;
+}
+
 /// Prints the tracks of the library with these keys; for records without a track, the key.
 void print_tracks(run_context& context, const index::index_changes& of) {
-    const auto [tracks, indexes] = context.on_main([&] {
-        const auto& items = context.player.library.items();
-        return std::pair(std::vector<metadb_handle_ptr>(items.begin(), items.end()), context.player.index.registrations());
-    });
-    std::set<std::uint64_t> keys;
-    for (const auto& each : of.records) keys.insert(each.key);
-    auto without_track = keys;
-    const auto index = std::ranges::find(indexes, of.index, &services::index_manager_impl::registration::index);
-    for (const auto& track : tracks) {
-        const auto key = index == indexes.end() ? std::nullopt : services::index_manager_impl::key_of(*index, *track);
-        if (!key || !keys.contains(*key)) continue;
+    const auto keys = keys_of(of);
+    std::set<std::uint64_t> without_track(keys.begin(), keys.end());
+    for (const auto& [track, key] : app::tracks_with_keys(context.player, of.index, keys)) {
         context.out << track->location().path << '\n';
-        without_track.erase(*key);
+        without_track.erase(key);
     }
     for (const auto key : without_track) context.out << hexadecimal(key) << '\n';
 }
 
-/// Redraws what was given back, and lists what was left.
+/// Lists what was left.
 void take_back(run_context& context, const index::act& act) {
     const auto done = history::take_back(context.player.records(), act);
     std::size_t restored = 0;
-    for (const auto& [index, records] : done.restored) {
-        restored += records.size();
-        std::vector<std::uint64_t> keys;
-        keys.reserve(records.size());
-        for (const auto& each : records) keys.push_back(each.key);
-        context.on_main([&, &of = index] { context.player.index.refresh(of, nuv::list_view_t<std::uint64_t>(keys)); });
+    for (const auto& each : done.restored) {
+        restored += each.records.size();
+        app::tell_of_changed_records(context.player, each.index, keys_of(each));
     }
     context.player.save();
     const auto name = number_of(act.id) + " of " + local_time(act.time) + ", " + act.cause;

@@ -43,7 +43,7 @@ TEST(components, one_that_fails_is_named_and_the_others_are_called) {
     } cases[] = {
         {"counting a play", guarded<collector>([](world& w) { tell_of_play(w.loop, w.services, {}, [](auto&) {}); })},
         {"following edited tags", guarded<follower>([](world& w) {
-             services::tag_edit_news news(w.loop, w.services);
+             services::tag_edit_news news(w.loop, w.services, [](auto) {});
              news.tell(std::vector<tag_edit>{});
              EXPECT_FALSE(news.all_told());
          })},
