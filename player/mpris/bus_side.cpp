@@ -39,8 +39,10 @@ Type argument(const std::vector<bus::value>& values, std::size_t place) {
 class bus_side::visit {
 public:
     explicit visit(bus_side& of) : side_(of), told_(of.shown()) {
-        if (!bus::take_name(bus_, bus_name))
-            bus::take_name(bus_, (std::string(bus_name) + ".instance" + std::to_string(getpid())).c_str());
+        if (bus::take_name(bus_, bus_name)) return;
+        auto other_name = std::string(bus_name) + ".instance";
+        other_name += std::to_string(getpid());
+        bus::take_name(bus_, other_name.c_str());
     }
 
     void run() {
