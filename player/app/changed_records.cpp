@@ -22,7 +22,8 @@ std::vector<keyed_track> tracks_with_keys(session& player, const nuv::guid& inde
     std::vector<keyed_track> found;
     const auto registered = registration_of(player, index);
     if (!registered || keys.empty()) return found;
-    for (const auto& track : player.loop.call([&] { return player.library.items(); }))
+    const auto items = player.library.sorted_items();
+    for (const auto& track : *items)
         if (const auto key = index_manager_impl::key_of(*registered, *track))
             if (std::ranges::binary_search(keys, *key)) found.push_back({metadb_handle_ptr(track), *key});
     return found;

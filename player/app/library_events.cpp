@@ -1,9 +1,8 @@
 #include "player/app/library_events.h"
 
 #include <ctime>
+#include <utility>
 #include <vector>
-
-#include "ostrevan/library.h"
 
 namespace ostrevan::app {
 namespace {
@@ -14,20 +13,22 @@ metadb_handle_list handles_of(const std::vector<library::track_ptr>& tracks) {
 
 }  // namespace
 
+void library_events::tell(metadb_handle_list_cref tracks, void (library_callback::*event)(metadb_handle_list_cref)) {
+    if (tracks.empty()) return;
+    loop_.call([&] {
+        services_.for_each<library_callback>([&](library_callback& callback) { (callback.*event)(tracks); },
+                                             "following changes of the library");
+    });
+}
+
 void library_events::on_library_changed(const library::library_changes& changes) {
-    news_.tell(changes.edited);
-    const auto added = handles_of(changes.added);
+    loop_.call([&, edited = changes.edited]() mutable { news_.tell(std::move(edited)); });
     const auto removed = handles_of(changes.removed);
-    const auto modified = handles_of(changes.modified);
     index_.mark_seen(removed, std::time(nullptr));
     known_.note_later(removed);
-    services_.for_each<library_callback>(
-        [&](library_callback& callback) {
-            if (!added.empty()) callback.on_items_added(added);
-            if (!removed.empty()) callback.on_items_removed(removed);
-            if (!modified.empty()) callback.on_items_modified(modified);
-        },
-        "following changes of the library");
+    tell(handles_of(changes.added), &library_callback::on_items_added);
+    tell(removed, &library_callback::on_items_removed);
+    tell(handles_of(changes.modified), &library_callback::on_items_modified);
 }
 
 }  // namespace ostrevan::app

@@ -9,7 +9,7 @@ namespace ostrevan::app {
 summary::figures listening_summary(session& player, const std::optional<std::string>& query,
                                    const summary::question& wanted) {
     using services::index_manager_impl;
-    const auto tracks = query ? find_tracks(player, *query).items() : player.library_items();
+    const auto tracks = query ? find_tracks(player, *query).items() : *player.library.unordered_items();
     // Each listen is noted with the key of its track in every index; the first one tells the tracks apart.
     const auto indexes = player.index.registrations();
     const auto key_of = [&](const metadb_handle& track) {

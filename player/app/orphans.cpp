@@ -39,11 +39,13 @@ std::vector<std::byte> record_at(const index::index_store& records, const nuv::g
 
 /// The tracks of the library, for comparison with what is gone.
 class library_view {
+    const library::kept_list<metadb_handle_ptr>::pointer items_;
+
 public:
-    explicit library_view(session& player) : tracks(player.library_items()) {
+    explicit library_view(session& player) : items_(player.library.unordered_items()), tracks(*items_) {
         for (const auto& each : tracks) paths_.insert(each->location().path);
     }
-    const std::vector<metadb_handle_ptr> tracks;
+    const std::vector<metadb_handle_ptr>& tracks;
 
     /// False for a file on the disk that is not in the library.
     [[nodiscard]] bool is_gone(const std::string& path) const {

@@ -61,7 +61,7 @@ session::session(const session_options& options, core::profile_lock lock, view::
           services::index_manager_impl::redraw{})),
       news_(loop, services, [this](std::span<const tag_edit> edits) { known.note_edits(edits); }),
       known(loop, records_, index),
-      events_(news_, services, index, known),
+      events_(loop, news_, services, index, known),
       library(file("library.sqlite"), tracks, tags::read_audio, events_),
       fields([this](const field_provider& provider, const std::string& doing) {
           services.guard().report(typeid(provider), doing);
@@ -163,18 +163,12 @@ void session::require_writable() const {
     if (records_.is_read_only()) throw std::runtime_error("The profile can only be read, and so no file is edited.");
 }
 
-std::vector<metadb_handle_ptr> session::library_items() {
-    return loop.call([this] {
-        std::vector<metadb_handle_ptr> items;
-        library.append_items(items);
-        return items;
-    });
+void session::mark_library_seen() {
+    index.mark_seen(nuv::list_view_t<metadb_handle_ptr>(*library.unordered_items()), std::time(nullptr));
 }
 
-void session::mark_library_seen() { index.mark_seen(metadb_handle_list(library_items()), std::time(nullptr)); }
-
 std::vector<services::index_manager_impl::old_records> session::old_records() {
-    return index.find_old(metadb_handle_list(library_items()), std::time(nullptr));
+    return index.find_old(nuv::list_view_t<metadb_handle_ptr>(*library.unordered_items()), std::time(nullptr));
 }
 
 }  // namespace ostrevan::app

@@ -57,8 +57,6 @@ public:
     [[nodiscard]] index::index_store& records() noexcept { return records_; }
     /// Throws when the profile is read-only: statistics could not follow an edit of tags.
     void require_writable() const;
-    /// The tracks of the library in no order. [any-thread]
-    [[nodiscard]] std::vector<metadb_handle_ptr> library_items();
     /// Marks the records of all tracks of the library as seen now. [any-thread]
     void mark_library_seen();
     /// The records that `index_manager_impl::drop` may remove at the user's request. [any-thread]

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <stdexcept>
 
 #include "player/library/cue_files.h"
@@ -22,8 +23,9 @@ using problem_sink = std::function<void(const std::string& message)>;
 void append_tracks_below(session& player, const std::string& folder, std::vector<metadb_handle_ptr>& out,
                          const problem_sink& on_problem) {
     const auto prefix = folder == "/" ? folder : folder + "/";
-    auto found = player.library_items();
-    std::erase_if(found, [&](const metadb_handle_ptr& track) { return !track->location().path.starts_with(prefix); });
+    std::vector<metadb_handle_ptr> found;
+    std::ranges::copy_if(*player.library.unordered_items(), std::back_inserter(found),
+                         [&](const metadb_handle_ptr& track) { return track->location().path.starts_with(prefix); });
     std::ranges::sort(found, {}, [](const metadb_handle_ptr& each) -> const playable_location& { return each->location(); });
     if (found.empty()) {
         const auto on_disk = library::folder_tracks_on_disk(player.tracks, folder, core::stop_flag());
@@ -66,8 +68,8 @@ bool is_no_audio(const std::string& place) {
 }  // namespace
 
 metadb_handle_list find_tracks(session& player, const std::string& query) {
-    const auto items = player.library_items();
-    return view::find_tracks(items, player.fields, view::parse_query(items, player.fields, query));
+    const auto items = player.library.unordered_items();
+    return view::find_tracks(*items, player.fields, view::parse_query(*items, player.fields, query));
 }
 
 selection tracks_at(session& player, const std::vector<std::string>& places) {
@@ -91,7 +93,7 @@ void note_chosen(session& player, metadb_handle_list_cref tracks) {
     constexpr std::size_t few = 256;
     std::vector<metadb_handle_ptr> noted(tracks.begin(), tracks.end());
     if (noted.size() > few) {
-        auto in_library = player.library_items();
+        auto in_library = *player.library.unordered_items();
         std::ranges::sort(in_library);
         std::erase_if(noted, [&](const metadb_handle_ptr& each) { return std::ranges::binary_search(in_library, each); });
     }

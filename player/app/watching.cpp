@@ -64,9 +64,9 @@ watching::heard_player& watching::player_called(const std::string& name) {
 
 void watching::look_up(heard_player& player, const watch::told_track& told) {
     if (player.looked_up == told) return;
-    const auto library = player_.loop.call([this] { return player_.library.items(); });
+    const auto library = player_.library.sorted_items();
     player.looked_up = told;
-    player.found = watch::find_track(told, library);
+    player.found = watch::find_track(told, *library);
 }
 
 /// Of the same file, the library knows the length better. Of another one with the same tags, it is better than none or one

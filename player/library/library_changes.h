@@ -27,7 +27,7 @@ struct library_changes {
     [[nodiscard]] bool empty() const noexcept { return added.empty() && removed.empty() && modified.empty(); }
 };
 
-/// Notified of changes that are saved and visible in the handles. [main-thread]
+/// Notified of changes that are saved and visible in the handles, on the thread of the work that made them.
 class library_observer {
 public:
     virtual void on_library_changed(const library_changes& changes) = 0;

@@ -194,6 +194,7 @@ std::int64_t library_store::put_file(const std::string& path, const stored_file&
         clear_file(file.id);
     }
     put.run();
+    if (file.id != 0 && database_.changes() == 0) return 0;
 
     const std::int64_t id = file.id != 0 ? file.id : database_.last_insert_id();
     for (const auto& track : tracks)

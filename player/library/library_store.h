@@ -42,7 +42,7 @@ public:
     void load(const std::function<void(library_file&&, std::string_view path)>& on_file) const;
 
     // To be called inside a transaction on `database()`.
-    /// Adds the file, or replaces the one with its id; returns the id.
+    /// Adds the file, or replaces the one with its id; returns the id, or 0 when there is none with that id any more.
     std::int64_t put_file(const std::string& path, const stored_file& file, std::span<const stored_track> tracks);
     void remove_file(std::int64_t id);
     void set_device(std::int64_t file, std::uint64_t device);

@@ -26,6 +26,11 @@ bool is_still(const std::string& path, const file_stamp& stamp) {
     }
 }
 
+/// Whether a file has been replaced by another recording.
+bool is_other_sound(const stored_file& before, const stored_file& now) noexcept {
+    return before.sound.value_or(0) != 0 && now.sound.value_or(0) != 0 && before.sound != now.sound;
+}
+
 bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcept {
     return handle->location().subsong == scanned.subsong;
 }
@@ -36,6 +41,17 @@ bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcep
 struct media_library::loaded_file {
     library_file file;
     std::string_view path;
+};
+
+/// What a scan has found out about disks and folders.
+struct media_library::scan_notes {
+    struct disk {
+        std::string path;
+        std::int64_t file;
+        std::uint64_t device;
+    };
+    std::vector<disk> on_other_device;
+    std::vector<library_folder> folders;
 };
 
 /// The changes collected during an update.
@@ -106,14 +122,10 @@ void media_library::enter(loaded_file&& loaded) {
     files_.emplace(path, std::move(file));
 }
 
-void media_library::append_items(std::vector<metadb_handle_ptr>& out) const {
-    out.reserve(out.size() + files_.size());
-    for (const auto& [path, file] : files_) out.insert(out.end(), file.tracks.begin(), file.tracks.end());
-}
-
 void media_library::leave_behind() {
-    static auto& left = *new std::vector<std::pair<library_files, std::vector<track_ptr>>>;
-    left.emplace_back(std::exchange(files_, {}), std::exchange(items_, {}));
+    static auto& left =
+        *new std::vector<std::tuple<library_files, kept_list<track_ptr>::pointer, kept_list<metadb_handle_ptr>::pointer>>;
+    left.emplace_back(std::exchange(files_, {}), sorted_.take(), unordered_.take());
 }
 
 std::span<const track_ptr> media_library::items_of_file(const std::string& path) const {
@@ -121,14 +133,50 @@ std::span<const track_ptr> media_library::items_of_file(const std::string& path)
     return known == files_.end() ? std::span<const track_ptr>() : known->second.tracks;
 }
 
-const std::vector<track_ptr>& media_library::items() const {
-    if (!items_valid_) {
-        items_.clear();
-        for (const auto& [path, file] : files_) items_.insert(items_.end(), file.tracks.begin(), file.tracks.end());
-        std::ranges::sort(items_, {}, [](const track_ptr& each) -> const playable_location& { return each->location(); });
-        items_valid_ = true;
+const std::vector<track_ptr>& media_library::items() const { return *sorted_items(); }
+
+kept_list<track_ptr>::pointer media_library::sorted_items() const {
+    const std::shared_lock lock(files_mutex_);
+    return sorted_.get(changes_, [this] {
+        std::vector<track_ptr> items;
+        items.reserve(files_.size());
+        for (const auto& [path, file] : files_) items.insert(items.end(), file.tracks.begin(), file.tracks.end());
+        std::ranges::sort(items, {}, [](const track_ptr& each) -> const playable_location& { return each->location(); });
+        return items;
+    });
+}
+
+kept_list<metadb_handle_ptr>::pointer media_library::unordered_items() const {
+    const std::shared_lock lock(files_mutex_);
+    return unordered_.get(changes_, [this] {
+        std::vector<metadb_handle_ptr> items;
+        items.reserve(files_.size());
+        for (const auto& [path, file] : files_) items.insert(items.end(), file.tracks.begin(), file.tracks.end());
+        return items;
+    });
+}
+
+/// The main thread never waits for those who read the files: when there are some, the caller waits for them.
+void media_library::change(const main_thread_runner& on_main, const std::function<void()>& work) {
+    for (bool is_done = false; !is_done;) {
+        on_main([&] {
+            const std::unique_lock lock(files_mutex_, std::try_to_lock);
+            if (!lock) return;
+            ++changes_;
+            work();
+            is_done = true;
+        });
+        if (!is_done) const std::unique_lock readers_are_done(files_mutex_);
     }
-    return items_;
+}
+
+void media_library::change_each(std::size_t count, const main_thread_runner& on_main,
+                                const std::function<void(std::size_t)>& work) {
+    constexpr std::size_t portion = 100;
+    for (std::size_t first = 0; first < count; first += portion)
+        change(on_main, [&] {
+            for (auto i = first; i < std::min(count, first + portion); ++i) work(i);
+        });
 }
 
 scan_summary media_library::add_folders(std::span<const std::string> paths, const scan_options& options) {
@@ -142,29 +190,38 @@ scan_summary media_library::add_folders(std::span<const std::string> paths, cons
         for (const auto& path : fresh) added.push_back(store_.add_folder(path));
         adding.commit();
     }
-    options.on_main([&] { folders_.insert(folders_.end(), added.begin(), added.end()); });
+    change(options.on_main, [&] { folders_.insert(folders_.end(), added.begin(), added.end()); });
     auto summary = scan(added, options);
     summary.refused = std::move(refused);
     return summary;
 }
 
-path_changes media_library::remove_folders(std::span<const std::string> paths) {
+path_changes media_library::remove_folders(std::span<const std::string> paths, const main_thread_runner& on_main) {
     path_changes result;
-    const auto leaving = check_known_folders(paths, folders_, result.refused);
+    std::vector<library_folder> present;
+    on_main([&] { present = folders_; });
+    const auto leaving = check_known_folders(paths, present, result.refused);
     const auto is_leaving = [&](std::int64_t id) {
         return std::ranges::find(leaving, id, &library_folder::id) != leaving.end();
     };
-    std::vector<std::string> gone;
-    for (const auto& [path, file] : files_)
-        if (is_leaving(file.folder)) gone.emplace_back(path);
     outcome done;
-    drop(gone, done, [&] {
-        for (const auto& folder : leaving) store_.remove_folder(folder.id);
-    });
-    std::erase_if(folders_, [&](const library_folder& each) { return is_leaving(each.id); });
+    drop(paths_where([&](std::string_view, const library_file& file) { return is_leaving(file.folder); }), done, on_main,
+         [&] {
+             for (const auto& folder : leaving) store_.remove_folder(folder.id);
+         });
+    change(on_main, [&] { std::erase_if(folders_, [&](const library_folder& each) { return is_leaving(each.id); }); });
     result.tracks_removed = done.changes.removed.size();
     notify(done);
     return result;
+}
+
+std::vector<std::string> media_library::paths_where(
+    const std::function<bool(std::string_view path, const library_file& file)>& is_wanted) const {
+    const std::shared_lock lock(files_mutex_);
+    std::vector<std::string> paths;
+    for (const auto& [path, file] : files_)
+        if (is_wanted(path, file)) paths.emplace_back(path);
+    return paths;
 }
 
 scan_summary media_library::rescan(const scan_options& options) {
@@ -182,35 +239,36 @@ scan_summary media_library::rescan(std::span<const std::string> paths, const sca
     return summary;
 }
 
-path_changes media_library::ignore(std::span<const std::string> paths) {
+path_changes media_library::ignore(std::span<const std::string> paths, const main_thread_runner& on_main) {
     path_changes result;
-    const auto fresh = check_ignored(paths, folders_, result.refused);
-    const auto is_leaving = [&](std::string_view path) {
+    std::vector<library_folder> present;
+    on_main([&] { present = folders_; });
+    const auto fresh = check_ignored(paths, present, result.refused);
+    const auto is_leaving = [&](std::string_view path, const library_file&) {
         return std::ranges::any_of(fresh, [&](const std::string& place) { return is_below(path, place); });
     };
-    std::vector<std::string> gone;
-    for (const auto& [path, file] : files_)
-        if (is_leaving(path)) gone.emplace_back(path);
     outcome done;
-    drop(gone, done, [&] {
+    drop(paths_where(is_leaving), done, on_main, [&] {
         for (const auto& path : fresh) store_.add_ignored(path);
     });
-    ignored_.insert(fresh.begin(), fresh.end());
+    change(on_main, [&] { ignored_.insert(fresh.begin(), fresh.end()); });
     result.tracks_removed = done.changes.removed.size();
     notify(done);
     return result;
 }
 
-path_changes media_library::stop_ignoring(std::span<const std::string> paths) {
+path_changes media_library::stop_ignoring(std::span<const std::string> paths, const main_thread_runner& on_main) {
     path_changes result;
+    ignored_paths present;
+    on_main([&] { present = ignored_; });
     for (const auto& given : paths) {
         const auto path = normal_path(given);
-        if (!ignored_.contains(path)) {
+        if (present.erase(path) == 0) {
             result.refused.push_back({path, "is not ignored. 'ostrevan library ignore' shows what is."});
             continue;
         }
         store_.remove_ignored(path);
-        ignored_.erase(path);
+        change(on_main, [&] { ignored_.erase(path); });
     }
     return result;
 }
@@ -226,13 +284,15 @@ scan_summary media_library::scan(std::span<const library_folder> folders, const 
             scan_folders({number, folders, ignored, files_mutex_}, files_, reader_, options,
                          [&](std::vector<scanned_file>&& files) { save(std::move(files), number, done, options.on_main); });
         if (report.is_stopped) done.displaced.clear();  // a stopped scan does not know where they went
-        options.on_main([&] { drop(report.gone, done, [&] { note_scan(report); }); });
+        scan_notes notes;
+        drop(report.gone, done, options.on_main, [&] { notes = store_notes(report); });
+        apply(notes, options.on_main);
         summary.tracks_unchanged = done.tracks_unchanged + report.tracks_unchanged;
         summary.absent = std::move(report.absent);
         summary.problems = std::move(report.problems);
         summary.is_stopped = report.is_stopped;
     } catch (...) {
-        options.on_main([&] { notify(done); });
+        notify(done);
         throw;
     }
     summary.tracks_added = done.changes.added.size();
@@ -240,43 +300,39 @@ scan_summary media_library::scan(std::span<const library_folder> folders, const 
     summary.tracks_removed = done.changes.removed.size();
     summary.tracks_moved = done.tracks_moved;
     summary.unclear = std::move(done.unclear);
-    options.on_main([&] { notify(done); });
+    notify(done);
     return summary;
 }
 
 void media_library::save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done,
                          const main_thread_runner& on_main) {
-    const auto is_other_sound = store(files, scan);
-    on_main([&] {
-        const std::unique_lock lock(files_mutex_);
-        for (std::size_t i = 0; i < files.size(); ++i) apply(std::move(files[i]), is_other_sound[i], done);
-    });
+    store(files, scan);
+    change_each(files.size(), on_main, [&](std::size_t i) { apply(std::move(files[i]), done); });
 }
 
-/// Returns whether the sounds are other ones than before. Files that have changed since they were read are left out: they
-/// are read again by the next scan, or are being read by whoever has changed them.
-std::vector<bool> media_library::store(std::vector<scanned_file>& files, std::uint64_t scan) {
-    std::vector<bool> is_other_sound;
+/// Files that have changed since they were read are left out: they are read again by the next scan, or are being read by
+/// whoever has changed them. So are files that have left the library meanwhile.
+void media_library::store(std::vector<scanned_file>& files, std::uint64_t scan) {
     sqlite::transaction saving(store_.database());
     std::erase_if(files, [](const scanned_file& each) { return !is_still(each.path, each.file.stamp); });
     {
         const std::shared_lock lock(files_mutex_);
         for (auto& [path, file, tracks] : files) {
             const auto known = files_.find(path);
-            if (known != files_.end()) file.id = known->second.id;
-            const auto before = known != files_.end() ? known->second.sound.value_or(0) : 0;
-            is_other_sound.push_back(before != 0 && file.sound.value_or(0) != 0 && before != file.sound);
-            file.arrived = known != files_.end() && !is_other_sound.back() ? known->second.arrived : scan;
+            const bool is_known = known != files_.end();
+            if (is_known) file.id = known->second.id;
+            file.arrived = is_known && !is_other_sound(known->second, file) ? known->second.arrived : scan;
             last_arrival_ = std::max(last_arrival_, file.arrived);
         }
     }
-    for (auto& [path, file, tracks] : files) file.id = store_.put_file(path, file, tracks);
+    std::erase_if(files, [this](scanned_file& each) {
+        each.file.id = store_.put_file(each.path, each.file, each.tracks);
+        return each.file.id == 0;
+    });
     saving.commit();
-    return is_other_sound;
 }
 
-void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& done) {
-    items_valid_ = false;
+void media_library::apply(scanned_file&& scanned, outcome& done) {
     auto found = files_.find(scanned.path);
     const bool is_new = found == files_.end();
     if (is_new)
@@ -288,7 +344,8 @@ void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& 
     const auto place = found;
     const auto path = place->first;
     auto& known = place->second;
-    if (is_other_sound) done.displaced.push_back(sound_at(path, known, scan_of(folders_, known.folder)));
+    const bool is_other = is_other_sound(known, scanned.file);
+    if (is_other) done.displaced.push_back(sound_at(path, known, scan_of(folders_, known.folder)));
     std::vector<track_ptr> tracks;
     tracks.reserve(scanned.tracks.size());
     for (auto& fresh : scanned.tracks) {
@@ -296,7 +353,7 @@ void media_library::apply(scanned_file&& scanned, bool is_other_sound, outcome& 
             std::ranges::find_if(known.tracks, [&](const track_ptr& each) { return is_same_track(each, fresh); });
         if (old != known.tracks.end()) {
             tracks.push_back(*old);
-            update(*old, std::move(fresh.info), is_other_sound, done);
+            update(*old, std::move(fresh.info), is_other, done);
         } else {
             tracks.push_back(tracks_.obtain(path, fresh.subsong));
             tracks.back()->publish(make_snapshot(std::move(fresh.info)));
@@ -325,25 +382,32 @@ void media_library::update(const track_ptr& track, file_info&& info, bool is_oth
         (is_other_sound ? done.assumed : done.changes.edited).push_back({track, before, after});
 }
 
-void media_library::drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more) {
-    auto moved = find_moved_files(files_, folders_, gone, std::move(done.displaced));
-    sqlite::transaction dropping(store_.database());
-    for (const auto& path : gone) store_.remove_file(files_.at(path).id);
-    for (const auto& path : moved.paths) store_.forget_edits(path);
-    for (const auto& [track, before, after, from] : moved.edits)
-        store_.put_edit({track->location().path, {from->subsong, before->info()}, from->path});
-    library_store::moved_locations places;
-    for (const auto& [track, before, after, from] : moved.edits) places.emplace(*from, track->location());
-    if (!places.empty()) store_.move_entries(places);
-    more();
-    dropping.commit();
-
-    const std::unique_lock lock(files_mutex_);
-    for (const auto& path : gone) {
-        const auto found = files_.find(path);
+void media_library::drop(std::span<const std::string> gone, outcome& done, const main_thread_runner& on_main,
+                         const std::function<void()>& more) {
+    moved_files moved;
+    std::vector<std::int64_t> ids;
+    {
+        const std::shared_lock lock(files_mutex_);
+        moved = find_moved_files(files_, folders_, gone, std::move(done.displaced));
+        for (const auto& path : gone) ids.push_back(files_.at(path).id);
+    }
+    {
+        sqlite::transaction dropping(store_.database());
+        for (const auto id : ids) store_.remove_file(id);
+        for (const auto& path : moved.paths) store_.forget_edits(path);
+        for (const auto& [track, before, after, from] : moved.edits)
+            store_.put_edit({track->location().path, {from->subsong, before->info()}, from->path});
+        library_store::moved_locations places;
+        for (const auto& [track, before, after, from] : moved.edits) places.emplace(*from, track->location());
+        if (!places.empty()) store_.move_entries(places);
+        more();
+        dropping.commit();
+    }
+    change_each(gone.size(), on_main, [&](std::size_t i) {
+        const auto found = files_.find(gone[i]);
         done.changes.removed.insert(done.changes.removed.end(), found->second.tracks.begin(), found->second.tracks.end());
         files_.erase(found);
-    }
+    });
     // An edit assumed from the length alone is none if either sound was found elsewhere.
     std::erase_if(done.assumed, [&](const track_edit& each) { return moved.paths.contains(each.track->location().path); });
     done.tracks_moved = moved.edits.size();
@@ -351,24 +415,38 @@ void media_library::drop(std::span<const std::string> gone, outcome& done, const
     done.unclear = std::move(moved.unclear);
 }
 
-void media_library::note_scan(const scan_report& report) {
-    for (const auto& path : report.on_other_device) {
-        const auto found = files_.find(path);
-        if (found == files_.end() || found->second.device == found->second.seen_on) continue;
-        store_.set_device(found->second.id, found->second.seen_on);
-        found->second.device = found->second.seen_on;
+/// Called inside a transaction.
+media_library::scan_notes media_library::store_notes(const scan_report& report) {
+    scan_notes notes;
+    {
+        const std::shared_lock lock(files_mutex_);
+        for (const auto& path : report.on_other_device) {
+            const auto found = files_.find(path);
+            if (found != files_.end() && found->second.device != found->second.seen_on)
+                notes.on_other_device.push_back({path, found->second.id, found->second.seen_on});
+        }
+        for (const auto& folder : folders_) {
+            const bool is_seen = std::ranges::find(report.folders_seen, folder.id) != report.folders_seen.end();
+            if (report.is_stopped || !is_seen || folder.scanned >= last_arrival_) continue;
+            notes.folders.push_back(folder);
+            notes.folders.back().scanned = scan_number_;
+        }
     }
-    if (report.is_stopped) return;
-    for (auto& folder : folders_) {
-        const bool is_seen = std::ranges::find(report.folders_seen, folder.id) != report.folders_seen.end();
-        if (!is_seen || folder.scanned >= last_arrival_) continue;
-        folder.scanned = scan_number_.load();
-        store_.set_scanned(folder);
-    }
+    for (const auto& [path, file, device] : notes.on_other_device) store_.set_device(file, device);
+    for (const auto& folder : notes.folders) store_.set_scanned(folder);
+    return notes;
+}
+
+void media_library::apply(const scan_notes& notes, const main_thread_runner& on_main) {
+    change_each(notes.on_other_device.size(), on_main, [&](std::size_t i) {
+        const auto& [path, file, device] = notes.on_other_device[i];
+        if (const auto found = files_.find(path); found != files_.end()) found->second.device = device;
+    });
+    for (const auto& folder : notes.folders)
+        change(on_main, [&] { std::ranges::find(folders_, folder.id, &library_folder::id)->scanned = folder.scanned; });
 }
 
 void media_library::notify(outcome& done) {
-    items_valid_ = false;
     std::ranges::move(done.assumed, std::back_inserter(done.changes.edited));
     if (!done.changes.empty()) observer_.on_library_changed(done.changes);
 }
@@ -402,11 +480,11 @@ std::vector<file_problem> media_library::refresh_tracks(std::span<const track_pt
     if (!of_library.empty()) save(std::move(of_library), scan_number_ + 1, done, on_main);
     changes.edited.clear();
     done.assumed.clear();
-    on_main([&] { notify(done); });
+    notify(done);
     return problems;
 }
 
-std::optional<library_file> media_library::library_file_at(const std::string& path) {
+std::optional<library_file> media_library::library_file_at(const std::string& path) const {
     const std::shared_lock lock(files_mutex_);
     const auto known = files_.find(path);
     return known == files_.end() ? std::nullopt : std::optional(known->second);

@@ -11,6 +11,7 @@
 
 #include "player/library/cue_files.h"
 #include "player/library/folder_rules.h"
+#include "player/library/kept_list.h"
 #include "player/library/library_changes.h"
 #include "player/library/library_files.h"
 #include "player/library/library_store.h"
@@ -31,8 +32,8 @@ struct path_changes {
 enum class refresh_mode { unknown_only, if_changed, always };
 
 /// The tracks of the folders added by the user, stored in a database and exposed as handles. [main-thread] Long work blocks
-/// its caller, and may be called on another thread, one at a time: it changes the library on the main thread, in small
-/// pieces.
+/// its caller, and may be called on another thread, one at a time: it changes the library on the main thread, in pieces of
+/// about a millisecond.
 class media_library {
 public:
     /// Opens or creates `database_path` and loads it without looking at any file. Table and observer must outlive the
@@ -44,30 +45,33 @@ public:
     [[nodiscard]] const std::vector<library_folder>& folders() const noexcept { return folders_; }
     /// By path, then subsong. Valid until the library changes.
     [[nodiscard]] const std::vector<track_ptr>& items() const;
-    /// In no order, which costs a fraction.
-    void append_items(std::vector<metadb_handle_ptr>& out) const;
+    /// The same as they are now. [any-thread]
+    [[nodiscard]] kept_list<track_ptr>::pointer sorted_items() const;
+    /// In no order, which costs a fraction. [any-thread]
+    [[nodiscard]] kept_list<metadb_handle_ptr>::pointer unordered_items() const;
     /// As in `track_table`. Nothing is known afterwards.
     void leave_behind();
     /// The tracks of one file; none if it is not in the library.
     [[nodiscard]] std::span<const track_ptr> items_of_file(const std::string& path) const;
 
-    // The following functions notify the observer before they return or throw sqlite::error; after that the library is in
-    // the state of the last portion saved. An unsuitable path is refused with the reason; the others are processed.
-
-    /// Adds the folders and scans them. Long work.
-    scan_summary add_folders(std::span<const std::string> paths, const scan_options& options = {});
-    /// The files are not touched.
-    path_changes remove_folders(std::span<const std::string> paths);
-    /// Scans all folders. Long work.
-    scan_summary rescan(const scan_options& options = {});
-    /// Scans the library folders at or around these paths. Long work.
-    scan_summary rescan(std::span<const std::string> paths, const scan_options& options = {});
-
     /// Files and folders below a library folder that are not part of the library.
     [[nodiscard]] const ignored_paths& ignored() const noexcept { return ignored_; }
-    path_changes ignore(std::span<const std::string> paths);
+
+    // Long work. The following functions notify the observer before they return or throw sqlite::error; after that the
+    // library is in the state of the last portion saved. An unsuitable path is refused with the reason; the others are
+    // processed.
+
+    /// Adds the folders and scans them.
+    scan_summary add_folders(std::span<const std::string> paths, const scan_options& options = {});
+    /// The files are not touched.
+    path_changes remove_folders(std::span<const std::string> paths, const main_thread_runner& on_main = run_here);
+    /// Scans all folders.
+    scan_summary rescan(const scan_options& options = {});
+    /// Scans the library folders at or around these paths.
+    scan_summary rescan(std::span<const std::string> paths, const scan_options& options = {});
+    path_changes ignore(std::span<const std::string> paths, const main_thread_runner& on_main = run_here);
     /// The next scan includes them again.
-    path_changes stop_ignoring(std::span<const std::string> paths);
+    path_changes stop_ignoring(std::span<const std::string> paths, const main_thread_runner& on_main = run_here);
 
     /// Reads files again, also for tracks outside the library. Publishes new snapshots, stores those of the library, and
     /// notifies the observer of modified, added and removed tracks, but not of edits, which are the caller's. Returns the
@@ -86,18 +90,27 @@ public:
 private:
     struct outcome;
     struct loaded_file;
+    struct scan_notes;
 
     void load();
     void enter(loaded_file&& loaded);
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
+    /// Changes files, folders or ignored paths on the main thread.
+    void change(const main_thread_runner& on_main, const std::function<void()>& work);
+    /// The same for `work` on each of `count` things, in pieces.
+    void change_each(std::size_t count, const main_thread_runner& on_main, const std::function<void(std::size_t)>& work);
     void save(std::vector<scanned_file>&& files, std::uint64_t scan, outcome& done, const main_thread_runner& on_main);
-    std::vector<bool> store(std::vector<scanned_file>& files, std::uint64_t scan);
-    void apply(scanned_file&& file, bool is_other_sound, outcome& done);
+    void store(std::vector<scanned_file>& files, std::uint64_t scan);
+    void apply(scanned_file&& file, outcome& done);
     static void update(const track_ptr& track, file_info&& info, bool is_other_sound, outcome& done);
+    [[nodiscard]] std::vector<std::string> paths_where(
+        const std::function<bool(std::string_view path, const library_file& file)>& is_wanted) const;
     /// Removes files, with `more` in the same transaction, and lets moved files keep their tracks.
-    void drop(std::span<const std::string> gone, outcome& done, const std::function<void()>& more);
-    void note_scan(const scan_report& report);
-    [[nodiscard]] std::optional<library_file> library_file_at(const std::string& path);
+    void drop(std::span<const std::string> gone, outcome& done, const main_thread_runner& on_main,
+              const std::function<void()>& more);
+    scan_notes store_notes(const scan_report& report);
+    void apply(const scan_notes& notes, const main_thread_runner& on_main);
+    [[nodiscard]] std::optional<library_file> library_file_at(const std::string& path) const;
     void notify(outcome& done);
 
     library_store store_;
@@ -106,14 +119,16 @@ private:
     library_observer& observer_;
     library::playlists playlists_;
     queue_store queue_;
+    // These are changed on the main thread, with the mutex, and read there without it.
+    mutable std::shared_mutex files_mutex_;
+    library_files files_;
     std::vector<library_folder> folders_;
-    std::shared_mutex files_mutex_;
-    library_files files_;  // changed on the main thread, with the mutex, and read there without it
     ignored_paths ignored_;
+    std::uint64_t changes_ = 1;
     std::atomic<std::uint64_t> scan_number_ = 0;  // of the last scan
     std::uint64_t last_arrival_ = 0;              // used with the lock of the database
-    mutable std::vector<track_ptr> items_;
-    mutable bool items_valid_ = false;
+    mutable kept_list<track_ptr> sorted_;
+    mutable kept_list<metadb_handle_ptr> unordered_;
 };
 
 }  // namespace ostrevan::library

@@ -34,9 +34,9 @@ void info_reload_service_impl::reload_async(metadb_handle_list_cref tracks, unsi
     core::check_main_thread("reload_async");
     constexpr library::refresh_mode modes[] = {library::refresh_mode::unknown_only, library::refresh_mode::if_changed,
                                                library::refresh_mode::always};
-    loop_.start_thread([this, own = own_tracks(tracks_, tracks), wanted = modes[std::min(mode, mode_force)],
+    loop_.start_thread([this, tracks = metadb_handle_list(tracks), wanted = modes[std::min(mode, mode_force)],
                         notify = std::move(notify)]() mutable {
-        auto result = reload(own, wanted);
+        auto result = reload(own_tracks(tracks_, tracks), wanted);
         loop_.post([this, result = std::move(result), notify = std::move(notify)] { finish(result, notify); });
     });
 }

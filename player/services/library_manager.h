@@ -19,8 +19,7 @@ public:
         out = metadb_handle_list(std::vector<metadb_handle_ptr>(library_.items().begin(), library_.items().end()));
     }
     void get_unordered_items(metadb_handle_list& out) const override {
-        out.items().clear();
-        library_.append_items(out.items());
+        out = metadb_handle_list(*library_.unordered_items());
     }
 
 private:

@@ -20,7 +20,7 @@ void tag_edit_news::tell(std::vector<library::track_edit> seen) {
 /// Components process each edit before they return. Portions let the main loop serve others when a tool has retagged the
 /// whole library. Each portion is freed on its own, since freeing everything at once takes long too.
 void tag_edit_news::tell_from(const std::shared_ptr<std::vector<library::track_edit>>& seen, std::size_t first) {
-    constexpr std::size_t portion = 1024;
+    constexpr std::size_t portion = 128;
     const auto rest = std::span(*seen).subspan(first);
     const auto now = rest.first(std::min(portion, rest.size()));
     std::vector<tag_edit> edits;

@@ -94,12 +94,12 @@ void print_ignored(run_context& context) {
 void ignore(run_context& context, const paths& places, bool undo) {
     auto& library = context.player.library;
     if (undo) {
-        const auto done = context.on_main([&] { return library.stop_ignoring(places); });
+        const auto done = library.stop_ignoring(places, context.player.on_main());
         refuse(context.screen, done.refused);
         if (done.refused.size() < places.size())
             context.screen.note("No longer left out; 'ostrevan library rescan' reads it.");
     } else {
-        const auto done = context.on_main([&] { return library.ignore(places); });
+        const auto done = library.ignore(places, context.player.on_main());
         refuse(context.screen, done.refused);
         if (done.refused.size() < places.size())
             context.screen.note(counted(done.tracks_removed, "track", "tracks") +
@@ -108,8 +108,7 @@ void ignore(run_context& context, const paths& places, bool undo) {
 }
 
 void remove_folders(run_context& context, const paths& folders) {
-    const auto places = normal(folders);
-    const auto done = context.on_main([&] { return context.player.library.remove_folders(places); });
+    const auto done = context.player.library.remove_folders(folders, context.player.on_main());
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size())
         context.screen.note(counted(done.tracks_removed, "track", "tracks") +
