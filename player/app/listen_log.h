@@ -1,6 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <unordered_map>
 
 #include "player/app/known_tracks.h"
 #include "player/index/index_store.h"
@@ -8,7 +13,7 @@
 
 namespace ostrevan::app {
 
-/// Notes counted plays for good. [main-thread]
+/// Notes counted plays and skips for good. [main-thread]
 class listen_log {
 public:
     listen_log(index::index_store& records, const services::index_manager_impl& index, known_tracks& known)
@@ -16,11 +21,20 @@ public:
 
     /// Called under the cause that counted the play. `seconds` were heard until then; `player` is another program, or empty.
     void note_play(const metadb_handle_ptr& track, double seconds, const std::string& player);
+    /// The listener left the track in its first half, after `seconds` were heard.
+    void note_skip(const metadb_handle_ptr& track, double seconds, const std::string& player);
+    /// How often the track was skipped. The first call reads all listens; throws std::runtime_error when that fails.
+    /// [any-thread]
+    [[nodiscard]] std::size_t skips_of(const metadb_handle& track);
 
 private:
+    [[nodiscard]] index::listen listen_to(const metadb_handle& track, double seconds, const std::string& player) const;
+
     index::index_store& records_;
     const services::index_manager_impl& index_;
     known_tracks& known_;
+    std::mutex mutex_;                                                     // held from noting a skip to counting it
+    std::optional<std::unordered_map<std::uint64_t, std::size_t>> skips_;  // by the key in the first index
 };
 
 }  // namespace ostrevan::app

@@ -8,18 +8,37 @@
 
 #include "player/library/disk_tracks.h"
 #include "player/system/local_path.h"
+#include "player/titleformat/integer.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::app {
 namespace {
 
+double number_of(const titleformat::track_fields& fields, std::string_view name) {
+    std::string text;
+    if (!fields.field(name, text)) return 0;
+    return static_cast<double>(std::max<std::int64_t>(titleformat::leading_integer(text).value_or(0), 0));
+}
+
+/// What is often skipped and seldom played comes late: half as early after one skip of a track never played, hardly later
+/// after one among a hundred plays.
+double weight_of(const titleformat::track_fields& fields) {
+    const auto plays = number_of(fields, "play_count"), skips = number_of(fields, "skip_count");
+    return (1 + plays) / (1 + plays + skips);
+}
+
 playback::queue make_queue(session& player, const metadb_handle_list& tracks, playback::play_modes modes) {
     // The album artist of a compilation is often missing, and its artists differ.
     const auto album = titleformat::compile("$if(%album%,%album%|%directoryname%)");
     std::vector<std::string> albums;
-    for (const auto& track : tracks) albums.push_back(album.run(titleformat::track_fields(player.fields, *track)).text);
+    std::vector<double> weights;
+    for (const auto& track : tracks) {
+        const titleformat::track_fields fields(player.fields, *track);
+        albums.push_back(album.run(fields).text);
+        weights.push_back(weight_of(fields));
+    }
     std::random_device entropy;
-    return {std::move(albums), modes, (std::uint64_t{entropy()} << 32U) + entropy()};
+    return {std::move(albums), modes, (std::uint64_t{entropy()} << 32U) + entropy(), std::move(weights)};
 }
 
 /// The database may have been changed by another program.

@@ -23,7 +23,7 @@ void playing::start(play_start start, playback::play_options options, play_watch
     if (!engine_) return begin(std::move(next));
     if (next_) next_->starter->on_ended(true);  // has not begun
     next_ = std::move(next);
-    engine_->perform({playback::action::quit});
+    engine_->perform({playback::action::make_way});
 }
 
 /// The playback is a job of its own, and its thread that job's own thread.
@@ -153,6 +153,11 @@ playback::play_callbacks playing::callbacks() {
         });
     };
     out.on_counted = [this](std::size_t place, double heard) { post([this, place, heard] { count(place, heard); }); };
+    out.on_skipped = [this](std::size_t place, double heard) {
+        post([this, place, heard] {
+            if (is_heard_) log_.note_skip(tracks_[place], heard, {});
+        });
+    };
     out.on_hearing = [this](bool is_heard) {
         post([this, is_heard] {
             is_heard_ = is_heard;

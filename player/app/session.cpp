@@ -28,6 +28,7 @@
 #include "player/services/playlist_manager.h"
 #include "player/services/popup_message.h"
 #include "player/services/progress_service.h"
+#include "player/services/skip_count_field.h"
 #include "player/services/text_helper_service.h"
 #include "player/services/thread_service.h"
 #include "player/services/titleformat_service.h"
@@ -103,6 +104,7 @@ void session::offer_services() {
     core::offer<services::playlist_manager_impl>(services, library.playlists(), tracks);
     core::offer<services::input_entry_impl>(services);
     core::offer<services::library_search_impl>(services, loop, ui_, services, library, fields);
+    core::offer<services::skip_count_field_impl>(services, [this](const auto& track) { return listens.skips_of(track); });
     core::offer<services::progress_service_impl>(services, ui_);
     auto& open_dialogs = core::offer<services::dialog_registry_impl>(services);
     core::offer<services::dialog_service_impl>(services, loop, ui_, open_dialogs, player_);

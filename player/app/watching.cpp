@@ -58,6 +58,8 @@ watching::heard_player& watching::player_called(const std::string& name) {
         .on_playing = [this, name](const watch::told_track& told, bool is_new) { on_playing(name, told, is_new); },
         .on_counted = [this, name](const watch::told_track& told, double heard,
                                    double began) { on_counted(name, told, heard, began); },
+        .on_skipped = [this, name](const watch::told_track& told, double heard,
+                                   double began) { on_skipped(name, told, heard, began); },
         .true_length = [this, name](const watch::told_track& told) { return true_length(name, told); }};
     return heard_.emplace(name, heard_player{watch::listener(std::move(events))}).first->second;
 }
@@ -92,7 +94,7 @@ void watching::on_counted(const std::string& name, const watch::told_track& told
     look_up(player, told);
     watch_report play{watch_report::kind::counted, name, told, player.found.track, player.found.reason};
     if (!play.track) return leave_out(std::move(play));
-    if (is_heard_twice(name, began, play.track)) {
+    if (is_heard_twice(plays_, name, began, play.track)) {
         play.what = watch_report::kind::not_counted;
         play.reason = "it was counted for " + plays_[play.track].player + ", which plays it as well";
         return report_(play);
@@ -100,10 +102,20 @@ void watching::on_counted(const std::string& name, const watch::told_track& told
     if (count(play, heard)) plays_[play.track] = {name, time_};
 }
 
+void watching::on_skipped(const std::string& name, const watch::told_track& told, double heard, double began) {
+    auto& player = player_called(name);
+    look_up(player, told);
+    const auto track = player.found.track;
+    if (!track || is_heard_twice(skips_, name, began, track)) return;
+    skips_[track] = {name, time_};
+    player_.loop.call([&] { player_.listens.note_skip(track, heard, name); });
+}
+
 /// Some players come to the bus twice, themselves and through another program. Nobody hears a track twice at the same time.
-bool watching::is_heard_twice(const std::string& name, double began, const library::track_ptr& track) {
-    const auto last = plays_.find(track);
-    return last != plays_.end() && last->second.player != name && began < last->second.time;
+bool watching::is_heard_twice(const last_plays& known, const std::string& name, double began,
+                              const library::track_ptr& track) {
+    const auto last = known.find(track);
+    return last != known.end() && last->second.player != name && began < last->second.time;
 }
 
 void watching::leave_out(watch_report play) {

@@ -63,6 +63,8 @@ private:
         double time = 0;
     };
 
+    using last_plays = std::map<library::track_ptr, last_play>;
+
     void take(const watch::observation& heard);
     void on_trouble(const std::string& source, const std::string& text);
     heard_player& player_called(const std::string& name);
@@ -70,7 +72,10 @@ private:
     void on_counted(const std::string& name, const watch::told_track& told, double heard, double began);
     void look_up(heard_player& player, const watch::told_track& told);
     double true_length(const std::string& name, const watch::told_track& told);
-    [[nodiscard]] bool is_heard_twice(const std::string& name, double began, const library::track_ptr& track);
+    /// Whether another player told the same at the same time.
+    [[nodiscard]] static bool is_heard_twice(const last_plays& known, const std::string& name, double began,
+                                             const library::track_ptr& track);
+    void on_skipped(const std::string& name, const watch::told_track& told, double heard, double began);
     /// Returns whether a component counted it.
     bool count(const watch_report& play, double heard);
     void leave_out(watch_report play);
@@ -81,7 +86,8 @@ private:
     const report_sink report_;
     double time_ = 0;  // of the observation in hand
     std::map<std::string, heard_player> heard_;
-    std::map<library::track_ptr, last_play> plays_;
+    last_plays plays_;
+    last_plays skips_;
     std::map<std::string, std::string> troubles_;  // by source
     std::set<std::string> left_out_;               // tracks already named
 };

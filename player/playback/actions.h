@@ -20,6 +20,7 @@ enum class action {
     toggle_stop_after,
     rate,  ///< 1 to 5; 0 removes the rating. Carried out by the components
     quit,
+    make_way,  ///< the playback ends, for another one
 };
 
 struct request {

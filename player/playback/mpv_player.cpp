@@ -83,6 +83,7 @@ private:
     void drop_pending();
     void append_next();
     void jump(std::optional<turn> target);
+    void leave();
     void end_list();
     [[nodiscard]] play_item request_for(std::size_t place) const;
     void perform(const request& wanted);
@@ -199,6 +200,12 @@ void mpv_player::session::jump(std::optional<turn> target) {
     queued_.emplace(core_.replace(item), queued_item{*found, order.place(*found)});
 }
 
+/// By the listener's own act, and not to come back to it: neither after `previous` nor after quitting, which keeps the
+/// queue.
+void mpv_player::session::leave() {
+    if (sounding_ && rule_.left(position_)) report(callbacks_.on_skipped, *current_, rule_.listened());
+}
+
 /// Where a later playback of the list begins.
 void mpv_player::session::end_list() {
     auto& order = status_.order;
@@ -231,6 +238,7 @@ void mpv_player::session::perform(const request& wanted) {
             set_pause(false);
             break;
         case action::next:
+            leave();
             return jump(order.after(order.current()));
         case action::previous:
             drop_pending();
@@ -259,6 +267,10 @@ void mpv_player::session::perform(const request& wanted) {
             break;
         case action::toggle_stop_after:
             order.set_stop_after(!before.stop_after);
+            break;
+        case action::make_way:
+            leave();
+            has_quit_ = true;
             break;
         case action::quit:
             has_quit_ = true;

@@ -54,6 +54,8 @@ struct play_callbacks {
     std::function<void(std::size_t index)> on_started;
     /// The item counts as played; once each time it is heard.
     std::function<void(std::size_t index, double heard)> on_counted;
+    /// The listener left the item for another one in its first half, after `heard` seconds, and it does not count as played.
+    std::function<void(std::size_t index, double heard)> on_skipped;
     /// A started item has ended, or playback was stopped.
     std::function<void(std::size_t index)> on_finished;
     /// The item cannot be played, or not to its end; the list goes on. `text` is the reason, without the path.

@@ -40,6 +40,12 @@ bool play_rule::ended(end_reason reason) noexcept {
     return first_time;
 }
 
+bool play_rule::left(double position) noexcept {
+    const bool is_skipped = playing_ && !counted_ && position < duration_ / 2;
+    if (is_skipped) playing_ = false;
+    return is_skipped;
+}
+
 bool play_rule::enough() const noexcept {
     const double needed = duration_ > 0 ? std::min(duration_ * thresholds_.share, thresholds_.seconds) : thresholds_.seconds;
     return listened_ >= needed;

@@ -44,6 +44,10 @@ public:
     /// Returns true when the end makes the track count.
     [[nodiscard]] bool ended(end_reason reason) noexcept;
 
+    /// The listener leaves the track at this position. Returns true when that skips it: in the first half, and before it
+    /// counts.
+    [[nodiscard]] bool left(double position) noexcept;
+
     /// Seconds of the current track listened to.
     [[nodiscard]] double listened() const noexcept { return listened_; }
 

@@ -33,8 +33,11 @@ bool is_order(std::vector<std::uint32_t> round, std::size_t count) {
 
 }  // namespace
 
-queue::queue(std::vector<std::string> albums, play_modes modes, std::uint64_t seed)
-    : albums_(std::make_shared<const std::vector<std::string>>(std::move(albums))), modes_(modes), random_(seed) {
+queue::queue(std::vector<std::string> albums, play_modes modes, std::uint64_t seed, std::vector<double> weights)
+    : albums_(std::make_shared<const std::vector<std::string>>(std::move(albums))),
+      weights_(std::make_shared<const std::vector<double>>(std::move(weights))),
+      modes_(modes),
+      random_(seed) {
     order_ = std::make_shared<const places>(modes_.shuffle == shuffle_mode::off ? in_order(size()) : shuffled());
 }
 
@@ -56,16 +59,24 @@ std::vector<std::uint32_t> queue::round() const {
     return {from, from + static_cast<std::ptrdiff_t>(size())};
 }
 
+/// Each group waits for a random time, exponentially distributed with its weight as the rate: the next one is always drawn
+/// by the weights of those left.
 std::vector<std::uint32_t> queue::shuffled() {
-    if (modes_.shuffle == shuffle_mode::tracks) {
-        auto result = in_order(size());
-        std::ranges::shuffle(result, random_);
-        return result;
+    std::vector<places> groups;
+    if (modes_.shuffle == shuffle_mode::albums) groups = by_album(*albums_);
+    else
+        for (const auto place : in_order(size())) groups.push_back({place});
+
+    std::exponential_distribution<double> wait;
+    std::vector<std::pair<double, const places*>> due;
+    for (const auto& group : groups) {
+        double sum = 0;
+        for (const auto place : group) sum += weight(place);
+        due.emplace_back(wait(random_) * static_cast<double>(group.size()) / sum, &group);
     }
-    auto groups = by_album(*albums_);
-    std::ranges::shuffle(groups, random_);
+    std::ranges::sort(due);
     places result;
-    for (const auto& group : groups) result.insert(result.end(), group.begin(), group.end());
+    for (const auto& [time, group] : due) result.insert(result.end(), group->begin(), group->end());
     return result;
 }
 

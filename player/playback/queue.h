@@ -31,8 +31,9 @@ public:
     using turn = std::uint64_t;
 
     /// `albums` has the album of each place; one without a name is an album of its own. Shuffled from the start when the
-    /// modes say so.
-    queue(std::vector<std::string> albums, play_modes modes, std::uint64_t seed);
+    /// modes say so. `weights`, of each place, are above 0: in a shuffled round the place with the larger one tends to come
+    /// earlier, an album by the mean of its tracks. Without them, every order is equally likely.
+    queue(std::vector<std::string> albums, play_modes modes, std::uint64_t seed, std::vector<double> weights = {});
     explicit queue(std::size_t count, play_modes modes = {}, std::uint64_t seed = 0)
         : queue(std::vector<std::string>(count), modes, seed) {}
 
@@ -70,10 +71,12 @@ private:
     using places = std::vector<std::uint32_t>;
 
     [[nodiscard]] places shuffled();
+    [[nodiscard]] double weight(std::uint32_t place) const { return weights_->empty() ? 1 : (*weights_)[place]; }
     void add_round();
     void start(places round, std::size_t place);
 
     std::shared_ptr<const std::vector<std::string>> albums_;
+    std::shared_ptr<const std::vector<double>> weights_;
     play_modes modes_;
     std::mt19937_64 random_;
     std::shared_ptr<const places> order_;  // whole rounds: the one before the current one, if any, and those after it

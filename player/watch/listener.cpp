@@ -13,6 +13,8 @@ using playback::end_reason;
 constexpr double slack = 2;
 /// A player that says "0" for as long, or nothing, while it plays does not know its position: the clock decides.
 constexpr double patience = 10;
+/// Seconds to be heard of a track that is then skipped.
+constexpr double least_of_skip = 5;
 /// Longer "lengths" are those of live broadcasts; later positions are nonsense.
 constexpr double longest = 1e6;
 
@@ -122,6 +124,8 @@ void listener::move_to(double position) {
 void listener::on(const has_track& heard) {
     const auto alike = compare(next_.value_or(track_), heard.track, is_placed_);
     if (alike == likeness::other) {
+        if (is_surely_left() && rule_.left(expected() + slack) && report_.on_skipped)
+            report_.on_skipped(track_, rule_.listened(), began_);
         end();
         next_.reset();
         track_ = heard.track;
@@ -132,6 +136,13 @@ void listener::on(const has_track& heard) {
         if (next_) next_ = heard.track;
         else describe(heard.track);
     }
+}
+
+/// Players say no more of a skip than that another track plays. A player that stopped, that does not know its position, or
+/// that just began again, since it tells of the next track late, may have had other reasons.
+bool listener::is_surely_left() const {
+    return is_under_way_ && state_ == play_state::playing && is_placed_ && !is_by_clock_ && !next_ &&
+           rule_.listened() >= least_of_skip;
 }
 
 void listener::expect(const told_track& track) {

@@ -19,6 +19,8 @@ public:
         std::function<void(const told_track&, bool is_new)> on_playing;
         /// The track counts as played, after `heard` seconds; it began at `began` by the clock of the observations.
         std::function<void(const told_track&, double heard, double began)> on_counted;
+        /// The listener went on to another track in the first half, after `heard` seconds.
+        std::function<void(const told_track&, double heard, double began)> on_skipped{};
         /// The length of the file in seconds, which players guess at; 0 when unknown.
         std::function<double(const told_track&)> true_length{};
     };
@@ -50,6 +52,7 @@ private:
     void describe(const told_track& track);
     void set_length();
     void expect(const told_track& track);
+    [[nodiscard]] bool is_surely_left() const;
 
     const events report_;
     playback::play_rule rule_;

@@ -46,6 +46,7 @@ protected:
     play_callbacks recording() {
         return {.on_started = [this](std::size_t i) { log_.push_back("started " + std::to_string(i)); },
                 .on_counted = [this](std::size_t i, double) { log_.push_back("counted " + std::to_string(i)); },
+                .on_skipped = {},
                 .on_finished = [this](std::size_t i) { log_.push_back("finished " + std::to_string(i)); },
                 .on_error =
                     [this](std::size_t i, const std::string& text) {
@@ -160,6 +161,32 @@ TEST_F(mpv_player_test, does_what_the_listener_asks_for_and_counts_what_is_heard
         player.run(std::vector<play_item>{{path("a.wav"), 1.0, {}}, {path("a.flac"), 1.0, {}}}, queue(2), stop_);
         if (stop_) log_.resize(expected.size());  // repeated without an end
         EXPECT_EQ(log_, expected);
+        log_.clear();
+        stop_ = false;
+    }
+}
+
+TEST_F(mpv_player_test, skips_what_the_listener_leaves_for_something_else_in_its_first_half) {
+    struct row {
+        std::vector<request> asked;
+        int skips;
+    };
+    for (const auto& [asked, expected] :
+         {row{{{action::next}, {action::next}}, 1}, row{{{action::make_way}}, 1}, row{{{action::quit}}, 0},
+          row{{{action::previous}}, 0}, row{{{action::seek_to, 49}, {action::next}}, 1},
+          row{{{action::seek_to, 51}, {action::next}}, 0}}) {
+        int skips = 0, turns = 0;
+        mpv_player* playing = nullptr;
+        auto callbacks = recording();
+        callbacks.on_skipped = [&](std::size_t, double) { ++skips; };
+        callbacks.on_turn = [&] {
+            if (log_.empty() || ++turns > 9) return void(stop_ = turns > 9);
+            for (const auto& each : turns == 1 ? asked : std::vector<request>{}) playing->perform(each);
+        };
+        mpv_player player({.audio = audio_output::null}, callbacks);
+        playing = &player;
+        player.run(std::vector<play_item>{{path("long.flac"), {}, {}}}, queue(1), stop_);
+        EXPECT_EQ(skips, expected) << &asked;
         log_.clear();
         stop_ = false;
     }

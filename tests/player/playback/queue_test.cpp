@@ -98,6 +98,19 @@ TEST(queue, keeps_albums_together_and_in_order) {
     EXPECT_EQ(heard(queue({"A", "A"}, {.repeat = repeat_mode::list, .shuffle = shuffle_mode::albums}, 1), "fff"), "0101");
 }
 
+TEST(queue, brings_a_light_track_or_album_late) {
+    for (const auto mode : {shuffle_mode::tracks, shuffle_mode::albums}) {
+        std::size_t late = 0, middle = 0;
+        for (std::uint64_t seed = 0; seed < 300; ++seed) {
+            const auto round = queue({"A", "B", "C", "D"}, {.shuffle = mode}, seed, {1, 0.01, 1, 1}).round();
+            late += round.back() == 1 ? 1 : 0;
+            middle += round[1] == 2 ? 1 : 0;
+        }
+        EXPECT_GT(late, 270U);
+        EXPECT_NEAR(static_cast<double>(middle), 100, 30) << "the others are equally likely";
+    }
+}
+
 TEST(queue, goes_on_with_the_order_it_had) {
     queue list(4, {.shuffle = shuffle_mode::tracks}, 7);
     EXPECT_FALSE(list.resume({0, 1, 2}, 0));

@@ -42,5 +42,6 @@ class Desktop(WatchTest):
         self.playerctl("stop")
         self.assertEqual(player.wait(timeout=30), 0)
         self.assertEqual(self.playerctl("-l"), "")
+        self.assertEqual(self.track(long)["skip_count"], 2)
         monitor.terminate()
         self.assertEqual(len(re.findall(r"int64 (?:30|2\d)\d{6}\n", monitor.communicate()[0])), 2)

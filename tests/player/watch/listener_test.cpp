@@ -15,6 +15,8 @@ struct stage {
         {.on_playing = [this](const told_track& track, bool is_new) { shown += track.title + (is_new ? " " : "* "); },
          .on_counted = [this](const told_track& track, double,
                               double) { counted += track.title + "@" + std::to_string(int(time) - 1000) + " "; },
+         .on_skipped = [this](const told_track& track, double heard,
+                              double) { counted += track.title + "-" + std::to_string(int(heard)) + " "; },
          .true_length = [this](const told_track&) { return known; }}};
 
     stage& tell(const news& what) { return ear.hear(time, what), *this; }
@@ -51,7 +53,10 @@ constexpr auto page = "https://example.org/page";
 TEST(listener, counts_each_time_a_track_is_heard_once) {
     const scene table[] = {
         {"half of the track", [](stage& s) { s.track("a", 100).playing().play(100); }, "a@50 "},
-        {"left before half", [](stage& s) { s.track("a", 100).playing().play(49).track("b", 100).play(1, 0); }, ""},
+        {"left before half", [](stage& s) { s.track("a", 100).playing().play(45).track("b", 100).play(1, 0); }, "a-45 "},
+        {"left when it had hardly begun", [](stage& s) { s.track("a", 100).playing().play(4).track("b", 100); }, ""},
+        {"left when it was stopped",
+         [](stage& s) { s.track("a", 100).playing().play(40).stopped().track("b", 100).playing(); }, ""},
         {"track told after the state", [](stage& s) { s.playing().track("a", 100).play(60); }, "a@50 "},
         {"repeat, shown by the position alone", [](stage& s) { s.track("a", 100).playing().play(100).play(100, 0); },
          "a@50 a@150 "},
@@ -133,7 +138,8 @@ TEST(listener, counts_each_time_a_track_is_heard_once) {
          [](stage& s) { s.track("a", 20, "", page).playing().play(20).track("b", 20, "", page).play(20, 0).stopped(); },
          "a@21 b@40 "},
         {"no address: an old position after the next track was told",
-         [](stage& s) { s.track("a", 100, "1", "").playing().play(40).track("b", 100, "2", "").at(40).play(15, 0); }, ""},
+         [](stage& s) { s.track("a", 100, "1", "").playing().play(40).track("b", 100, "2", "").at(40).play(15, 0); },
+         "a-40 "},
         {"the same file twice, and an old position",
          [](stage& s) { s.track("a", 100, "1").playing().play(60).track("a", 100, "2").at(60).play(60, 0); }, "a@50 a@110 "},
         {"neither address nor position",
