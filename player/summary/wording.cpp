@@ -51,19 +51,24 @@ std::string title_of(const question& wanted, const figures& of) {
     return text_of(first) == text_of(last) ? text_of(first) : text_of(first) + " to " + text_of(last);
 }
 
-std::vector<std::string> overview(const question& wanted, const figures& of) {
+std::string headline(const figures& of) {
+    return counted(of.plays.all(), "play") + ", " + counted(of.skips, "skip") + ", " + std::to_string(of.played_tracks) +
+           " of " + counted(of.tracks, "track") + " played.";
+}
+
+std::vector<std::string> reservations(const figures& of) {
     std::vector<std::string> lines;
-    lines.push_back(counted(of.plays.dated, "play") + ", " + counted(of.skips, "skip") + ".");
+    const auto known_as_number = [](std::size_t number) {
+        return counted(number, "play") + (number == 1 ? " is" : " are") + " known only as a number";
+    };
     if (of.plays.undated != 0)
-        lines.push_back(counted(of.plays.undated, "more play") +
-                        " known only as a number: nobody noted when, so no month, weekday or hour shows them.");
+        lines.push_back("Of these, " + known_as_number(of.plays.undated) +
+                        ": nobody noted when, so no month, weekday or hour shows them.");
     if (of.undated_elsewhere != 0)
-        lines.push_back(counted(of.undated_elsewhere, "play") +
-                        " known only as a number left out: nobody noted when they were.");
+        lines.push_back(known_as_number(of.undated_elsewhere) + " and left out: nobody noted when.");
     if (of.without_track != 0)
-        lines.push_back(counted(of.without_track, "play") + " of tracks that are not in the library.");
-    lines.push_back(std::to_string(of.played_tracks) + " of " + counted(of.tracks, "track") + " played" +
-                    (wanted.is_all_time() ? "." : " in this time."));
+        lines.push_back("Of these, " + counted(of.without_track, "play") + (of.without_track == 1 ? " is" : " are") +
+                        " of tracks that are not in the library.");
     return lines;
 }
 
@@ -76,5 +81,9 @@ std::string title_of_added(const question& wanted, const figures& of) {
 std::string title_of_never_played(const figures& of) { return "Never played: " + std::to_string(of.never_played.count); }
 
 std::string title_of_long_ago(const figures& of) { return "Not played for a year: " + std::to_string(of.long_ago.count); }
+
+std::string title_of_ratings(const figures& of) {
+    return "Ratings: " + std::to_string(of.tracks - of.ratings[0]) + ", " + std::to_string(of.ratings[0]) + " not rated";
+}
 
 }  // namespace ostrevan::summary

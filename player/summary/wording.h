@@ -26,12 +26,15 @@ std::string counted(std::size_t number, std::string_view thing);
 
 /// What the period is, such as "2026-01-01 to 2026-03-31".
 std::string title_of(const question& wanted, const figures& of);
-/// What was counted, and what is not known of it: one sentence a line.
-std::vector<std::string> overview(const question& wanted, const figures& of);
+/// The sums, in one sentence.
+std::string headline(const figures& of);
+/// What is not known of the plays: sentences, often none.
+std::vector<std::string> reservations(const figures& of);
 
 /// The title of each list of tracks, its number included.
 std::string title_of_added(const question& wanted, const figures& of);
 std::string title_of_never_played(const figures& of);
 std::string title_of_long_ago(const figures& of);
+std::string title_of_ratings(const figures& of);
 
 }  // namespace ostrevan::summary

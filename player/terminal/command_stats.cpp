@@ -2,11 +2,13 @@
 #include <chrono>
 
 #include "player/app/listening_summary.h"
+#include "player/summary/page.h"
 #include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/stats_json.h"
 #include "player/terminal/stats_text.h"
 #include "player/terminal/track_json.h"
+#include "player/terminal/written_file.h"
 
 namespace ostrevan::terminal {
 namespace {
@@ -17,6 +19,7 @@ constexpr const char* stats_examples =
     "  ostrevan stats --from 2026\n"
     "  ostrevan stats --from 2026-03 --to 2026-05 '%genre% HAS jazz'\n"
     "  ostrevan stats --limit 50 --json | jq '.top_artists'\n"
+    "  ostrevan stats --from 2026 --html year.html\n"
     "A PERIOD is a year, a month, a day, or a time of a day: 2026, 2026-03, 2026-03-01, '2026-03-01 18'.";
 
 struct stats_words {
@@ -24,6 +27,7 @@ struct stats_words {
     std::optional<std::string> from{}, to{};
     std::size_t limit = 10;
     bool json = false;
+    std::optional<std::string> html{};
 };
 
 query::period period_of(const std::string& text) {
@@ -53,7 +57,10 @@ void print_stats(run_context& context, const stats_words& words) {
     const auto wanted = question_of(words);
     const auto figures = app::listening_summary(context.player, query_of(words), wanted);
     const auto width = context.screen.width_of_output();
-    if (words.json) context.out << text_of(stats_json(wanted, figures)) << '\n';
+    if (words.html) {
+        if (write_asking(context, *words.html, summary::page_of(wanted, figures), "Summary"))
+            context.screen.note("Written: " + *words.html + ".");
+    } else if (words.json) context.out << text_of(stats_json(wanted, figures)) << '\n';
     else write_stats(context.out, wanted, figures, width == 0 ? usual_width : width, width != 0);
 }
 
@@ -65,6 +72,9 @@ const command_file stats_command(127, [](declared_command& program) {
     stats.add_option("--to", &words->to, "Plays until the end of this period").called("PERIOD");
     stats.add_option("--limit", &words->limit, "How many names in each list").show_default();
     stats.add_flag("--json", words->json, "An object");
+    stats.add_option("--html", &words->html, "Write a page for a browser, which needs nothing else")
+        .called("FILE")
+        .excludes("--json");
     stats.run([words](run_context& context) { print_stats(context, *words); });
 });
 

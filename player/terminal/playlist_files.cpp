@@ -10,7 +10,7 @@
 #include "player/app/track_selection.h"
 #include "player/library/locations.h"
 #include "player/library/m3u.h"
-#include "player/system/durable_file.h"
+#include "player/terminal/written_file.h"
 
 namespace ostrevan::terminal {
 namespace {
@@ -75,15 +75,6 @@ std::vector<playable_location> read_playlist_file(run_context& context, const st
 }
 
 bool write_playlist_file(run_context& context, const std::vector<playable_location>& entries, const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::exists(path, error)) {
-        const auto answer =
-            context.screen.ask({.text = path + " is there already. Replace it?",
-                                .title = "Playlist",
-                                .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
-                                .reply = {}});
-        if (answer != popup_message_v3::answer_yes) return false;
-    }
     const auto title = titleformat::compile("[%artist% - ]%title%");
     std::vector<library::m3u_entry> lines;
     for (const auto& track : app::tracks_of_entries(context.player, entries)) {
@@ -91,8 +82,7 @@ bool write_playlist_file(run_context& context, const std::vector<playable_locati
         lines.push_back({track->location().path, track->location().subsong, info ? info->info().length() : 0,
                          title.run(titleformat::track_fields(context.player.fields, *track)).text});
     }
-    system::replace_file(path, library::m3u_text(lines));
-    return true;
+    return write_asking(context, path, library::m3u_text(lines), "Playlist");
 }
 
 }  // namespace ostrevan::terminal

@@ -74,9 +74,9 @@ bar_chart hours_of(const figures& of) {
 }
 
 bar_chart ratings_of(const figures& of) {
-    bar_chart chart("Ratings");
-    for (std::size_t stars = of.ratings.size(); of.tracks != 0 && stars-- > 0;)
-        chart.add(stars == 0 ? "not rated" : summary::counted(stars, "star"), of.ratings[stars]);
+    bar_chart chart(summary::title_of_ratings(of));
+    for (std::size_t stars = of.ratings.size(); of.tracks != of.ratings[0] && --stars > 0;)
+        chart.add(summary::counted(stars, "star"), of.ratings[stars]);
     return chart;
 }
 
@@ -98,9 +98,10 @@ void write_list(std::ostream& out, std::size_t width, const std::string& title, 
 void write_stats(std::ostream& out, const summary::question& wanted, const figures& of, std::size_t width,
                  bool with_blocks) {
     out << summary::title_of(wanted, of) << '\n';
-    for (const auto& line : summary::overview(wanted, of)) write_sentence(out, line, width);
+    write_sentence(out, summary::headline(of), width);
+    for (const auto& line : summary::reservations(of)) write_sentence(out, line, width);
     if (of.plays.undated != 0)
-        write_sentence(out, std::string("In the bars these plays are ") + (with_blocks ? "░." : ":::."), width);
+        write_sentence(out, std::string("The bars show plays without a time as ") + (with_blocks ? "░." : ":::."), width);
     for (const auto& chart :
          {ranking("Top artists", of.top_artists), ranking("Top albums", of.top_albums), ranking("Top tracks", of.top_tracks),
           years_of(of), months_of(of), weekdays_of(of), hours_of(of), skips_of(of), ratings_of(of)}) {
