@@ -44,6 +44,8 @@ public:
         return static_cast<T&>(*services.at(T::class_guid, 0));
     }
 
+    [[nodiscard]] const ostrevan::titleformat::component_fields& fields() const noexcept { return fields_; }
+
     ostrevan::core::main_loop loop;
     ostrevan::core::service_registry services;
 
