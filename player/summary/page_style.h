@@ -25,6 +25,7 @@ p { margin: .3rem 0; }
 section { grid-column: span 3; min-width: 0; }
 section.wide { grid-column: span 6; }
 section.third { grid-column: span 2; }
+section.third .name { white-space: normal; }
 svg { display: block; width: 100%; overflow: visible; }
 .columns { height: 9rem; border-bottom: 1px solid var(--line); }
 .bar { height: .5rem; border-radius: 4px; overflow: hidden; }
