@@ -31,10 +31,8 @@ std::vector<std::uint64_t> keys_of_tracks(const registration& index, std::span<c
     return keys;
 }
 
-std::vector<std::byte> record_at(const index::index_store& records, const nuv::guid& index, std::uint64_t key) {
-    std::vector<std::byte> bytes(records.read(index, key, nullptr, 0));
-    bytes.resize(std::min(bytes.size(), records.read(index, key, bytes.data(), bytes.size())));
-    return bytes;
+std::span<const std::byte> bytes_of(const std::optional<std::vector<std::byte>>& record) {
+    return record ? std::span<const std::byte>(*record) : std::span<const std::byte>();
 }
 
 /// The tracks of the library, for comparison with what is gone.
@@ -106,7 +104,9 @@ std::vector<orphan> find_orphans(session& player, orphan_choice choice,
                 if (has_moved_on || (!about.path.empty() && !library.is_gone(about.path))) continue;
             }
             auto homes = library.homes_of(about);
-            found.push_back({index, std::move(about), record_at(player.records(), index.index, keys[i]), std::move(homes)});
+            found.push_back({index, std::move(about),
+                             player.records().record(index.index, keys[i]).value_or(std::vector<std::byte>()),
+                             std::move(homes)});
         }
     }
     return found;
@@ -115,8 +115,8 @@ std::vector<orphan> find_orphans(session& player, orphan_choice choice,
 void attach_orphan(session& player, std::uint64_t key, const metadb_handle_ptr& track) {
     auto& records = player.records();
     const auto indexes = player.index.registrations();
-    const auto index = std::ranges::find_if(
-        indexes, [&](const registration& each) { return !record_at(records, each.index, key).empty(); });
+    const auto index =
+        std::ranges::find_if(indexes, [&](const registration& each) { return records.record(each.index, key).has_value(); });
     if (index == indexes.end()) throw system::user_error("There is no record with this key; see 'ostrevan orphans'.");
     const auto home = index_manager_impl::key_of(*index, *track);
     if (!home) throw std::runtime_error(track->location().path + " has no tags that could be read.");
@@ -127,8 +127,8 @@ void attach_orphan(session& player, std::uint64_t key, const metadb_handle_ptr& 
     if (editing == nullptr) throw std::runtime_error("The component of this record has no rule for merging two.");
 
     auto transaction = records.begin();
-    const auto into = record_at(records, index->index, *home), from = record_at(records, index->index, key);
-    const auto both = core::call_component(*editing, [&] { return editing->merged(into, from); });
+    const auto into = records.record(index->index, *home), from = records.record(index->index, key);
+    const auto both = core::call_component(*editing, [&] { return editing->merged(bytes_of(into), bytes_of(from)); });
     transaction.write(index->index, *home, both);
     transaction.write(index->index, key, {});
     transaction.commit();

@@ -1,6 +1,5 @@
 #include "player/history/undo.h"
 
-#include <algorithm>
 #include <limits>
 #include <span>
 
@@ -8,15 +7,6 @@ namespace ostrevan::history {
 namespace {
 
 using index::act;
-using record = std::optional<std::vector<std::byte>>;
-
-record stored(const index::index_store& records, const nuv::guid& index, std::uint64_t key) {
-    std::vector<std::byte> bytes(records.read(index, key, nullptr, 0));
-    const auto size = records.read(index, key, bytes.data(), bytes.size());
-    if (size == 0) return std::nullopt;
-    bytes.resize(std::min(size, bytes.size()));
-    return bytes;
-}
 
 std::string text_of(const act& wanted) {
     const std::string name = wanted.undoes ? "redo" : "undo";
@@ -32,7 +22,7 @@ undone take_back(index::index_store& records, const act& wanted) {
     for (const auto& of_index : changes) {
         index::index_changes restored{of_index.index, {}}, left{of_index.index, {}};
         for (const auto& change : of_index.records) {
-            if (stored(records, of_index.index, change.key) != change.after) {
+            if (records.record(of_index.index, change.key) != change.after) {
                 left.records.push_back(change);
                 continue;
             }

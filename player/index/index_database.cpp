@@ -222,9 +222,12 @@ void index_database::save_records(std::span<const index_job> jobs) {
     }
 }
 
-void index_database::back_up_once_a_day() {
-    if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM records)") != 0) sqlite::back_up_once_a_day(database_, "daily");
+bool index_database::back_up_once_a_day() {
+    return database_.query_integer("SELECT EXISTS(SELECT 1 FROM records)") != 0 && sqlite::back_up_once_a_day(database_);
 }
+
+void index_database::back_up(std::string_view reason) { sqlite::back_up(database_, reason); }
+bool index_database::is_whole() const { return sqlite::is_whole(database_.handle()); }
 
 /// Rows marked within the last day stay as they are, so that a scan does not rewrite the database.
 void index_database::mark_seen(const seen_keys& seen) {

@@ -39,8 +39,12 @@ public:
     [[nodiscard]] bool is_read_only() const noexcept { return database_.is_read_only(); }
     [[nodiscard]] const std::string& path() const noexcept { return database_.path(); }
 
-    /// Makes a backup unless there is one from today or there are no records. Throws std::runtime_error.
-    void back_up_once_a_day();
+    /// Makes a backup unless there is one from today or there are no records. Returns whether it has; throws
+    /// std::runtime_error.
+    bool back_up_once_a_day();
+    void back_up(std::string_view reason);
+    /// Whether SQLite finds the file whole.
+    [[nodiscard]] bool is_whole() const;
     /// Uses one durable transaction, for the journal as well. Returns false when the journal is damaged and was left out, as
     /// it is from then on.
     bool save(std::span<const index_job> jobs);

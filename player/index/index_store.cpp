@@ -18,6 +18,17 @@
 
 namespace ostrevan::index {
 
+namespace {
+
+bool is_bulk(const index_job& job) {
+    const auto* const changes = std::get_if<record_changes>(&job);
+    if (changes == nullptr || changes->before.changes().size() < index_store::bulk_size) return false;
+    const auto had_record = [&](const change_list::change& each) { return changes->before.data(each).has_value(); };
+    return std::ranges::count_if(changes->before.changes(), had_record) >= std::ptrdiff_t{index_store::bulk_size};
+}
+
+}  // namespace
+
 struct index_store::state {
     state(const std::filesystem::path& path, index_error_sink error_sink, options settings);
 
@@ -30,7 +41,7 @@ struct index_store::state {
     void update(catalog_entry entry);
     void enqueue(std::vector<index_job> jobs);
     void save(std::span<const index_job> jobs);
-    void copy_before_first_change(std::span<const index_job> jobs);
+    void copy_before(std::span<const index_job> jobs);
     [[nodiscard]] write_gate::pass enter_to_write();
     [[nodiscard]] std::string only_read() const;
 
@@ -88,7 +99,7 @@ bool index_store::state::load(const std::stop_token& stop) {
 }
 
 void index_store::state::save(std::span<const index_job> jobs) {
-    copy_before_first_change(jobs);
+    copy_before(jobs);
     if (!database.save(jobs))
         report("The journal in \"" + database.path() +
                "\" is damaged: changes are saved, but can no longer be looked up or undone. A copy of the folder backup has "
@@ -105,16 +116,16 @@ void index_store::state::trim_journal() {
 }
 
 /// A failed backup must not keep changes from being saved.
-void index_store::state::copy_before_first_change(std::span<const index_job> jobs) {
+void index_store::state::copy_before(std::span<const index_job> jobs) {
     constexpr std::int64_t seconds_per_day = 24 * 60 * 60;
     const auto changes_records = [](const index_job& job) { return std::holds_alternative<record_changes>(job); };
     if (!daily_copies || std::ranges::none_of(jobs, changes_records)) return;
     const std::int64_t today = clock() / seconds_per_day;
-    if (std::exchange(copied_on, today) == today) return;
     try {
-        database.back_up_once_a_day();
+        const bool is_made = std::exchange(copied_on, today) != today && database.back_up_once_a_day();
+        if (!is_made && std::ranges::any_of(jobs, is_bulk)) database.back_up("bulk");
     } catch (const std::exception& error) {
-        report(error.what() + std::string(" The changes of today are saved without it."));
+        report(error.what() + std::string(" The changes are saved without it."));
     }
 }
 
@@ -189,6 +200,15 @@ index_store::~index_store() = default;
 std::size_t index_store::read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const {
     const auto known = state_->memory.read(index, key, buffer, capacity);
     return known.ask_index == 0 ? known.size : state_->reader.read(known.ask_index, key, buffer, capacity);
+}
+
+std::optional<std::vector<std::byte>> index_store::record(const nuv::guid& index, std::uint64_t key) const {
+    std::vector<std::byte> bytes(read(index, key, nullptr, 0));
+    // It may have changed meanwhile.
+    for (auto size = read(index, key, bytes.data(), bytes.size()); size != bytes.size();
+         size = read(index, key, bytes.data(), bytes.size()))
+        bytes.resize(size);
+    return bytes.empty() ? std::nullopt : std::optional(std::move(bytes));
 }
 
 std::vector<std::uint64_t> index_store::keys(const nuv::guid& index) const {

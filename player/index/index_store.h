@@ -36,12 +36,14 @@ using index_error_sink = std::function<void(const std::string& text)>;
 class index_store {
 public:
     static constexpr std::size_t max_record_size = 64 * 1024;
+    /// A commit that changes so many records, not counting new ones, is a bulk operation.
+    static constexpr std::size_t bulk_size = 1000;
 
     struct options {
         std::chrono::milliseconds retry_interval{1000};  // between attempts to save
         std::chrono::milliseconds busy_timeout{2000};    // while another program uses the database
         std::function<std::int64_t()> clock{};           // seconds since 1970; the system's when empty
-        bool daily_copies = false;                       // a backup before the first change of a day
+        bool daily_copies = false;  // a backup before the first change of a day, and before each bulk operation
         /// Called for each commit on the committing thread. Nothing is kept in the journal without it.
         std::function<change_cause()> cause{};
         std::chrono::days journal_age{730};             // older acts are forgotten, but for the newest
@@ -60,6 +62,8 @@ public:
     /// Returns the size of the record, 0 when there is none, and copies what fits into the buffer. Throws
     /// std::runtime_error when the database is still being loaded and cannot be read.
     std::size_t read(const nuv::guid& index, std::uint64_t key, void* buffer, std::size_t capacity) const;
+    /// The whole record; nothing when there is none. Throws likewise.
+    [[nodiscard]] std::optional<std::vector<std::byte>> record(const nuv::guid& index, std::uint64_t key) const;
     /// Returns the keys that have a record, sorted. Waits for loading; throws std::runtime_error when that fails.
     [[nodiscard]] std::vector<std::uint64_t> keys(const nuv::guid& index) const;
     /// At most `at_most` keys from `first` on, the lowest first. Waits and throws as `keys`.

@@ -3,9 +3,13 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
+#include <span>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -17,7 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kept_copies = 7;  // for each reason
 constexpr const char* part_ending = ".part";
 constexpr auto user_only = fs::perms::owner_read | fs::perms::owner_write;
 
@@ -65,18 +68,53 @@ std::vector<copy_name> copies_of(const fs::path& database) {
     return copies;
 }
 
-/// Removes the oldest copies and the files beside them. Copies dated in the future come from a wrong clock and count as the
-/// oldest, so that they never displace those of today. A failure here must not undo the new copy.
+std::string day_of(const copy_name& copy) { return copy.time.substr(0, std::string_view("20260131").size()); }
+std::string month_of(const copy_name& copy) { return copy.time.substr(0, std::string_view("202601").size()); }
+
+/// Weeks begin on Monday.
+std::string week_of(const copy_name& copy) {
+    using namespace std::chrono;
+    const int date = std::stoi(day_of(copy));
+    const year_month_day day{year(date / 10000), month(static_cast<unsigned>(date / 100 % 100)),
+                             std::chrono::day(static_cast<unsigned>(date % 100))};
+    const auto since_thursday = sys_days(day).time_since_epoch().count();  // 1970-01-01
+    return std::to_string((since_thursday + 3) / 7);
+}
+
+std::string itself(const copy_name& copy) { return copy.name; }
+
+/// How many periods keep their newest copy.
+struct retention {
+    std::string (*period_of)(const copy_name&);
+    std::size_t periods;
+};
+constexpr retention of_daily[] = {{day_of, 7}, {week_of, 8}, {month_of, 12}};
+constexpr retention of_others[] = {{itself, 7}};
+
+/// The copies that are kept, of those for one reason. Copies dated in the future come from a wrong clock and count as the
+/// oldest, so that they never displace those of today.
+std::set<std::string> kept_of(std::vector<copy_name> copies, const std::string& now, std::span<const retention> rules) {
+    std::ranges::sort(copies, std::greater(), [&](const copy_name& copy) { return std::pair(copy.time <= now, copy.time); });
+    std::set<std::string> kept;
+    for (const auto& rule : rules) {
+        std::set<std::string> periods;
+        for (const auto& copy : copies)
+            if (periods.size() < rule.periods && periods.insert(rule.period_of(copy)).second) kept.insert(copy.name);
+    }
+    return kept;
+}
+
+/// Removes the older copies and the files beside them. A failure here must not undo the new copy.
 void drop_old(const fs::path& database, const std::string& now, std::string_view reason) {
     auto copies = copies_of(database);
     std::erase_if(copies, [&](const copy_name& copy) { return copy.reason != reason; });
-    std::ranges::sort(copies, {}, [&](const copy_name& copy) { return std::pair(copy.time <= now, copy.time); });
+    const auto kept = kept_of(copies, now, reason == daily ? std::span<const retention>(of_daily) : of_others);
     std::error_code ignored;
     std::vector<fs::path> all;
     for (const auto& entry : fs::directory_iterator(database.parent_path() / "backup", ignored)) all.push_back(entry.path());
-    for (std::size_t i = 0; i + kept_copies < copies.size(); ++i)
+    for (const auto& copy : copies)
         for (const auto& path : all)
-            if (path.filename().string().starts_with(fs::path(copies[i].name).stem().string() + "."))
+            if (!kept.contains(copy.name) && path.filename().string().starts_with(fs::path(copy.name).stem().string() + "."))
                 fs::remove(path, ignored);
 }
 
@@ -88,15 +126,6 @@ void drop_unfinished(const fs::path& folder, const std::string& stem) {
         const auto name = entry.path().filename().string();
         if (name.starts_with(stem + "-") && name.find(part_ending) != name.npos) fs::remove(entry.path(), ignored);
     }
-}
-
-bool is_whole(sqlite3* copy) {
-    sqlite3_stmt* raw = nullptr;
-    sqlite3_prepare_v2(copy, "PRAGMA quick_check(1)", -1, &raw, nullptr);
-    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> check(raw, sqlite3_finalize);
-    if (sqlite3_step(raw) != SQLITE_ROW) return false;
-    const auto* const answer = reinterpret_cast<const char*>(sqlite3_column_text(raw, 0));
-    return answer != nullptr && std::string_view(answer) == "ok";
 }
 
 void copy_pages(const database& source, const fs::path& to) {
@@ -152,6 +181,15 @@ void copy_beside(const fs::path& file, const fs::path& to) {
 
 }  // namespace
 
+bool is_whole(sqlite3* database) {
+    sqlite3_stmt* raw = nullptr;
+    sqlite3_prepare_v2(database, "PRAGMA quick_check(1)", -1, &raw, nullptr);
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> check(raw, sqlite3_finalize);
+    if (sqlite3_step(raw) != SQLITE_ROW) return false;
+    const auto* const answer = reinterpret_cast<const char*>(sqlite3_column_text(raw, 0));
+    return answer != nullptr && std::string_view(answer) == "ok";
+}
+
 fs::path back_up(const database& source, std::string_view reason, const fs::path& beside) {
     static std::mutex one_at_a_time;
     const std::scoped_lock lock(one_at_a_time);
@@ -175,12 +213,24 @@ fs::path back_up(const database& source, std::string_view reason, const fs::path
     return whole;
 }
 
-void back_up_once_a_day(const database& source, std::string_view reason) {
+bool back_up_once_a_day(const database& source) {
     const auto today = time_now().substr(0, std::string_view("20260131").size());
     const auto copies = copies_of(source.path());
-    const bool is_made = std::ranges::any_of(
-        copies, [&](const copy_name& copy) { return copy.reason == reason && copy.time.starts_with(today); });
-    if (!is_made) back_up(source, reason);
+    if (std::ranges::any_of(copies, [&](const copy_name& copy) { return copy.reason == daily && day_of(copy) == today; }))
+        return false;
+    back_up(source, daily);
+    return true;
+}
+
+std::vector<stored_copy> stored_copies(const fs::path& database) {
+    std::vector<stored_copy> all;
+    for (auto& copy : copies_of(database)) {
+        const auto path = database.parent_path() / "backup" / copy.name;
+        std::error_code ignored;
+        all.push_back({path, std::move(copy.time), std::move(copy.reason), fs::file_size(path, ignored)});
+    }
+    std::ranges::sort(all, std::greater(), &stored_copy::time);
+    return all;
 }
 
 bool has_copies(const fs::path& database) { return !copies_of(database).empty(); }

@@ -1,7 +1,9 @@
 #include "player/history/undo.h"
 
 #include <atomic>
+#include <fstream>
 
+#include "player/history/restore.h"
 #include "player/index/index_database.h"
 #include "tests/player/index/records.h"
 
@@ -108,6 +110,32 @@ TEST_F(undo_test, forgets_the_oldest_acts_by_age_and_size_but_never_the_newest) 
     open(store);
     EXPECT_EQ(causes(*store), "small ");
     EXPECT_EQ(stored(*store, plays, 1), record_of(1, 3));
+}
+
+TEST_F(undo_test, a_copy_is_restored_as_an_act_and_only_when_it_is_whole) {
+    std::unique_ptr<index_store> store;
+    open(store);
+    put(*store, "first", 1, 500, 1);
+    const auto copy = store->back_up("test");
+    const auto bytes = content(copy);
+    put(*store, "second", 400, 200, 2);
+    store->write(plays, 1, {});
+    const auto found = from_copy(*store, copy);
+    EXPECT_EQ(number(found), 201U);
+    cause_.text = "restore";
+    EXPECT_EQ(number(restore(*store, copy)), 201U);
+    EXPECT_EQ(store->keys(plays).size(), 500U);
+    EXPECT_EQ(stored(*store, plays, 450), record_of(450, 1));
+    EXPECT_EQ(content(copy), bytes);
+    EXPECT_EQ(number(undo(*store).restored), 201U);
+    EXPECT_EQ(stored(*store, plays, 450), record_of(450, 2));
+    EXPECT_EQ(stored(*store, plays, 1), std::nullopt);
+
+    auto damaged = bytes;
+    damaged.replace(8 * 4096, 4096, 4096, '\x55');
+    std::ofstream(copy, std::ios::binary) << damaged;
+    EXPECT_THROW(restore(*store, copy), std::runtime_error);
+    EXPECT_EQ(stored(*store, plays, 450), record_of(450, 2));
 }
 
 TEST_F(undo_test, a_damaged_journal_costs_no_record) {

@@ -141,6 +141,18 @@ TEST_F(index_store_test, puts_a_copy_aside_before_the_first_change_of_a_day) {
     ASSERT_EQ(copies.size(), 1U);
     EXPECT_EQ(index_store(copies.front(), fail_on_report).keys(plays), std::vector<std::uint64_t>{0}) << "as it was before";
 
+    for (const std::uint64_t version : {1, 2}) {  // new records are none to lose
+        index_store store(path_, fail_on_report, {.daily_copies = true});
+        auto transaction = store.begin();
+        for (std::uint64_t key = 0; key < index_store::bulk_size; ++key)
+            transaction.write(moods, key, record_of(key, version));
+        transaction.commit();
+    }
+    copies.assign(std::filesystem::directory_iterator(path("backup")), {});
+    ASSERT_EQ(copies.size(), 2U);
+    const auto bulk = std::ranges::find_if(copies, [](const auto& each) { return each.string().ends_with("bulk.sqlite"); });
+    EXPECT_EQ(stored(index_store(*bulk, fail_on_report), moods, 5), record_of(5, 1));
+
     std::filesystem::remove_all(path("backup"));
     std::ofstream(path("backup")) << "in the way";
     std::string told;

@@ -169,11 +169,18 @@ TEST_F(database_file, is_copied_whole_or_not_at_all_and_old_copies_go) {
     EXPECT_EQ(databases, 7U);
     EXPECT_EQ(notes, 7U);
     for (const char* other : others) EXPECT_TRUE(fs::exists(backups_ / other)) << other;
-    back_up_once_a_day(source, "test");
-    back_up_once_a_day(source, "daily");
-    back_up_once_a_day(source, "daily");
+    for (const char* day : {"20231115", "20231130", "20240204", "20240205", "20240211", "20250102"})
+        for (const char* hour : {"-010203", "-040506"})
+            write(backups_ / ("shelf-" + std::string(day) + hour + "-daily.sqlite"), "");
+    EXPECT_TRUE(back_up_once_a_day(source));
+    EXPECT_FALSE(back_up_once_a_day(source));
+    std::string kept;
+    for (const auto& each : stored_copies(path_))
+        if (each.reason == daily && each.time < "2026") kept += each.time.substr(2, 8) + " ";
+    EXPECT_EQ(kept, "250102-0 240211-0 240205-0 240204-0 231130-0 231115-0 ");
     const auto is_daily = [](const auto& entry) {
-        return entry.path().string().ends_with("-daily.sqlite") && mode(entry.path()) == 0600U;
+        return entry.path().string().ends_with("-daily.sqlite") && mode(entry.path()) == 0600U &&
+               fs::file_size(entry.path()) != 0;
     };
     EXPECT_EQ(std::ranges::count_if(fs::directory_iterator(backups_), is_daily), 1);
 }
