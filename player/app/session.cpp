@@ -60,7 +60,11 @@ session::session(const session_options& options, core::profile_lock lock, view::
       index(core::offer<services::index_manager_impl>(
           services, records_, [](const service_base& service) { return core::module_of(typeid(service)); },
           services::index_manager_impl::redraw{})),
-      news_(loop, services, [this](std::span<const tag_edit> edits) { known.note_edits(edits); }),
+      news_(loop, services,
+            [this](std::span<const tag_edit> edits) {
+                known.note_edits(edits);
+                retags.add(merges_of(edits, records_, index));
+            }),
       known(loop, records_, index),
       events_(loop, news_, services, index, known),
       library(file("library.sqlite"), tracks, tags::read_audio, events_),

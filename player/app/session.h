@@ -8,6 +8,7 @@
 #include "player/app/known_tracks.h"
 #include "player/app/library_events.h"
 #include "player/app/playing.h"
+#include "player/app/retags.h"
 #include "player/core/component_loader.h"
 #include "player/core/main_loop.h"
 #include "player/core/profile_lock.h"
@@ -101,6 +102,7 @@ private:
 
 public:
     known_tracks known;
+    retag_log retags;
 
 private:
     library_events events_;

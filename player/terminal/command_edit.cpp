@@ -2,6 +2,7 @@
 
 #include "ostrevan/tag_update.h"
 #include "player/terminal/command.h"
+#include "player/terminal/retag_notes.h"
 #include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
@@ -38,11 +39,15 @@ public:
 
     bool apply_filter(const metadb_handle_ptr& /*track*/, file_info_builder& info) override {
         const file_info before = info.build();
-        for (const auto& name : wanted_.remove) info.meta_remove_field(name);
-        for (const auto& [name, value] : values()) info.meta_set_values(name, value);
+        apply(info);
         const bool is_changed = !(info.build() == before);
         ++(is_changed ? changed_ : unchanged_);
         return is_changed;
+    }
+
+    void apply(file_info_builder& info) const {
+        for (const auto& name : wanted_.remove) info.meta_remove_field(name);
+        for (const auto& [name, value] : values()) info.meta_set_values(name, value);
     }
 
     /// "3 files edited, 1 was so already".
@@ -71,24 +76,51 @@ private:
 
 constexpr std::size_t many_files = 100;
 
-bool is_wanted(terminal& screen, std::size_t count) {
-    const auto answer =
-        screen.ask({.text = "You're about to edit the tags of " + std::to_string(count) + " files. Continue?",
-                    .title = "Edit",
-                    .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
-                    .reply = {}});
+bool is_wanted(terminal& screen, const std::string& question) {
+    const auto answer = screen.ask({.text = question,
+                                    .title = "Edit",
+                                    .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
+                                    .reply = {}});
     return answer == popup_message_v3::answer_yes;
+}
+
+/// Of tracks that get the tags of others, by what the player knows of their tags.
+std::size_t note_merges(run_context& context, const metadb_handle_list& tracks, const tag_edit_filter& filter) {
+    std::vector<metadb_info_ptr> before;
+    std::vector<file_info> after;
+    std::vector<tag_edit> edits;
+    before.reserve(tracks.get_count());
+    after.reserve(tracks.get_count());  // the edits point into them
+    for (const auto& track : tracks) {
+        auto info = track->info();
+        if (!info) continue;
+        file_info_builder builder(info->info());
+        filter.apply(builder);
+        before.push_back(std::move(info));
+        after.push_back(builder.build());
+        edits.push_back({.track = track, .before = &before.back()->info(), .after = &after.back()});
+    }
+    return note_retags(context, app::merges_of(edits, context.player.records(), context.player.index));
 }
 
 void edit(run_context& context, const edit_options& wanted) {
     context.player.require_writable();
     const auto tracks = tracks_of(context, wanted.tracks);
     if (tracks.empty()) return;
-    if (wanted.tracks.where && tracks.get_count() > many_files && !is_wanted(context.screen, tracks.get_count())) return;
+    if (wanted.tracks.where && tracks.get_count() > many_files &&
+        !is_wanted(context.screen,
+                   "You're about to edit the tags of " + std::to_string(tracks.get_count()) + " files. Continue?"))
+        return;
     const auto filter = service_new<tag_edit_filter>(wanted);
+    if (const auto merged = note_merges(context, tracks, *filter);
+        merged != 0 &&
+        !is_wanted(context.screen, (merged == 1 ? std::string("A track gets") : std::to_string(merged) + " tracks get") +
+                                       " the tags of another one, and from then on they share their statistics. Continue?"))
+        return;
     auto* const service = context.player.services.at(tag_update_service::class_guid, 0);
     context.on_main([&] { static_cast<tag_update_service*>(service)->update_async(tracks, filter, nullptr, 0, {}); });
     context.job.wait_until_idle();
+    context.player.retags.take();  // the user knows of them
     context.screen.note_done(filter->summary());
 }
 

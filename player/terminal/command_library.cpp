@@ -1,6 +1,7 @@
 
 #include "player/library/locations.h"
 #include "player/terminal/command.h"
+#include "player/terminal/retag_notes.h"
 #include "player/terminal/table.h"
 
 namespace ostrevan::terminal {
@@ -63,6 +64,8 @@ void report(run_context& context, const library::scan_summary& done) {
 void finish_scan(run_context& context, const library::scan_summary& done) {
     report(context, done);
     context.job.wait_until_idle();
+    if (note_retags(context, context.player.retags.take()) != 0)
+        context.screen.note("'ostrevan undo' takes a scan back, with what became of these statistics.");
     if (!done.is_stopped) context.player.mark_library_seen();
 }
 

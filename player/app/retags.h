@@ -1,0 +1,36 @@
+#pragma once
+
+#include <mutex>
+#include <span>
+#include <vector>
+
+#include "ostrevan/tag_edit.h"
+#include "player/index/index_store.h"
+#include "player/services/index_manager.h"
+
+namespace ostrevan::app {
+
+/// An edit of tags that merges the record of a track into another one, which its new tags have already.
+struct retag {
+    metadb_handle_ptr track;
+    nuv::guid index;
+    index::record_change merge;  ///< of the record of the new tags
+};
+
+/// Finds them before the records follow: by the rules of the components, for the edits in their order. [any-thread]
+std::vector<retag> merges_of(std::span<const tag_edit> edits, const index::index_store& records,
+                             const services::index_manager_impl& index);
+
+/// Keeps those of edits by other programs until somebody tells the user. [any-thread]
+class retag_log {
+public:
+    void add(std::vector<retag> found);
+    /// Returns them, and forgets them.
+    std::vector<retag> take();
+
+private:
+    std::mutex mutex_;
+    std::vector<retag> found_;
+};
+
+}  // namespace ostrevan::app

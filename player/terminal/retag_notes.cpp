@@ -1,0 +1,58 @@
+#include "player/terminal/retag_notes.h"
+
+#include <algorithm>
+#include <string>
+
+#include "player/app/changed_records.h"
+#include "player/app/record_columns.h"
+
+namespace ostrevan::terminal {
+namespace {
+
+/// A track as it will be: with the key of its new tags, which is that of the merged record.
+std::string described(const app::record_columns& columns, const services::index_manager_impl::registration& index,
+                      const index::record_change& merge) {
+    std::string text;
+    const auto before = columns.filled(index, *merge.before), after = columns.filled(index, *merge.after);
+    for (const auto& each : after) {
+        const auto former = std::ranges::find(before, each.name, &app::column_change::name);
+        if (former == before.end()) text += "  " + each.name + " " + each.before + " -> " + each.after;
+        else if (former->after != each.after) text += "  " + each.name + " " + former->after + " -> " + each.after;
+    }
+    return text;
+}
+
+}  // namespace
+
+std::size_t note_retags(run_context& context, const std::vector<app::retag>& retags) {
+    if (retags.empty()) return 0;
+    constexpr std::size_t most = 10;
+    const app::record_columns columns(context.player);
+    std::size_t shared = 0, told = 0;
+    for (const auto& index : context.player.index.registrations()) {
+        std::vector<std::uint64_t> keys;
+        for (const auto& each : retags)
+            if (each.index == index.index) keys.push_back(each.merge.key);
+        const auto owners = app::tracks_with_keys(context.player, index.index, keys);
+        for (const auto& each : retags) {
+            if (each.index != index.index) continue;
+            const auto owner = std::ranges::find_if(owners, [&](const app::keyed_track& other) {
+                return other.key == each.merge.key && other.track != each.track;
+            });
+            if (owner != owners.end()) ++shared;
+            if (++told > most) continue;
+            const auto& path = each.track->location().path;
+            const auto merged = described(columns, index, each.merge);
+            context.screen.note(
+                path +
+                (owner == owners.end()
+                     ? ": its new tags have statistics already, of a track that is gone. They become:"
+                     : ": its new tags are those of " + owner->track->location().path + ". The statistics become one:") +
+                merged);
+        }
+    }
+    if (told > most) context.screen.note("... and " + std::to_string(told - most) + " more.");
+    return shared;
+}
+
+}  // namespace ostrevan::terminal
