@@ -24,8 +24,8 @@ class config_variable;
 inline constexpr std::uint32_t player_magic = 0x5652544F;     // "OTRV" in memory order
 inline constexpr std::uint32_t component_magic = 0x504D434F;  // "OCMP" in memory order
 
-/// Raised when a part of this SDK changes its layout or its meaning. Version 3: `file_info` is one block of memory that never
-/// changes, `file_info_builder` edits, and filters of files receive a builder.
+/// Raised when a part of this SDK changes its layout or its meaning. Version 3: `file_info` is one block of memory that
+/// never changes, `file_info_builder` edits, and filters of files receive a builder.
 inline constexpr std::uint32_t interface_version = 3;
 /// Counts what was added since that version. An addition has an identifier of its own and is asked for, so a component and a
 /// player of different revisions work together.
