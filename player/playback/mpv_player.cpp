@@ -220,6 +220,7 @@ void mpv_player::session::seek(double position) {
     if (!sounding_) return;
     position_ = std::clamp(position, 0.0, std::max(duration_, 0.0));
     core_.seek(start() + position_);
+    if (status_.is_paused) report(callbacks_.on_progress, *current_, position_, duration_);
 }
 
 void mpv_player::session::perform(const request& wanted) {
@@ -363,8 +364,9 @@ void mpv_player::session::on_position(double seconds) {
     if (!sounding_ || !audible_ || seconds < 0) return;
     const double position = std::max(seconds - start(), 0.0);
     const bool counts = rule_.position(position);
-    if (!seeking_) position_ = position;
-    report(callbacks_.on_progress, *current_, position, duration_);
+    // While it is paused, the position is the one that was asked for; libmpv's is at the start of a block of samples.
+    if (!seeking_ && !status_.is_paused) position_ = position;
+    report(callbacks_.on_progress, *current_, status_.is_paused ? position_ : position, duration_);
     if (counts) report(callbacks_.on_counted, *current_, rule_.listened());
 }
 

@@ -46,6 +46,9 @@ class Owner(PlayerTest):
         for way, status in ((signal.SIGINT, 130), (signal.SIGTERM, 130), (signal.SIGKILL, -signal.SIGKILL)):
             client, terminal, end = self.start_on_terminal(*PLAY, self.music)
             self.type_keys(terminal, (" / ", " "), ("paused", ""))
+            self.run_player("seek", "2")
+            while "  0:02 / " not in self.run_player("status").stdout:
+                self.assertIn("paused", self.run_player("status").stdout)
             self.assertFalse(self.reads_lines(end))
             client.send_signal(way)
             self.assertEqual(client.wait(timeout=100), status)
