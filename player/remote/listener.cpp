@@ -1,6 +1,5 @@
 #include "player/remote/listener.h"
 
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -18,12 +17,7 @@ constexpr auto out_of_descriptors = std::chrono::milliseconds(50);
 }  // namespace
 
 listener::listener(const socket_place& place, taker take, std::chrono::milliseconds patience)
-    : place_(place),
-      take_(std::move(take)),
-      patience_(patience),
-      socket_(place_.listen()),
-      wake_(::eventfd(0, EFD_CLOEXEC)),
-      thread_([this] { serve(); }) {}
+    : place_(place), take_(std::move(take)), patience_(patience), socket_(place_.listen()), thread_([this] { serve(); }) {}
 
 listener::~listener() {
     place_.remove();
@@ -34,14 +28,13 @@ listener::~listener() {
 
 void listener::stop_taking() {
     takes_ = false;
-    ::eventfd_write(wake_.get(), 1);
+    wake_.set();
 }
 
 void listener::serve() {
     while (!is_ending_) {
         wait();
-        eventfd_t ignored = 0;
-        if (polled_[0].revents != 0) ::eventfd_read(wake_.get(), &ignored);
+        if (polled_[0].revents != 0) wake_.clear();
         if (polled_[1].revents != 0) accept_one();
         std::size_t each = 2;
         std::erase_if(clients_, [&](connection& client) {
@@ -60,7 +53,7 @@ void listener::turn_away_the_rest() {
 
 void listener::wait() {
     const bool has_room = clients_.size() < most_clients;
-    polled_ = {{wake_.get(), POLLIN, 0}, {has_room ? socket_.get() : -1, POLLIN, 0}};
+    polled_ = {{wake_.file(), POLLIN, 0}, {has_room ? socket_.get() : -1, POLLIN, 0}};
     auto next = clock::time_point::max();
     for (const auto& client : clients_) {
         polled_.push_back({client.of->socket(), POLLIN, 0});

@@ -12,6 +12,7 @@
 #include "player/remote/call.h"
 #include "player/remote/socket_place.h"
 #include "player/system/descriptor.h"
+#include "player/system/wake_event.h"
 
 namespace ostrevan::remote {
 
@@ -52,7 +53,8 @@ private:
     const socket_place place_;
     const taker take_;
     const std::chrono::milliseconds patience_;
-    system::descriptor socket_, wake_;
+    system::descriptor socket_;
+    system::wake_event wake_;
     std::vector<connection> clients_;
     std::vector<pollfd> polled_;
     std::atomic<bool> takes_{true}, is_ending_{false};
