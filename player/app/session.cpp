@@ -32,6 +32,7 @@
 #include "player/services/text_helper_service.h"
 #include "player/services/thread_service.h"
 #include "player/services/titleformat_service.h"
+#include "player/services/work_origin_service.h"
 #include "player/system/failure_text.h"
 #include "player/tags/reader.h"
 
@@ -94,6 +95,7 @@ void session::offer_services() {
     core::offer<services::titleformat_service_impl>(services, fields);
     core::offer<services::main_thread_callback_service_impl>(services, loop);
     core::offer<services::thread_service_impl>(services, loop);
+    core::offer<services::work_origin_service_impl>(services, loop);
     core::offer<services::hash_service_impl>(services);
     core::offer<services::text_helper_service_impl>(services);
     core::offer<services::local_filesystem_impl>(services, print_line);
