@@ -13,7 +13,7 @@ std::vector<std::uint64_t> distinct_keys(ostrevan::metadb_handle_list_cref track
     std::vector<std::uint64_t> keys;
     keys.reserve(tracks.get_count());
     for (const auto& track : tracks)
-        if (const auto key = ComputeKeyOf(*track)) keys.push_back(*key);
+        if (const auto key = KeyOf(*track)) keys.push_back(*key);
     std::ranges::sort(keys);
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     return keys;

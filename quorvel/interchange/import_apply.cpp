@@ -62,7 +62,7 @@ void apply_path_items(ParseGlobals& globals, const std::vector<PathItem>& items)
     pcdb_export::resolveNoInfo(globals, tracks);
     for (std::size_t i = 0; i < items.size(); ++i) {
         globals.progress.step(i + 1, items.size());
-        const auto key = tracks[i].key ? tracks[i].key : ComputeKeyOf(*tracks[i].track);
+        const auto key = tracks[i].key ? tracks[i].key : KeyOf(*tracks[i].track);
         if (key) globals.apply(*key, items[i].stats);
     }
 }

@@ -12,7 +12,7 @@ tracks_by_key::tracks_by_key(const list& tracks) : tracks_(&tracks) {
     if (count > entries_.max_size()) throw std::length_error("list too long");
     entries_.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
-        if (const auto key = ComputeKeyOf(*tracks[i]); key && *key != 0) entries_.push_back({*key, i});
+        if (const auto key = KeyOf(*tracks[i]); key && *key != 0) entries_.push_back({*key, i});
     std::ranges::sort(entries_);
 }
 

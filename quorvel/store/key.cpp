@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "ostrevan/core_api.h"
+#include "ostrevan/metadb.h"
+#include "quorvel/store/key_memory.h"
 #include "quorvel/store/mappings.h"
 
 namespace quorvel {
@@ -38,14 +40,17 @@ constinit std::atomic<index_client*> active{nullptr};
 /// Kept until the module is unloaded: other threads may still be inside one that is no longer active.
 std::vector<index_client_ptr> key_functions;
 
-/// The last key that a thread computed. Plain numbers, because an object with a destructor would keep the module loaded for
-/// as long as the thread lives.
-struct remembered_key {
-    const index_client* mapping;
-    std::uint64_t snapshot;
-    std::uint64_t key;
-};
-constinit thread_local remembered_key last_key{};
+/// Finds serials without reading tags; null when the player has no such service. It lives until the process ends.
+constinit std::atomic<const ostrevan::metadb_serials*> serials{nullptr};
+
+std::uint64_t serial_of(const ostrevan::metadb_handle& track) {
+    if (const auto* const known = serials.load(std::memory_order_acquire)) return known->serial_of(track);
+    const auto snapshot = track.info();
+    return snapshot ? snapshot->serial() : 0;
+}
+
+/// The keys of all snapshots seen so far: 8 bytes take the place of a digest.
+constinit key_memory remembered;
 
 }  // namespace
 
@@ -58,20 +63,13 @@ index_client_ptr FindMapping(const nuv::guid& mapping) {
 }
 
 std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track) {
-    auto* const mapping = active.load(std::memory_order_acquire);
-    if (mapping == nullptr) return std::nullopt;
+    if (active.load(std::memory_order_acquire) == nullptr) return std::nullopt;
+    if (const auto known = remembered.find(serial_of(track)); known != 0) return known;
     const auto snapshot = track.info();
     if (!snapshot) return std::nullopt;
-
-    auto& last = last_key;
-    if (last.snapshot != snapshot->serial() || last.mapping != mapping)
-        last = {mapping, snapshot->serial(), mapping->key_of(snapshot->info(), track.location())};
-    return last.key;
-}
-
-std::optional<std::uint64_t> ComputeKeyOf(const ostrevan::metadb_handle& track) {
-    const auto snapshot = track.info();
-    return snapshot ? KeyOf(snapshot->info(), track.location()) : std::nullopt;
+    const auto key = KeyOf(snapshot->info(), track.location());
+    if (key) remembered.set(snapshot->serial(), *key);
+    return key;
 }
 
 std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info, const ostrevan::playable_location& location) {
@@ -85,11 +83,16 @@ namespace active_mapping {
 index_client_ptr start() {
     auto mapping = FindMapping(active_mapping_guid);
     key_functions.push_back(mapping);
+    if (const auto metadb = ostrevan::find_service<ostrevan::metadb>())
+        serials.store(ostrevan::query_service<ostrevan::metadb_serials>(*metadb).get(), std::memory_order_release);
     active.store(mapping.get(), std::memory_order_release);
     return mapping;
 }
 
-void stop() noexcept { active.store(nullptr, std::memory_order_release); }
+void stop() noexcept {
+    active.store(nullptr, std::memory_order_release);
+    serials.store(nullptr, std::memory_order_release);
+}
 
 }  // namespace active_mapping
 

@@ -25,10 +25,8 @@ inline constexpr nuv::guid statistics_index_guid = active_mapping_guid;
 [[nodiscard]] ostrevan::index_client_ptr FindMapping(const nuv::guid& mapping);
 
 /// The key of a track under the active mapping. None if the player holds no information for the track, or before start and
-/// after stop. Every thread remembers its last one. [any-thread]
+/// after stop. Remembered by snapshot. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track);
-/// The same without remembering it. For workers above all: on Windows, what a thread remembers outlives the module.
-[[nodiscard]] std::optional<std::uint64_t> ComputeKeyOf(const ostrevan::metadb_handle& track);
 
 /// The same for other tags than those that the player holds for the track. [any-thread]
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info,

@@ -44,7 +44,7 @@ std::vector<GatheredTrack> tracks_with_keys(const std::vector<legacy_record>& re
     ostrevan::progress_scope progress("files of early statistics read");
     ReadKeysInFiles(found, progress);
     for (auto& each : found)
-        if (!each.key) each.key = ComputeKeyOf(*each.track);
+        if (!each.key) each.key = KeyOf(*each.track);
     return found;
 }
 

@@ -13,7 +13,7 @@ std::vector<std::uint64_t> sorted_part(ostrevan::metadb_handle_list_cref tracks,
     std::vector<std::uint64_t> keys;
     keys.reserve(last - first);
     for (std::size_t i = first; i < last; ++i)
-        if (const auto key = ComputeKeyOf(*tracks[i]); key && *key != 0) keys.push_back(*key);
+        if (const auto key = KeyOf(*tracks[i]); key && *key != 0) keys.push_back(*key);
     std::ranges::sort(keys);
     return keys;
 }

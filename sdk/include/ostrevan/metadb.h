@@ -14,4 +14,14 @@ public:
     [[nodiscard]] virtual metadb_handle_ptr handle_create(const playable_location& location) = 0;
 };
 
+/// Extension of the metadb, found by `service_query`. [any-thread]
+class metadb_serials : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{6E0C9B1D-3C52-4B0F-9A77-D1B5E84C20F3}");
+
+    /// The serial of the snapshot in force, 0 when there is none. Needs no snapshot, which the player may have to read from
+    /// the disk.
+    [[nodiscard]] virtual std::uint64_t serial_of(const metadb_handle& track) const noexcept = 0;
+};
+
 }  // namespace ostrevan

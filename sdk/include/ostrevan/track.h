@@ -24,21 +24,23 @@ struct playable_location {
 class metadb_info : public service_base {
 public:
     [[nodiscard]] const file_info& info() const noexcept { return info_; }
-    /// Never 0, and of no other snapshot of this process: what was computed from a snapshot can be remembered by it without
-    /// holding a reference.
+    /// Never 0. Snapshots with the same serial are of one track and say the same, so what was computed from a snapshot can
+    /// be remembered by it without holding a reference.
     [[nodiscard]] std::uint64_t serial() const noexcept { return serial_; }
 
 protected:
-    explicit metadb_info(file_info info) noexcept : info_(std::move(info)) {}
+    explicit metadb_info(file_info info) noexcept : metadb_info(std::move(info), take_serials(1)) {}
+    metadb_info(file_info info, std::uint64_t serial) noexcept : info_(std::move(info)), serial_(serial) {}
 
-private:
-    static std::uint64_t next_serial() noexcept {
-        static constinit std::atomic<std::uint64_t> last{0};
-        return last.fetch_add(1, std::memory_order_relaxed) + 1;
+    /// The first of so many serials that were never given.
+    static std::uint64_t take_serials(std::uint64_t count) noexcept {
+        static constinit std::atomic<std::uint64_t> next{1};
+        return next.fetch_add(count, std::memory_order_relaxed);
     }
 
+private:
     const file_info info_;
-    const std::uint64_t serial_ = next_serial();
+    const std::uint64_t serial_;
 };
 using metadb_info_ptr = service_ptr_t<metadb_info>;
 
