@@ -178,8 +178,9 @@ bool track_fields::field(std::string_view name, std::string& out) const {
         out += it->value(track_.location());
         return true;
     }
-    if (!info_) return false;
-    const auto& info = info_->info();
+    const auto& snapshot = this->info();
+    if (!snapshot) return false;
+    const auto& info = snapshot->info();
     if (const auto it = find_named(info_fields, name); it != info_fields.end()) {
         const auto text = it->value(info);
         if (text) out += *text;

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -44,16 +45,21 @@ private:
 /// depends on itself for the same track counts as missing.
 class track_fields final : public field_source {
 public:
-    track_fields(const component_fields& published, metadb_handle& track)
-        : published_(published), track_(track), info_(track.info()) {}
+    track_fields(const component_fields& published, metadb_handle& track) : published_(published), track_(track) {}
 
     bool field(std::string_view name, std::string& out) const override;
     [[nodiscard]] std::optional<std::uint64_t> sort_value(std::string_view name) const override;
 
 private:
+    /// All fields are of one snapshot. It is not fetched for fields that need none.
+    [[nodiscard]] const metadb_info_ptr& info() const {
+        if (!info_) info_ = track_.info();
+        return *info_;
+    }
+
     const component_fields& published_;
     metadb_handle& track_;
-    const metadb_info_ptr info_;
+    mutable std::optional<metadb_info_ptr> info_;
 };
 
 }  // namespace ostrevan::titleformat
