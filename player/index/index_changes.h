@@ -26,6 +26,11 @@ public:
         changes_.push_back({key, bytes_.size(), static_cast<std::uint32_t>(data.size())});
         bytes_.insert(bytes_.end(), data.begin(), data.end());
     }
+    /// For changes of the same number and size.
+    void reserve(const change_list& like) {
+        changes_.reserve(like.changes_.size());
+        bytes_.reserve(like.bytes_.size());
+    }
     void erase(std::uint64_t key) { changes_.push_back({key, 0, erased}); }
     void clear() noexcept {
         changes_.clear();

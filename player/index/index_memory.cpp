@@ -25,6 +25,7 @@ change_list index_memory::apply(std::int64_t index_id, const change_list& list) 
     const std::scoped_lock whole(whole_commits_);
     record_table& records = index_of(index_id).records;
     change_list before;
+    before.reserve(list);
     in_pieces(list, [&](const change_list::change& change) -> std::size_t {
         if (const auto old = records.find(change.key); old.data() != nullptr) before.put(change.key, old);
         else before.erase(change.key);
