@@ -30,6 +30,7 @@ constexpr const char* encoders[][2] = {
 
 class nobody : public library_observer {
     void on_library_changed(const library_changes& /*changes*/) override {}
+    void on_failure(const std::string& message) override { throw std::runtime_error(message); }
 };
 
 /// Ten thousand files of two seconds in five formats, about twelve per folder, in the working directory.

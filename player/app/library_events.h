@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+#include <string>
+#include <utility>
+
 #include "ostrevan/library.h"
 #include "player/app/known_tracks.h"
 #include "player/core/main_loop.h"
@@ -16,9 +20,10 @@ namespace ostrevan::app {
 class library_events final : public library::library_observer {
 public:
     library_events(core::main_loop& loop, services::tag_edit_news& news, const core::service_registry& services,
-                   services::index_manager_impl& index, known_tracks& known)
-        : loop_(loop), news_(news), services_(services), index_(index), known_(known) {}
+                   services::index_manager_impl& index, known_tracks& known, std::function<void(const std::string&)> report)
+        : loop_(loop), news_(news), services_(services), index_(index), known_(known), report_(std::move(report)) {}
     void on_library_changed(const library::library_changes& changes) override;
+    void on_failure(const std::string& message) override { report_(message); }
 
 private:
     /// Tells each component that these tracks have changed.
@@ -29,6 +34,7 @@ private:
     const core::service_registry& services_;
     services::index_manager_impl& index_;
     known_tracks& known_;
+    const std::function<void(const std::string&)> report_;
 };
 
 }  // namespace ostrevan::app

@@ -67,7 +67,7 @@ session::session(const session_options& options, core::profile_lock lock, view::
                 retags.add(merges_of(edits, records_, index));
             }),
       known(loop, records_, index),
-      events_(loop, news_, services, index, known),
+      events_(loop, news_, services, index, known, [this](const std::string& message) { report_later(message); }),
       library(file("library.sqlite"), tracks, tags::read_audio, events_),
       fields([this](const field_provider& provider, const std::string& doing) {
           services.guard().report(typeid(provider), doing);

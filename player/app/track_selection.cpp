@@ -9,6 +9,7 @@
 
 #include "player/library/cue_files.h"
 #include "player/library/disk_tracks.h"
+#include "player/library/location_order.h"
 #include "player/library/locations.h"
 #include "player/tags/formats.h"
 #include "player/view/find_tracks.h"
@@ -26,7 +27,7 @@ void append_tracks_below(session& player, const std::string& folder, std::vector
     std::vector<metadb_handle_ptr> found;
     std::ranges::copy_if(*player.library.unordered_items(), std::back_inserter(found),
                          [&](const metadb_handle_ptr& track) { return track->location().path.starts_with(prefix); });
-    std::ranges::sort(found, {}, [](const metadb_handle_ptr& each) -> const playable_location& { return each->location(); });
+    library::sort_by_location(found);
     if (found.empty()) {
         const auto on_disk = library::folder_tracks_on_disk(player.tracks, folder, core::stop_flag());
         for (const auto& [path, reason] : on_disk.problems) on_problem(path + ": " + reason);

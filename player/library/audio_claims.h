@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "player/library/library_files.h"
+#include "player/library/library_file.h"
 #include "player/library/scan_types.h"
 
 namespace ostrevan::library {

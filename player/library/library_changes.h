@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "player/library/track.h"
@@ -16,6 +19,10 @@ struct track_edit {
     std::optional<playable_location> location_before{};  // when it has moved
 };
 
+/// Returns the next edits of many, so that not all of them are in memory at once; none at the end.
+using edit_portions = std::function<std::vector<track_edit>()>;
+inline constexpr std::size_t edits_of_portion = 128;
+
 /// The changes of a scan. A track is in at most one of the first three lists; every edited track is also modified, or added
 /// if it has moved.
 struct library_changes {
@@ -27,10 +34,12 @@ struct library_changes {
     [[nodiscard]] bool empty() const noexcept { return added.empty() && removed.empty() && modified.empty(); }
 };
 
-/// Notified of changes that are saved and visible in the handles, on the thread of the work that made them.
 class library_observer {
 public:
+    /// The changes are saved and visible in the handles. Called on the thread of the work that made them.
     virtual void on_library_changed(const library_changes& changes) = 0;
+    /// Stored information cannot be read; tracks have none then. Told once. [any-thread]
+    virtual void on_failure(const std::string& message) = 0;
 
 protected:
     ~library_observer() = default;

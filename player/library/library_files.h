@@ -1,50 +1,94 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <optional>
-#include <string>
+#include <iterator>
+#include <memory>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
-#include "player/library/file_stamp.h"
-#include "player/library/track.h"
+#include "player/library/library_file.h"
 
 namespace ostrevan::library {
 
-/// A file and its state when its tracks were read. Its path is kept apart, as the key.
-struct stored_file {
-    std::int64_t id = 0;  // 0 until stored
-    std::int64_t folder = 0;
-    file_stamp stamp{};
-    std::uint64_t device = 0;  // of its folder; 0 when unknown
-    /// Mark of the encoded audio, 0 when there is none. Empty for files read by a version without marks.
-    std::optional<std::uint64_t> sound{};
-    std::uint64_t arrived = 0;           // number of the scan that first found this sound at this path
-    std::vector<source_file> sources{};  // of a CUE sheet: the audio it refers to
-};
+/// The files of the library, found by path, and visited in the order in which they came, which is that of the database. The
+/// texts of the paths are those of track handles, which live as long as their table. A file stays where it is in memory
+/// until it is erased.
+class library_files {
+public:
+    using value_type = std::pair<std::string_view, library_file>;
 
-struct stored_track {
-    std::uint32_t subsong = 0;
-    file_info info;
-};
+    template <typename Files, typename Value>
+    class basic_iterator {
+    public:
+        using value_type = library_files::value_type;
+        using difference_type = std::ptrdiff_t;
+        using iterator_category = std::forward_iterator_tag;
+        using reference = Value&;
+        using pointer = Value*;
 
-/// A library track before a change, with its previous location if it has moved.
-struct stored_edit {
-    std::string path;
-    stored_track before;
-    std::optional<std::string> path_before;
-};
+        basic_iterator() noexcept = default;
+        basic_iterator(Files& files, std::size_t at) noexcept : files_(&files), at_(at) { skip_free(); }
+        Value& operator*() const noexcept { return files_->place(at_); }
+        Value* operator->() const noexcept { return &**this; }
+        basic_iterator& operator++() noexcept {
+            ++at_;
+            skip_free();
+            return *this;
+        }
+        basic_iterator operator++(int) noexcept {
+            const auto before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const basic_iterator& other) const noexcept { return at_ == other.at_; }
 
-/// A library file in memory.
-struct library_file : stored_file {
-    std::vector<track_ptr> tracks{};
-    std::uint64_t seen = 0;     // number of the last scan that found it
-    std::uint64_t seen_on = 0;  // the device it was then on
-};
+    private:
+        friend class library_files;
+        void skip_free() noexcept {
+            while (at_ < files_->places_ && (**this).first.data() == nullptr) ++at_;
+        }
 
-/// By path. The texts are those of track handles, which live as long as their table.
-using library_files = std::unordered_map<std::string_view, library_file>;
+        Files* files_ = nullptr;
+        std::size_t at_ = 0;
+    };
+    using iterator = basic_iterator<library_files, value_type>;
+    using const_iterator = basic_iterator<const library_files, const value_type>;
+
+    [[nodiscard]] iterator begin() noexcept { return {*this, 0}; }
+    [[nodiscard]] iterator end() noexcept { return {*this, places_}; }
+    [[nodiscard]] const_iterator begin() const noexcept { return {*this, 0}; }
+    [[nodiscard]] const_iterator end() const noexcept { return {*this, places_}; }
+    [[nodiscard]] std::size_t size() const noexcept { return places_ - free_.size(); }
+
+    [[nodiscard]] iterator find(std::string_view path) noexcept { return {*this, position_of(path)}; }
+    [[nodiscard]] const_iterator find(std::string_view path) const noexcept { return {*this, position_of(path)}; }
+    /// The path must be there.
+    [[nodiscard]] const library_file& at(std::string_view path) const noexcept { return find(path)->second; }
+
+    /// The path must be new.
+    iterator add(std::string_view path, library_file&& file = {});
+    void erase(iterator which) noexcept;
+    void reserve(std::size_t files);
+
+private:
+    static constexpr std::size_t block_size = 1024;
+    struct hashed {
+        std::uint32_t hash = 0;
+        std::uint32_t position = 0;  // one more than the place; 0 for a free slot
+    };
+
+    [[nodiscard]] value_type& place(std::size_t at) const noexcept { return blocks_[at / block_size][at % block_size]; }
+    /// The slot of the path, or the free one where it belongs.
+    [[nodiscard]] std::size_t slot_of(std::string_view path, std::uint32_t hash) const noexcept;
+    [[nodiscard]] std::size_t position_of(std::string_view path) const noexcept;
+
+    std::vector<std::unique_ptr<value_type[]>> blocks_;
+    std::size_t places_ = 0;
+    std::vector<std::size_t> free_;  // places of erased files, which have no path
+    // Open addressing. The number of slots is a power of two; at most three quarters are in use.
+    std::vector<hashed> slots_ = std::vector<hashed>(8);
+};
 
 }  // namespace ostrevan::library

@@ -152,32 +152,35 @@ void library_store::remove_ignored(const std::string& path) {
     database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
 }
 
-void library_store::load(const std::function<void(library_file&&, std::string_view path)>& on_file) const {
+void library_store::load(
+    const std::function<void(stored_file&&, std::string_view, std::span<const std::uint32_t>)>& on_file) const {
     // Reads three tables side by side, in the order of file ids.
     auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
-    auto tracks = database_.prepare("SELECT file, subsong, info FROM tracks ORDER BY file, subsong");
+    auto tracks = database_.prepare("SELECT file, subsong FROM tracks ORDER BY file, subsong");
     auto sources = database_.prepare("SELECT file, path, size, mtime FROM sources ORDER BY file, position");
     bool has_track = tracks.step();
     bool has_source = sources.step();
+    std::vector<std::uint32_t> subsongs;
     while (files.step()) {
-        library_file file{{.id = files.integer(0),
-                           .folder = files.integer(1),
-                           .stamp = {files.integer(3), files.integer(4)},
-                           .device = as_number(files.integer(5)),
-                           .arrived = as_number(files.integer(7))}};
+        stored_file file{.id = files.integer(0),
+                         .folder = files.integer(1),
+                         .stamp = {files.integer(3), files.integer(4)},
+                         .device = as_number(files.integer(5)),
+                         .arrived = as_number(files.integer(7))};
         if (!files.is_null(6)) file.sound = as_number(files.integer(6));
-        const auto path = text_of(files.blob(2));
-        for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step()) {
-            const auto subsong = static_cast<std::uint32_t>(tracks.integer(1));
-            auto track = service_new<library::track>(playable_location{std::string(path), subsong});
-            // A track with damaged information is as one that was not read yet.
-            if (auto info = file_info::from_bytes(text_of(tracks.blob(2)))) track->publish(make_snapshot(*std::move(info)));
-            file.tracks.push_back(std::move(track));
-        }
+        subsongs.clear();
+        for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step())
+            subsongs.push_back(static_cast<std::uint32_t>(tracks.integer(1)));
         for (; has_source && sources.integer(0) <= file.id; has_source = sources.step())
             file.sources.push_back({from_blob(sources.blob(1)), {sources.integer(2), sources.integer(3)}});
-        on_file(std::move(file), path);
+        on_file(std::move(file), text_of(files.blob(2)), subsongs);
     }
+}
+
+std::unique_ptr<sqlite::database> library_store::second_connection() const {
+    auto connection = std::make_unique<sqlite::database>(database_.file(), library_format);
+    connection->execute("PRAGMA query_only = ON");
+    return connection;
 }
 
 std::int64_t library_store::put_file(const std::string& path, const stored_file& file,
@@ -222,17 +225,25 @@ void library_store::set_device(std::int64_t file, std::uint64_t device) {
     update_device_.bind(1, file).bind(2, as_integer(device)).run();
 }
 
-std::vector<stored_edit> library_store::edits() const {
+bool library_store::has_edits() {
     const auto lock = database_.lock();
-    std::vector<stored_edit> result;
-    auto query = database_.prepare("SELECT path, subsong, info, path_before FROM edits ORDER BY rowid");
-    while (query.step()) {
-        auto before = file_info::from_bytes(text_of(query.blob(2)));
+    return database_.query_integer("SELECT EXISTS(SELECT 1 FROM edits)") != 0;
+}
+
+stored_edits::stored_edits(const library_store& of)
+    : database_(of.second_connection()),
+      rows_(database_->prepare("SELECT path, subsong, info, path_before FROM edits ORDER BY rowid")) {}
+
+std::optional<stored_edit> stored_edits::next() {
+    while (!at_end_ && rows_.step()) {
+        auto before = file_info::from_bytes(text_of(rows_.blob(2)));
         if (!before) continue;
-        result.push_back({from_blob(query.blob(0)), {static_cast<std::uint32_t>(query.integer(1)), *std::move(before)}, {}});
-        if (!query.is_null(3)) result.back().path_before = from_blob(query.blob(3));
+        stored_edit edit{from_blob(rows_.blob(0)), {static_cast<std::uint32_t>(rows_.integer(1)), *std::move(before)}, {}};
+        if (!rows_.is_null(3)) edit.path_before = from_blob(rows_.blob(3));
+        return edit;
     }
-    return result;
+    at_end_ = true;
+    return std::nullopt;
 }
 
 void library_store::put_edit(const stored_edit& edit) {
@@ -246,7 +257,7 @@ void library_store::forget_edits(const std::string& path) { delete_edits_.bind(1
 
 void library_store::forget_edits() {
     const auto lock = database_.lock();
-    if (database_.query_integer("SELECT EXISTS(SELECT 1 FROM edits)") != 0) database_.execute("DELETE FROM edits");
+    if (has_edits()) database_.execute("DELETE FROM edits");
 }
 
 void library_store::move_entries(const moved_locations& moved) {

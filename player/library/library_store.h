@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "player/library/library_files.h"
+#include "player/library/library_file.h"
 #include "player/sqlite/database.h"
 
 namespace ostrevan::library {
@@ -38,8 +40,11 @@ public:
     void add_ignored(const std::string& path);
     void remove_ignored(const std::string& path);
 
-    /// Loads every file with its tracks, in the order in which they were first stored. The handles are not in the table yet.
-    void load(const std::function<void(library_file&&, std::string_view path)>& on_file) const;
+    /// Visits every file with the subsongs of its tracks, in the order in which they were first stored.
+    void load(const std::function<void(stored_file&&, std::string_view path, std::span<const std::uint32_t> subsongs)>&
+                  on_file) const;
+    /// For reading beside changes, by another thread.
+    [[nodiscard]] std::unique_ptr<sqlite::database> second_connection() const;
 
     // To be called inside a transaction on `database()`.
     /// Adds the file, or replaces the one with its id; returns the id, or 0 when there is none with that id any more.
@@ -50,8 +55,8 @@ public:
     /// Lets the entries of playlists and of the queue follow their tracks.
     void move_entries(const moved_locations& moved);
 
-    /// Edits recorded by `put_file` and `put_edit` and not forgotten yet, oldest first. Damaged ones are left out.
-    [[nodiscard]] std::vector<stored_edit> edits() const;
+    /// Whether edits recorded by `put_file` and `put_edit` are not forgotten yet.
+    [[nodiscard]] bool has_edits();
     void put_edit(const stored_edit& edit);
     /// Forgets the edits of one file.
     void forget_edits(const std::string& path);
@@ -68,6 +73,19 @@ private:
     sqlite::statement insert_edit_, delete_edits_;
     sqlite::statement update_device_;
     sqlite::statement insert_source_, delete_sources_;
+};
+
+/// The edits that the library held when this was made, read one by one.
+class stored_edits {
+public:
+    explicit stored_edits(const library_store& of);
+    /// The oldest first, without damaged ones. Empty at the end.
+    [[nodiscard]] std::optional<stored_edit> next();
+
+private:
+    std::unique_ptr<sqlite::database> database_;
+    sqlite::statement rows_;
+    bool at_end_ = false;
 };
 
 /// Converts text to the BLOB form of a column, and back.

@@ -10,6 +10,7 @@
 
 #include "player/library/audio_claims.h"
 #include "player/library/directory.h"
+#include "player/library/location_order.h"
 #include "player/library/locations.h"
 #include "player/library/moved_files.h"
 #include "player/library/read_files.h"
@@ -37,10 +38,10 @@ bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcep
 
 }  // namespace
 
-/// A file from the database, and where its path lasts; empty if it has tracks.
+/// A file from the database. Its path is that of its tracks; one without tracks has a handle all the same.
 struct media_library::loaded_file {
     library_file file;
-    std::string_view path;
+    track_ptr empty{};
 };
 
 /// What a scan has found out about disks and folders.
@@ -70,6 +71,7 @@ media_library::media_library(const std::string& database_path, track_table& trac
       tracks_(tracks),
       reader_(std::move(reader)),
       observer_(observer),
+      infos_(std::make_unique<stored_infos>(store_, [this](const std::string& message) { observer_.on_failure(message); })),
       playlists_(store_.database()),
       queue_(store_.database()) {
     load();
@@ -94,10 +96,14 @@ void media_library::load() {
             fresh.clear();
             reader.wake();
         };
-        store_.load([&](library_file&& file, std::string_view path) {
-            fresh.push_back({std::move(file), {}});
-            // A sheet whose audio belongs to another one has no tracks, but a handle all the same.
-            if (fresh.back().file.tracks.empty()) fresh.back().path = tracks_.obtain(path)->location().path;
+        store_.load([&](stored_file&& file, std::string_view path, std::span<const std::uint32_t> subsongs) {
+            auto& [next, empty] = fresh.emplace_back(loaded_file{{std::move(file)}});
+            const auto handle_of = [&](std::uint32_t subsong) {
+                return service_new<library::track>(playable_location{std::string(path), subsong});
+            };
+            for (const auto subsong : subsongs) next.tracks.push_back(handle_of(subsong));
+            // A sheet whose audio belongs to another one.
+            if (subsongs.empty()) empty = handle_of(0);
             if (fresh.size() == portion) deliver();
         });
         deliver();
@@ -115,17 +121,22 @@ void media_library::load() {
 }
 
 void media_library::enter(loaded_file&& loaded) {
-    auto& [file, path] = loaded;
+    auto& [file, empty] = loaded;
     last_arrival_ = std::max(last_arrival_, file.arrived);
-    for (auto& track : file.tracks) track = tracks_.adopt(std::move(track));
-    if (!file.tracks.empty()) path = file.tracks.front()->location().path;
-    files_.emplace(path, std::move(file));
+    for (auto& track : file.tracks) {
+        track = tracks_.adopt(std::move(track));
+        infos_->add(file.id, *track);
+    }
+    const auto handle = empty ? tracks_.adopt(std::move(empty)) : file.tracks.front();
+    files_.add(handle->location().path, std::move(file));
 }
 
 void media_library::leave_behind() {
     static auto& left =
         *new std::vector<std::tuple<library_files, kept_list<track_ptr>::pointer, kept_list<metadb_handle_ptr>::pointer>>;
     left.emplace_back(std::exchange(files_, {}), sorted_.take(), unordered_.take());
+    infos_->close();
+    static_cast<void>(infos_.release());  // the handles refer to it
 }
 
 std::span<const track_ptr> media_library::items_of_file(const std::string& path) const {
@@ -141,7 +152,7 @@ kept_list<track_ptr>::pointer media_library::sorted_items() const {
         std::vector<track_ptr> items;
         items.reserve(files_.size());
         for (const auto& [path, file] : files_) items.insert(items.end(), file.tracks.begin(), file.tracks.end());
-        std::ranges::sort(items, {}, [](const track_ptr& each) -> const playable_location& { return each->location(); });
+        sort_by_location(items);
         return items;
     });
 }
@@ -320,7 +331,10 @@ void media_library::store(std::vector<scanned_file>& files, std::uint64_t scan) 
         for (auto& [path, file, tracks] : files) {
             const auto known = files_.find(path);
             const bool is_known = known != files_.end();
-            if (is_known) file.id = known->second.id;
+            if (is_known) {
+                file.id = known->second.id;
+                for (const auto& track : known->second.tracks) track->hold_info();
+            }
             file.arrived = is_known && !is_other_sound(known->second, file) ? known->second.arrived : scan;
             last_arrival_ = std::max(last_arrival_, file.arrived);
         }
@@ -336,11 +350,8 @@ void media_library::apply(scanned_file&& scanned, outcome& done) {
     auto found = files_.find(scanned.path);
     const bool is_new = found == files_.end();
     if (is_new)
-        found = files_
-                    .try_emplace(tracks_.obtain(scanned.path, scanned.tracks.empty() ? 0 : scanned.tracks.front().subsong)
-                                     ->location()
-                                     .path)
-                    .first;
+        found = files_.add(
+            tracks_.obtain(scanned.path, scanned.tracks.empty() ? 0 : scanned.tracks.front().subsong)->location().path);
     const auto place = found;
     const auto path = place->first;
     auto& known = place->second;
@@ -389,7 +400,11 @@ void media_library::drop(std::span<const std::string> gone, outcome& done, const
     {
         const std::shared_lock lock(files_mutex_);
         moved = find_moved_files(files_, folders_, gone, std::move(done.displaced));
-        for (const auto& path : gone) ids.push_back(files_.at(path).id);
+        for (const auto& path : gone) {
+            const auto& file = files_.at(path);
+            for (const auto& track : file.tracks) track->hold_info();
+            ids.push_back(file.id);
+        }
     }
     {
         sqlite::transaction dropping(store_.database());
@@ -490,25 +505,33 @@ std::optional<library_file> media_library::library_file_at(const std::string& pa
     return known == files_.end() ? std::nullopt : std::optional(known->second);
 }
 
-std::vector<track_edit> media_library::unfinished_edits() const {
-    std::vector<track_edit> edits;
-    for (const auto& [path, before, path_before] : store_.edits()) {
-        const auto known = files_.find(path);
-        if (known == files_.end()) continue;
-        const auto& tracks = known->second.tracks;
-        // clang 14 lets a lambda capture a structured binding only under another name.
-        const auto track = std::ranges::find_if(
-            tracks, [&scanned = before](const track_ptr& each) { return is_same_track(each, scanned); });
-        if (track == tracks.end()) continue;
-        auto old = make_snapshot(before.info);
-        auto now = (*track)->info();
-        const bool is_edit =
-            now && (path_before || !(old->info() == now->info())) && is_same_sound(old->info(), now->info());
-        if (!is_edit) continue;
-        edits.push_back({*track, std::move(old), std::move(now)});
-        if (path_before) edits.back().location_before = {*path_before, before.subsong};
-    }
-    return edits;
+edit_portions media_library::unfinished_edits() {
+    if (!store_.has_edits()) return [] { return std::vector<track_edit>(); };
+    return [this, stored = std::make_shared<stored_edits>(store_)] {
+        std::vector<track_edit> edits;
+        while (edits.size() < edits_of_portion) {
+            const auto next = stored->next();
+            if (!next) break;
+            if (auto edit = edit_of(*next)) edits.push_back(*std::move(edit));
+        }
+        return edits;
+    };
+}
+
+/// Empty when the track has gone or says what it said then.
+std::optional<track_edit> media_library::edit_of(const stored_edit& stored) const {
+    const auto tracks = items_of_file(stored.path);
+    const auto track =
+        std::ranges::find_if(tracks, [&](const track_ptr& each) { return is_same_track(each, stored.before); });
+    if (track == tracks.end()) return std::nullopt;
+    auto old = make_snapshot(stored.before.info);
+    auto now = (*track)->info();
+    const bool is_edit =
+        now && (stored.path_before || !(old->info() == now->info())) && is_same_sound(old->info(), now->info());
+    if (!is_edit) return std::nullopt;
+    track_edit edit{*track, std::move(old), std::move(now)};
+    if (stored.path_before) edit.location_before = {*stored.path_before, stored.before.subsong};
+    return edit;
 }
 
 }  // namespace ostrevan::library

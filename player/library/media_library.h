@@ -18,6 +18,7 @@
 #include "player/library/playlists.h"
 #include "player/library/queue_store.h"
 #include "player/library/scan_summary.h"
+#include "player/library/stored_infos.h"
 #include "player/library/track_table.h"
 
 namespace ostrevan::library {
@@ -80,8 +81,8 @@ public:
                                              const main_thread_runner& on_main = run_here);
 
     /// Edits stored since the last call of `forget_edits`, also by an earlier process that may have ended before acting on
-    /// them. Each ends in the current information of the track.
-    [[nodiscard]] std::vector<track_edit> unfinished_edits() const;
+    /// them. Each ends in the current information of the track. For use while the library lives.
+    [[nodiscard]] edit_portions unfinished_edits();
     void forget_edits() { store_.forget_edits(); }
 
     [[nodiscard]] library::playlists& playlists() noexcept { return playlists_; }
@@ -111,12 +112,14 @@ private:
     scan_notes store_notes(const scan_report& report);
     void apply(const scan_notes& notes, const main_thread_runner& on_main);
     [[nodiscard]] std::optional<library_file> library_file_at(const std::string& path) const;
+    [[nodiscard]] std::optional<track_edit> edit_of(const stored_edit& stored) const;
     void notify(outcome& done);
 
     library_store store_;
     track_table& tracks_;
     info_reader reader_;
     library_observer& observer_;
+    std::unique_ptr<stored_infos> infos_;
     library::playlists playlists_;
     queue_store queue_;
     // These are changed on the main thread, with the mutex, and read there without it.

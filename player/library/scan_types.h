@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "player/library/library_files.h"
+#include "player/library/library_file.h"
 
 namespace ostrevan::library {
 

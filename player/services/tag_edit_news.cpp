@@ -1,6 +1,8 @@
 #include "player/services/tag_edit_news.h"
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 #include <span>
 #include <utility>
 
@@ -14,22 +16,23 @@ void tag_edit_news::tell(const std::vector<tag_edit>& edits) {
 }
 
 void tag_edit_news::tell(std::vector<library::track_edit> seen) {
-    if (!seen.empty()) tell_from(std::make_shared<std::vector<library::track_edit>>(std::move(seen)), 0);
+    const auto all = std::make_shared<std::vector<library::track_edit>>(std::move(seen));
+    tell([all, first = std::size_t{0}]() mutable {
+        const auto now = std::span(*all).subspan(first).first(std::min(library::edits_of_portion, all->size() - first));
+        first += now.size();
+        return std::vector(std::move_iterator(now.begin()), std::move_iterator(now.end()));
+    });
 }
 
-/// Components process each edit before they return. Portions let the main loop serve others when a tool has retagged the
-/// whole library. Each portion is freed on its own, since freeing everything at once takes long too.
-void tag_edit_news::tell_from(const std::shared_ptr<std::vector<library::track_edit>>& seen, std::size_t first) {
-    constexpr std::size_t portion = 128;
-    const auto rest = std::span(*seen).subspan(first);
-    const auto now = rest.first(std::min(portion, rest.size()));
+void tag_edit_news::tell(library::edit_portions portions) {
+    const auto seen = portions();
+    if (seen.empty()) return;
     std::vector<tag_edit> edits;
-    for (const auto& [track, before, after, location_before] : now)
+    for (const auto& [track, before, after, location_before] : seen)
         edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr,
                          location_before ? &*location_before : nullptr});
     tell(edits);
-    std::ranges::fill(now, library::track_edit{});
-    if (now.size() < rest.size()) loop_.post([this, seen, next = first + now.size()] { tell_from(seen, next); });
+    loop_.post([this, portions = std::move(portions)] { tell(portions); });
 }
 
 }  // namespace ostrevan::services

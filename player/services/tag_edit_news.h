@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <span>
 #include <utility>
 #include <vector>
@@ -22,15 +21,16 @@ public:
         : loop_(loop), services_(services), before_telling_(std::move(before_telling)) {}
 
     void tell(const std::vector<tag_edit>& edits);
-    /// Reports edits seen by the library: the first portion at once, the others as posted work.
+    /// Reports edits seen by the library: the first portion at once, the others as posted work. Components process each edit
+    /// before they return; portions let the main loop serve others when a tool has retagged the whole library. Each portion
+    /// is freed on its own, since freeing everything at once takes long too.
     void tell(std::vector<library::track_edit> seen);
+    void tell(library::edit_portions portions);
 
     /// False when a component failed at an edit.
     [[nodiscard]] bool all_told() const noexcept { return all_told_; }
 
 private:
-    void tell_from(const std::shared_ptr<std::vector<library::track_edit>>& seen, std::size_t first);
-
     core::main_loop& loop_;
     const core::service_registry& services_;
     const std::function<void(std::span<const tag_edit>)> before_telling_;

@@ -90,6 +90,8 @@ public:
     database& operator=(const database&) = delete;
 
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
+    /// The file that is open, which is a private copy of one that cannot be written.
+    [[nodiscard]] std::string file() const { return copy_ ? copy_->file() : path_; }
     /// Whether nothing can be written; attempts throw.
     [[nodiscard]] bool is_read_only() const noexcept { return copy_.has_value(); }
 

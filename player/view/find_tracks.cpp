@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "player/library/location_order.h"
 #include "player/view/known_fields.h"
 #include "player/view/track_order.h"
 
@@ -22,7 +23,7 @@ metadb_handle_list find_tracks(const std::vector<metadb_handle_ptr>& items, cons
     std::vector<metadb_handle_ptr> found;
     for (const auto& track : items)
         if (wanted.matches(titleformat::track_fields(fields, *track), now)) found.push_back(track);
-    std::ranges::sort(found, {}, [](const metadb_handle_ptr& each) -> const playable_location& { return each->location(); });
+    library::sort_by_location(found);
 
     metadb_handle_list tracks(std::move(found));
     if (wanted.sort()) tracks = sorted_by(*wanted.sort(), tracks, fields);

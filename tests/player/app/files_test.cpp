@@ -98,7 +98,7 @@ TEST_F(files, edits_that_a_component_has_not_followed_are_told_of_again) {
         service_uncounted_t<follower> followers[2];
         session run({path("profile"), path("none"), true}, *core::profile_lock::take(core::prepare_profile(path("profile"))),
                     player.ui);
-        EXPECT_EQ(run.library.unfinished_edits().size(), kept);
+        EXPECT_EQ(run.library.unfinished_edits()().size(), kept);
         (void)run.library.add_folders(folders);
         if (fails) followers[0].fails = [] { throw 1; };
         followers[0].outcome.has_followed = has_followed;

@@ -45,6 +45,7 @@ protected:
     }
 
     void on_library_changed(const library_changes& changes) override { changes_ = changes; }
+    void on_failure(const std::string& message) override { ADD_FAILURE() << message; }
 
     /// Gives every write its own time, however coarse the clock of the file system.
     fs::path put(const fs::path& path, const std::string& contents) {

@@ -64,14 +64,14 @@ TEST_F(media_library_test, keeps_edits_for_those_who_were_killed_before_they_had
     rescan();
     put("1.mp3", "title=Eins\n");
     library_->refresh_tracks(library_->items(), refresh_mode::always);
-    const auto edits = reopen().unfinished_edits();
+    const auto edits = reopen().unfinished_edits()();
     ASSERT_EQ(edits.size(), 2U);
     for (const auto& [edit, before] : {std::pair(edits[0], "One"), std::pair(edits[1], "Uno")}) {
         EXPECT_EQ(edit.before->info().meta_value(0, 0), before);
         EXPECT_EQ(edit.after->info().meta_value(0, 0), "Eins");
     }
     library_->forget_edits();
-    EXPECT_TRUE(reopen().unfinished_edits().empty());
+    EXPECT_TRUE(reopen().unfinished_edits()().empty());
 }
 
 TEST_F(media_library_test, follows_links_without_loops_and_passes_over_what_is_no_music) {

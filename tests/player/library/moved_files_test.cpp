@@ -80,7 +80,7 @@ TEST_F(moved_files_test, are_known_again_by_their_sound_unless_two_fit) {
         const auto summary = rescan();
         EXPECT_EQ(edits_in(changes_.edited), each.edits);
         EXPECT_EQ(summary.unclear.size(), each.unclear);
-        EXPECT_EQ(edits_in(reopen().unfinished_edits()), each.edits);
+        EXPECT_EQ(edits_in(reopen().unfinished_edits()()), each.edits);
         EXPECT_EQ(moves_between(entries, *library_->playlists().entries("List")), moves_in(each.edits));
         EXPECT_EQ(moves_between(entries, library_->queue().load()->entries), moves_in(each.edits));
         rescan();
