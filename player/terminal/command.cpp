@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <map>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace ostrevan::terminal {
@@ -93,7 +95,10 @@ void declared_command::choose(std::function<chosen_command()> choose) {
 
 void refuse_arguments(const char* words, const std::string& mistake) { throw CLI::ValidationError(words, mistake); }
 
-command_file::command_file(int position, declaration declare) { files_by_position().emplace(position, declare); }
+command_file::command_file(int position, declaration declare) {
+    const bool is_new = files_by_position().emplace(position, declare).second;
+    if (!is_new) throw std::logic_error("Two commands have the position " + std::to_string(position) + ".");
+}
 
 void command_file::declare_all(declared_command& program) {
     for (const auto& [position, declare] : files_by_position()) declare(program);
