@@ -168,9 +168,9 @@ operation_entry index_store::state::next_operation(std::int64_t now, change_caus
     return {id, act, now, why.undoes, std::move(why.text)};
 }
 
-/// What is not loaded yet is looked up, since the journal keeps it.
+/// What is not loaded yet is looked up: the journal keeps it, and copies are made before many records change.
 void index_store::state::learn_before(std::int64_t index_id, const change_list& list) {
-    if (memory.is_loaded() || !cause) return;
+    if (memory.is_loaded() || (!cause && !daily_copies)) return;
     change_list rows;
     std::vector<std::byte> record(max_record_size);
     for (const auto& change : list.changes())

@@ -1,6 +1,7 @@
 #include "player/terminal/stats_json.h"
 
 #include "player/summary/wording.h"
+#include "player/terminal/track_json.h"
 
 namespace ostrevan::terminal {
 namespace {
@@ -8,8 +9,6 @@ namespace {
 using json = nlohmann::ordered_json;
 using summary::figures;
 using summary::ranked;
-
-json text_or_null(std::string text) { return text.empty() ? json() : json(std::move(text)); }
 
 json limit_of(query::local_time time, query::local_time none) {
     return time == none ? json() : json(summary::text_of(time));

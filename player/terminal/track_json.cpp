@@ -58,6 +58,8 @@ json track_json::operator()(metadb_handle& track) const {
     return object;
 }
 
+json text_or_null(std::string text) { return text.empty() ? json() : json(std::move(text)); }
+
 std::string text_of(const json& value) { return value.dump(-1, ' ', false, json::error_handler_t::replace); }
 
 }  // namespace ostrevan::terminal

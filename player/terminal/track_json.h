@@ -22,6 +22,8 @@ private:
     std::set<std::string> names_;
 };
 
+nlohmann::ordered_json text_or_null(std::string text);
+
 /// In one line; bytes that are no UTF-8 are replaced.
 std::string text_of(const nlohmann::ordered_json& value);
 

@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 
 #include "player/library/locations.h"
 #include "player/system/user_error.h"
+#include "player/terminal/track_json.h"
 #include "player/titleformat/script.h"
 
 namespace ostrevan::terminal {
 namespace {
 
 using app::watch_report;
-using watch_json = nlohmann::ordered_json;
+using json = nlohmann::ordered_json;
 
 /// What a line says of a track: as the library has it, else as the player tells it.
 std::string text_of(const run_context& context, const watch_report& report) {
@@ -31,8 +31,6 @@ std::string title_of(const run_context& context, const watch_report& report) {
         title, [](unsigned char each) { return each < ' '; }, ' ');
     return title;
 }
-
-watch_json text_or_null(const std::string& text) { return text.empty() ? watch_json() : watch_json(text); }
 
 }  // namespace
 
@@ -76,15 +74,15 @@ void print_report(run_context& context, const watch_report& report) {
 
 void print_report_as_json(std::ostream& out, const watch_report& report) {
     constexpr std::array events{"playing", "counted", "not counted", "failure", "source"};
-    watch_json object{{"event", events[static_cast<std::size_t>(report.what)]}, {"player", report.player}};
-    object["path"] = report.track ? watch_json(report.track->location().path) : watch_json();
-    object["subsong"] = report.track ? watch_json(report.track->location().subsong) : watch_json();
+    json object{{"event", events[static_cast<std::size_t>(report.what)]}, {"player", report.player}};
+    object["path"] = report.track ? json(report.track->location().path) : json();
+    object["subsong"] = report.track ? json(report.track->location().subsong) : json();
     object["location"] = text_or_null(report.told.location);
     object["title"] = text_or_null(report.told.title);
     object["artist"] = text_or_null(report.told.artist);
     object["album"] = text_or_null(report.told.album);
     object["reason"] = text_or_null(report.reason);
-    out << object.dump(-1, ' ', false, watch_json::error_handler_t::replace) << std::endl;
+    out << object.dump(-1, ' ', false, json::error_handler_t::replace) << std::endl;
 }
 
 }  // namespace ostrevan::terminal
