@@ -132,11 +132,10 @@ void media_library::enter(loaded_file&& loaded) {
 }
 
 void media_library::leave_behind() {
-    static auto& left =
-        *new std::vector<std::tuple<library_files, kept_list<track_ptr>::pointer, kept_list<metadb_handle_ptr>::pointer>>;
-    left.emplace_back(std::exchange(files_, {}), sorted_.take(), unordered_.take());
-    infos_->close();
-    static_cast<void>(infos_.release());  // the handles refer to it
+    static auto& left = *new std::vector<std::tuple<library_files, kept_list<track_ptr>::pointer,
+                                                    kept_list<metadb_handle_ptr>::pointer, std::unique_ptr<stored_infos>>>;
+    infos_->close();  // the handles refer to it
+    left.emplace_back(std::exchange(files_, {}), sorted_.take(), unordered_.take(), std::move(infos_));
 }
 
 std::span<const track_ptr> media_library::items_of_file(const std::string& path) const {
