@@ -169,7 +169,8 @@ void main_thread_while_keys_change(benchmark::State& state) {
                    .ask =
                        [](bench::bench_player& player) {
                            static std::optional<ostrevan::services::tag_edit_news> news;  // must outlive what it posts
-                           news.emplace(player.loop, player.services).tell(std::move(seen));
+                           news.emplace(player.loop, player.services, [](std::span<const ostrevan::tag_edit>) {})
+                               .tell(std::move(seen));
                        }});
 }
 

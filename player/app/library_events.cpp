@@ -1,6 +1,7 @@
 #include "player/app/library_events.h"
 
 #include <ctime>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -9,6 +10,16 @@ namespace {
 
 metadb_handle_list handles_of(const std::vector<library::track_ptr>& tracks) {
     return metadb_handle_list(std::vector<metadb_handle_ptr>(tracks.begin(), tracks.end()));
+}
+
+/// What a track was called that has moved with new tags is known already, and that its records have followed.
+metadb_handle_list without_moved(const metadb_handle_list& removed, const std::vector<library::track_edit>& edits) {
+    std::set<playable_location> moved;
+    for (const auto& each : edits)
+        if (each.location_before) moved.insert(*each.location_before);
+    auto gone = removed;
+    std::erase_if(gone.items(), [&](const metadb_handle_ptr& each) { return moved.contains(each->location()); });
+    return gone;
 }
 
 }  // namespace
@@ -25,7 +36,7 @@ void library_events::on_library_changed(const library::library_changes& changes)
     loop_.call([&, edited = changes.edited]() mutable { news_.tell(std::move(edited)); });
     const auto removed = handles_of(changes.removed);
     index_.mark_seen(removed, std::time(nullptr));
-    known_.note_later(removed);
+    known_.note_later(without_moved(removed, changes.edited));
     tell(handles_of(changes.added), &library_callback::on_items_added);
     tell(removed, &library_callback::on_items_removed);
     tell(handles_of(changes.modified), &library_callback::on_items_modified);

@@ -18,6 +18,7 @@ using bytes = std::vector<std::byte>;
 struct merging {
     std::optional<bytes> record;
     std::set<std::uint64_t> merged{};  ///< former keys
+    metadb_handle_ptr first{};         ///< of the tracks that get it
 };
 
 /// Of one index.
@@ -41,11 +42,11 @@ private:
         const auto [known, is_new] = targets_.try_emplace(to);
         auto& target = known->second;
         if (is_new) target.record = records_.record(index_.index, to);
-        const auto own = records_.record(index_.index, from);
-        if (!own || !target.merged.insert(from).second) return;
         const auto before = target.record;
-        target.record = editing_->merged(before ? *before : bytes(), *own);
-        if (before && before != target.record) found.push_back({track, index_.index, {to, before, target.record}});
+        const auto own = records_.record(index_.index, from);
+        if (own && target.merged.insert(from).second) target.record = editing_->merged(before ? *before : bytes(), *own);
+        if (before) found.push_back({track, index_.index, {to, before, target.record}, target.first});
+        if (!target.first) target.first = track;
     }
 
     const services::index_manager_impl::registration& index_;

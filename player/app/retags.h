@@ -15,6 +15,7 @@ struct retag {
     metadb_handle_ptr track;
     nuv::guid index;
     index::record_change merge;  ///< of the record of the new tags
+    metadb_handle_ptr other{};   ///< another one of the edited tracks that gets the same tags, if any
 };
 
 /// Finds them before the records follow: by the rules of the components, for the edits in their order. [any-thread]

@@ -176,7 +176,11 @@ void session::mark_library_seen() {
 }
 
 std::vector<services::index_manager_impl::old_records> session::old_records() {
-    return index.find_old(nuv::list_view_t<metadb_handle_ptr>(*library.unordered_items()), std::time(nullptr));
+    auto old = index.find_old(nuv::list_view_t<metadb_handle_ptr>(*library.unordered_items()), std::time(nullptr));
+    if (!library.is_whole())
+        throw std::runtime_error(
+            "Some tracks of the library cannot be read, and so no record counts as that of a removed one.");
+    return old;
 }
 
 }  // namespace ostrevan::app

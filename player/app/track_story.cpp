@@ -31,7 +31,7 @@ std::vector<story_event> story_of(const metadb_handle_ptr& track, index::journal
         // Changes stay in their order, whatever the clock has said.
         for (const auto& each : listens)
             story.insert(std::ranges::find_if(story, [&](const story_event& other) { return other.time <= each.time; }),
-                         {each.time, 0, heard(each)});
+                         {each.time, 0, heard(each), {}, each.act < 0});
     }
     return story;
 }

@@ -1,5 +1,7 @@
 #include "player/history/restore.h"
 
+#include <sqlite3.h>
+
 #include <chrono>
 #include <map>
 #include <optional>
@@ -16,13 +18,9 @@ namespace {
 
 using records_by_key = std::map<std::uint64_t, std::vector<std::byte>>;
 
-/// Opening a database may bring its format up to date: what is opened is another copy.
-std::map<nuv::guid, records_by_key> read_copy(const std::filesystem::path& copy) {
-    const auto read = sqlite::reading_copy::of(copy.string());
-    if (!read)
-        throw std::runtime_error(copy.string() + " cannot be read, or there is no room for it in the temporary folder.");
-    index::index_database database(read->file(), std::chrono::seconds(1));
-    if (!database.is_whole()) throw std::runtime_error(copy.string() + " is damaged. Restore another copy.");
+std::map<nuv::guid, records_by_key> records_in(const std::string& file) {
+    index::index_database database(file, std::chrono::seconds(1));
+    if (!database.is_whole()) throw sqlite::error(SQLITE_CORRUPT, file);
     std::map<std::int64_t, nuv::guid> guids;
     for (const auto& each : database.catalog()) guids.emplace(each.id, each.guid);
     std::map<nuv::guid, records_by_key> all;
@@ -35,6 +33,23 @@ std::map<nuv::guid, records_by_key> read_copy(const std::filesystem::path& copy)
         return true;
     });
     return all;
+}
+
+/// Opening a database may bring its format up to date: what is opened is another copy.
+std::map<nuv::guid, records_by_key> read_copy(const std::filesystem::path& copy) {
+    const auto read = sqlite::reading_copy::of(copy.string());
+    if (!read)
+        throw std::runtime_error(copy.string() + " cannot be read, or there is no room for it in the temporary folder.");
+    try {
+        return records_in(read->file());
+    } catch (const sqlite::error& error) {
+        const int kind = error.code() & 0xFF;
+        throw std::runtime_error(copy.string() +
+                                 (kind == SQLITE_CORRUPT  ? " is damaged"
+                                  : kind == SQLITE_NOTADB ? " is no copy that this version can read"
+                                                          : " cannot be read") +
+                                 ". Restore another copy.");
+    }
 }
 
 std::vector<index::index_changes> differences(const index::index_store& records,

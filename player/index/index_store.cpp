@@ -51,6 +51,7 @@ struct index_store::state {
     const std::chrono::days journal_age;
     const std::int64_t journal_size;
     std::optional<std::int64_t> copied_on;  // day; the writer's thread only
+    bool has_copy = false;                  // from before what is being saved; the writer's thread only
     index_error_sink report;
     std::atomic<bool> has_refused = false;  // a refused change, not reported by `flush` yet
     index_database database;                // the writer's thread only, once that runs
@@ -100,7 +101,9 @@ bool index_store::state::load(const std::stop_token& stop) {
 
 void index_store::state::save(std::span<const index_job> jobs) {
     copy_before(jobs);
-    if (!database.save(jobs))
+    const bool is_kept = database.save(jobs);
+    has_copy = false;
+    if (!is_kept)
         report("The journal in \"" + database.path() +
                "\" is damaged: changes are saved, but can no longer be looked up or undone. A copy of the folder backup has "
                "an earlier one.");
@@ -115,15 +118,17 @@ void index_store::state::trim_journal() {
     }
 }
 
-/// A failed backup must not keep changes from being saved.
+/// A failed backup must not keep changes from being saved. When saving is tried again, the first copy serves.
 void index_store::state::copy_before(std::span<const index_job> jobs) {
     constexpr std::int64_t seconds_per_day = 24 * 60 * 60;
     const auto changes_records = [](const index_job& job) { return std::holds_alternative<record_changes>(job); };
     if (!daily_copies || std::ranges::none_of(jobs, changes_records)) return;
     const std::int64_t today = clock() / seconds_per_day;
     try {
-        const bool is_made = std::exchange(copied_on, today) != today && database.back_up_once_a_day();
-        if (!is_made && std::ranges::any_of(jobs, is_bulk)) database.back_up("bulk");
+        has_copy = has_copy || (std::exchange(copied_on, today) != today && database.back_up_once_a_day());
+        if (has_copy || std::ranges::none_of(jobs, is_bulk)) return;
+        has_copy = true;
+        database.back_up("bulk");
     } catch (const std::exception& error) {
         report(error.what() + std::string(" The changes are saved without it."));
     }

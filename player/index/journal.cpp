@@ -161,7 +161,7 @@ void journal::for_each_listen(const nuv::guid& index, const std::function<void(c
     auto rows = database_.prepare("SELECT id, time, path, subsong, counted, act FROM listens ORDER BY id");
     while (rows.step()) {
         const auto id = rows.integer(0);
-        if (!undone.empty() && undone.contains(rows.integer(5))) continue;
+        if (const auto act = rows.integer(5); act < 0 || undone.contains(act)) continue;
         brief_listen next{.time = rows.integer(1),
                           .path = rows.text(2),
                           .subsong = static_cast<std::uint32_t>(rows.integer(3)),

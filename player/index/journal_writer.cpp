@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <optional>
+#include <set>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -131,6 +132,20 @@ void journal_writer::save(std::span<const known_track> tracks) {
     }
 }
 
+/// A play that was taken back stays so when the act that took it back is forgotten.
+void journal_writer::forget_plays_taken_back(std::int64_t oldest_kept) {
+    std::set<std::int64_t> taken_back;
+    auto undoing =
+        database_.prepare("SELECT act, undoes FROM operations WHERE undoes IS NOT NULL AND act = id ORDER BY act DESC");
+    auto mark = database_.prepare("UPDATE listens SET act = -1 WHERE act = ?");
+    while (undoing.step()) {
+        const auto act = undoing.integer(0), undone = undoing.integer(1);
+        if (taken_back.contains(act)) continue;  // redone
+        taken_back.insert(undone);
+        if (act < oldest_kept) mark.bind(1, undone).run();
+    }
+}
+
 void journal_writer::trim(std::int64_t time, std::int64_t bytes) {
     // By the sequence of acts: a clock that was wrong for a while makes no younger act old.
     auto young =
@@ -153,6 +168,7 @@ void journal_writer::trim(std::int64_t time, std::int64_t bytes) {
     }
     acts.reset();
     oldest_kept = last_fitting;
+    forget_plays_taken_back(oldest_kept);
     for (const char* sql : {"DELETE FROM changes WHERE operation IN (SELECT id FROM operations WHERE act < ?)",
                             "DELETE FROM bulk_changes WHERE operation IN (SELECT id FROM operations WHERE act < ?)",
                             "DELETE FROM operations WHERE act < ?"})

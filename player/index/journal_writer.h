@@ -86,6 +86,7 @@ public:
     void trim(std::int64_t time, std::int64_t bytes);
 
 private:
+    void forget_plays_taken_back(std::int64_t oldest_kept);
     void save_single(const record_changes& changes, std::int64_t key, const std::vector<std::byte>& change);
 
     sqlite::database& database_;

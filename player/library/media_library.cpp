@@ -122,6 +122,8 @@ void media_library::load() {
 
 void media_library::enter(loaded_file&& loaded) {
     auto& [file, empty] = loaded;
+    // A damaged database may name a file twice.
+    if (files_.find((empty ? empty : file.tracks.front())->location().path) != files_.end()) return;
     last_arrival_ = std::max(last_arrival_, file.arrived);
     for (auto& track : file.tracks) {
         track = tracks_.adopt(std::move(track));
@@ -517,18 +519,16 @@ edit_portions media_library::unfinished_edits() {
     };
 }
 
-/// Empty when the track has gone or says what it said then.
+/// Empty when the track was never met since, or says what it said then. Its handle outlives its file.
 std::optional<track_edit> media_library::edit_of(const stored_edit& stored) const {
-    const auto tracks = items_of_file(stored.path);
-    const auto track =
-        std::ranges::find_if(tracks, [&](const track_ptr& each) { return is_same_track(each, stored.before); });
-    if (track == tracks.end()) return std::nullopt;
+    const auto track = tracks_.find(stored.path, stored.before.subsong);
+    if (!track) return std::nullopt;
     auto old = make_snapshot(stored.before.info);
-    auto now = (*track)->info();
+    auto now = track->info();
     const bool is_edit =
         now && (stored.path_before || !(old->info() == now->info())) && is_same_sound(old->info(), now->info());
     if (!is_edit) return std::nullopt;
-    track_edit edit{*track, std::move(old), std::move(now)};
+    track_edit edit{track, std::move(old), std::move(now)};
     if (stored.path_before) edit.location_before = {*stored.path_before, stored.before.subsong};
     return edit;
 }

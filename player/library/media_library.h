@@ -83,7 +83,12 @@ public:
     /// Edits stored since the last call of `forget_edits`, also by an earlier process that may have ended before acting on
     /// them. Each ends in the current information of the track. For use while the library lives.
     [[nodiscard]] edit_portions unfinished_edits();
-    void forget_edits() { store_.forget_edits(); }
+    /// Where tracks could not be read, edits may not have been seen, and stay for the next start.
+    void forget_edits() {
+        if (is_whole()) store_.forget_edits();
+    }
+    /// False when the information about a track could not be read. [any-thread]
+    [[nodiscard]] bool is_whole() const noexcept { return !infos_ || !infos_->has_failed(); }
 
     [[nodiscard]] library::playlists& playlists() noexcept { return playlists_; }
     [[nodiscard]] queue_store& queue() noexcept { return queue_; }

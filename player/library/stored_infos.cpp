@@ -59,7 +59,9 @@ metadb_info_ptr stored_infos::read(std::uint32_t number) {
         const std::lock_guard guard(reading_);
         found = find_recent(which);  // another thread may have read it meanwhile
         if (!found) {
-            auto fresh = std::make_shared<const infos>(read_block(which));
+            bool is_whole = true;
+            auto fresh = std::make_shared<const infos>(read_block(which, is_whole));
+            if (!is_whole) return (*fresh)[number % block_size];  // the next who asks tries again
             if (++blocks_[which].times_read >= kept_from)
                 for (std::size_t i = 0; i < fresh->size(); ++i)
                     if ((*fresh)[i]) places_[which * block_size + i].handle->hold((*fresh)[i]);
@@ -71,7 +73,7 @@ metadb_info_ptr stored_infos::read(std::uint32_t number) {
 }
 
 /// Rows and places are in the same order. A row may be new, and that of a place may be gone: its handle holds what it said.
-stored_infos::infos stored_infos::read_block(std::size_t which) {
+stored_infos::infos stored_infos::read_block(std::size_t which, bool& is_whole) {
     const auto first = which * block_size;
     const auto of = std::span(places_).subspan(first, std::min(block_size, places_.size() - first));
     infos read(of.size());
@@ -89,7 +91,9 @@ stored_infos::infos stored_infos::read_block(std::size_t which) {
         }
         read_.reset();
     } catch (const sqlite::error& error) {
-        if (!std::exchange(has_failed_, true)) on_failure_(error.what());
+        read_.reset();
+        is_whole = false;
+        if (!has_failed_.exchange(true)) on_failure_(error.what());
     }
     return read;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -37,6 +38,8 @@ public:
     /// Empty when the stored information is damaged, or cannot be read.
     [[nodiscard]] metadb_info_ptr read(std::uint32_t number);
     [[nodiscard]] std::uint64_t serial_of(std::uint32_t number) const noexcept;
+    /// Whether something could not be read: tracks without information may have some.
+    [[nodiscard]] bool has_failed() const noexcept { return has_failed_; }
     /// From now on nothing is read.
     void close();
 
@@ -61,7 +64,7 @@ private:
 
     [[nodiscard]] std::shared_ptr<const infos> find_recent(std::size_t which);
     void remember(recent latest);
-    [[nodiscard]] infos read_block(std::size_t which);
+    [[nodiscard]] infos read_block(std::size_t which, bool& is_whole);
 
     const std::function<void(const std::string&)> on_failure_;
     std::vector<place> places_;
@@ -70,7 +73,7 @@ private:
     std::mutex reading_;  // guards the connection and the counts of the blocks
     std::unique_ptr<sqlite::database> database_;
     sqlite::statement read_;
-    bool has_failed_ = false;
+    std::atomic<bool> has_failed_ = false;
 
     std::mutex recent_mutex_;
     std::vector<recent> recent_;

@@ -31,7 +31,7 @@ metadb_info_ptr track::info() const {
     }
     auto read = stored->read(number_);
     const spin_guard guard(*this);
-    return info_ ? info_ : read;  // something newer may have been published meanwhile
+    return info_ || stored_ == nullptr ? info_ : read;  // something newer may have been published meanwhile
 }
 
 std::uint64_t track::info_serial() const noexcept {
@@ -59,7 +59,12 @@ void track::forget_stored() {
 
 void track::hold(metadb_info_ptr stored) {
     const spin_guard guard(*this);
-    if (!info_) std::swap(info_, stored);
+    if (!info_ && stored_ != nullptr) std::swap(info_, stored);
+}
+
+void track::hold_info() {
+    hold(info());
+    forget_stored();
 }
 
 }  // namespace ostrevan::library

@@ -45,7 +45,7 @@ public:
     /// Keeps what was stored, unless something newer was published.
     void hold(metadb_info_ptr stored);
     /// Before it is changed there.
-    void hold_info() { hold(info()); }
+    void hold_info();
 
 private:
     class spin_guard;

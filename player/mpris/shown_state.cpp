@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 #include "player/mpris/words.h"
@@ -35,24 +34,22 @@ constexpr told_field told_fields[] = {
     {"xesam:lastUsed", "last_played", form::time},
 };
 
-/// A number at the beginning, such as that in "3/12".
-std::optional<std::int32_t> number_in(std::string_view text) {
+/// Of the number at the beginning, such as that in "3/12"; nothing when there is none.
+bus::value written_number(std::string_view text, bool is_stars) {
     std::int32_t number = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    return result.ec == std::errc() ? std::optional(number) : std::nullopt;
+    if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc()) return {};
+    return is_stars ? bus::value(number / most_stars) : bus::value(number);
 }
 
 bus::value written(form as, std::string text) {
-    const auto number = as == form::number || as == form::stars ? number_in(text) : std::nullopt;
     switch (as) {
         case form::text:
             return text;
         case form::list:
             return std::vector<bus::value>{text};
         case form::number:
-            return number ? bus::value(*number) : bus::value();
         case form::stars:
-            return number ? bus::value(*number / most_stars) : bus::value();
+            return written_number(text, as == form::stars);
         case form::time:
             if (const auto blank = text.find(' '); blank != std::string::npos) text[blank] = 'T';
             return text;

@@ -61,7 +61,7 @@ std::vector<std::uint32_t> queue::round() const {
 
 /// Each group waits for a random time, exponentially distributed with its weight as the rate: the next one is always drawn
 /// by the weights of those left.
-std::vector<std::uint32_t> queue::shuffled() {
+std::vector<std::uint32_t> queue::shuffled(bool by_weights) {
     std::vector<places> groups;
     if (modes_.shuffle == shuffle_mode::albums) groups = by_album(*albums_);
     else
@@ -71,7 +71,7 @@ std::vector<std::uint32_t> queue::shuffled() {
     std::vector<std::pair<double, const places*>> due;
     for (const auto& group : groups) {
         double sum = 0;
-        for (const auto place : group) sum += weight(place);
+        for (const auto place : group) sum += by_weights ? weight(place) : 1;
         due.emplace_back(wait(random_) * static_cast<double>(group.size()) / sum, &group);
     }
     std::ranges::sort(due);
@@ -87,7 +87,8 @@ void queue::add_round() {
     // A list of one album has one order, and of two tracks one round begins with the last of the other.
     constexpr int attempts = 20;
     const auto is_stale = [&] { return next == last || (size() > 2 && next.front() == last.back()); };
-    for (int i = 0; modes_.shuffle != shuffle_mode::off && is_stale() && i < attempts; ++i) next = shuffled();
+    for (int i = 0; modes_.shuffle != shuffle_mode::off && is_stale() && i < attempts; ++i)
+        next = shuffled(i < attempts / 2);  // a short list may have one likely order
 
     const auto rounds_before = (current_ - first_) / size();
     const auto dropped = rounds_before > 1 ? (rounds_before - 1) * size() : 0;

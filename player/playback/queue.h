@@ -70,7 +70,7 @@ public:
 private:
     using places = std::vector<std::uint32_t>;
 
-    [[nodiscard]] places shuffled();
+    [[nodiscard]] places shuffled(bool by_weights = true);
     [[nodiscard]] double weight(std::uint32_t place) const { return weights_->empty() ? 1 : (*weights_)[place]; }
     void add_round();
     void start(places round, std::size_t place);

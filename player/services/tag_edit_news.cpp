@@ -25,13 +25,19 @@ void tag_edit_news::tell(std::vector<library::track_edit> seen) {
 }
 
 void tag_edit_news::tell(library::edit_portions portions) {
-    const auto seen = portions();
-    if (seen.empty()) return;
-    std::vector<tag_edit> edits;
-    for (const auto& [track, before, after, location_before] : seen)
-        edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr,
-                         location_before ? &*location_before : nullptr});
-    tell(edits);
+    try {
+        const auto seen = portions();
+        if (seen.empty()) return;
+        std::vector<tag_edit> edits;
+        edits.reserve(seen.size());
+        for (const auto& [track, before, after, location_before] : seen)
+            edits.push_back({metadb_handle_ptr(track), &before->info(), &after->info(), nullptr,
+                             location_before ? &*location_before : nullptr});
+        tell(edits);
+    } catch (...) {
+        all_told_ = false;  // the library keeps them for the next start
+        throw;
+    }
     loop_.post([this, portions = std::move(portions)] { tell(portions); });
 }
 

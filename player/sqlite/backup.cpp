@@ -56,6 +56,7 @@ std::vector<copy_name> copies_of(const fs::path& database) {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(database.parent_path() / "backup", ignored)) {
         const auto name = entry.path().filename().string();
+        if (!entry.is_regular_file(ignored)) continue;
         if (!name.starts_with(stem) || !name.ends_with(ending) || name.size() < stem.size() + shape.size() + ending.size())
             continue;
         const auto after = std::string_view(name).substr(stem.size());

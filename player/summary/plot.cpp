@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 #include "player/titleformat/unicode.h"
@@ -19,7 +20,7 @@ bool is_control(std::int32_t code) { return code < 0x20 || (code >= 0x7F && code
 
 /// Two decimals, whatever the locale.
 std::string decimal(double number) {
-    const auto hundredths = static_cast<long long>(number * 100 + 0.5);
+    const auto hundredths = std::llround(number * 100);
     std::array<char, 32> text{};
     return {text.data(), static_cast<std::size_t>(
                              std::snprintf(text.data(), text.size(), "%lld.%02lld", hundredths / 100, hundredths % 100))};

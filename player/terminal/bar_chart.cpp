@@ -28,7 +28,7 @@ std::string repeated(std::string_view text, std::size_t times) {
 
 }  // namespace
 
-void bar_chart::add(std::string name, std::size_t number, std::size_t lighter) {
+void bar_chart::add(const std::string& name, std::size_t number, std::size_t lighter) {
     rows_.push_back({shown_in_one_line(name), number, lighter});
 }
 

@@ -13,7 +13,7 @@ public:
     explicit bar_chart(std::string title) : title_(std::move(title)) {}
 
     /// The bar has two parts, of which the second is drawn lighter.
-    void add(std::string name, std::size_t number, std::size_t lighter = 0);
+    void add(const std::string& name, std::size_t number, std::size_t lighter = 0);
     [[nodiscard]] bool empty() const noexcept { return rows_.empty(); }
     /// With blocks for a terminal, else in ASCII. Nothing without rows.
     void write(std::ostream& out, std::size_t width, bool with_blocks) const;

@@ -32,7 +32,7 @@ std::string shown_time(const std::string& time) {
 void list(run_context& context) {
     const auto all = copies(context);
     if (all.empty()) return context.screen.note("There is no copy yet.");
-    table out({{"Copy"}, {"Time (UTC)"}, {"Before"}, {"Bytes", true}});
+    table out({{"Copy"}, {"Time (UTC)"}, {"Reason"}, {"Bytes", true}});
     for (const auto& each : all)
         out.add_row(
             std::array{each.path.filename().string(), shown_time(each.time), each.reason, std::to_string(each.size)});
@@ -45,7 +45,29 @@ std::size_t number_of(const std::vector<index::index_changes>& changes) {
     return number;
 }
 
+std::string counted_records(std::size_t number) { return std::to_string(number) + (number == 1 ? " record" : " records"); }
+
+/// Of the tracks of records that have gone. Components may note something of a new track at once, such as its date; done
+/// now, that belongs to the restoring and is taken back with it.
+void tell_of_new_tracks(run_context& context, const std::vector<index::index_changes>& restored) {
+    metadb_handle_list tracks;
+    for (const auto& each : restored) {
+        std::vector<std::uint64_t> removed;
+        for (const auto& record : each.records)
+            if (!record.after) removed.push_back(record.key);
+        for (auto& found : app::tracks_with_keys(context.player, each.index, removed))
+            tracks.items().push_back(std::move(found.track));
+    }
+    if (tracks.empty()) return;
+    context.on_main([&] {
+        context.player.services.for_each<library_callback>(
+            [&](library_callback& callback) { callback.on_items_added(tracks); }, "following a restored copy");
+    });
+    context.job.wait_until_idle();
+}
+
 void restore(run_context& context, const std::string& name) {
+    context.player.require_writable();
     const auto all = copies(context);
     const auto copy = std::ranges::find(all, name, [](const auto& each) { return each.path.filename().string(); });
     if (copy == all.end())
@@ -53,8 +75,8 @@ void restore(run_context& context, const std::string& name) {
     auto& records = context.player.records();
     const auto number = number_of(history::from_copy(records, copy->path));
     if (number == 0) return context.screen.note("All records are as in this copy.");
-    const auto which = std::to_string(number) + (number == 1 ? " record differs" : " records differ");
-    if (context.screen.ask({.text = which + " from the copy of " + shown_time(copy->time) + " UTC. Restore it?",
+    const auto which = counted_records(number) + (number == 1 ? " differs" : " differ");
+    if (context.screen.ask({.text = which + " from the copy of " + shown_time(copy->time) + " UTC. Restore this copy?",
                             .title = "Backup",
                             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
                             .reply = {}}) != popup_message_v3::answer_yes)
@@ -65,8 +87,10 @@ void restore(run_context& context, const std::string& name) {
         for (const auto& record : each.records) keys.push_back(record.key);
         app::tell_of_changed_records(context.player, each.index, keys);
     }
+    tell_of_new_tracks(context, restored);
     const auto last = records.read_journal().latest(1);
-    context.screen.note(std::to_string(number_of(restored)) + " records are as in the copy" +
+    const auto done = number_of(restored);
+    context.screen.note(counted_records(done) + (done == 1 ? " is" : " are") + " as in the copy" +
                         (last.empty() ? "." : "; 'ostrevan undo @" + std::to_string(last[0].id) + "' takes it back."));
 }
 

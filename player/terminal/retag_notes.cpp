@@ -39,16 +39,16 @@ std::size_t note_retags(run_context& context, const std::vector<app::retag>& ret
             const auto owner = std::ranges::find_if(owners, [&](const app::keyed_track& other) {
                 return other.key == each.merge.key && other.track != each.track;
             });
-            if (owner != owners.end()) ++shared;
+            const auto other = owner != owners.end() ? owner->track : each.other;
+            if (other) ++shared;
+            else if (each.merge.before == each.merge.after) continue;
             if (++told > most) continue;
-            const auto& path = each.track->location().path;
             const auto merged = described(columns, index, each.merge);
-            context.screen.note(
-                path +
-                (owner == owners.end()
-                     ? ": its new tags have statistics already, of a track that is gone. They become:"
-                     : ": its new tags are those of " + owner->track->location().path + ". The statistics become one:") +
-                merged);
+            auto text =
+                each.track->location().path + (other ? ": its new tags are those of " + other->location().path + "."
+                                                     : ": its new tags have statistics already, which no track has now.");
+            if (!merged.empty()) text += (other ? " The statistics become one:" : " They become:") + merged;
+            context.screen.note(text);
         }
     }
     if (told > most) context.screen.note("... and " + std::to_string(told - most) + " more.");

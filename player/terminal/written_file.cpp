@@ -11,6 +11,8 @@ bool write_asking(run_context& context, const std::string& path, std::string_vie
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
     if (!std::filesystem::exists(status)) {
+        if (std::filesystem::is_symlink(std::filesystem::symlink_status(path, error)))
+            throw std::runtime_error(path + " is a link to a file that is not there.");
         system::replace_file(path, bytes);
         return true;
     }

@@ -51,6 +51,8 @@ void CPUFIFO::start_next() {
     } catch (...) {
         const std::lock_guard guard(lock_);
         running_ = false;
+        // No command waits for what runs only with the next task that is added, or at the end.
+        for (auto& each : tasks_) each.origin = nullptr;
         throw;
     }
 }
