@@ -12,7 +12,8 @@ metadb_handle_list handles_of(const std::vector<library::track_ptr>& tracks) {
     return metadb_handle_list(std::vector<metadb_handle_ptr>(tracks.begin(), tracks.end()));
 }
 
-/// What a track was called that has moved with new tags is known already, and that its records have followed.
+/// Leaves out tracks that were moved and retagged at once: their former names are noted already, with the key that their
+/// records have followed.
 metadb_handle_list without_moved(const metadb_handle_list& removed, const std::vector<library::track_edit>& edits) {
     std::set<playable_location> moved;
     for (const auto& each : edits)

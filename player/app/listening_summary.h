@@ -8,8 +8,8 @@
 
 namespace ostrevan::app {
 
-/// Sums up what was played: of the tracks that match a query, or else of everything. Throws `system::user_error` when the
-/// query has a mistake. For the own thread of a job.
+/// The figures of the tracks that match `query`, or of everything that was played. Throws `system::user_error` for a mistake
+/// in the query. For the own thread of a job.
 summary::figures listening_summary(session& player, const std::optional<std::string>& query,
                                    const summary::question& wanted);
 

@@ -35,7 +35,7 @@ std::span<const std::byte> bytes_of(const std::optional<std::vector<std::byte>>&
     return record ? std::span<const std::byte>(*record) : std::span<const std::byte>();
 }
 
-/// The tracks of the library, for comparison with what is gone.
+/// Tells what is still in the library or on the disk.
 class library_view {
     const library::kept_list<metadb_handle_ptr>::pointer items_;
 

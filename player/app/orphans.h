@@ -27,7 +27,8 @@ struct orphan {
 /// and whose file is gone; or all of them.
 enum class orphan_choice { gone, all };
 
-/// By index and key. `on_progress` receives what is done of the records. Stops, with what is found, when the job does.
+/// Sorted by index and key. `on_progress` receives the number of records compared. When the job is stopped, returns what was
+/// found by then.
 std::vector<orphan> find_orphans(session& player, orphan_choice choice,
                                  const std::function<void(std::size_t done, std::size_t total)>& on_progress);
 

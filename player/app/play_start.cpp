@@ -20,8 +20,8 @@ double number_of(const titleformat::track_fields& fields, std::string_view name)
     return static_cast<double>(std::max<std::int64_t>(titleformat::leading_integer(text).value_or(0), 0));
 }
 
-/// What is often skipped and seldom played comes late: half as early after one skip of a track never played, hardly later
-/// after one among a hundred plays.
+/// Tracks that are skipped often and played rarely tend to come later. One skip halves the weight of a track that was never
+/// played, and hardly changes that of one with a hundred plays.
 double weight_of(const titleformat::track_fields& fields) {
     const auto plays = number_of(fields, "play_count"), skips = number_of(fields, "skip_count");
     return (1 + plays) / (1 + plays + skips);

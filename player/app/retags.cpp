@@ -14,14 +14,14 @@ namespace {
 
 using bytes = std::vector<std::byte>;
 
-/// A record that tracks get by new tags.
+/// The record that edited tracks get by their new tags.
 struct merging {
     std::optional<bytes> record;
     std::set<std::uint64_t> merged{};  ///< former keys
     metadb_handle_ptr first{};         ///< of the tracks that get it
 };
 
-/// Of one index.
+/// Finds the merges in one index.
 class merge_finder {
 public:
     merge_finder(const services::index_manager_impl::registration& index, const index::index_store& records)

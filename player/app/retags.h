@@ -18,15 +18,15 @@ struct retag {
     metadb_handle_ptr other{};   ///< another one of the edited tracks that gets the same tags, if any
 };
 
-/// Finds them before the records follow: by the rules of the components, for the edits in their order. [any-thread]
+/// Finds such merges before they happen, by the rules of the components; the edits count in their order. [any-thread]
 std::vector<retag> merges_of(std::span<const tag_edit> edits, const index::index_store& records,
                              const services::index_manager_impl& index);
 
-/// Keeps those of edits by other programs until somebody tells the user. [any-thread]
+/// Keeps the merges that other programs caused until the user is told. [any-thread]
 class retag_log {
 public:
     void add(std::vector<retag> found);
-    /// Returns them, and forgets them.
+    /// Returns and forgets them.
     std::vector<retag> take();
 
 private:

@@ -25,8 +25,8 @@ struct selection {
 /// outside the library are read from the disk.
 selection tracks_at(session& player, const std::vector<std::string>& places);
 
-/// Notes what the records of tracks belong to before a command changes them. Those of the library are noted when they leave
-/// it, too, so of a large selection only the others are noted now.
+/// Call it before a command changes records: it notes the names of their tracks, for the time when these are gone. Tracks of
+/// the library are noted when they leave it anyway, so a large selection needs only the others.
 void note_chosen(session& player, metadb_handle_list_cref tracks);
 
 }  // namespace ostrevan::app

@@ -71,8 +71,8 @@ void watching::look_up(heard_player& player, const watch::told_track& told) {
     player.found = watch::find_track(told, *library);
 }
 
-/// Of the same file, the library knows the length better. Of another one with the same tags, it is better than none or one
-/// far too short.
+/// For the same file, the library's length is better than the player's. For another file with the same tags it is used only
+/// when the player gives none, or one that is far too short.
 double watching::true_length(const std::string& name, const watch::told_track& told) {
     auto& player = player_called(name);
     look_up(player, told);

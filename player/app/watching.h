@@ -72,7 +72,7 @@ private:
     void on_counted(const std::string& name, const watch::told_track& told, double heard, double began);
     void look_up(heard_player& player, const watch::told_track& told);
     double true_length(const std::string& name, const watch::told_track& told);
-    /// Whether another player told the same at the same time.
+    /// Whether another player has reported the same during this play.
     [[nodiscard]] static bool is_heard_twice(const last_plays& known, const std::string& name, double began,
                                              const library::track_ptr& track);
     void on_skipped(const std::string& name, const watch::told_track& told, double heard, double began);

@@ -35,7 +35,7 @@ std::map<nuv::guid, records_by_key> records_in(const std::string& file) {
     return all;
 }
 
-/// Opening a database may bring its format up to date: what is opened is another copy.
+/// Opening a database may upgrade its format, so this opens a temporary copy of the copy.
 std::map<nuv::guid, records_by_key> read_copy(const std::filesystem::path& copy) {
     const auto read = sqlite::reading_copy::of(copy.string());
     if (!read)

@@ -8,13 +8,13 @@
 
 namespace ostrevan::library {
 
-/// A list that is made when somebody needs it, and shared until what it is made of has changed. [any-thread]
+/// A list that is made on first use, and shared until its source changes. [any-thread]
 template <typename Each>
 class kept_list {
 public:
     using pointer = std::shared_ptr<const std::vector<Each>>;
 
-    /// `state` is another number after each change.
+    /// `state` must be another number after each change of the source.
     template <typename Make>
     pointer get(std::uint64_t state, Make make) {
         const std::lock_guard lock(mutex_);

@@ -38,7 +38,7 @@ class library_observer {
 public:
     /// The changes are saved and visible in the handles. Called on the thread of the work that made them.
     virtual void on_library_changed(const library_changes& changes) = 0;
-    /// Stored information cannot be read; tracks have none then. Told once. [any-thread]
+    /// Called once, when stored information cannot be read. Its tracks have none then. [any-thread]
     virtual void on_failure(const std::string& message) = 0;
 
 protected:

@@ -43,7 +43,7 @@ public:
     /// Visits every file with the subsongs of its tracks, in the order in which they were first stored.
     void load(const std::function<void(stored_file&&, std::string_view path, std::span<const std::uint32_t> subsongs)>&
                   on_file) const;
-    /// For reading beside changes, by another thread.
+    /// For reading on another thread while this connection writes.
     [[nodiscard]] std::unique_ptr<sqlite::database> second_connection() const;
 
     // To be called inside a transaction on `database()`.
@@ -55,7 +55,7 @@ public:
     /// Lets the entries of playlists and of the queue follow their tracks.
     void move_entries(const moved_locations& moved);
 
-    /// Whether edits recorded by `put_file` and `put_edit` are not forgotten yet.
+    /// Whether any edit recorded by `put_file` or `put_edit` has not been forgotten yet.
     [[nodiscard]] bool has_edits();
     void put_edit(const stored_edit& edit);
     /// Forgets the edits of one file.

@@ -36,6 +36,14 @@ bool is_same_track(const track_ptr& handle, const stored_track& scanned) noexcep
     return handle->location().subsong == scanned.subsong;
 }
 
+template <typename Handle>
+std::vector<Handle> handles_in(const library_files& files) {
+    std::vector<Handle> tracks;
+    tracks.reserve(files.size());
+    for (const auto& [path, file] : files) tracks.insert(tracks.end(), file.tracks.begin(), file.tracks.end());
+    return tracks;
+}
+
 }  // namespace
 
 /// A file from the database. Its path is that of its tracks; one without tracks has a handle all the same.
@@ -150,9 +158,7 @@ const std::vector<track_ptr>& media_library::items() const { return *sorted_item
 kept_list<track_ptr>::pointer media_library::sorted_items() const {
     const std::shared_lock lock(files_mutex_);
     return sorted_.get(changes_, [this] {
-        std::vector<track_ptr> items;
-        items.reserve(files_.size());
-        for (const auto& [path, file] : files_) items.insert(items.end(), file.tracks.begin(), file.tracks.end());
+        auto items = handles_in<track_ptr>(files_);
         sort_by_location(items);
         return items;
     });
@@ -160,15 +166,10 @@ kept_list<track_ptr>::pointer media_library::sorted_items() const {
 
 kept_list<metadb_handle_ptr>::pointer media_library::unordered_items() const {
     const std::shared_lock lock(files_mutex_);
-    return unordered_.get(changes_, [this] {
-        std::vector<metadb_handle_ptr> items;
-        items.reserve(files_.size());
-        for (const auto& [path, file] : files_) items.insert(items.end(), file.tracks.begin(), file.tracks.end());
-        return items;
-    });
+    return unordered_.get(changes_, [this] { return handles_in<metadb_handle_ptr>(files_); });
 }
 
-/// The main thread never waits for those who read the files: when there are some, the caller waits for them.
+/// The main thread never waits for readers of the files; the caller does.
 void media_library::change(const main_thread_runner& on_main, const std::function<void()>& work) {
     for (bool is_done = false; !is_done;) {
         on_main([&] {

@@ -46,9 +46,9 @@ public:
     [[nodiscard]] const std::vector<library_folder>& folders() const noexcept { return folders_; }
     /// By path, then subsong. Valid until the library changes.
     [[nodiscard]] const std::vector<track_ptr>& items() const;
-    /// The same as they are now. [any-thread]
+    /// The same list, as it is now. [any-thread]
     [[nodiscard]] kept_list<track_ptr>::pointer sorted_items() const;
-    /// In no order, which costs a fraction. [any-thread]
+    /// In no particular order, which is much cheaper. [any-thread]
     [[nodiscard]] kept_list<metadb_handle_ptr>::pointer unordered_items() const;
     /// As in `track_table`. Nothing is known afterwards.
     void leave_behind();

@@ -72,7 +72,8 @@ metadb_info_ptr stored_infos::read(std::uint32_t number) {
     return (*found)[number % block_size];
 }
 
-/// Rows and places are in the same order. A row may be new, and that of a place may be gone: its handle holds what it said.
+/// Rows and places are in the same order. A row may be new, and the row of a place may be gone; its
+/// handle then holds the information.
 stored_infos::infos stored_infos::read_block(std::size_t which, bool& is_whole) {
     const auto first = which * block_size;
     const auto of = std::span(places_).subspan(first, std::min(block_size, places_.size() - first));

@@ -17,8 +17,8 @@ namespace ostrevan::library {
 class library_store;
 
 /// Information about tracks that stays in the library's database until somebody asks for it. It is read in blocks of tracks
-/// that are neighbours there, over a connection of its own. The first times, only the latest blocks are kept: a start looks
-/// at every track once, for its key. A block that is asked for again and again then stays with its handles.
+/// that are neighbours there, over a connection of its own. At first only the latest blocks are kept, because a start looks
+/// at every track once, for its key. A block that is read for the third time stays with its handles.
 ///
 /// Whoever changes or removes a row calls `track::hold_info` first.
 class stored_infos {

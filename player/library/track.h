@@ -44,7 +44,7 @@ public:
     void forget_stored();
     /// Keeps what was stored, unless something newer was published.
     void hold(metadb_info_ptr stored);
-    /// Before it is changed there.
+    /// Call it before the stored information changes.
     void hold_info();
 
 private:

@@ -25,7 +25,7 @@ inline constexpr std::string_view daily = "daily";
 /// As `back_up`, unless there is a daily copy from today. Returns whether it has made one.
 bool back_up_once_a_day(const database& source);
 
-/// A copy that is there.
+/// An existing copy.
 struct stored_copy {
     std::filesystem::path path;
     std::string time;  ///< 20260131-081500, UTC

@@ -14,7 +14,7 @@
 
 namespace ostrevan::summary {
 
-/// What is to be summed up.
+/// Which plays to sum up.
 struct question {
     /// Local time. Without any limit, plays known only as a number belong to it as well.
     query::period period{query::local_time::min(), query::local_time::max()};

@@ -22,7 +22,7 @@ std::int64_t number_of(const titleformat::track_fields& fields, std::string_view
     return std::max<std::int64_t>(titleformat::leading_integer(text_of(fields, name)).value_or(0), 0);
 }
 
-/// The field tells 100 ns since 1601-01-01 UTC.
+/// The field counts units of 100 ns since 1601-01-01 UTC.
 std::optional<std::chrono::sys_seconds> time_of(const titleformat::track_fields& fields, std::string_view name) {
     using namespace std::chrono;
     constexpr std::uint64_t units_per_second = 10'000'000;

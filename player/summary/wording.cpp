@@ -44,7 +44,7 @@ std::string counted(std::size_t number, std::string_view thing) {
 std::string title_of(const question& wanted, const figures& of) {
     const auto& [first, end] = wanted.period;
     if (wanted.is_all_time()) return of.first_day ? text_of(of.first_day) + " to " + text_of(of.last_day) : "All time";
-    // The end is the first moment that does not belong to it.
+    // The end is exclusive.
     const auto last = end == floor<days>(end) ? end - days{1} : end;
     if (first == query::local_time::min()) return "Until " + text_of(last);
     if (end == query::local_time::max()) return "Since " + text_of(first);

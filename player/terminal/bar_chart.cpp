@@ -50,7 +50,7 @@ void bar_chart::write(std::ostream& out, std::size_t width, bool with_blocks) co
     for (const auto& each : rows_) {
         const auto name = shortened(each.name, names);
         const auto number = std::to_string(each.number + each.lighter);
-        // Something is never drawn as nothing.
+        // A number above 0 always has a visible bar.
         const auto length_of = [&](std::size_t count) {
             return count == 0 ? 0 : std::max<std::size_t>(1, (count * longest + largest / 2) / largest);
         };

@@ -93,7 +93,7 @@ public:
     /// `--name{value}` is a flag that may be given another value, as `--name=other`.
     declared_option add_flag(const char* name, std::optional<std::string>& into, const char* what);
 
-    /// Of the commands below it, if there are any, one that is named runs instead.
+    /// When a subcommand is named, that one runs instead.
     void run(std::function<void(run_context&)> work);
     /// `choose` is called after parsing. It may refuse an impossible combination of arguments.
     void choose(std::function<chosen_command()> choose);

@@ -84,7 +84,7 @@ bool is_wanted(terminal& screen, const std::string& question) {
     return answer == popup_message_v3::answer_yes;
 }
 
-/// Of tracks that get the tags of others, by what the player knows of their tags.
+/// Tells the user of tracks that would get the tags of others, as far as the player knows their tags. Returns how many.
 std::size_t note_merges(run_context& context, const metadb_handle_list& tracks, const tag_edit_filter& filter) {
     std::vector<metadb_info_ptr> before;
     std::vector<file_info> after;

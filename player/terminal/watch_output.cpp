@@ -24,7 +24,7 @@ std::string text_of(const run_context& context, const watch_report& report) {
     return (told.artist.empty() ? "" : told.artist + " - ") + told.title;
 }
 
-/// In one line, whatever a player tells.
+/// In one line, whatever the player sends.
 std::string title_of(const run_context& context, const watch_report& report) {
     auto title = text_of(context, report);
     std::ranges::replace_if(

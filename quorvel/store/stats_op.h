@@ -20,7 +20,7 @@ namespace quorvel {
 /// Used by one thread. [any-thread]
 class StatsOp {
 public:
-    /// The reason is for the player's history, where it has none but the user's command.
+    /// `reason` is shown in the player's history; without one, the user's command is.
     explicit StatsOp(std::string reason = {}) : reason_(std::move(reason)) {}
 
     /// Without an index records read as the default one, and writes are skipped.

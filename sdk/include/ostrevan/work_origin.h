@@ -6,7 +6,7 @@
 
 namespace ostrevan {
 
-/// What some work was begun for, such as one command of the user. While it is held, that has not ended.
+/// What some work was begun for, such as one command of the user, which does not end while this is held.
 class work_origin : public service_base {
 public:
     /// Runs `work` here and now. What it starts or posts belongs to the origin. Throws what `work` throws. [any-thread]
