@@ -31,20 +31,30 @@ add_library(test_warnings INTERFACE)
 target_compile_options(test_warnings INTERFACE ${warnings}
   $<IF:$<BOOL:${CMAKE_UNITY_BUILD}>,-Wno-subobject-linkage,-Wshadow>)
 
-# Where files are compiled together, what nearly all of them include of the standard library is read by the compiler once.
+# Where files are compiled together, the compiler reads once what nearly all of them include: of the standard library
+# everywhere, and of the libraries that take seconds to read where they are used.
 # Programs are then compiled as libraries are, and everything as what has threads, since all of them read the same.
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   set(CMAKE_CXX_COMPILE_OPTIONS_PIE -fPIC)
   add_compile_options(-pthread)
-  file(WRITE ${CMAKE_BINARY_DIR}/common_headers.cpp "")
-  add_library(common_headers OBJECT ${CMAKE_BINARY_DIR}/common_headers.cpp)
-  target_link_libraries(common_headers PRIVATE project_warnings)
-  target_precompile_headers(common_headers PRIVATE <algorithm> <array> <atomic> <chrono> <exception> <filesystem> <fstream>
-    <functional> <iostream> <map> <memory> <mutex> <optional> <span> <string> <thread> <unordered_map> <vector>)
 endif()
-function(use_common_headers name)
-  if(TARGET common_headers)
-    target_precompile_headers(${name} REUSE_FROM common_headers)
+# add_common_headers(NAME HEADERS...)
+function(add_common_headers name)
+  if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    file(WRITE ${CMAKE_BINARY_DIR}/${name}.cpp "")
+    add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/${name}.cpp)
+    target_link_libraries(${name} PRIVATE project_warnings)
+    target_precompile_headers(${name} PRIVATE <algorithm> <array> <atomic> <chrono> <exception> <filesystem> <fstream>
+      <functional> <iostream> <map> <memory> <mutex> <optional> <span> <string> <thread> <unordered_map> <vector> ${ARGN})
+  endif()
+endfunction()
+add_common_headers(common_headers)
+# use_common_headers(TARGET [NAME])
+function(use_common_headers target)
+  list(APPEND ARGN common_headers)
+  list(GET ARGN 0 name)
+  if(TARGET ${name})
+    target_precompile_headers(${target} REUSE_FROM ${name})
   endif()
 endfunction()
 
