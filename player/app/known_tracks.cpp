@@ -1,6 +1,7 @@
 #include "player/app/known_tracks.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -63,6 +64,7 @@ void known_tracks::note_from(const std::shared_ptr<const metadb_handle_list>& tr
 }
 
 void known_tracks::note_edits(std::span<const tag_edit> edits) {
+    if (records_.is_read_only()) return;
     std::vector<index::known_track> found;
     for (const auto& index : index_.registrations())
         for (const auto& edit : edits) {
@@ -78,7 +80,15 @@ void known_tracks::note_edits(std::span<const tag_edit> edits) {
                 found.back().successor = successor;
             }
         }
-    records_.note(std::move(found));
+    // Without a record nothing follows, and there will be nothing to take back.
+    const auto unrecorded = std::ranges::partition(
+        found, [&](const index::known_track& each) { return records_.record(each.index, each.key).has_value(); });
+    records_.note({std::move_iterator(unrecorded.begin()), std::move_iterator(unrecorded.end())});
+    found.erase(unrecorded.begin(), unrecorded.end());
+    if (found.empty()) return;
+    auto transaction = records_.begin();
+    transaction.note(std::move(found));
+    transaction.commit();
 }
 
 }  // namespace ostrevan::app

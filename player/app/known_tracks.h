@@ -25,7 +25,8 @@ public:
     void note(std::span<const metadb_handle_ptr> tracks);
     /// As posted work, in portions.
     void note_later(metadb_handle_list tracks);
-    /// The records of edited tracks follow them: what belongs to a former key has moved on to the new one.
+    /// The records of edited tracks follow them: what belongs to a former key has moved on to the new one. Taking back the
+    /// act that follows them takes this back, too.
     void note_edits(std::span<const tag_edit> edits);
 
 private:

@@ -18,8 +18,12 @@ summary::figures listening_summary(session& player, const std::optional<std::str
     const summary::track_set known(tracks, player.fields, key_of);
     summary::summary_maker maker(wanted, known, !query);
     auto journal = player.records().read_journal();
-    journal.for_each_listen(indexes.empty() ? nuv::guid{} : indexes.front().index,
-                            [&](const index::brief_listen& heard) { maker.hear(heard); });
+    const auto index = indexes.empty() ? nuv::guid{} : indexes.front().index;
+    const auto followed = journal.successors_in(index);
+    journal.for_each_listen(index, [&](index::brief_listen heard) {
+        if (heard.key) heard.key = followed.first_of(*heard.key, [&](std::uint64_t key) { return known.has(key); });
+        maker.hear(heard);
+    });
     return std::move(maker).finish();
 }
 

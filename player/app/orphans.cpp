@@ -80,6 +80,13 @@ index::known_track known_by_its_plays(index::journal& journal, const nuv::guid& 
     return known;
 }
 
+index::known_track what_is_known(index::index_store& records, const nuv::guid& index, std::uint64_t key) {
+    auto journal = records.read_journal();
+    auto all = journal.known_tracks(index);
+    const auto noted = std::ranges::find(all, key, &index::known_track::key);
+    return noted == all.end() ? known_by_its_plays(journal, index, key) : std::move(*noted);
+}
+
 }  // namespace
 
 std::vector<orphan> find_orphans(session& player, orphan_choice choice,
@@ -126,11 +133,14 @@ void attach_orphan(session& player, std::uint64_t key, const metadb_handle_ptr& 
     auto* const editing = query_service<index_record_editing>(*index->client).get();
     if (editing == nullptr) throw std::runtime_error("The component of this record has no rule for merging two.");
 
+    auto known = what_is_known(records, index->index, key);
+    known.successor = *home;
     auto transaction = records.begin();
     const auto into = records.record(index->index, *home), from = records.record(index->index, key);
     const auto both = core::call_component(*editing, [&] { return editing->merged(bytes_of(into), bytes_of(from)); });
     transaction.write(index->index, *home, both);
     transaction.write(index->index, key, {});
+    transaction.note({known});
     transaction.commit();
     tell_of_changed_records(player, index->index, {key, *home});
     player.save();

@@ -1,7 +1,9 @@
 #include "player/history/undo.h"
 
+#include <algorithm>
 #include <limits>
 #include <span>
+#include <utility>
 
 namespace ostrevan::history {
 namespace {
@@ -13,10 +15,31 @@ std::string text_of(const act& wanted) {
     return name + " " + std::to_string(wanted.undoes.value_or(wanted.id));
 }
 
+bool is_left(const undone& done, const nuv::guid& index, const std::optional<std::uint64_t>& key) {
+    return key && std::ranges::any_of(done.left, [&](const index::index_changes& of) {
+               return of.index == index &&
+                      std::ranges::find(of.records, *key, &index::record_change::key) != of.records.end();
+           });
+}
+
+/// Keys whose successor is still what the act left, with the successor from before. A successor whose record stays as it
+/// is keeps what it has taken over.
+std::vector<index::known_track> former_successors(std::vector<index::successor_change> changes, const undone& done) {
+    std::vector<index::known_track> former;
+    for (auto& [now, before, after] : changes) {
+        if (now.successor != after || is_left(done, now.index, before) || is_left(done, now.index, after)) continue;
+        now.successor = before;
+        former.push_back(std::move(now));
+    }
+    return former;
+}
+
 }  // namespace
 
 undone take_back(index::index_store& records, const act& wanted) {
-    const auto changes = records.read_journal().changes_of(wanted.id);
+    auto journal = records.read_journal();
+    const auto changes = journal.changes_of(wanted.id);
+    auto successors = journal.successor_changes_of(wanted.id);
     undone done;
     auto transaction = records.begin({.text = text_of(wanted), .undoes = wanted.id});
     for (const auto& of_index : changes) {
@@ -33,7 +56,10 @@ undone take_back(index::index_store& records, const act& wanted) {
         if (!restored.records.empty()) done.restored.push_back(std::move(restored));
         if (!left.records.empty()) done.left.push_back(std::move(left));
     }
-    if (!done.restored.empty()) transaction.commit();
+    auto former = former_successors(std::move(successors), done);
+    if (done.restored.empty() && former.empty()) return done;
+    transaction.note(std::move(former));
+    transaction.commit();
     return done;
 }
 

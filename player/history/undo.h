@@ -16,8 +16,8 @@ struct undone {
     std::vector<index::index_changes> left{};      ///< have changed since, and stay as they are; the changes of the act
 };
 
-/// Restores the records that an act changed, in one transaction. Records that have changed since are left alone. Undoing is
-/// an act too, which can be undone. Waits for the disk; throws std::runtime_error.
+/// Restores the records that an act changed, in one transaction, and the successors of their keys. What has changed since is
+/// left alone. Undoing is an act too, which can be undone. Waits for the disk; throws std::runtime_error.
 undone take_back(index::index_store& records, const index::act& wanted);
 
 /// The acts that `undo` without a number takes back: the latest ones that neither take something back nor have been taken

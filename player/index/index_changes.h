@@ -80,6 +80,7 @@ struct operation_entry {
 
 /// A track that somebody listened to.
 struct listen {
+    std::int64_t id = 0;    // ascending; given by the database
     std::int64_t time = 0;  // seconds since 1970, of the end
     std::string path{};
     std::uint32_t subsong = 0;
@@ -113,7 +114,12 @@ struct seen_keys {
     std::vector<std::uint64_t> keys;
 };
 
+struct known_tracks {
+    std::vector<known_track> tracks;
+    std::int64_t operation = 0;  // the journal keeps changed successors with this commit; 0 when it does not
+};
+
 /// One step of work for the database.
-using index_job = std::variant<catalog_entry, operation_entry, record_changes, seen_keys, listen, std::vector<known_track>>;
+using index_job = std::variant<catalog_entry, operation_entry, record_changes, seen_keys, listen, known_tracks>;
 
 }  // namespace ostrevan::index

@@ -171,7 +171,7 @@ bool index_database::save_journal(std::span<const index_job> jobs) {
             if (const auto* changes = std::get_if<record_changes>(&job); changes != nullptr && changes->operation != 0)
                 journal_.save(*changes);
             if (const auto* heard = std::get_if<listen>(&job)) journal_.save(*heard);
-            if (const auto* tracks = std::get_if<std::vector<known_track>>(&job)) journal_.save(*tracks);
+            if (const auto* tracks = std::get_if<known_tracks>(&job)) journal_.save(*tracks);
         }
     } catch (const sqlite::error& error) {
         const int kind = error.code() & 0xFF;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <ctime>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -33,7 +34,8 @@ struct index_store::state {
     state(const std::filesystem::path& path, index_error_sink error_sink, options settings);
 
     bool load(const std::stop_token& stop);
-    void commit(std::span<std::pair<nuv::guid, change_list>> changes, std::optional<change_cause> why = std::nullopt);
+    void commit(std::span<std::pair<nuv::guid, change_list>> changes, std::vector<known_track> noted = {},
+                std::optional<change_cause> why = std::nullopt);
     operation_entry next_operation(std::int64_t now, change_cause why);
     void learn_before(std::int64_t index_id, const change_list& list);
     void trim_journal();
@@ -47,6 +49,7 @@ struct index_store::state {
 
     std::function<std::int64_t()> clock;
     const bool daily_copies;
+    std::atomic<std::uint64_t> successor_changes = 0;
     const std::function<change_cause()> cause;
     const std::chrono::days journal_age;
     const std::int64_t journal_size;
@@ -149,22 +152,27 @@ void index_store::state::enqueue(std::vector<index_job> jobs) {
 }
 
 /// The caller is inside the gate.
-void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> changes, std::optional<change_cause> why) {
+void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> changes, std::vector<known_track> noted,
+                                std::optional<change_cause> why) {
+    if (changes.empty() && noted.empty()) return;
     std::vector<index_job> jobs;
     const std::int64_t now = clock();
     std::int64_t operation = 0;
+    if (cause) {
+        auto entry = next_operation(now, why ? std::move(*why) : cause());
+        operation = entry.id;
+        jobs.emplace_back(std::move(entry));
+    }
     for (auto& [guid, list] : changes) {
-        if (operation == 0 && cause) {
-            const auto entry = next_operation(now, why ? *why : cause());
-            operation = entry.id;
-            jobs.emplace_back(entry);
-        }
         const catalog_entry entry = find_or_add(guid);
         learn_before(entry.id, list);
         auto before = memory.apply(entry.id, list);
         jobs.emplace_back(record_changes{entry.id, now, std::move(list), operation, std::move(before)});
     }
-    if (!jobs.empty()) writer.enqueue(std::move(jobs));
+    const bool has_noted = !noted.empty();
+    if (has_noted) jobs.emplace_back(known_tracks{std::move(noted), operation});
+    writer.enqueue(std::move(jobs));
+    if (has_noted) ++successor_changes;  // last: whoever sees the new number then reads what was noted
 }
 
 operation_entry index_store::state::next_operation(std::int64_t now, change_cause why) {
@@ -261,10 +269,15 @@ void index_store::note(listen heard, std::uint64_t by) {
 
 void index_store::note(std::vector<known_track> tracks) {
     if (tracks.empty()) return;
+    const bool has_successor =
+        std::ranges::any_of(tracks, [](const known_track& each) { return each.successor.has_value(); });
     std::vector<index_job> jobs;
-    jobs.emplace_back(std::move(tracks));
+    jobs.emplace_back(known_tracks{std::move(tracks)});
     state_->enqueue(std::move(jobs));
+    if (has_successor) ++state_->successor_changes;
 }
+
+std::uint64_t index_store::successor_changes() const noexcept { return state_->successor_changes; }
 
 journal index_store::read_journal() {
     flush();
@@ -348,6 +361,7 @@ struct store_transaction::changes {
     std::optional<change_cause> why;
     write_gate::pass inside;
     std::vector<std::pair<nuv::guid, change_list>> lists;  // one for each index, a handful
+    std::vector<known_track> noted;
 };
 
 store_transaction::store_transaction(index_store::state& store, std::optional<change_cause> why)
@@ -365,6 +379,11 @@ void store_transaction::write(const nuv::guid& index, std::uint64_t key, std::sp
     list->second.erase(key);
 }
 
+void store_transaction::note(std::vector<known_track> tracks) {
+    if (!changes_) throw misuse("The index transaction is finished");
+    std::ranges::move(tracks, std::back_inserter(changes_->noted));
+}
+
 void store_transaction::set_cause(change_cause why) {
     if (!changes_) throw misuse("The index transaction is finished");
     changes_->why = std::move(why);
@@ -373,7 +392,7 @@ void store_transaction::set_cause(change_cause why) {
 void store_transaction::commit() {
     if (!changes_) throw misuse("The index transaction is finished");
     const auto finished = std::exchange(changes_, nullptr);
-    finished->store.commit(finished->lists, std::move(finished->why));
+    finished->store.commit(finished->lists, std::move(finished->noted), std::move(finished->why));
 }
 
 }  // namespace ostrevan::index

@@ -109,6 +109,8 @@ public:
     void note(listen heard, std::uint64_t by = 0);
     /// Notes what records belong to. Does nothing for a file that cannot be written.
     void note(std::vector<known_track> tracks);
+    /// Grows when keys have got other successors.
+    [[nodiscard]] std::uint64_t successor_changes() const noexcept;
     /// What changed the records, and from what to what. Throws std::runtime_error like `flush`.
     [[nodiscard]] journal read_journal();
 
@@ -132,6 +134,8 @@ public:
     /// Empty data removes the record; that waits for loading and throws std::runtime_error when loading fails. Throws
     /// std::invalid_argument when the record is too large, `misuse` after commit.
     void write(const nuv::guid& index, std::uint64_t key, std::span<const std::byte> data);
+    /// Notes what records belong to. Taking back the act gives keys the successors that they had before.
+    void note(std::vector<known_track> tracks);
     /// Instead of the cause of this thread. Before commit.
     void set_cause(change_cause why);
     void commit();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <map>
 #include <utility>
 
@@ -18,6 +19,26 @@ void add(std::map<std::uint64_t, record_change>& to, std::vector<record_change>&
         const auto [known, is_new] = to.try_emplace(each.key, each);
         if (!is_new) known->second.after = std::move(each.after);
     }
+}
+
+const std::string known_columns = "SELECT key, artist, album, title, path, subsong, successor FROM known_tracks";
+
+known_track known_in(const sqlite::statement& row, const nuv::guid& index) {
+    known_track known{.index = index, .key = std::bit_cast<std::uint64_t>(row.integer(0))};
+    known.artist = row.text(1);
+    known.album = row.text(2);
+    known.title = row.text(3);
+    known.path = row.text(4);
+    known.subsong = static_cast<std::uint32_t>(row.integer(5));
+    if (!row.is_null(6)) known.successor = std::bit_cast<std::uint64_t>(row.integer(6));
+    return known;
+}
+
+std::optional<std::uint64_t> successor_of(const std::optional<std::vector<std::byte>>& bytes) {
+    std::uint64_t successor = 0;
+    if (!bytes || bytes->size() != sizeof successor) return std::nullopt;
+    std::memcpy(&successor, bytes->data(), sizeof successor);
+    return successor;
 }
 
 }  // namespace
@@ -70,7 +91,7 @@ std::vector<index_changes> journal::changes_of(std::int64_t act_id) {
     auto operations = database_.prepare("SELECT id FROM operations WHERE act = ? ORDER BY id");
     operations.bind(1, act_id);
     while (operations.step())
-        for (const char* sql : {"SELECT index_id, change FROM changes WHERE operation = ?",
+        for (const char* sql : {"SELECT index_id, change FROM changes WHERE operation = ? AND index_id > 0",
                                 "SELECT index_id, changes FROM bulk_changes WHERE operation = ?"}) {
             auto rows = database_.prepare(sql);
             rows.bind(1, operations.integer(0));
@@ -79,15 +100,19 @@ std::vector<index_changes> journal::changes_of(std::int64_t act_id) {
 
     std::vector<index_changes> all;
     for (auto& [index_id, records] : by_index) {
-        auto guid = database_.prepare("SELECT guid FROM indexes WHERE id = ?");
-        guid.bind(1, index_id);
-        const auto index = guid.step() ? nuv::parse_guid(guid.text(0)) : std::nullopt;
-        if (!index) database_.fail(SQLITE_CORRUPT);
-        auto& of_index = all.emplace_back(index_changes{*index, {}});
+        auto& of_index = all.emplace_back(index_changes{guid_of(index_id), {}});
         for (auto& [key, change] : records)
             if (change.before != change.after) of_index.records.push_back(std::move(change));
     }
     return all;
+}
+
+nuv::guid journal::guid_of(std::int64_t index_id) {
+    auto guid = database_.prepare("SELECT guid FROM indexes WHERE id = ?");
+    guid.bind(1, index_id);
+    const auto index = guid.step() ? nuv::parse_guid(guid.text(0)) : std::nullopt;
+    if (!index) database_.fail(SQLITE_CORRUPT);
+    return *index;
 }
 
 std::vector<change_of_record> journal::changes_of(const nuv::guid& index, std::uint64_t key) {
@@ -110,18 +135,43 @@ std::vector<change_of_record> journal::changes_of(const nuv::guid& index, std::u
 std::vector<known_track> journal::known_tracks(const nuv::guid& index) {
     const auto guid = nuv::guid_text(index);
     std::vector<known_track> all;
-    auto rows = database_.prepare(
-        "SELECT key, artist, album, title, path, subsong, successor FROM known_tracks "
-        "JOIN indexes ON indexes.id = index_id WHERE guid = ? ORDER BY key");
+    auto rows = database_.prepare(known_columns + " JOIN indexes ON indexes.id = index_id WHERE guid = ? ORDER BY key");
     rows.bind(1, std::string_view(guid));
-    while (rows.step()) {
-        auto& next = all.emplace_back(known_track{.index = index, .key = std::bit_cast<std::uint64_t>(rows.integer(0))});
-        next.artist = rows.text(1);
-        next.album = rows.text(2);
-        next.title = rows.text(3);
-        next.path = rows.text(4);
-        next.subsong = static_cast<std::uint32_t>(rows.integer(5));
-        if (!rows.is_null(6)) next.successor = std::bit_cast<std::uint64_t>(rows.integer(6));
+    while (rows.step()) all.push_back(known_in(rows, index));
+    return all;
+}
+
+successors journal::successors_in(const nuv::guid& index) {
+    const auto guid = nuv::guid_text(index);
+    successors all;
+    auto rows = database_.prepare(
+        "SELECT key, successor FROM known_tracks JOIN indexes ON indexes.id = index_id "
+        "WHERE guid = ? AND successor IS NOT NULL");
+    rows.bind(1, std::string_view(guid));
+    while (rows.step())
+        all.add(std::bit_cast<std::uint64_t>(rows.integer(0)), std::bit_cast<std::uint64_t>(rows.integer(1)));
+    return all;
+}
+
+std::vector<successor_change> journal::successor_changes_of(std::int64_t act_id) {
+    std::map<std::pair<std::int64_t, std::uint64_t>, record_change> by_key;
+    auto rows = database_.prepare(
+        "SELECT -index_id, change FROM changes JOIN operations ON id = operation WHERE act = ? AND index_id < 0 "
+        "ORDER BY operation");
+    rows.bind(1, act_id);
+    while (rows.step())
+        for (auto& each : parsed(rows.blob(1))) {
+            const auto [known, is_new] = by_key.try_emplace({rows.integer(0), each.key}, each);
+            if (!is_new) known->second.after = std::move(each.after);
+        }
+
+    std::vector<successor_change> all;
+    auto known = database_.prepare(known_columns + " WHERE index_id = ? AND key = ?");
+    for (const auto& [place, change] : by_key) {
+        known.bind(1, place.first).bind(2, std::bit_cast<std::int64_t>(change.key));
+        if (!known.step()) continue;
+        all.push_back({known_in(known, guid_of(place.first)), successor_of(change.before), successor_of(change.after)});
+        known.reset();
     }
     return all;
 }
@@ -130,18 +180,20 @@ std::vector<listen> journal::listens_of(const nuv::guid& index, std::uint64_t ke
     const auto guid = nuv::guid_text(index);
     std::vector<listen> all;
     auto rows = database_.prepare(
-        "SELECT time, path, subsong, seconds, player, counted, act FROM listen_keys JOIN listens ON listens.id = listen "
+        "SELECT listens.id, time, path, subsong, seconds, player, counted, act FROM listen_keys JOIN listens ON listens.id "
+        "= listen "
         "JOIN indexes ON indexes.id = index_id WHERE key = ? AND guid = ? ORDER BY listen DESC");
     rows.bind(1, std::bit_cast<std::int64_t>(key)).bind(2, std::string_view(guid));
     while (rows.step()) {
         auto& next = all.emplace_back();
-        next.time = rows.integer(0);
-        next.path = rows.text(1);
-        next.subsong = static_cast<std::uint32_t>(rows.integer(2));
-        next.seconds = rows.real(3);
-        next.player = rows.text(4);
-        next.is_counted = rows.integer(5) != 0;
-        next.act = rows.integer(6);
+        next.id = rows.integer(0);
+        next.time = rows.integer(1);
+        next.path = rows.text(2);
+        next.subsong = static_cast<std::uint32_t>(rows.integer(3));
+        next.seconds = rows.real(4);
+        next.player = rows.text(5);
+        next.is_counted = rows.integer(6) != 0;
+        next.act = rows.integer(7);
     }
     return all;
 }

@@ -14,6 +14,7 @@
 #include "nuv/guid.h"
 #include "player/index/index_changes.h"
 #include "player/index/record_change.h"
+#include "player/index/successors.h"
 #include "player/sqlite/database.h"
 
 namespace ostrevan::index {
@@ -32,6 +33,12 @@ struct act {
 struct index_changes {
     nuv::guid index;
     std::vector<record_change> records;
+};
+
+/// A former key of a track, whose successor an act changed.
+struct successor_change {
+    known_track now;  ///< what is noted of the key
+    std::optional<std::uint64_t> before{}, after{};
 };
 
 /// One change of one record.
@@ -69,11 +76,14 @@ public:
 
     /// What is known of the tracks of records, by key as a signed number.
     [[nodiscard]] std::vector<known_track> known_tracks(const nuv::guid& index);
+    [[nodiscard]] successors successors_in(const nuv::guid& index);
+    [[nodiscard]] std::vector<successor_change> successor_changes_of(std::int64_t act_id);
 
 private:
     [[nodiscard]] std::vector<act> acts(const char* condition, std::int64_t value, std::size_t at_most);
     /// Which act takes which back, the last one of those that have not been taken back themselves.
     [[nodiscard]] std::map<std::int64_t, std::int64_t> taken_back();
+    [[nodiscard]] nuv::guid guid_of(std::int64_t index_id);
     [[nodiscard]] std::vector<record_change> parsed(std::span<const std::byte> bytes) const;
 
     sqlite::database database_;

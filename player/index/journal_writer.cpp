@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
@@ -43,6 +44,10 @@ bool same(std::optional<std::span<const std::byte>> one, std::optional<std::span
     return one.has_value() == other.has_value() && (!one || std::ranges::equal(*one, *other));
 }
 
+std::optional<std::span<const std::byte>> bytes_of(const std::optional<std::uint64_t>& successor) {
+    return successor ? std::optional(std::as_bytes(std::span(&*successor, 1))) : std::nullopt;
+}
+
 /// Appends nothing for a record that is as it was.
 void append(std::vector<std::byte>& to, const record_changes& changes, const changed_record& record) {
     const auto before = changes.before.data(changes.before.changes()[record.first]);
@@ -74,7 +79,7 @@ void journal_writer::save(const record_changes& changes) {
         for (const auto& each : records) {
             bytes.clear();
             append(bytes, changes, each);
-            if (!bytes.empty()) save_single(changes, each.key, bytes);
+            if (!bytes.empty()) save_single(changes.index_id, each.key, changes.operation, bytes);
         }
         return;
     }
@@ -89,9 +94,9 @@ void journal_writer::save(const record_changes& changes) {
     }
 }
 
-void journal_writer::save_single(const record_changes& changes, std::int64_t key, const std::vector<std::byte>& change) {
-    put_change_.bind(1, changes.index_id).bind(2, key).bind(3, changes.operation);
-    put_change_.bind(4, std::span<const std::byte>(change)).run();
+void journal_writer::save_single(std::int64_t index_id, std::int64_t key, std::int64_t operation,
+                                 std::span<const std::byte> change) {
+    put_change_.bind(1, index_id).bind(2, key).bind(3, operation).bind(4, change).run();
 }
 
 void journal_writer::save(const listen& heard) {
@@ -112,7 +117,9 @@ void journal_writer::save(const listen& heard) {
     }
 }
 
-void journal_writer::save(std::span<const known_track> tracks) {
+void journal_writer::save(const known_tracks& noted) {
+    std::map<std::pair<nuv::guid, std::uint64_t>, const known_track*> last;  // of each key
+    for (const auto& each : noted.tracks) last[{each.index, each.key}] = &each;
     // Rows that would stay as they are cost no write.
     auto put = database_.prepare(
         "INSERT INTO known_tracks SELECT id, ?2, ?3, ?4, ?5, ?6, ?7, ?8 FROM indexes WHERE guid = ?1 "
@@ -121,15 +128,33 @@ void journal_writer::save(std::span<const known_track> tracks) {
         "WHERE (artist, album, title, path, subsong) IS NOT "
         "(excluded.artist, excluded.album, excluded.title, excluded.path, excluded.subsong) "
         "OR successor IS NOT excluded.successor");
-    for (const auto& each : tracks) {
-        const auto guid = nuv::guid_text(each.index);
-        put.bind(1, std::string_view(guid)).bind(2, std::bit_cast<std::int64_t>(each.key));
-        put.bind(3, std::string_view(each.artist)).bind(4, std::string_view(each.album));
-        put.bind(5, std::string_view(each.title)).bind(6, std::string_view(each.path)).bind(7, std::int64_t{each.subsong});
-        if (each.successor) put.bind(8, std::bit_cast<std::int64_t>(*each.successor));
+    for (const auto& [place, track] : last) {
+        if (noted.operation != 0) save_successor_change(*track, noted.operation);
+        const auto guid = nuv::guid_text(track->index);
+        put.bind(1, std::string_view(guid)).bind(2, std::bit_cast<std::int64_t>(track->key));
+        put.bind(3, std::string_view(track->artist)).bind(4, std::string_view(track->album));
+        put.bind(5, std::string_view(track->title)).bind(6, std::string_view(track->path));
+        put.bind(7, std::int64_t{track->subsong});
+        if (track->successor) put.bind(8, std::bit_cast<std::int64_t>(*track->successor));
         else put.bind_null(8);
         put.run();
     }
+}
+
+void journal_writer::save_successor_change(const known_track& now, std::int64_t operation) {
+    auto former = database_.prepare(
+        "SELECT id, successor FROM indexes LEFT JOIN known_tracks ON index_id = id AND key = ? WHERE guid = ?");
+    const auto guid = nuv::guid_text(now.index);
+    const auto key = std::bit_cast<std::int64_t>(now.key);
+    former.bind(1, key).bind(2, std::string_view(guid));
+    if (!former.step()) return;
+    const auto index_id = former.integer(0);
+    const auto before = former.is_null(1) ? std::nullopt : std::optional(std::bit_cast<std::uint64_t>(former.integer(1)));
+    former.reset();
+    if (before == now.successor) return;
+    std::vector<std::byte> change;
+    append_change(change, now.key, bytes_of(before), bytes_of(now.successor));
+    save_single(successors_of(index_id), key, operation, change);
 }
 
 /// A play that was taken back stays so when the act that took it back is forgotten.

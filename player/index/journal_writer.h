@@ -69,6 +69,9 @@ inline constexpr const char* known_tracks_schema = R"(
     ) STRICT, WITHOUT ROWID;
 )";
 
+/// The number under which `changes` keeps the successors of the keys of an index.
+constexpr std::int64_t successors_of(std::int64_t index_id) noexcept { return -index_id; }
+
 /// Writes the journal, inside the transactions that save the records. Throws sqlite::error.
 class journal_writer {
 public:
@@ -80,14 +83,15 @@ public:
     void save(const operation_entry& entry);
     void save(const record_changes& changes);
     void save(const listen& heard);
-    void save(std::span<const known_track> tracks);
+    void save(const known_tracks& noted);
     /// Removes the oldest acts, except for the newest one, until none is older than `time` (seconds since 1970) and at most
     /// `bytes` of changes are left.
     void trim(std::int64_t time, std::int64_t bytes);
 
 private:
     void forget_plays_taken_back(std::int64_t oldest_kept);
-    void save_single(const record_changes& changes, std::int64_t key, const std::vector<std::byte>& change);
+    void save_single(std::int64_t index_id, std::int64_t key, std::int64_t operation, std::span<const std::byte> change);
+    void save_successor_change(const known_track& now, std::int64_t operation);
 
     sqlite::database& database_;
     sqlite::statement put_operation_;

@@ -37,6 +37,7 @@ public:
               const key_finder& key_of);
 
     [[nodiscard]] const std::vector<track_facts>& facts() const noexcept { return facts_; }
+    [[nodiscard]] bool has(std::uint64_t key) const { return by_key_.contains(key); }
     /// The place in `facts` of the track with a key or, since tags may have changed meanwhile, at a location.
     [[nodiscard]] std::optional<std::size_t> find(const std::optional<std::uint64_t>& key, std::string_view path,
                                                   std::uint32_t subsong) const;

@@ -112,12 +112,15 @@ void take_back(run_context& context, const index::act& act) {
         app::tell_of_changed_records(context.player, each.index, keys_of(each));
     }
     context.player.save();
-    const auto name = number_of(act.id) + " of " + local_time(act.time) + ", " + act.cause;
-    if (restored != 0) context.screen.note("Taken back: " + name + ": " + counted(restored) + ".");
     std::size_t left = 0;
     for (const auto& each : done.left) left += each.records.size();
+    const auto name = number_of(act.id) + " of " + local_time(act.time) + ", " + act.cause;
+    if (restored != 0) context.screen.note("Taken back: " + name + ": " + counted(restored) + ".");
+    else if (left == 0) context.screen.note("Taken back: " + name + ". No record had changed.");
     if (left == 0) return;
-    context.screen.error(counted(left) + " of " + name + " changed since and stayed as they are:");
+    context.screen.error(
+        counted(left) + " of " + name +
+        (left == 1 ? " has changed since and stays as it is:" : " have changed since and stay as they are:"));
     for (const auto& each : done.left) print_tracks(context, each);
 }
 
