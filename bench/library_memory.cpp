@@ -67,8 +67,9 @@ void open_parts(const std::filesystem::path& profile) {
     parts.note("records of the index");
     ostrevan::library::track_table tracks;
     nobody observer;
-    const ostrevan::library::media_library library((profile / "library.sqlite").string(), tracks, ostrevan::tags::read_audio,
-                                                   observer);
+    ostrevan::library::media_library library((profile / "library.sqlite").string(), tracks, ostrevan::tags::read_audio,
+                                             observer);
+    library.load();
     parts.note("tracks, their tags on the disk");
     static_cast<void>(library.items());
     parts.note("list of all tracks, sorted");

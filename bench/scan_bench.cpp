@@ -109,6 +109,7 @@ public:
     fresh_library() : database_(the_music().folder() / "library.sqlite") {
         remove_database();
         library_ = std::make_unique<media_library>(database_.string(), tracks_, ostrevan::tags::read_audio, observer_);
+        library_->load();
     }
     ~fresh_library() {
         library_.reset();

@@ -50,7 +50,7 @@ void check_installations(const std::vector<core::loaded_component>& components, 
 }
 
 void start_components(const std::vector<core::loaded_component>& components, const core::service_registry& services,
-                      const component_failure& on_failure) {
+                      const component_failure& on_failure, const std::function<void()>& between) {
     const core::component_guard guard(on_failure);
     for_each_variable(
         components, [&](config_variable& variable) { guard.call(variable, "reading a setting", [&] { variable.load(); }); });
@@ -63,6 +63,7 @@ void start_components(const std::vector<core::loaded_component>& components, con
     const auto run_stage = [&](initialisation_stage* stage) { guard.call(*stage, "starting", [&] { stage->on_stage(); }); };
 
     std::for_each(stages.begin(), later, run_stage);
+    between();
     services.for_each<startup_notification>([](startup_notification& notified) { notified.on_startup(); }, "starting");
     std::for_each(later, stages.end(), run_stage);
 }

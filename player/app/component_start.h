@@ -20,9 +20,11 @@ void register_components(const std::vector<core::loaded_component>& components, 
 /// Lets each component check its own installation.
 void check_installations(const std::vector<core::loaded_component>& components, const component_failure& on_failure);
 
-/// Reads the components' settings, then runs the stages up to 30, the start-up notifications, and the stages from 40.
-void start_components(const std::vector<core::loaded_component>& components, const core::service_registry& services,
-                      const component_failure& on_failure);
+/// Reads the components' settings, then runs the stages up to 30, `between`, the start-up notifications, and the stages
+/// from 40.
+void start_components(
+    const std::vector<core::loaded_component>& components, const core::service_registry& services,
+    const component_failure& on_failure, const std::function<void()>& between = [] {});
 
 /// Announces the shutdown, then writes the components' settings back.
 void end_components(const std::vector<core::loaded_component>& components, const core::service_registry& services,

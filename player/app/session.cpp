@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "player/app/component_start.h"
+#include "player/app/loading_keys.h"
 #include "player/core/cause.h"
 #include "player/core/offer.h"
 #include "player/services/beep_service.h"
@@ -81,9 +82,15 @@ session::session(const session_options& options, core::profile_lock lock, view::
     components = core::load_components(options.components, interface_, report_now);
     register_components(components, services, fields);
     check_installations(components, report_now);
-    start_components(components, services, report_now);
+    start_components(components, services, report_now, [this] { load_library(); });
     // Edits an earlier process was killed at. Reporting some of them twice does no harm.
     news_.tell(library.unfinished_edits());
+}
+
+/// After the early stages, in which components register their indexes: the keys of all tracks are computed as they are read.
+void session::load_library() {
+    loading_keys keys(index);
+    library.load(keys.maker());
 }
 
 /// Services that the player itself does not use. Several of one class are asked in this order.

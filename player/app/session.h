@@ -120,6 +120,7 @@ public:
 
 private:
     void offer_services();
+    void load_library();
 };
 
 }  // namespace ostrevan::app

@@ -1,17 +1,10 @@
 #include "player/library/library_files.h"
 
 #include <bit>
-#include <functional>
+
+#include "player/library/path_hash.h"
 
 namespace ostrevan::library {
-namespace {
-
-std::uint32_t hash_of(std::string_view path) noexcept {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(path));
-}
-
-}  // namespace
-
 std::size_t library_files::slot_of(std::string_view path, std::uint32_t hash) const noexcept {
     const std::size_t mask = slots_.size() - 1;
     std::size_t at = hash & mask;
@@ -21,7 +14,7 @@ std::size_t library_files::slot_of(std::string_view path, std::uint32_t hash) co
 }
 
 std::size_t library_files::position_of(std::string_view path) const noexcept {
-    const auto position = slots_[slot_of(path, hash_of(path))].position;
+    const auto position = slots_[slot_of(path, hash_of_path(path))].position;
     return position == 0 ? places_ : position - 1;
 }
 
@@ -37,8 +30,12 @@ void library_files::reserve(std::size_t files) {
     }
 }
 
-library_files::iterator library_files::add(std::string_view path, library_file&& file) {
+library_files::iterator library_files::add(std::string_view path) { return try_add(path, hash_of_path(path)).first; }
+
+std::pair<library_files::iterator, bool> library_files::try_add(std::string_view path, std::uint32_t hash) {
     reserve(size() + 1);
+    auto& slot = slots_[slot_of(path, hash)];
+    if (slot.position != 0) return {{*this, slot.position - 1}, false};
     std::size_t at = places_;
     if (!free_.empty()) {
         at = free_.back();
@@ -47,16 +44,15 @@ library_files::iterator library_files::add(std::string_view path, library_file&&
         if (places_ == blocks_.size() * block_size) blocks_.push_back(std::make_unique<value_type[]>(block_size));
         ++places_;
     }
-    place(at) = {path, std::move(file)};
-    const auto hash = hash_of(path);
-    slots_[slot_of(path, hash)] = {hash, static_cast<std::uint32_t>(at + 1)};
-    return {*this, at};
+    place(at).first = path;
+    slot = {hash, static_cast<std::uint32_t>(at + 1)};
+    return {{*this, at}, true};
 }
 
 /// Moves later slots up, so that no marks are left.
 void library_files::erase(iterator which) noexcept {
     const std::size_t mask = slots_.size() - 1;
-    std::size_t gap = slot_of(which->first, hash_of(which->first));
+    std::size_t gap = slot_of(which->first, hash_of_path(which->first));
     for (std::size_t next = (gap + 1) & mask; slots_[next].position != 0; next = (next + 1) & mask) {
         const std::size_t distance = (next - slots_[next].hash) & mask;
         if (distance < ((next - gap) & mask)) continue;

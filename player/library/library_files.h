@@ -68,7 +68,9 @@ public:
     [[nodiscard]] const library_file& at(std::string_view path) const noexcept { return find(path)->second; }
 
     /// The path must be new.
-    iterator add(std::string_view path, library_file&& file = {});
+    iterator add(std::string_view path);
+    /// The same with the hash of the path, which may be there already: then returns where, and false.
+    std::pair<iterator, bool> try_add(std::string_view path, std::uint32_t hash);
     void erase(iterator which) noexcept;
     void reserve(std::size_t files);
 

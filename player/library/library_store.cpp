@@ -152,31 +152,6 @@ void library_store::remove_ignored(const std::string& path) {
     database_.prepare("DELETE FROM ignored WHERE path=?1").bind(1, to_blob(path)).run();
 }
 
-void library_store::load(
-    const std::function<void(stored_file&&, std::string_view, std::span<const std::uint32_t>)>& on_file) const {
-    // Reads three tables side by side, in the order of file ids.
-    auto files = database_.prepare("SELECT id, folder, path, size, mtime, device, sound, arrived FROM files ORDER BY id");
-    auto tracks = database_.prepare("SELECT file, subsong FROM tracks ORDER BY file, subsong");
-    auto sources = database_.prepare("SELECT file, path, size, mtime FROM sources ORDER BY file, position");
-    bool has_track = tracks.step();
-    bool has_source = sources.step();
-    std::vector<std::uint32_t> subsongs;
-    while (files.step()) {
-        stored_file file{.id = files.integer(0),
-                         .folder = files.integer(1),
-                         .stamp = {files.integer(3), files.integer(4)},
-                         .device = as_number(files.integer(5)),
-                         .arrived = as_number(files.integer(7))};
-        if (!files.is_null(6)) file.sound = as_number(files.integer(6));
-        subsongs.clear();
-        for (; has_track && tracks.integer(0) <= file.id; has_track = tracks.step())
-            subsongs.push_back(static_cast<std::uint32_t>(tracks.integer(1)));
-        for (; has_source && sources.integer(0) <= file.id; has_source = sources.step())
-            file.sources.push_back({from_blob(sources.blob(1)), {sources.integer(2), sources.integer(3)}});
-        on_file(std::move(file), text_of(files.blob(2)), subsongs);
-    }
-}
-
 std::unique_ptr<sqlite::database> library_store::second_connection() const {
     auto connection = std::make_unique<sqlite::database>(database_.file(), library_format);
     connection->execute("PRAGMA query_only = ON");

@@ -40,9 +40,6 @@ public:
     void add_ignored(const std::string& path);
     void remove_ignored(const std::string& path);
 
-    /// Visits every file with the subsongs of its tracks, in the order in which they were first stored.
-    void load(const std::function<void(stored_file&&, std::string_view path, std::span<const std::uint32_t> subsongs)>&
-                  on_file) const;
     /// For reading on another thread while this connection writes.
     [[nodiscard]] std::unique_ptr<sqlite::database> second_connection() const;
 
@@ -63,6 +60,7 @@ public:
     void forget_edits();
 
     [[nodiscard]] sqlite::database& database() noexcept { return database_; }
+    [[nodiscard]] const sqlite::database& database() const noexcept { return database_; }
 
 private:
     void clear_file(std::int64_t id);

@@ -46,12 +46,6 @@ std::vector<Handle> handles_in(const library_files& files) {
 
 }  // namespace
 
-/// A file from the database. Its path is that of its tracks; one without tracks has a handle all the same.
-struct media_library::loaded_file {
-    library_file file;
-    track_ptr empty{};
-};
-
 /// What a scan has found out about disks and folders.
 struct media_library::scan_notes {
     struct disk {
@@ -82,63 +76,39 @@ media_library::media_library(const std::string& database_path, track_table& trac
       infos_(std::make_unique<stored_infos>(store_, [this](const std::string& message) { observer_.on_failure(message); })),
       playlists_(store_.database()),
       queue_(store_.database()) {
-    load();
-}
-
-/// A second thread reads the database while this one fills the tables.
-void media_library::load() {
     folders_ = store_.folders();
     for (auto& path : store_.ignored()) ignored_.insert(std::move(path));
+}
+
+void media_library::load(key_maker* keys) {
+    if (is_loaded_) return;
     const auto count = static_cast<std::size_t>(store_.database().query_integer("SELECT count(*) FROM files"));
     files_.reserve(count);
     tracks_.reserve(count);
-    constexpr std::size_t portion = 1000;
-    std::mutex mutex;
-    std::vector<loaded_file> read;  // guarded
-    worker_group reader(1, nullptr);
-    const auto read_all = [&] {
-        std::vector<loaded_file> fresh;
-        const auto deliver = [&] {
-            const std::lock_guard guard(mutex);
-            std::ranges::move(fresh, std::back_inserter(read));
-            fresh.clear();
-            reader.wake();
-        };
-        store_.load([&](stored_file&& file, std::string_view path, std::span<const std::uint32_t> subsongs) {
-            auto& [next, empty] = fresh.emplace_back(loaded_file{{std::move(file)}});
-            const auto handle_of = [&](std::uint32_t subsong) {
-                return service_new<library::track>(playable_location{std::string(path), subsong});
-            };
-            for (const auto subsong : subsongs) next.tracks.push_back(handle_of(subsong));
-            // A sheet whose audio belongs to another one.
-            if (subsongs.empty()) empty = handle_of(0);
-            if (fresh.size() == portion) deliver();
-        });
-        deliver();
-    };
-    reader.run(1, read_all, [&] {
-        std::vector<loaded_file> arrived;
-        {
-            const std::lock_guard guard(mutex);
-            arrived.swap(read);
-        }
-        for (auto& each : arrived) enter(std::move(each));
-    });
+    load_files(store_, keys, [&](loaded_files&& part) { enter(std::move(part), keys); });
     scan_number_ = last_arrival_;
     for (const auto& folder : folders_) scan_number_ = std::max(scan_number_.load(), folder.scanned);
+    ++changes_;
+    is_loaded_ = true;
 }
 
-void media_library::enter(loaded_file&& loaded) {
-    auto& [file, empty] = loaded;
-    // A damaged database may name a file twice.
-    if (files_.find((empty ? empty : file.tracks.front())->location().path) != files_.end()) return;
-    last_arrival_ = std::max(last_arrival_, file.arrived);
-    for (auto& track : file.tracks) {
-        track = tracks_.adopt(std::move(track));
-        infos_->add(file.id, *track);
+void media_library::enter(loaded_files&& loaded, key_maker* keys) {
+    auto next_key = loaded.keys.begin();
+    for (auto& [file, empty, hash] : loaded.files) {
+        const auto first_key = next_key;
+        if (keys != nullptr) next_key += static_cast<std::ptrdiff_t>(file.tracks.size());
+        for (auto& track : file.tracks) track = tracks_.adopt(std::move(track), hash);
+        const auto handle = empty ? tracks_.adopt(std::move(empty), hash) : file.tracks.front();
+        const auto [place, is_new] = files_.try_add(handle->location().path, hash);
+        if (!is_new) continue;  // a damaged database may name a file twice
+        last_arrival_ = std::max(last_arrival_, file.arrived);
+        auto key = first_key;
+        for (const auto& track : file.tracks) {
+            const auto serial = infos_->add(file.id, *track);
+            if (keys != nullptr) keys->remember(serial, *key++);
+        }
+        place->second = std::move(file);
     }
-    const auto handle = empty ? tracks_.adopt(std::move(empty)) : file.tracks.front();
-    files_.add(handle->location().path, std::move(file));
 }
 
 void media_library::leave_behind() {

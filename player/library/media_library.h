@@ -14,6 +14,7 @@
 #include "player/library/kept_list.h"
 #include "player/library/library_changes.h"
 #include "player/library/library_files.h"
+#include "player/library/library_load.h"
 #include "player/library/library_store.h"
 #include "player/library/playlists.h"
 #include "player/library/queue_store.h"
@@ -37,9 +38,11 @@ enum class refresh_mode { unknown_only, if_changed, always };
 /// about a millisecond.
 class media_library {
 public:
-    /// Opens or creates `database_path` and loads it without looking at any file. Table and observer must outlive the
-    /// library. Throws sqlite::error.
+    /// Opens or creates `database_path`. Table and observer must outlive the library. Throws sqlite::error.
     media_library(const std::string& database_path, track_table& tracks, info_reader reader, library_observer& observer);
+    /// Reads the database, unless that is done, without looking at any file. Before it, there are no tracks, and nothing
+    /// else may be called but `is_enabled` and `folders`. `keys` may be null. Throws sqlite::error.
+    void load(key_maker* keys = nullptr);
 
     /// Whether the user has added a folder.
     [[nodiscard]] bool is_enabled() const noexcept { return !folders_.empty(); }
@@ -95,11 +98,9 @@ public:
 
 private:
     struct outcome;
-    struct loaded_file;
     struct scan_notes;
 
-    void load();
-    void enter(loaded_file&& loaded);
+    void enter(loaded_files&& loaded, key_maker* keys);
     scan_summary scan(std::span<const library_folder> folders, const scan_options& options);
     /// Changes files, folders or ignored paths on the main thread.
     void change(const main_thread_runner& on_main, const std::function<void()>& work);
@@ -132,6 +133,7 @@ private:
     library_files files_;
     std::vector<library_folder> folders_;
     ignored_paths ignored_;
+    bool is_loaded_ = false;
     std::uint64_t changes_ = 1;
     std::atomic<std::uint64_t> scan_number_ = 0;  // of the last scan
     std::uint64_t last_arrival_ = 0;              // used with the lock of the database

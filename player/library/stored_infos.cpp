@@ -26,10 +26,12 @@ stored_infos::~stored_infos() {
     for (const auto& each : places_) each.handle->forget_stored();
 }
 
-void stored_infos::add(std::int64_t file, track& handle) {
+std::uint64_t stored_infos::add(std::int64_t file, track& handle) {
     if (places_.size() % block_size == 0) blocks_.push_back({info_snapshot::take_serials(block_size)});
-    handle.leave_stored(*this, static_cast<std::uint32_t>(places_.size()));
+    const auto number = static_cast<std::uint32_t>(places_.size());
+    handle.leave_stored(*this, number);
     places_.push_back({file, &handle});
+    return serial_of(number);
 }
 
 std::uint64_t stored_infos::serial_of(std::uint32_t number) const noexcept {

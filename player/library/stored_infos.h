@@ -17,8 +17,8 @@ namespace ostrevan::library {
 class library_store;
 
 /// Information about tracks that stays in the library's database until somebody asks for it. It is read in blocks of tracks
-/// that are neighbours there, over a connection of its own. At first only the latest blocks are kept, because a start looks
-/// at every track once, for its key. A block that is read for the third time stays with its handles.
+/// that are neighbours there, over a connection of its own. At first only the latest blocks are kept, because most commands
+/// look at every track once. A block that is read for the second time stays with its handles.
 ///
 /// Whoever changes or removes a row calls `track::hold_info` first.
 class stored_infos {
@@ -31,8 +31,8 @@ public:
     stored_infos& operator=(const stored_infos&) = delete;
 
     /// For a handle without information, which must live as long as this. In the order of the database, before others may
-    /// use the handle.
-    void add(std::int64_t file, track& handle);
+    /// use the handle. Returns the serial of the information.
+    std::uint64_t add(std::int64_t file, track& handle);
 
     // [any-thread]
     /// Empty when the stored information is damaged, or cannot be read.
@@ -45,7 +45,7 @@ public:
 
 private:
     static constexpr std::size_t block_size = 256;
-    static constexpr unsigned kept_from = 3;
+    static constexpr unsigned kept_from = 2;
 
     struct place {
         std::int64_t file;

@@ -1,13 +1,14 @@
 #include "player/library/track_table.h"
 
 #include <bit>
-#include <functional>
 #include <utility>
+
+#include "player/library/path_hash.h"
 
 namespace ostrevan::library {
 
-std::uint32_t track_table::hash_of(std::string_view path, std::uint32_t subsong) noexcept {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(path) ^ subsong * 0x9E3779B97F4A7C15ULL);
+std::uint32_t track_table::hash_of(std::uint32_t path_hash, std::uint32_t subsong) noexcept {
+    return static_cast<std::uint32_t>(path_hash ^ subsong * 0x9E3779B97F4A7C15ULL);
 }
 
 /// The slot of the location, or the free one where it belongs.
@@ -36,12 +37,12 @@ void track_table::make_room(std::size_t tracks) {
 
 track_ptr track_table::obtain(std::string_view path, std::uint32_t subsong) {
     if (auto known = find(path, subsong)) return known;
-    return adopt(service_new<track>(playable_location{std::string(path), subsong}));
+    return adopt(service_new<track>(playable_location{std::string(path), subsong}), hash_of_path(path));
 }
 
-track_ptr track_table::adopt(track_ptr made) {
+track_ptr track_table::adopt(track_ptr made, std::uint32_t path_hash) {
     const auto& [path, subsong] = made->location();
-    const auto hash = hash_of(path, subsong);
+    const auto hash = hash_of(path_hash, subsong);
     const std::lock_guard guard(mutex_);
     make_room(used_ + 1);
     const auto slot = slot_of(path, subsong, hash);
@@ -54,7 +55,7 @@ track_ptr track_table::adopt(track_ptr made) {
 
 track_ptr track_table::find(std::string_view path, std::uint32_t subsong) const {
     const std::lock_guard guard(mutex_);
-    return slots_[slot_of(path, subsong, hash_of(path, subsong))];
+    return slots_[slot_of(path, subsong, hash_of(hash_of_path(path), subsong))];
 }
 
 void track_table::reserve(std::size_t tracks) {

@@ -14,8 +14,9 @@ class track_table {
 public:
     /// Returns the handle of a location, and makes it the first time.
     track_ptr obtain(std::string_view path, std::uint32_t subsong = 0);
-    /// Adds a handle that was made elsewhere. Returns the one of its location, which may be another.
-    track_ptr adopt(track_ptr made);
+    /// Adds a handle that was made elsewhere, with the hash of its path. Returns the one of its location, which may be
+    /// another.
+    track_ptr adopt(track_ptr made, std::uint32_t path_hash);
     /// Null when the location was never obtained.
     [[nodiscard]] track_ptr find(std::string_view path, std::uint32_t subsong = 0) const;
 
@@ -24,7 +25,7 @@ public:
     void leave_behind();
 
 private:
-    [[nodiscard]] static std::uint32_t hash_of(std::string_view path, std::uint32_t subsong) noexcept;
+    [[nodiscard]] static std::uint32_t hash_of(std::uint32_t path_hash, std::uint32_t subsong) noexcept;
     [[nodiscard]] std::size_t slot_of(std::string_view path, std::uint32_t subsong, std::uint32_t hash) const noexcept;
     void make_room(std::size_t tracks);
 

@@ -68,7 +68,7 @@ std::optional<std::uint64_t> KeyOf(const ostrevan::metadb_handle& track) {
     const auto snapshot = track.info();
     if (!snapshot) return std::nullopt;
     const auto key = KeyOf(snapshot->info(), track.location());
-    if (key) remembered.set(snapshot->serial(), *key);
+    if (key) RememberKey(snapshot->serial(), *key);
     return key;
 }
 
@@ -77,6 +77,8 @@ std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info, const ostrev
     if (mapping == nullptr) return std::nullopt;
     return mapping->key_of(info, location);
 }
+
+void RememberKey(std::uint64_t serial, std::uint64_t key) { remembered.set(serial, key); }
 
 namespace active_mapping {
 

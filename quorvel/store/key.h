@@ -32,6 +32,9 @@ inline constexpr nuv::guid statistics_index_guid = active_mapping_guid;
 [[nodiscard]] std::optional<std::uint64_t> KeyOf(const ostrevan::file_info& info,
                                                  const ostrevan::playable_location& location);
 
+/// Remembers the key of a snapshot under the active mapping. [any-thread]
+void RememberKey(std::uint64_t serial, std::uint64_t key);
+
 /// The process-wide key function. `start` throws when the player has no hash service. [main-thread]
 namespace active_mapping {
 ostrevan::index_client_ptr start();

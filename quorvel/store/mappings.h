@@ -6,6 +6,7 @@
 
 #include "ostrevan/hash_service.h"
 #include "ostrevan/index.h"
+#include "quorvel/store/key.h"
 #include "quorvel/store/record_editing.h"
 #include "quorvel/store/unit_digest.h"
 
@@ -33,14 +34,21 @@ class TitleMapping : public tag_mapping {
 public:
     using tag_mapping::tag_mapping;
     ostrevan::service_base* service_query(const nuv::guid& interface_guid) noexcept override {
-        return interface_guid == record_editing::class_guid ? &editing_ : nullptr;
+        if (interface_guid == record_editing::class_guid) return &editing_;
+        return interface_guid == loaded_keys::class_guid ? &loaded_ : nullptr;
     }
 
 protected:
     bool feed_track_part(unit_digest& digest, const ostrevan::file_info& info) const override;
 
 private:
+    /// What the player computes while it loads its tracks.
+    class loaded_keys : public ostrevan::index_key_memory {
+        void remember(std::uint64_t serial, std::uint64_t key) override { RememberKey(serial, key); }
+    };
+
     ostrevan::service_uncounted_t<record_editing> editing_;
+    ostrevan::service_uncounted_t<loaded_keys> loaded_;
 };
 
 /// An older rule, kept because of stored keys: it reads the second value of both numbers.

@@ -32,6 +32,16 @@ public:
     virtual void on_records_changed(metadb_handle_list_cref tracks) = 0;
 };
 
+/// Extension of the key function, found by `service_query`: keys that the player has computed with it while it read its
+/// tracks, so that nobody has to ask for the information of each track again.
+class index_key_memory : public service_base {
+public:
+    static constexpr nuv::guid class_guid = nuv::guid_of("{8B7F2C54-90E6-4D1A-B3C8-2F61A5D7E049}");
+
+    /// `serial` is that of the snapshot whose key this is. [any-thread]
+    virtual void remember(std::uint64_t serial, std::uint64_t key) = 0;
+};
+
 /// The track-information index: blobs under 64-bit keys that the player keeps for components, independent of the tracks.
 /// [any-thread] unless a method says otherwise.
 class index_manager : public service_base {

@@ -74,6 +74,7 @@ protected:
             return reader_(path);
         };
         library_ = std::make_unique<media_library>((folder_ / "library.sqlite").string(), *tracks_, counted, *this);
+        library_->load();
         return *library_;
     }
     scan_summary add_music() { return shown(reopen().add_folders(std::vector{music_.string()})); }
