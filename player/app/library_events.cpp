@@ -41,6 +41,7 @@ void library_events::on_library_changed(const library::library_changes& changes)
     tell(handles_of(changes.added), &library_callback::on_items_added);
     tell(removed, &library_callback::on_items_removed);
     tell(handles_of(changes.modified), &library_callback::on_items_modified);
+    loop_.call([&] { changes_.tell(&change_watcher::on_library_changed); });
 }
 
 }  // namespace ostrevan::app

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ostrevan/library.h"
+#include "player/app/changes.h"
 #include "player/app/known_tracks.h"
 #include "player/core/main_loop.h"
 #include "player/core/service_registry.h"
@@ -20,8 +21,15 @@ namespace ostrevan::app {
 class library_events final : public library::library_observer {
 public:
     library_events(core::main_loop& loop, services::tag_edit_news& news, const core::service_registry& services,
-                   services::index_manager_impl& index, known_tracks& known, std::function<void(const std::string&)> report)
-        : loop_(loop), news_(news), services_(services), index_(index), known_(known), report_(std::move(report)) {}
+                   services::index_manager_impl& index, known_tracks& known, changes& told,
+                   std::function<void(const std::string&)> report)
+        : loop_(loop),
+          news_(news),
+          services_(services),
+          index_(index),
+          known_(known),
+          changes_(told),
+          report_(std::move(report)) {}
     void on_library_changed(const library::library_changes& changes) override;
     void on_failure(const std::string& message) override { report_(message); }
 
@@ -34,6 +42,7 @@ private:
     const core::service_registry& services_;
     services::index_manager_impl& index_;
     known_tracks& known_;
+    changes& changes_;
     const std::function<void(const std::string&)> report_;
 };
 

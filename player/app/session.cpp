@@ -61,14 +61,16 @@ session::session(const session_options& options, core::profile_lock lock, view::
                {.daily_copies = true, .cause = current_cause}),
       index(core::offer<services::index_manager_impl>(
           services, records_, [](const service_base& service) { return core::module_of(typeid(service)); },
-          services::index_manager_impl::redraw{})),
+          [this](const nuv::guid&, const std::vector<std::uint64_t>&) {
+              changes.tell(&change_watcher::on_values_changed);
+          })),
       news_(loop, services,
             [this](std::span<const tag_edit> edits) {
                 known.note_edits(edits);
                 retags.add(merges_of(edits, records_, index));
             }),
       known(loop, records_, index),
-      events_(loop, news_, services, index, known, [this](const std::string& message) { report_later(message); }),
+      events_(loop, news_, services, index, known, changes, [this](const std::string& message) { report_later(message); }),
       library(file("library.sqlite"), tracks, tags::read_audio, events_),
       fields([this](const field_provider& provider, const std::string& doing) {
           services.guard().report(typeid(provider), doing);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "player/app/changes.h"
 #include "player/app/job_front_ends.h"
 #include "player/app/known_tracks.h"
 #include "player/app/library_events.h"
@@ -95,6 +96,7 @@ private:
     index::index_store records_;
 
 public:
+    app::changes changes;
     services::index_manager_impl& index;
 
 private:

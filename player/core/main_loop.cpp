@@ -14,6 +14,13 @@ void main_loop::post(task work) {
     const std::lock_guard lock(mutex_);
     queue_.push_back({of, cause_scope::current(), std::move(work)});
     changed_.notify_one();
+    if (wake_) wake_();
+}
+
+void main_loop::run_inside(std::function<void()> wake) {
+    const std::lock_guard lock(mutex_);
+    wake_ = std::move(wake);
+    if (wake_ && !queue_.empty()) wake_();
 }
 
 void main_loop::begin_activity(const job_ptr& of) noexcept {
@@ -59,14 +66,25 @@ void main_loop::run_until_idle() {
     for (;;) {
         changed_.wait(lock, [this] { return !queue_.empty() || activities_ == 0; });
         if (queue_.empty()) return;
-        posted next = std::move(queue_.front());
-        queue_.pop_front();
-        lock.unlock();
-        run(next);
-        if (next.of) next.of->end();
-        next.of.reset();
-        lock.lock();
+        run_first(lock);
     }
+}
+
+bool main_loop::run_next() {
+    std::unique_lock lock(mutex_);
+    if (queue_.empty()) return false;
+    run_first(lock);
+    return true;
+}
+
+void main_loop::run_first(std::unique_lock<std::mutex>& lock) {
+    posted next = std::move(queue_.front());
+    queue_.pop_front();
+    lock.unlock();
+    run(next);
+    if (next.of) next.of->end();
+    next.of.reset();
+    lock.lock();
 }
 
 void check_main_thread([[maybe_unused]] const char* method) noexcept {

@@ -91,6 +91,13 @@ public:
     /// Runs posted work until none is left and no activity is under way. [main-thread]
     void run_until_idle();
 
+    // Inside the loop of a toolkit.
+    /// From now on `wake` is called when work waits; without one, no more. It may be called on any thread and must not use
+    /// this loop. [main-thread]
+    void run_inside(std::function<void()> wake);
+    /// Runs the work posted first; returns false when none waits. [main-thread]
+    bool run_next();
+
 private:
     struct posted {
         job_ptr of;
@@ -101,11 +108,13 @@ private:
     void begin_activity(const job_ptr& of) noexcept;
     void end_activity(const job_ptr& of) noexcept;
     void run(posted& next) const;
+    void run_first(std::unique_lock<std::mutex>& lock);
 
     const error_sink on_error_;
     const std::thread::id main_thread_;
     std::mutex mutex_;
     std::condition_variable changed_;
+    std::function<void()> wake_;  // may be empty
     std::deque<posted> queue_;
     std::size_t activities_ = 0;
 };

@@ -15,8 +15,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kept_names[] = {"backup",       "configuration.json", "crash.log",
-                                           "index.sqlite", "library.sqlite",     "lock"};
+constexpr std::string_view kept_names[] = {"backup", "configuration.json", "crash.log", "index.sqlite", "library.sqlite",
+                                           "lock",   "window.json"};
 constexpr std::string_view put_there_by_the_user = "PlaybackStatistics.dat";
 
 [[noreturn]] void fail(const std::string& path, const std::string& reason) {

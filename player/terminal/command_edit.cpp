@@ -1,8 +1,8 @@
 #include <atomic>
 
 #include "ostrevan/tag_update.h"
+#include "player/app/retag_notes.h"
 #include "player/terminal/command.h"
-#include "player/terminal/retag_notes.h"
 #include "player/terminal/track_arguments.h"
 
 namespace ostrevan::terminal {
@@ -100,7 +100,8 @@ std::size_t note_merges(run_context& context, const metadb_handle_list& tracks, 
         after.push_back(builder.build());
         edits.push_back({.track = track, .before = &before.back()->info(), .after = &after.back()});
     }
-    return note_retags(context, app::merges_of(edits, context.player.records(), context.player.index));
+    return app::note_retags(context.player, app::merges_of(edits, context.player.records(), context.player.index),
+                            [&](const std::string& line) { context.screen.note(line); });
 }
 
 void edit(run_context& context, const edit_options& wanted) {

@@ -1,7 +1,8 @@
 
+#include "player/app/retag_notes.h"
+#include "player/app/scan_report.h"
 #include "player/library/locations.h"
 #include "player/terminal/command.h"
-#include "player/terminal/retag_notes.h"
 #include "player/terminal/table.h"
 
 namespace ostrevan::terminal {
@@ -48,15 +49,9 @@ void refuse(terminal& screen, const std::vector<library::file_problem>& refused)
 void report(run_context& context, const library::scan_summary& done) {
     auto& screen = context.screen;
     screen.end_progress();
-    for (const auto& place : done.absent) screen.error(library::describe(place));
-    for (const auto& [path, reason] : done.problems) screen.error(path + ": " + reason);
+    for (const auto& line : app::scan_problems(done)) screen.error(line);
     if (!done.problems.empty()) screen.note("To pass over a file that cannot be mended: 'ostrevan library ignore FILE'.");
-    screen.note(std::to_string(done.tracks_added) + " tracks added, " + std::to_string(done.tracks_updated) + " updated, " +
-                std::to_string(done.tracks_removed) + " removed, " + std::to_string(done.tracks_unchanged) + " unchanged.");
-    if (done.tracks_moved != 0)
-        screen.note(counted(done.tracks_moved, "of the removed tracks is", "of the removed tracks are") +
-                    " among the added ones under another name; the statistics follow.");
-    for (const auto& move : done.unclear) screen.note(library::describe(move));
+    for (const auto& line : app::scan_notes(done)) screen.note(line);
     if (done.is_stopped)
         screen.error("The scan was interrupted. What it had read is kept; 'ostrevan library rescan' goes on.");
 }
@@ -64,7 +59,8 @@ void report(run_context& context, const library::scan_summary& done) {
 void finish_scan(run_context& context, const library::scan_summary& done) {
     report(context, done);
     context.job.wait_until_idle();
-    if (note_retags(context, context.player.retags.take()) != 0)
+    const auto note = [&](const std::string& line) { context.screen.note(line); };
+    if (app::note_retags(context.player, context.player.retags.take(), note) != 0)
         context.screen.note("'ostrevan undo' takes a scan back, with what became of these statistics.");
     if (!done.is_stopped) context.player.mark_library_seen();
 }

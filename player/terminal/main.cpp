@@ -7,13 +7,12 @@
 
 #include "player/core/job_thread.h"
 #include "player/core/profile_folder.h"
-#include "player/mpris/desktop_control.h"
 #include "player/remote/client.h"
 #include "player/system/interrupt.h"
 #include "player/system/standard_streams.h"
 #include "player/system/temporary_folder.h"
-#include "player/terminal/client_commands.h"
 #include "player/terminal/command_line.h"
+#include "player/terminal/profile_owner.h"
 #include "player/terminal/running.h"
 #include "player/terminal/terminal_front_end.h"
 
@@ -28,27 +27,16 @@ int run_as_owner(const app::session_options& options, core::profile_lock lock, c
                  terminal& screen, const core::job_ptr& job) {
     const core::job_thread thread(job);
     terminal_front_end ui(job, screen);
-    ownership owner{.components = std::filesystem::absolute(options.components).lexically_normal(),
-                    .is_lasting = chosen.is_lasting};
-    const auto place = lock.is_exclusive() ? remote::socket_place::of(options.profile) : std::nullopt;
     const core::job::scope scope(job);
-    app::session player(options, std::move(lock), ui);
-    const mpris::desktop_control desktop(player);
+    profile_owner owner(options, std::move(lock), ui, chosen.is_lasting);
     const core::job::scope nobody(nullptr);
-    std::optional<client_commands> clients;
-    try {
-        if (place) clients.emplace(player, owner, *place);
-        else owner.obstacle = "The profile can only be read.";
-    } catch (const std::exception& error) {
-        owner.obstacle = error.what();  // a client says it, too
-    }
     int status = exit_failed;
-    job->run_on_own_thread([&, busy = std::make_shared<core::main_loop::activity>(player.loop)] {
-        run_context context{player, screen, screen.out(), *job, owner, true};
+    job->run_on_own_thread([&, busy = std::make_shared<core::main_loop::activity>(owner.player.loop)] {
+        run_context context{owner.player, screen, screen.out(), *job, owner.state, true};
         status = run_to_end(chosen, context);
-        if (clients) clients->finish(context);
+        owner.finish(context);
     });
-    player.run_until_idle();
+    owner.player.run_until_idle();
     return status;
 }
 

@@ -31,13 +31,14 @@ constexpr own_column own_columns[] = {
 };
 
 column made_of(const own_column& own) {
-    return {own.name, own.script, own.sort_script == nullptr ? own.script : own.sort_script, own.align_right};
+    return {own.name, own.script, own.sort_script == nullptr ? own.script : own.sort_script, own.align_right, own.name};
 }
 
 /// Throws when a script of the column has a mistake.
 column column_of(library_column_provider& provider, std::size_t index) {
     column made{provider.get_column_name(index), provider.get_display_script(index), provider.get_sort_script(index),
-                (provider.get_column_flags(index) & column_align_right) != 0};
+                (provider.get_column_flags(index) & column_align_right) != 0,
+                "{" + nuv::guid_text(provider.get_column_id(index)) + "}"};
     for (const auto& script : {made.display_script, made.sort_script}) (void)titleformat::compile(script);
     return made;
 }

@@ -14,6 +14,8 @@ struct column {
     std::string display_script;
     std::string sort_script;
     bool align_right = false;
+    /// The same in every run: layouts are kept by it.
+    std::string id{};
 };
 
 /// The player's own columns, then those of components, in the order of their providers.

@@ -17,6 +17,7 @@ public:
     track_listing(metadb_handle_list tracks, std::vector<column> columns, const titleformat::component_fields& fields);
 
     [[nodiscard]] const std::vector<column>& columns() const noexcept { return columns_; }
+    [[nodiscard]] const metadb_handle_list& tracks() const noexcept { return tracks_; }
     [[nodiscard]] std::size_t row_count() const noexcept { return tracks_.get_count(); }
     /// Replaces `cells` by one text per column. [any-thread]
     void format_row(std::size_t row, std::vector<std::string>& cells) const;
