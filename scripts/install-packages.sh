@@ -2,6 +2,7 @@
 # Installs the missing distribution packages. Debian 12 or a current Ubuntu.
 #   run    for the built player and the sample music
 #   build  also for compiling
+#   window for building the player and its window
 #   test   also for the tests and the lint (the default)
 #   windows  for building the component for Windows and testing it here
 set -euo pipefail
@@ -11,23 +12,25 @@ run_packages=(ffmpeg)
 build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcli11-dev libsqlite3-dev libssl-dev
     "libtag1-dev|libtag-dev" libmpv-dev libutf8proc-dev
     libsystemd-dev libmpdclient-dev)
+window_packages=(qt6-base-dev fonts-dejavu-core)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev libavformat-dev clang libclang-rt-dev clang-format
     clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace
-    dbus python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base)
+    dbus python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base xvfb xauth)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
 
 needs=("${run_packages[@]}")
 case "${1:-test}" in
     run) ;;
     build) needs+=("${build_packages[@]}") ;;
-    test) needs+=("${build_packages[@]}" "${test_packages[@]}") ;;
+    window) needs+=("${build_packages[@]}" "${window_packages[@]}") ;;
+    test) needs+=("${build_packages[@]}" "${window_packages[@]}" "${test_packages[@]}") ;;
     windows) needs=("${build_packages[@]}" "${windows_packages[@]}") ;;
     -h | --help)
-        sed -n '2,6s/^# \{0,1\}//p' "$0"
+        sed -n '2,7s/^# \{0,1\}//p' "$0"
         exit 0
         ;;
     *)
-        echo "install-packages: unknown set '$1'; use run, build, test or windows" >&2
+        echo "install-packages: unknown set '$1'; use run, build, window, test or windows" >&2
         exit 2
         ;;
 esac

@@ -29,6 +29,7 @@ GROUND = {
     "player/remote": SDK + ["player/system"],
     "player/mpris": SDK + ["player/" + room for room in ("system", "bus", "playback", "titleformat", "app")],
     "player/terminal": SDK + ["player"],
+    "player/desktop": SDK + ["player"],
     "quorvel/common": SDK,
     "quorvel/xml": SDK,
     "quorvel/platform": SDK + ["quorvel/common"],
