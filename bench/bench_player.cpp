@@ -8,6 +8,7 @@
 #include <string>
 
 #include "player/app/component_start.h"
+#include "quorvel/store/key.h"
 
 extern "C" ostrevan::component_interface* ostrevan_get_interface(const ostrevan::player_interface* player);
 
@@ -70,7 +71,7 @@ bench_player::bench_player(const fs::path& profile)
       configuration_(profile / "configuration.json"),
       main_thread_(loop),
       threads_(loop),
-      records(profile / "index.sqlite", give_up),
+      records(profile / "index.sqlite", give_up, {.cause = [] { return ostrevan::index::change_cause{.text = "bench"}; }}),
       index(
           records, [](const ostrevan::service_base& /*client*/) { return std::string("the bench"); },
           [this](const nuv::guid& /*index*/, const std::vector<std::uint64_t>& keys) {
@@ -101,6 +102,24 @@ bench_player::~bench_player() {
     host_.begin_shutdown();
     ostrevan::app::end_components(components_, services, give_up);
     records.flush();
+}
+
+void bench_player::note_play(const ostrevan::metadb_handle& track) {
+    const auto key = *quorvel::KeyOf(track);
+    const auto& place = track.location();
+    records.note(std::vector<ostrevan::index::known_track>{{.index = quorvel::statistics_index_guid,
+                                                            .key = key,
+                                                            .artist = "An artist",
+                                                            .album = "An album",
+                                                            .title = "A title",
+                                                            .path = place.path,
+                                                            .subsong = place.subsong}});
+    records.note({.time = std::time(nullptr),
+                  .path = place.path,
+                  .subsong = place.subsong,
+                  .seconds = 200,
+                  .is_counted = true,
+                  .keys = {{quorvel::statistics_index_guid, key}}});
 }
 
 }  // namespace bench

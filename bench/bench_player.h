@@ -44,6 +44,9 @@ public:
         return static_cast<T&>(*services.at(T::class_guid, 0));
     }
 
+    /// What the player notes of a counted play.
+    void note_play(const ostrevan::metadb_handle& track);
+
     [[nodiscard]] const ostrevan::titleformat::component_fields& fields() const noexcept { return fields_; }
 
     ostrevan::core::main_loop loop;

@@ -30,7 +30,7 @@ void bare_stamping(const fs::path& path, const quorvel::record_blob& data) {
 /// From the notification of the new tracks to the last date on disk.
 void dates_of_a_million_tracks(benchmark::State& state) {
     static_cast<void>(bench::new_tracks());
-    bench::ratio ratio(state, 1.5);
+    bench::ratio ratio(state, 1.7);
     for (auto _ : state) {
         const auto profile = bench::new_folder();
         bench::bench_player player(profile);

@@ -64,7 +64,7 @@ void rating_of_many_tracks(benchmark::State& state) {
     const auto selection = selection_of(10'000);
     bench::bench_player player(bench::records_of_a_million().profile);
     const bare_reader bare(player);
-    bench::ratio ratio(state, 1.5, bench::typical::least);
+    bench::ratio ratio(state, 1.6, bench::typical::least);
     std::uint32_t stars = 0;
     for (auto _ : state) {
         const double floor_time = bench::seconds_of([&] {

@@ -28,9 +28,17 @@ bool is_bulk(const index_job& job) {
     return std::ranges::count_if(changes->before.changes(), had_record) >= std::ptrdiff_t{index_store::bulk_size};
 }
 
+/// More than can be going on at once.
+constexpr std::size_t most_acts = 1024;
+
 }  // namespace
 
 struct index_store::state {
+    /// Its first and its last commit so far.
+    struct begun_act {
+        std::int64_t id = 0, last = 0;
+    };
+
     state(const std::filesystem::path& path, index_error_sink error_sink, options settings);
 
     bool load(const std::stop_token& stop);
@@ -63,9 +71,9 @@ struct index_store::state {
     write_gate gate;
     // Used inside the gate.
     std::int64_t last_operation;
-    std::map<std::uint64_t, std::int64_t> first_of_act;
-    std::mutex catalog_mutex;             // the order in memory and in the queue is the same
-    std::optional<sqlite::error> damage;  // the writer's thread only
+    std::map<std::uint64_t, begun_act> acts;  // by `change_cause::act`; those used last
+    std::mutex catalog_mutex;                 // the order in memory and in the queue is the same
+    std::optional<sqlite::error> damage;      // the writer's thread only
     index_writer writer;
 };
 
@@ -177,8 +185,13 @@ void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> cha
 
 operation_entry index_store::state::next_operation(std::int64_t now, change_cause why) {
     const auto id = ++last_operation;
-    const auto act = why.act == 0 ? id : first_of_act.try_emplace(why.act, id).first->second;
-    return {id, act, now, why.undoes, std::move(why.text)};
+    if (why.act == 0) return {id, id, now, why.undoes, std::move(why.text)};
+    auto& act = acts.try_emplace(why.act, begun_act{.id = id}).first->second;
+    act.last = id;
+    const auto first = act.id;
+    if (acts.size() > most_acts)
+        acts.erase(std::ranges::min_element(acts, {}, [](const auto& each) { return each.second.last; }));
+    return {id, first, now, why.undoes, std::move(why.text)};
 }
 
 /// What is not loaded yet is looked up: the journal keeps it, and copies are made before many records change.
@@ -261,7 +274,7 @@ std::filesystem::path index_store::back_up(std::string_view reason, const std::f
 
 void index_store::note(listen heard, std::uint64_t by) {
     const auto inside = state_->enter_to_write();
-    if (const auto act = state_->first_of_act.find(by); act != state_->first_of_act.end()) heard.act = act->second;
+    if (const auto act = state_->acts.find(by); act != state_->acts.end()) heard.act = act->second.id;
     std::vector<index_job> jobs;
     jobs.emplace_back(std::move(heard));
     state_->enqueue(std::move(jobs));

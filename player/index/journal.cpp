@@ -47,8 +47,9 @@ journal::journal(const std::filesystem::path& database) : database_(database.str
     database_.execute("PRAGMA query_only = ON");
 }
 
-std::map<std::int64_t, std::int64_t> journal::taken_back() {
-    std::map<std::int64_t, std::int64_t> by;
+const std::map<std::int64_t, std::int64_t>& journal::taken_back() {
+    if (taken_back_) return *taken_back_;
+    auto& by = taken_back_.emplace();
     auto undoing =
         database_.prepare("SELECT act, undoes FROM operations WHERE undoes IS NOT NULL AND act = id ORDER BY act DESC");
     while (undoing.step())
@@ -57,7 +58,7 @@ std::map<std::int64_t, std::int64_t> journal::taken_back() {
 }
 
 std::vector<act> journal::acts(const char* condition, std::int64_t value, std::size_t at_most) {
-    const auto undone_by = taken_back();
+    const auto& undone_by = taken_back();
     std::vector<act> found;
     auto rows = database_.prepare(std::string("SELECT act, time, cause, undoes FROM operations WHERE act = id AND ") +
                                   condition + " ORDER BY act DESC LIMIT ?");
@@ -208,7 +209,7 @@ void journal::for_each_listen(const nuv::guid& index, const std::function<void(c
     while (key_rows.step()) keys.emplace_back(key_rows.integer(0), key_rows.integer(1));
     std::ranges::sort(keys);
 
-    const auto undone = taken_back();
+    const auto& undone = taken_back();
     auto key = keys.begin();
     auto rows = database_.prepare("SELECT id, time, path, subsong, counted, act FROM listens ORDER BY id");
     while (rows.step()) {

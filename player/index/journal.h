@@ -56,8 +56,8 @@ struct brief_listen {
     bool is_counted = false;  // as a play; otherwise it was skipped
 };
 
-/// Reads the journal of an index database through a connection of its own; what has been saved is visible. Throws
-/// sqlite::error, also for damage. Used by one thread at a time.
+/// Reads the journal of an index database through a connection of its own; what has been saved before it was made is
+/// visible. Throws sqlite::error, also for damage. Used by one thread at a time.
 class journal {
 public:
     explicit journal(const std::filesystem::path& database);
@@ -81,12 +81,13 @@ public:
 
 private:
     [[nodiscard]] std::vector<act> acts(const char* condition, std::int64_t value, std::size_t at_most);
-    /// Which act takes which back, the last one of those that have not been taken back themselves.
-    [[nodiscard]] std::map<std::int64_t, std::int64_t> taken_back();
+    /// Which act takes which back, the last one of those that have not been taken back themselves. Read once.
+    [[nodiscard]] const std::map<std::int64_t, std::int64_t>& taken_back();
     [[nodiscard]] nuv::guid guid_of(std::int64_t index_id);
     [[nodiscard]] std::vector<record_change> parsed(std::span<const std::byte> bytes) const;
 
     sqlite::database database_;
+    std::optional<std::map<std::int64_t, std::int64_t>> taken_back_;
 };
 
 }  // namespace ostrevan::index

@@ -4,6 +4,7 @@
 #include <limits>
 #include <thread>
 
+#include "player/index/index_database.h"
 #include "player/services/index_manager.h"
 #include "tests/player/index/records.h"
 
@@ -132,6 +133,53 @@ TEST_F(index_store_test, keeps_a_registration_when_a_component_gives_up_its_own_
     EXPECT_EQ(stored(index_store(copy, fail_on_report), plays, 7), record_of(7)) << "put aside before";
     service.remove_index(plays);
     EXPECT_FALSE(store.registered(plays));
+}
+
+TEST_F(index_store_test, brings_files_of_every_earlier_format_up_to_date_and_refuses_a_later_one) {
+    std::string sql =
+        "CREATE TABLE indexes (id INTEGER PRIMARY KEY, guid TEXT NOT NULL UNIQUE, retention INTEGER) STRICT;"
+        "CREATE TABLE records (index_id INTEGER NOT NULL, key INTEGER NOT NULL, last_seen INTEGER NOT NULL, data BLOB NOT "
+        "NULL,"
+        " PRIMARY KEY (index_id, key)) STRICT, WITHOUT ROWID;"
+        "INSERT INTO indexes VALUES (7, 'C653739F-14B3-4EF2-819B-A3E2883230AE', 100);"
+        "INSERT INTO records VALUES (7, 1, 5, x'0102'), (7, -1, 5, zeroblob(40));";
+    const char* const additions[] = {
+        "ALTER TABLE indexes ADD COLUMN owner TEXT; UPDATE indexes SET owner = 'one.dll'",
+        "; CREATE TABLE operations (id INTEGER PRIMARY KEY, act INTEGER NOT NULL, time INTEGER NOT NULL, undoes INTEGER,"
+        " cause TEXT NOT NULL) STRICT; CREATE INDEX operations_by_act ON operations (act);"
+        "CREATE TABLE changes (index_id INTEGER NOT NULL, key INTEGER NOT NULL, operation INTEGER NOT NULL,"
+        " change BLOB NOT NULL, PRIMARY KEY (index_id, key, operation)) STRICT, WITHOUT ROWID;"
+        "CREATE INDEX changes_by_operation ON changes (operation);"
+        "CREATE TABLE bulk_changes (operation INTEGER NOT NULL, index_id INTEGER NOT NULL, first_key INTEGER NOT NULL,"
+        " last_key INTEGER NOT NULL, changes BLOB NOT NULL) STRICT;"
+        "CREATE INDEX bulk_changes_by_operation ON bulk_changes (operation);"
+        "CREATE TABLE listens (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, path TEXT NOT NULL, subsong INTEGER NOT NULL,"
+        " seconds REAL NOT NULL, player TEXT NOT NULL, counted INTEGER NOT NULL, act INTEGER NOT NULL) STRICT;"
+        "CREATE TABLE listen_keys (index_id INTEGER NOT NULL, key INTEGER NOT NULL, listen INTEGER NOT NULL,"
+        " PRIMARY KEY (index_id, key, listen)) STRICT, WITHOUT ROWID;"
+        "INSERT INTO listens VALUES (3, 9, '/a.flac', 0, 1.5, '', 1, 0); INSERT INTO listen_keys VALUES (7, 1, 3)"};
+    for (int version = 1; version <= 3; ++version) {
+        path_ = path(std::to_string(version));
+        sqlite::database(path_.string(), {0x4F737449, version, sql.c_str(), "older"});
+        for (int start = 0; start < 2; ++start) {
+            index_store store(path_, fail_on_report, {.cause = [] { return change_cause{.text = "test"}; }});
+            EXPECT_EQ(store.keys(plays), (std::vector{std::uint64_t{1}, highest_key})) << version;
+            EXPECT_EQ(stored(store, plays, 1), (record_bytes{std::byte{1}, std::byte{2}})) << version;
+            EXPECT_TRUE(store.registered(plays)) << version;
+            EXPECT_EQ(store.read_journal().listens_of(plays, 1).size(), version == 3 ? 1U : 0U);
+            store.write(plays, highest_key, record_of(highest_key, static_cast<std::uint64_t>(start)));
+            EXPECT_EQ(store.read_journal().latest(9).size(), start + 1U) << version;
+        }
+        EXPECT_EQ(sqlite::database(path_.string(), index_format()).query_integer("PRAGMA user_version"), 4);
+        if (version < 3) sql += additions[version - 1];
+    }
+    path_ = path("later");
+    sqlite::database(path_.string(), {0x4F737449, 5, sql.c_str(), "later"});
+    const auto bytes = file_bytes();
+    const auto message = failure_of([&] { index_store(path_, fail_on_report); });
+    EXPECT_NE(message.find("newer version of this program (format 5, this one knows 4). Use the newer"), message.npos)
+        << message;
+    EXPECT_EQ(file_bytes(), bytes);
 }
 
 TEST_F(index_store_test, puts_a_copy_aside_before_the_first_change_of_a_day) {
