@@ -104,6 +104,8 @@ void put(sqlite::statement& statement, std::span<const row> rows) {
     statement.run();
 }
 
+struct journal_damage {};
+
 }  // namespace
 
 const sqlite::format& index_format() noexcept { return format; }
@@ -149,7 +151,20 @@ bool index_database::load(const std::function<bool(std::int64_t, const change_li
     return true;
 }
 
+/// A damaged journal must not keep the records from being saved. After damage SQLite does not commit what else is in the
+/// transaction, so that all of it is done again.
 bool index_database::save(std::span<const index_job> jobs) {
+    try {
+        save_all(jobs);
+        return true;
+    } catch (const journal_damage&) {
+        has_journal_ = false;
+    }
+    save_all(jobs);
+    return false;
+}
+
+void index_database::save_all(std::span<const index_job> jobs) {
     sqlite::transaction transaction(database_);
     for (const index_job& job : jobs)
         if (const auto* entry = std::get_if<catalog_entry>(&job)) save_entry(*entry);
@@ -157,14 +172,11 @@ bool index_database::save(std::span<const index_job> jobs) {
     // Marks may follow changes made after them: a late mark only keeps a record longer.
     for (const index_job& job : jobs)
         if (const auto* seen = std::get_if<seen_keys>(&job)) mark_seen(*seen);
-    const bool is_kept = has_journal_ && save_journal(jobs);
+    if (has_journal_) save_journal(jobs);
     transaction.commit();
-    return std::exchange(has_journal_, is_kept) == is_kept;
 }
 
-/// A damaged journal must not keep the records from being saved.
-bool index_database::save_journal(std::span<const index_job> jobs) {
-    database_.execute("SAVEPOINT journal");
+void index_database::save_journal(std::span<const index_job> jobs) {
     try {
         for (const index_job& job : jobs) {
             if (const auto* entry = std::get_if<operation_entry>(&job)) journal_.save(*entry);
@@ -175,15 +187,19 @@ bool index_database::save_journal(std::span<const index_job> jobs) {
         }
     } catch (const sqlite::error& error) {
         const int kind = error.code() & 0xFF;
-        if (kind != SQLITE_CORRUPT && kind != SQLITE_CONSTRAINT) throw;
-        database_.execute("ROLLBACK TO journal; RELEASE journal");
-        return false;
+        if (kind == SQLITE_CORRUPT || kind == SQLITE_CONSTRAINT) throw journal_damage();
+        throw;
     }
-    database_.execute("RELEASE journal");
-    return true;
 }
 
-std::int64_t index_database::last_operation() const { return database_.query_integer("SELECT max(id) FROM operations"); }
+std::int64_t index_database::last_operation() const {
+    try {
+        return database_.query_integer("SELECT max(id) FROM operations");
+    } catch (const sqlite::error& error) {
+        if ((error.code() & 0xFF) != SQLITE_CORRUPT) throw;
+        return 0;
+    }
+}
 
 void index_database::trim_journal(std::int64_t time, std::int64_t bytes) {
     sqlite::transaction transaction(database_);

@@ -48,7 +48,7 @@ public:
     /// Uses one durable transaction, for the journal as well. Returns false when the journal is damaged and was left out, as
     /// it is from then on.
     bool save(std::span<const index_job> jobs);
-    /// The number of the last commit in the journal.
+    /// The number of the last commit in the journal; 0 when it is damaged, which `save` then finds.
     [[nodiscard]] std::int64_t last_operation() const;
     /// As `journal_writer::trim`.
     void trim_journal(std::int64_t time, std::int64_t bytes);
@@ -56,8 +56,8 @@ public:
 private:
     void save_entry(const catalog_entry& entry);
     void save_records(std::span<const index_job> jobs);
-    /// Returns false when the journal is damaged.
-    bool save_journal(std::span<const index_job> jobs);
+    void save_all(std::span<const index_job> jobs);
+    void save_journal(std::span<const index_job> jobs);
     void mark_seen(const seen_keys& seen);
 
     sqlite::database database_;

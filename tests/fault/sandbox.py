@@ -11,6 +11,8 @@ import struct
 import subprocess
 import time
 
+from journal import disagreement
+
 PROGRAM, MUSIC, FAILING_CALLS = (os.environ[name] for name in ("OSTREVAN", "MUSIC", "FAILING_CALLS"))
 
 STATISTICS = "C653739F-14B3-4EF2-819B-A3E2883230AE"
@@ -126,6 +128,7 @@ class Sandbox:
     def put_records(self, guid, records):
         """Stores records by key, as a component would in its own index."""
         self.edit_index("INSERT OR IGNORE INTO indexes (guid) VALUES (?)", [(guid,)])
+        self.edit_index("DELETE FROM changes WHERE ?", [(True,)])  # the journal knows nothing of these
         self.edit_index("INSERT OR REPLACE INTO records SELECT id, ?, ?, ? FROM indexes WHERE guid = ?",
                         [(key - (key >> 63 << 64), int(time.time()), data, guid) for key, data in records.items()])
 
@@ -140,6 +143,9 @@ class Sandbox:
             if not database.execute("SELECT 1 FROM sqlite_schema").fetchall():
                 return {}
             require(database.execute("PRAGMA integrity_check").fetchall() == [("ok",)], "index.sqlite is damaged")
+            wrong = disagreement(database)
+            require(wrong is None, f"the journal: {wrong}")
+            self.listens = database.execute("SELECT count(*) FROM listens WHERE counted").fetchone()[0]
             return {key & (1 << 64) - 1: data for key, data in database.execute(
                 "SELECT key, data FROM records JOIN indexes ON id = index_id WHERE guid = ?", (guid,))}
 

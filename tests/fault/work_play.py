@@ -23,6 +23,8 @@ class Plays(Work):
         begun = re.findall(r"^Playing \d+ of \d+: .* - (.*)$", result.err, re.M)
         if result.status == 0:
             require(len(counted) == 8 * self.rounds, f"ended well with {len(counted)} plays counted")
+        self.box.records()
+        require(len(counted) <= self.box.listens <= len(begun), f"{len(counted)} counted, {self.box.listens} kept as events")
         for title, now in self.box.counts().items():
             stored = now - self.before[title]
             require(counted.count(title) <= stored <= begun.count(title),

@@ -153,6 +153,21 @@ TEST_F(undo_test, a_damaged_journal_costs_no_record) {
     put(*store, "second", 1, 1, 2);
     store->flush();
     EXPECT_EQ(number(undo(*store).restored), 1U);
+
+    store.reset();
+    const auto page = sqlite::database(path_.string(), index::index_format())
+                          .query_integer("SELECT rootpage FROM sqlite_schema WHERE name = 'operations'");
+    std::ofstream(path_, std::ios::binary | std::ios::in).seekp((page - 1) * 4096) << std::string(4096, 'x');
+    for (const std::uint64_t version : {3, 4}) {
+        std::string told;
+        cause_.text = "third";
+        index_store damaged(path_, [&](const std::string& text) { told = text; }, {.cause = [this] { return cause_; }});
+        damaged.write(plays, 1, record_of(1, version));
+        damaged.flush();
+        EXPECT_NE(told.find("The journal in"), told.npos) << told;
+        EXPECT_THROW(damaged.read_journal().latest(1), sqlite::error);
+    }
+    EXPECT_EQ(stored(index_store(path_, fail_on_report), plays, 1), record_of(1, 4));
 }
 
 }  // namespace
