@@ -79,4 +79,10 @@ std::vector<retag> retag_log::take() {
     return std::exchange(found_, {});
 }
 
+void retag_log::forget(metadb_handle_list_cref tracks) {
+    const std::set<metadb_handle_ptr> gone(tracks.begin(), tracks.end());
+    const std::scoped_lock lock(mutex_);
+    std::erase_if(found_, [&](const retag& each) { return gone.contains(each.track); });
+}
+
 }  // namespace ostrevan::app

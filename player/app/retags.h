@@ -28,6 +28,7 @@ public:
     void add(std::vector<retag> found);
     /// Returns and forgets them.
     std::vector<retag> take();
+    void forget(metadb_handle_list_cref tracks);
 
 private:
     std::mutex mutex_;

@@ -1,5 +1,7 @@
 #include "player/app/scan_report.h"
 
+#include "player/system/counted.h"
+
 namespace ostrevan::app {
 
 std::vector<std::string> scan_problems(const library::scan_summary& done) {
@@ -10,7 +12,7 @@ std::vector<std::string> scan_problems(const library::scan_summary& done) {
 }
 
 std::vector<std::string> scan_notes(const library::scan_summary& done) {
-    std::vector<std::string> lines{std::to_string(done.tracks_added) + " tracks added, " +
+    std::vector<std::string> lines{system::counted(done.tracks_added, "track") + " added, " +
                                    std::to_string(done.tracks_updated) + " updated, " + std::to_string(done.tracks_removed) +
                                    " removed, " + std::to_string(done.tracks_unchanged) + " unchanged."};
     if (done.tracks_moved != 0)

@@ -74,17 +74,17 @@ std::vector<index::index_changes> from_copy(const index::index_store& records, c
     return differences(records, read_copy(copy));
 }
 
-std::vector<index::index_changes> restore(index::index_store& records, const std::filesystem::path& copy) {
+restored restore(index::index_store& records, const std::filesystem::path& copy) {
     auto wanted = read_copy(copy);
     auto transaction = records.begin();
-    auto changes = differences(records, std::move(wanted));
-    for (const auto& [index, changed] : changes)
+    restored done{.changes = differences(records, std::move(wanted))};
+    for (const auto& [index, changed] : done.changes)
         for (const auto& each : changed)
             transaction.write(index, each.key,
                               each.after ? std::span<const std::byte>(*each.after) : std::span<const std::byte>());
-    if (!changes.empty()) transaction.commit();
+    if (!done.changes.empty()) done.act = transaction.commit();
     records.flush();
-    return changes;
+    return done;
 }
 
 }  // namespace ostrevan::history

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <vector>
 
@@ -11,8 +12,12 @@ namespace ostrevan::history {
 /// changed. Throws std::runtime_error when it is damaged or no copy.
 std::vector<index::index_changes> from_copy(const index::index_store& records, const std::filesystem::path& copy);
 
-/// Makes all records those of a copy, in one transaction, which can be taken back. The journal goes on. Returns what has
-/// changed; throws likewise.
-std::vector<index::index_changes> restore(index::index_store& records, const std::filesystem::path& copy);
+struct restored {
+    std::vector<index::index_changes> changes{};
+    std::int64_t act = 0;  ///< to take it back; 0 when nothing has changed
+};
+
+/// Makes all records those of a copy, in one transaction. The journal goes on. Throws likewise.
+restored restore(index::index_store& records, const std::filesystem::path& copy);
 
 }  // namespace ostrevan::history

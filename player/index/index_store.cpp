@@ -42,8 +42,8 @@ struct index_store::state {
     state(const std::filesystem::path& path, index_error_sink error_sink, options settings);
 
     bool load(const std::stop_token& stop);
-    void commit(std::span<std::pair<nuv::guid, change_list>> changes, std::vector<known_track> noted = {},
-                std::optional<change_cause> why = std::nullopt);
+    std::int64_t commit(std::span<std::pair<nuv::guid, change_list>> changes, std::vector<known_track> noted = {},
+                        std::optional<change_cause> why = std::nullopt);
     operation_entry next_operation(std::int64_t now, change_cause why);
     void learn_before(std::int64_t index_id, const change_list& list);
     void trim_journal();
@@ -160,15 +160,17 @@ void index_store::state::enqueue(std::vector<index_job> jobs) {
 }
 
 /// The caller is inside the gate.
-void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> changes, std::vector<known_track> noted,
-                                std::optional<change_cause> why) {
-    if (changes.empty() && noted.empty()) return;
+/// Returns the act.
+std::int64_t index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> changes, std::vector<known_track> noted,
+                                        std::optional<change_cause> why) {
+    if (changes.empty() && noted.empty()) return 0;
     std::vector<index_job> jobs;
     const std::int64_t now = clock();
-    std::int64_t operation = 0;
+    std::int64_t operation = 0, act = 0;
     if (cause) {
         auto entry = next_operation(now, why ? std::move(*why) : cause());
         operation = entry.id;
+        act = entry.act;
         jobs.emplace_back(std::move(entry));
     }
     for (auto& [guid, list] : changes) {
@@ -181,6 +183,7 @@ void index_store::state::commit(std::span<std::pair<nuv::guid, change_list>> cha
     if (has_noted) jobs.emplace_back(known_tracks{std::move(noted), operation});
     writer.enqueue(std::move(jobs));
     if (has_noted) ++successor_changes;  // last: whoever sees the new number then reads what was noted
+    return act;
 }
 
 operation_entry index_store::state::next_operation(std::int64_t now, change_cause why) {
@@ -402,10 +405,10 @@ void store_transaction::set_cause(change_cause why) {
     changes_->why = std::move(why);
 }
 
-void store_transaction::commit() {
+std::int64_t store_transaction::commit() {
     if (!changes_) throw misuse("The index transaction is finished");
     const auto finished = std::exchange(changes_, nullptr);
-    finished->store.commit(finished->lists, std::move(finished->noted), std::move(finished->why));
+    return finished->store.commit(finished->lists, std::move(finished->noted), std::move(finished->why));
 }
 
 }  // namespace ostrevan::index

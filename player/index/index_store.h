@@ -138,7 +138,8 @@ public:
     void note(std::vector<known_track> tracks);
     /// Instead of the cause of this thread. Before commit.
     void set_cause(change_cause why);
-    void commit();
+    /// Returns its act in the journal; 0 when nothing is kept.
+    std::int64_t commit();
 
 private:
     friend class index_store;

@@ -27,7 +27,7 @@ void index_writer::enqueue(std::vector<index_job> jobs) {
     const std::scoped_lock lock(mutex_);
     std::ranges::move(jobs, std::back_inserter(queue_));
     ++queued_;
-    urged_ = true;
+    has_news_ = true;
     wake_.notify_one();
 }
 
@@ -64,8 +64,11 @@ std::optional<std::string> index_writer::wait_for(std::uint64_t target) {
 void index_writer::run(const std::stop_token& stop) {
     std::unique_lock lock(mutex_);
     while (!stop.stop_requested()) {
-        if (failing_) wake_.wait_for(lock, stop, retry_interval_, [&] { return urged_; });
-        else wake_.wait(lock, stop, [&] { return done_ != queued_; });
+        if (failing_) wake_.wait_for(lock, stop, retry_interval_, [&] { return urged_ || has_news_; });
+        else {
+            wake_.wait(lock, stop, [&] { return done_ != queued_; });
+            wake_.wait_for(lock, stop, gathering, [&] { return urged_; });
+        }
         while (!stop.stop_requested() && attempt(lock, stop)) {
         }
     }
@@ -73,7 +76,7 @@ void index_writer::run(const std::stop_token& stop) {
 
 bool index_writer::attempt(std::unique_lock<std::mutex>& lock, const std::stop_token& stop) {
     if (done_ == queued_) return false;
-    urged_ = false;
+    urged_ = has_news_ = false;
     const std::uint64_t number = ++attempts_;
     const bool loading = done_ < loaded_target;
     const std::uint64_t target = loading ? loaded_target : queued_;
@@ -102,7 +105,7 @@ bool index_writer::attempt(std::unique_lock<std::mutex>& lock, const std::stop_t
         work_.report(failure + unsaved_is_kept);
         lock.lock();
     }
-    return !failing_ || urged_;
+    return !failing_ || urged_ || has_news_;
 }
 
 }  // namespace ostrevan::index

@@ -44,6 +44,9 @@ public:
 
 private:
     static constexpr std::uint64_t loaded_target = 1;
+    /// What is queued shortly after, as the event of a play after its count, is saved in the same transaction. Whoever waits
+    /// ends this.
+    static constexpr std::chrono::milliseconds gathering{10};
 
     void run(const std::stop_token& stop);
     /// Attempts the next step; returns false when there is nothing left to try.
@@ -60,7 +63,8 @@ private:
     std::vector<index_job> queue_;
     std::uint64_t queued_ = loaded_target;  // requested steps; the first is loading
     std::uint64_t done_ = 0;
-    bool urged_ = true;
+    bool urged_ = true;     // somebody waits
+    bool has_news_ = true;  // since the last attempt
     bool failing_ = false;
     std::uint64_t attempts_ = 0;
     std::uint64_t failed_attempt_ = 0;

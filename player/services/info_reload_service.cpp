@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <utility>
+#include "player/system/counted.h"
 
 namespace ostrevan::services {
 namespace {
@@ -65,8 +66,8 @@ void info_reload_service_impl::finish(const outcome& result, const completion_no
     for (const auto& [path, reason] : result.problems) ui_.print_line(path + ": " + reason);
     if (!result.problems.empty()) {
         ui_.note_failure();
-        ui_.print_line(std::to_string(result.problems.size()) + " of " + std::to_string(result.total) +
-                       " tracks could not be read, so the command ended there; leave those out and run it again.");
+        ui_.print_line(std::to_string(result.problems.size()) + " of " + system::counted(result.total, "track") +
+                       " could not be read, so the command ended there; leave out what cannot be read and run it again.");
     }
     const bool aborted = result.done < result.total;
     if (aborted) ui_.print_line("Interrupted: the tags of some tracks were not read, and the command ended there.");

@@ -10,6 +10,7 @@
 
 #include "player/core/component_call.h"
 #include "player/library/cue_files.h"
+#include "player/system/counted.h"
 #include "player/tags/rewrite.h"
 
 namespace ostrevan::services {
@@ -108,12 +109,12 @@ void tag_update_service_impl::finish(const batch& done) const {
     for (const auto& problem : done.problems) ui_.print_line(problem);
     if (!done.problems.empty() && !done.is_silent()) {
         ui_.note_failure();
-        ui_.print_line(std::to_string(done.problems.size()) + " of " + std::to_string(done.tracks.get_count()) +
-                       " files could not be updated; they are as they were.");
+        ui_.print_line(std::to_string(done.problems.size()) + " of " + system::counted(done.tracks.get_count(), "file") +
+                       " could not be updated and " + (done.problems.size() == 1 ? "is as it was." : "are as they were."));
     }
     if (done.is_aborted)
-        ui_.print_line("Interrupted: " + std::to_string(done.rewritten.size()) +
-                       " files were rewritten, the rest are as they were.");
+        ui_.print_line("Interrupted: " + system::counted(done.rewritten.size(), "file") +
+                       (done.rewritten.size() == 1 ? " was" : " were") + " rewritten, the rest are as they were.");
     if (!done.notify) return;
     const bool failed = !done.problems.empty();
     const auto status = done.is_aborted ? completion_notify::status_aborted

@@ -34,13 +34,14 @@ void sync(const fs::path& path) {
 }
 
 /// 20260131-081500, in UTC, so that names sort by time.
-std::string time_now() {
-    const std::time_t now = std::time(nullptr);
+std::string text_of(std::time_t now) {
     std::tm parts{};
     ::gmtime_r(&now, &parts);
     char text[32];
     return {text, std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &parts)};
 }
+
+std::string time_now() { return text_of(std::time(nullptr)); }
 
 /// The parts of a file name: STEM-20260131-081500-REASON.sqlite.
 struct copy_name {
@@ -201,9 +202,14 @@ fs::path back_up(const database& source, std::string_view reason, const fs::path
     if (error) fail(folder, error.message());
     drop_unfinished(folder, path.stem().string());
 
-    const auto now = time_now();
-    const auto base = folder / (path.stem().string() + "-" + now + "-" + std::string(reason));
-    fs::path whole = base.string() + ".sqlite";
+    std::string now;
+    fs::path base, whole;
+    // Copies of one second get the seconds after it.
+    for (auto time = std::time(nullptr); whole.empty() || fs::exists(whole); ++time) {
+        now = text_of(time);
+        base = folder / (path.stem().string() + "-" + now + "-" + std::string(reason));
+        whole = base.string() + ".sqlite";
+    }
     // The database comes last: its presence marks a complete set.
     if (!beside.empty()) copy_beside(beside, base.string() + "." + beside.filename().string());
     unfinished_copy copy(whole);

@@ -1,11 +1,13 @@
 #include "player/summary/wording.h"
 
 #include <cstdio>
+#include "player/system/counted.h"
 
 namespace ostrevan::summary {
 namespace {
 
 using namespace std::chrono;
+using system::counted;
 
 std::string padded(int number, int digits) {
     std::array<char, 16> text{};
@@ -37,10 +39,6 @@ std::string text_of(query::local_time time) {
     return text_of_day(day) + " " + two(clock.hours()) + ":" + two(clock.minutes()) + ":" + two(clock.seconds());
 }
 
-std::string counted(std::size_t number, std::string_view thing) {
-    return std::to_string(number) + " " + std::string(thing) + (number == 1 ? "" : "s");
-}
-
 std::string title_of(const question& wanted, const figures& of) {
     const auto& [first, end] = wanted.period;
     if (wanted.is_all_time()) return of.first_day ? text_of(of.first_day) + " to " + text_of(of.last_day) : "All time";
@@ -63,9 +61,10 @@ std::vector<std::string> reservations(const figures& of) {
     };
     if (of.plays.undated != 0)
         lines.push_back("Of these, " + known_as_number(of.plays.undated) +
-                        ": nobody noted when, so no month, weekday or hour shows them.");
+                        (of.plays.undated == 1 ? ", without its time: it belongs to no month, weekday or hour."
+                                               : ", without their times: they belong to no month, weekday or hour."));
     if (of.undated_elsewhere != 0)
-        lines.push_back(known_as_number(of.undated_elsewhere) + " and left out: nobody noted when.");
+        lines.push_back(known_as_number(of.undated_elsewhere) + ", without a time, and left out.");
     if (of.without_track != 0)
         lines.push_back("Of these, " + counted(of.without_track, "play") + (of.without_track == 1 ? " is" : " are") +
                         " of tracks that are not in the library.");

@@ -21,8 +21,6 @@ std::string text_of(std::chrono::year_month month);
 std::string text_of(const std::optional<std::chrono::local_days>& day);
 /// "2026-03-01", with a time of day unless it is midnight.
 std::string text_of(query::local_time time);
-/// "1 play", "2 plays".
-std::string counted(std::size_t number, std::string_view thing);
 
 /// What the period is, such as "2026-01-01 to 2026-03-31".
 std::string title_of(const question& wanted, const figures& of);

@@ -42,8 +42,15 @@ declared_option& declared_option::one_of(const std::vector<std::string>& words) 
     return *this;
 }
 
-declared_option& declared_option::between(double least, double most) {
-    option_->check(CLI::Range(least, most));
+declared_option& declared_option::between(long least, long most) {
+    const auto refusal = [least, most](const std::string& text) {
+        double number = 0;
+        if (CLI::detail::lexical_cast(text, number) && number >= static_cast<double>(least) &&
+            number <= static_cast<double>(most))
+            return std::string();
+        return "\"" + text + "\" is not a number from " + std::to_string(least) + " to " + std::to_string(most);
+    };
+    option_->check(CLI::Validator(refusal, ""));
     return *this;
 }
 

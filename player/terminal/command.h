@@ -66,7 +66,7 @@ public:
     /// Given again for each further value, so that the words after one value are operands.
     declared_option& one_value_each();
     declared_option& one_of(const std::vector<std::string>& words);
-    declared_option& between(double least, double most);
+    declared_option& between(long least, long most);
     declared_option& existing_file();
     /// The value's name in the help.
     declared_option& called(const char* value);

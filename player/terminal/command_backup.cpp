@@ -5,6 +5,7 @@
 #include "player/app/changed_records.h"
 #include "player/history/restore.h"
 #include "player/sqlite/backup.h"
+#include "player/system/counted.h"
 #include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/table.h"
@@ -45,8 +46,6 @@ std::size_t number_of(const std::vector<index::index_changes>& changes) {
     return number;
 }
 
-std::string counted_records(std::size_t number) { return std::to_string(number) + (number == 1 ? " record" : " records"); }
-
 /// Of the tracks of records that have gone. Components may note something of a new track at once, such as its date; done
 /// now, that belongs to the restoring and is taken back with it.
 void tell_of_new_tracks(run_context& context, const std::vector<index::index_changes>& restored) {
@@ -75,23 +74,22 @@ void restore(run_context& context, const std::string& name) {
     auto& records = context.player.records();
     const auto number = number_of(history::from_copy(records, copy->path));
     if (number == 0) return context.screen.note("All records are as in this copy.");
-    const auto which = counted_records(number) + (number == 1 ? " differs" : " differ");
+    const auto which = system::counted(number, "record") + (number == 1 ? " differs" : " differ");
     if (context.screen.ask({.text = which + " from the copy of " + shown_time(copy->time) + " UTC. Restore this copy?",
                             .title = "Backup",
                             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
                             .reply = {}}) != popup_message_v3::answer_yes)
         return;
-    const auto restored = history::restore(records, copy->path);
+    const auto [restored, act] = history::restore(records, copy->path);
     for (const auto& each : restored) {
         std::vector<std::uint64_t> keys;
         for (const auto& record : each.records) keys.push_back(record.key);
         app::tell_of_changed_records(context.player, each.index, keys);
     }
     tell_of_new_tracks(context, restored);
-    const auto last = records.read_journal().latest(1);
     const auto done = number_of(restored);
-    context.screen.note(counted_records(done) + (done == 1 ? " is" : " are") + " as in the copy" +
-                        (last.empty() ? "." : "; 'ostrevan undo @" + std::to_string(last[0].id) + "' takes it back."));
+    context.screen.note(system::counted(done, "record") + (done == 1 ? " is" : " are") + " as in the copy" +
+                        (act == 0 ? "." : "; 'ostrevan undo @" + std::to_string(act) + "' takes it back."));
 }
 
 const command_file backup_commands(131, [](declared_command& program) {

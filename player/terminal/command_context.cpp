@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "player/app/track_selection.h"
+#include "player/system/counted.h"
 #include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/menu_output.h"
@@ -47,7 +48,7 @@ void context_words::split() {
     tracks.paths = words;
 }
 
-std::string tracks_text(std::size_t count) { return "for " + std::to_string(count) + (count == 1 ? " track" : " tracks"); }
+std::string tracks_text(std::size_t count) { return "for " + system::counted(count, "track"); }
 
 void run_context_menu(run_context& context, const context_words& words) {
     const auto tracks = tracks_of(context, words.tracks);

@@ -2,6 +2,7 @@
 
 #include "ostrevan/tag_update.h"
 #include "player/app/retag_notes.h"
+#include "player/system/counted.h"
 #include "player/terminal/command.h"
 #include "player/terminal/track_arguments.h"
 
@@ -50,9 +51,9 @@ public:
         for (const auto& [name, value] : values()) info.meta_set_values(name, value);
     }
 
-    /// "3 files edited, 1 was so already".
+    /// "3 files edited, 1 had these tags already".
     [[nodiscard]] std::string summary() const {
-        auto text = std::to_string(changed_) + (changed_ == 1 ? " file edited" : " files edited");
+        auto text = system::counted(changed_, "file") + " edited";
         if (unchanged_ != 0) text += ", " + std::to_string(unchanged_) + " had these tags already";
         return text;
     }
@@ -116,12 +117,12 @@ void edit(run_context& context, const edit_options& wanted) {
     if (const auto merged = note_merges(context, tracks, *filter);
         merged != 0 &&
         !is_wanted(context.screen, (merged == 1 ? std::string("A track gets") : std::to_string(merged) + " tracks get") +
-                                       " the tags of another one, and from then on they share their statistics. Continue?"))
+                                       " the tags of another one and will share its statistics. Continue?"))
         return;
     auto* const service = context.player.services.at(tag_update_service::class_guid, 0);
     context.on_main([&] { static_cast<tag_update_service*>(service)->update_async(tracks, filter, nullptr, 0, {}); });
     context.job.wait_until_idle();
-    context.player.retags.take();  // the user knows of them
+    context.player.retags.forget(tracks);  // the user knows of them
     context.screen.note_done(filter->summary());
 }
 

@@ -7,6 +7,7 @@
 #include "player/app/changed_records.h"
 #include "player/app/track_story.h"
 #include "player/history/undo.h"
+#include "player/system/counted.h"
 #include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/key_text.h"
@@ -84,8 +85,6 @@ void print_history(run_context& context, const history_words& words) {
     for (const auto& track : tracks_of(context, words.tracks, on_missing::go_on)) print_story(context, track, words.limit);
 }
 
-std::string counted(std::size_t number) { return std::to_string(number) + (number == 1 ? " record" : " records"); }
-
 std::vector<std::uint64_t> keys_of(const index::index_changes& changes) {
     std::vector<std::uint64_t> keys;
     for (const auto& each : changes.records) keys.push_back(each.key);
@@ -115,11 +114,11 @@ void take_back(run_context& context, const index::act& act) {
     std::size_t left = 0;
     for (const auto& each : done.left) left += each.records.size();
     const auto name = number_of(act.id) + " of " + local_time(act.time) + ", " + act.cause;
-    if (restored != 0) context.screen.note("Taken back: " + name + ": " + counted(restored) + ".");
+    if (restored != 0) context.screen.note("Taken back: " + name + ": " + system::counted(restored, "record") + ".");
     else if (left == 0) context.screen.note("Taken back: " + name + ". No record had changed.");
     if (left == 0) return;
     context.screen.error(
-        counted(left) + " of " + name +
+        system::counted(left, "record") + " of " + name +
         (left == 1 ? " has changed since and stays as it is:" : " have changed since and stay as they are:"));
     for (const auto& each : done.left) print_tracks(context, each);
 }
@@ -159,7 +158,7 @@ const command_file history_commands(125, [](declared_command& program) {
     const auto words = std::make_shared<history_words>();
     auto history = program.add("history", "What changed the statistics, of all tracks or of one", history_examples);
     words->tracks.declare(history);
-    history.add_option("--limit", &words->limit, "How many, the newest first").between(1, 1e9).show_default();
+    history.add_option("--limit", &words->limit, "How many, the newest first").between(1, 1'000'000'000).show_default();
     history.run([words](run_context& context) { print_history(context, *words); });
     const auto which = std::make_shared<std::optional<std::string>>();
     auto undoing = program.add("undo", "Take back what the last operations changed", undo_examples);

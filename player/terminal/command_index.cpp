@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "player/system/counted.h"
 #include "player/system/user_error.h"
 #include "player/terminal/command.h"
 #include "player/terminal/key_text.h"
@@ -44,7 +45,7 @@ void prune(run_context& context) {
     std::size_t number = 0;
     for (const auto& records : old) number += records.keys.size();
     if (number == 0) return context.screen.note("No record is old enough.");
-    const std::string which = std::to_string(number) + (number == 1 ? " record" : " records");
+    const std::string which = system::counted(number, "record");
     popup_message_v3::query_t question;
     question.title = "Prune the index";
     question.text = which + (number == 1 ? " belongs" : " belong") +

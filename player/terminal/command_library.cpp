@@ -2,6 +2,7 @@
 #include "player/app/retag_notes.h"
 #include "player/app/scan_report.h"
 #include "player/library/locations.h"
+#include "player/system/counted.h"
 #include "player/terminal/command.h"
 #include "player/terminal/table.h"
 
@@ -38,10 +39,6 @@ void in_turn(run_context& context, Work work) {
     if (turn) work();
 }
 
-std::string counted(std::size_t number, const char* one, const char* many) {
-    return std::to_string(number) + ' ' + (number == 1 ? one : many);
-}
-
 void refuse(terminal& screen, const std::vector<library::file_problem>& refused) {
     for (const auto& [path, reason] : refused) screen.error((path.empty() ? "An empty name" : path) + ' ' + reason);
 }
@@ -61,7 +58,7 @@ void finish_scan(run_context& context, const library::scan_summary& done) {
     context.job.wait_until_idle();
     const auto note = [&](const std::string& line) { context.screen.note(line); };
     if (app::note_retags(context.player, context.player.retags.take(), note) != 0)
-        context.screen.note("'ostrevan undo' takes a scan back, with what became of these statistics.");
+        context.screen.note("'ostrevan undo' takes back what the scan did to these statistics.");
     if (!done.is_stopped) context.player.mark_library_seen();
 }
 
@@ -101,7 +98,7 @@ void ignore(run_context& context, const paths& places, bool undo) {
         const auto done = library.ignore(places, context.player.on_main());
         refuse(context.screen, done.refused);
         if (done.refused.size() < places.size())
-            context.screen.note(counted(done.tracks_removed, "track", "tracks") +
+            context.screen.note(system::counted(done.tracks_removed, "track") +
                                 " left the library. Files and statistics stay.");
     }
 }
@@ -110,8 +107,7 @@ void remove_folders(run_context& context, const paths& folders) {
     const auto done = context.player.library.remove_folders(folders, context.player.on_main());
     refuse(context.screen, done.refused);
     if (done.refused.size() < folders.size())
-        context.screen.note(counted(done.tracks_removed, "track", "tracks") +
-                            " left the library. Files and statistics stay.");
+        context.screen.note(system::counted(done.tracks_removed, "track") + " left the library. Files and statistics stay.");
 }
 
 void print_folders(run_context& context) {

@@ -2,6 +2,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "player/system/counted.h"
 #include "player/terminal/command.h"
 #include "player/terminal/playlist_entries.h"
 #include "player/terminal/playlist_files.h"
@@ -49,8 +50,7 @@ std::vector<playable_location> locations_of(const metadb_handle_list& tracks) {
 }
 
 void note_count(run_context& context, const std::string& name, std::size_t count) {
-    context.screen.note(std::to_string(count) + (count == 1 ? " track" : " tracks") + " in playlist " + in_quotes(name) +
-                        ".");
+    context.screen.note(system::counted(count, "track") + " in playlist " + in_quotes(name) + ".");
 }
 
 void make_playlist(run_context& context, const std::string& name, const std::vector<playable_location>& entries) {
@@ -95,7 +95,7 @@ void remove_playlist(run_context& context, const std::string& name) {
     const auto entries = entries_of(context, name);
     const auto quoted = in_quotes(name);
     const auto answer =
-        context.screen.ask({.text = "Remove playlist " + quoted + " with " + std::to_string(entries.size()) + " tracks?",
+        context.screen.ask({.text = "Remove playlist " + quoted + " with " + system::counted(entries.size(), "track") + "?",
                             .title = "Playlist",
                             .style = popup_message_v3::style_yes_no | popup_message_v3::style_icon_warning,
                             .reply = {}});

@@ -32,7 +32,8 @@ struct stats_words {
 
 query::period period_of(const std::string& text) {
     if (const auto period = query::parse_period(text)) return *period;
-    throw system::user_error("\"" + text + "\" is no period. Write a year, a month or a day: 2026, 2026-03 or 2026-03-01.");
+    throw system::user_error("\"" + text +
+                             "\" is not a period. Write a year, a month or a day: 2026, 2026-03 or 2026-03-01.");
 }
 
 summary::question question_of(const stats_words& words) {
@@ -54,6 +55,7 @@ std::optional<std::string> query_of(const stats_words& words) {
 
 void print_stats(run_context& context, const stats_words& words) {
     constexpr std::size_t usual_width = 80;
+    if (words.html && words.html->empty()) throw system::user_error("--html needs the name of a file.");
     const auto wanted = question_of(words);
     const auto figures = app::listening_summary(context.player, query_of(words), wanted);
     const auto width = context.screen.width_of_output();
@@ -70,7 +72,7 @@ const command_file stats_command(127, [](declared_command& program) {
     stats.add_option("QUERY", &words->query, "Only tracks that match, or with these words; without one, everything");
     stats.add_option("--from", &words->from, "Plays since the beginning of this period").called("PERIOD");
     stats.add_option("--to", &words->to, "Plays until the end of this period").called("PERIOD");
-    stats.add_option("--limit", &words->limit, "How many names in each list").show_default();
+    stats.add_option("--limit", &words->limit, "How many names in each list").between(1, 1'000'000'000).show_default();
     stats.add_flag("--json", words->json, "An object");
     stats.add_option("--html", &words->html, "Write a page for a browser, which needs nothing else")
         .called("FILE")

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "player/summary/wording.h"
+#include "player/system/counted.h"
 #include "player/terminal/bar_chart.h"
 #include "player/terminal/table.h"
 #include "player/terminal/terminal_text.h"
@@ -76,7 +77,7 @@ bar_chart hours_of(const figures& of) {
 bar_chart ratings_of(const figures& of) {
     bar_chart chart(summary::title_of_ratings(of));
     for (std::size_t stars = of.ratings.size(); of.tracks != of.ratings[0] && --stars > 0;)
-        chart.add(summary::counted(stars, "star"), of.ratings[stars]);
+        chart.add(system::counted(stars, "star"), of.ratings[stars]);
     return chart;
 }
 

@@ -81,7 +81,7 @@ TEST_F(files, what_became_of_a_request_is_told) {
               (lines{"11", "status 0"}));
     EXPECT_EQ(update("1.wav", 0, [](auto&) -> bool { throw 1; }),
               (lines{"app_tests: unknown error", "app_tests: unknown error", "failed",
-                     "2 of 2 files could not be updated; they are as they were.", "status 1"}));
+                     "2 of 2 files could not be updated and are as they were.", "status 1"}));
     const auto refused = update("a.cue", tag_update_service::option_silent, [](auto&) { return false; });
     EXPECT_EQ(refused.size(), 2U);
     EXPECT_EQ(refused.back(), "status 1");

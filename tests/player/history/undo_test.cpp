@@ -123,7 +123,7 @@ TEST_F(undo_test, a_copy_is_restored_as_an_act_and_only_when_it_is_whole) {
     const auto found = from_copy(*store, copy);
     EXPECT_EQ(number(found), 201U);
     cause_.text = "restore";
-    EXPECT_EQ(number(restore(*store, copy)), 201U);
+    EXPECT_EQ(number(restore(*store, copy).changes), 201U);
     EXPECT_EQ(store->keys(plays).size(), 500U);
     EXPECT_EQ(stored(*store, plays, 450), record_of(450, 1));
     EXPECT_EQ(content(copy), bytes);
