@@ -119,6 +119,10 @@ void read_rows(const std::filesystem::path& profile) {
     std::int64_t sum = 0;
     auto keys = database.prepare("SELECT listen, key FROM listen_keys");
     while (keys.step()) sum += keys.integer(0) + keys.integer(1);
+    auto followed = database.prepare("SELECT key, successor FROM known_tracks WHERE successor IS NOT NULL");
+    while (followed.step()) sum += followed.integer(0);
+    auto undos = database.prepare("SELECT act, undoes FROM operations WHERE undoes IS NOT NULL");
+    while (undos.step()) sum += undos.integer(0);
     auto rows = database.prepare("SELECT id, time, path, subsong, counted, act FROM listens ORDER BY id");
     while (rows.step()) sum += rows.integer(1) + static_cast<std::int64_t>(rows.text(2).size());
     benchmark::DoNotOptimize(sum);
