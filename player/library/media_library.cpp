@@ -93,8 +93,14 @@ void media_library::load(key_maker* keys) {
 }
 
 void media_library::enter(loaded_files&& loaded, key_maker* keys) {
+    constexpr std::size_t ahead = 8;  // cache misses of so many files overlap
     auto next_key = loaded.keys.begin();
-    for (auto& [file, empty, hash] : loaded.files) {
+    for (std::size_t i = 0; i < loaded.files.size(); ++i) {
+        if (i + ahead < loaded.files.size()) {
+            files_.prefetch(loaded.files[i + ahead].path_hash);
+            tracks_.prefetch(loaded.files[i + ahead].path_hash);
+        }
+        auto& [file, empty, hash] = loaded.files[i];
         const auto first_key = next_key;
         if (keys != nullptr) next_key += static_cast<std::ptrdiff_t>(file.tracks.size());
         for (auto& track : file.tracks) track = tracks_.adopt(std::move(track), hash);

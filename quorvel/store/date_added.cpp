@@ -1,7 +1,5 @@
 #include "quorvel/store/date_added.h"
 
-#include <algorithm>
-
 #include "quorvel/store/sorted_keys.h"
 #include "quorvel/store/stats_op.h"
 
@@ -10,8 +8,7 @@ namespace quorvel {
 void stamp_dates_added(const ostrevan::metadb_handle_list& tracks, std::uint64_t now) {
     StatsOp op;
     if (!op.has_index()) return;
-    auto undated = SortedKeysOf(tracks);
-    std::erase_if(undated, [](std::uint64_t key) { return read_record(key).added != 0; });
+    const auto undated = SortedKeysOf(tracks, [](std::uint64_t key) { return read_record(key).added == 0; });
     if (undated.empty()) return;
     op.begin();
     for (const std::uint64_t key : undated)
