@@ -15,7 +15,7 @@ build_packages=(g++ cmake ninja-build pkg-config ccache nlohmann-json3-dev libcl
 window_packages=(qt6-base-dev fonts-dejavu-core)
 test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev libexpat1-dev libavformat-dev clang libclang-rt-dev clang-format
     clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace
-    dbus python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base xvfb xauth)
+    dbus python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base xvfb xauth zsh fish groff)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
 
 needs=("${run_packages[@]}")

@@ -76,6 +76,8 @@ declared_command declared_command::add(const char* name, const char* what, const
     return {app, *chosen_};
 }
 
+void declared_command::hide() { app_->group(""); }
+
 void declared_command::require_command() { app_->require_subcommand(1); }
 
 declared_option declared_command::add_option(const char* name, value into, const char* what) {

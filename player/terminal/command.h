@@ -50,6 +50,8 @@ struct chosen_command {
     std::optional<std::string> component_to_check = std::nullopt;
     /// Whether it goes on for as long as the user likes. A process that is about to end does not begin it for another one.
     bool is_lasting = false;
+    /// Printed without a player, instead of anything else.
+    std::optional<std::string> text = std::nullopt;
     /// The command line, as the journal of changes names it.
     std::string words{};
 };
@@ -82,6 +84,8 @@ public:
     declared_command(CLI::App& app, chosen_command& chosen) : app_(&app), chosen_(&chosen) {}
 
     declared_command add(const char* name, const char* what, const char* examples = "");
+    /// Left out of the help: for other programs.
+    void hide();
     /// One of the commands added has to be named.
     void require_command();
 

@@ -76,8 +76,8 @@ void rate(run_context& context, const std::string& stars, const track_arguments&
 const command_file context_command(80, [](declared_command& program) {
     const auto words = std::make_shared<context_words>();
     auto app = program.add("context", "List the context menu of a selection, or run one command", context_examples);
-    app.add_option("PATH", &words->words, "A menu path or {GUID}, then the tracks");
-    app.add_option("--where", &words->tracks.where, "Every track of the library that matches this query");
+    app.add_option("COMMAND", &words->words, "A menu path or {GUID}, then the tracks");
+    app.add_option("--where", &words->tracks.where, "Every track of the library that matches this query").called("QUERY");
     app.choose([words] {
         words->split();
         return chosen_command{[words](run_context& context) { run_context_menu(context, *words); },

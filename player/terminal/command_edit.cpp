@@ -130,8 +130,10 @@ const command_file edit_command(60, [](declared_command& program) {
     const auto wanted = std::make_shared<edit_options>();
     auto app = program.add("edit", "Edit tags in the files", edit_examples);
     wanted->tracks.declare(app);
-    app.add_option("--set", &wanted->assignments, "FIELD=VALUE, may be repeated").one_value_each();
-    app.add_option("--remove", &wanted->remove, "A field to remove, may be repeated").one_value_each();
+    app.add_option("--set", &wanted->assignments, "A field and its new value, may be repeated")
+        .called("FIELD=VALUE")
+        .one_value_each();
+    app.add_option("--remove", &wanted->remove, "A field to remove, may be repeated").called("FIELD").one_value_each();
     app.choose([wanted] {
         wanted->check();
         return chosen_command{[wanted](run_context& context) { edit(context, *wanted); }};

@@ -6,6 +6,9 @@
 #include <utility>
 
 #include "player/system/default_folders.h"
+#include "player/terminal/completion.h"
+#include "player/terminal/completion_values.h"
+#include "player/terminal/manual_page.h"
 #include "player/terminal/wrong_words.h"
 
 namespace ostrevan::terminal {
@@ -32,6 +35,8 @@ public:
     std::variant<arguments, nothing_to_run> parse(const std::vector<std::string>& words);
 
 private:
+    void declare_for_programs();
+    [[nodiscard]] std::string manual_of(const std::vector<std::string>& command) const;
     void check_answers() const;
 
     CLI::App app_{description, "ostrevan"};
@@ -61,6 +66,33 @@ command_line::command_line() {
         .one_value_each();
     program_.require_command();
     command_file::declare_all(program_);
+    declare_for_programs();
+}
+
+/// What shells and the build of a package ask, about the command line itself.
+void command_line::declare_for_programs() {
+    const auto words = std::make_shared<std::vector<std::string>>();
+    auto completing = program_.add("complete", "How the last of these words can go on, for shells");
+    completing.hide();
+    completing.add_option("WORDS", words.get());
+    completing.choose([this, words] {
+        const auto wanted = complete(app_, *words);
+        for (std::size_t i = 0; i + 2 < words->size(); ++i)
+            if ((*words)[i] == "--profile") result_.profile = (*words)[i + 1];
+        if (!has_values(wanted)) return chosen_command{.run = {}, .text = completion_text(wanted)};
+        return chosen_command{[wanted](run_context& context) { print_completion(context, wanted); }};
+    });
+    auto manual = program_.add("manual", "The manual page of the program or of a command, for man");
+    manual.hide();
+    manual.add_option("COMMAND", words.get());
+    manual.choose([this, words] { return chosen_command{.run = {}, .text = manual_of(*words)}; });
+}
+
+std::string command_line::manual_of(const std::vector<std::string>& command) const {
+    if (command.empty()) return manual_page(app_, OSTREVAN_VERSION);
+    for (const auto* each : commands_shown(app_))
+        if (each->get_name() == command.front()) return manual_page(*each, OSTREVAN_VERSION);
+    refuse_arguments("COMMAND", "there is no command " + command.front());
 }
 
 /// Refuses answers for a command without dialogs.
@@ -90,6 +122,7 @@ std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<st
         if (error.get_exit_code() == 0) return nothing_to_run{exit_done, app_.help()};
         return nothing_to_run{exit_usage, describe_mistake(app_, error.what())};
     }
+    if (result_.chosen.text) return nothing_to_run{exit_done, *result_.chosen.text};
     if (yes_ || no_) result_.answers.yes = yes_;
     const auto name = app_.get_subcommands().front()->get_name();
     for (auto each = std::ranges::find(words, name); each != words.end(); ++each)

@@ -81,10 +81,11 @@ const command_file list_command(20, [](declared_command& program) {
     auto app = program.add("list", "List tracks of the library", list_examples);
     app.add_option("QUERY", &wanted->query, "A query, or words to search for; all tracks without one");
     app.add_option("--column", &wanted->columns, "A column to show, or a part of its name; may be repeated")
+        .called("COLUMN")
         .one_value_each();
-    app.add_option("--sort", &wanted->sort, "The column to sort by, shown or not");
+    app.add_option("--sort", &wanted->sort, "The column to sort by, shown or not").called("COLUMN");
     app.add_flag("--descending", wanted->descending, "The largest first").needs("--sort");
-    app.add_option("--format", &wanted->format, "One line per track by this title formatting script");
+    app.add_option("--format", &wanted->format, "One line per track by this title formatting script").called("SCRIPT");
     app.add_flag("--json", wanted->json, "An array of objects").excludes("--format");
     app.run([wanted](run_context& context) { list(context, *wanted); });
 });

@@ -65,7 +65,7 @@ void run_main_menu(run_context& context, const menu_words& words) {
 const command_file menu_command(70, [](declared_command& program) {
     const auto words = std::make_shared<menu_words>();
     auto app = program.add("menu", "List the main menu, or run one command", menu_examples);
-    app.add_option("PATH", &words->command, "A menu path, the end of one or a part of its name, or {GUID}");
+    app.add_option("ENTRY", &words->command, "A menu path, the end of one or a part of its name, or {GUID}");
     app.add_option("VALUE", &words->value, "on or off, for a command with a mark");
     app.choose([words] {
         return chosen_command{[words](run_context& context) { run_main_menu(context, *words); }, words->command.has_value()};

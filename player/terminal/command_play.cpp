@@ -97,7 +97,7 @@ const command_file play_command(30, [](declared_command& program) {
     auto app = program.add("play", "Play tracks", play_examples);
     words->tracks.declare(app);
     app.add_option("--playlist", &words->playlist, "The tracks of a playlist")
-        .called("NAME")
+        .called("PLAYLIST")
         .excludes("--where")
         .excludes("TRACK");
     app.add_flag("--shuffle{tracks}", words->shuffle, "Another order each time: of tracks, or of albums (--shuffle=albums)")

@@ -55,7 +55,7 @@ void run_settings(run_context& context, const setting_words& words) {
 const command_file settings_command(110, [](declared_command& program) {
     const auto words = std::make_shared<setting_words>();
     auto app = program.add("settings", "Show or change advanced settings", settings_examples);
-    app.add_option("NAME", &words->name, "Label, part of a label, or {GUID}");
+    app.add_option("SETTING", &words->name, "Label, part of a label, or {GUID}");
     app.add_option("VALUE", &words->value, "on or off");
     app.run([words](run_context& context) { run_settings(context, *words); });
 });

@@ -18,7 +18,9 @@ std::string in_lines(const std::vector<std::string>& lines) {
 
 void track_arguments::declare(declared_command& command) {
     command.add_option("TRACK", &paths, "A path, path|subsong, or a folder");
-    command.add_option("--where", &where, "Every track of the library that matches this query").excludes("TRACK");
+    command.add_option("--where", &where, "Every track of the library that matches this query")
+        .called("QUERY")
+        .excludes("TRACK");
 }
 
 metadb_handle_list tracks_of(run_context& context, const track_arguments& arguments, on_missing missing) {

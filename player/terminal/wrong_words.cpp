@@ -33,7 +33,7 @@ std::vector<std::string> options_of(const std::vector<const CLI::App*>& chosen) 
 }
 
 std::vector<const CLI::App*> subcommands_of(const CLI::App& app) {
-    return app.get_subcommands([](const CLI::App*) { return true; });
+    return app.get_subcommands([](const CLI::App* each) { return !each->get_group().empty(); });
 }
 
 std::vector<std::string> commands_of(const CLI::App& app) {

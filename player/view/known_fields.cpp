@@ -26,15 +26,19 @@ bool is_had(const std::string& name, const std::vector<metadb_handle_ptr>& items
 
 }  // namespace
 
+std::vector<std::string> usual_and_published(const titleformat::component_fields& fields) {
+    std::vector<std::string> known(std::begin(usual), std::end(usual));
+    for (const auto& [published, entry] : fields.all()) known.push_back(published);
+    std::ranges::sort(known);
+    return known;
+}
+
 void check_fields(const query::query& query, std::string_view source, const std::vector<metadb_handle_ptr>& items,
                   const titleformat::component_fields& fields) {
     for (const auto& [name, position] : query.fields()) {
         if (std::ranges::find(usual, name) != std::end(usual) || fields.find(name) != nullptr) continue;
         if (is_had(name, items, fields)) continue;
-        std::vector<std::string> known(std::begin(usual), std::end(usual));
-        for (const auto& [published, entry] : fields.all()) known.push_back(published);
-        std::ranges::sort(known);
-        throw query::query_error("no track has a field %" + name + "%." + did_you_mean(name, known) +
+        throw query::query_error("no track has a field %" + name + "%." + did_you_mean(name, usual_and_published(fields)) +
                                      " A text to search for goes in double quotes.",
                                  source, position);
     }

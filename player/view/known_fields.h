@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -8,6 +9,9 @@
 #include "player/titleformat/track_fields.h"
 
 namespace ostrevan::view {
+
+/// The fields that a user may expect, in order: usual tags, what the player derives from a file, what components publish.
+std::vector<std::string> usual_and_published(const titleformat::component_fields& fields);
 
 /// Throws `query::query_error` for a query that compares or sorts by an unknown field: not the player's, a component's, a
 /// common tag, or a field of some of the tracks. `source` is the text of the query.
