@@ -4,6 +4,7 @@
 #   build  also for compiling
 #   window for building the player and its window
 #   test   also for the tests and the lint (the default)
+#   package  for building the packages and looking at them
 #   windows  for building the component for Windows and testing it here
 set -euo pipefail
 
@@ -17,6 +18,7 @@ test_packages=(git libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev lib
     clang-tidy shellcheck tzdata sox libsox-fmt-all flac vorbis-tools opus-tools wavpack python3 python3-mutagen attr strace
     dbus python3-dbus-next playerctl mpd mpv mpv-mpris vlc-bin vlc-plugin-base xvfb xauth zsh fish groff)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 xvfb xauth googletest python3 imagemagick)
+package_packages=(git dpkg-dev debhelper fakeroot lowdown lintian zip)
 
 needs=("${run_packages[@]}")
 case "${1:-test}" in
@@ -24,13 +26,14 @@ case "${1:-test}" in
     build) needs+=("${build_packages[@]}") ;;
     window) needs+=("${build_packages[@]}" "${window_packages[@]}") ;;
     test) needs+=("${build_packages[@]}" "${window_packages[@]}" "${test_packages[@]}") ;;
+    package) needs+=("${build_packages[@]}" "${window_packages[@]}" "${package_packages[@]}") ;;
     windows) needs=("${build_packages[@]}" "${windows_packages[@]}") ;;
     -h | --help)
-        sed -n '2,7s/^# \{0,1\}//p' "$0"
+        sed -n '2,8s/^# \{0,1\}//p' "$0"
         exit 0
         ;;
     *)
-        echo "install-packages: unknown set '$1'; use run, build, window, test or windows" >&2
+        echo "install-packages: unknown set '$1'; use run, build, window, test, package or windows" >&2
         exit 2
         ;;
 esac

@@ -81,7 +81,7 @@ session::session(const session_options& options, core::profile_lock lock, view::
     offer_services();
     const auto report_now = [this](const std::string& message) { report(message); };
     if (records_.is_read_only()) ui_.print_line(records_.refusal());
-    components = core::load_components(options.components, interface_, report_now);
+    components = core::load_components(options.components, options.more_components, interface_, report_now);
     register_components(components, services, fields);
     check_installations(components, report_now);
     start_components(components, services, report_now, [this] { load_library(); });

@@ -32,6 +32,8 @@ struct session_options {
     std::string profile;
     std::string components;
     bool quiet = false;
+    /// Another folder; a file in it replaces one of the same name. None when empty.
+    std::string more_components{};
 };
 
 /// One run of the player on one profile, from the profile lock to the loaded components, in the order of construction.

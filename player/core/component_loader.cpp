@@ -2,8 +2,8 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <stdexcept>
 #include <system_error>
 
@@ -60,27 +60,39 @@ loaded_component load_component(const std::string& path, const player_interface&
     }
 }
 
-std::vector<loaded_component> load_components(const std::string& path, const player_interface& player,
-                                              const std::function<void(const std::string& message)>& on_failure) {
-    std::vector<std::string> files;
+namespace {
+
+using sink = std::function<void(const std::string& message)>;
+
+/// By their names, which decide the order.
+std::map<std::string, std::string> modules_in(const std::string& path, const sink& on_failure) {
+    std::map<std::string, std::string> files;
     std::error_code error;
     // The system would look for a name without a folder among its own libraries.
     if (std::filesystem::is_regular_file(path, error))
-        files.push_back((path.find('/') == std::string::npos ? "./" : "") + path);
+        files.emplace("", (path.find('/') == std::string::npos ? "./" : "") + path);
     else
         for (std::filesystem::directory_iterator it(path, error), end; !error && it != end; it.increment(error))
-            if (it->path().extension() == ".dll") files.push_back(it->path().string());
+            if (it->path().extension() == ".dll") files.emplace(it->path().filename().string(), it->path().string());
+    if (error)
+        on_failure("The components in " + path + " are not loaded, and so no play may be counted: " + error.message() +
+                   ". Name the right folder with --components.");
+    return files;
+}
+
+}  // namespace
+
+std::vector<loaded_component> load_components(const std::string& path, const std::string& more, const player_interface& player,
+                                              const sink& on_failure) {
     if (path.empty())
         on_failure(
             "No component is loaded, and so no play is counted: the system does not say where the program is "
             "(/proc is not there). Name the folder with --components.");
-    else if (error)
-        on_failure("The components in " + path + " are not loaded, and so no play may be counted: " + error.message() +
-                   ". Name the right folder with --components.");
-    std::ranges::sort(files);
+    auto files = more.empty() ? std::map<std::string, std::string>{} : modules_in(more, on_failure);
+    if (!path.empty()) files.merge(modules_in(path, on_failure));
 
     std::vector<loaded_component> loaded;
-    for (const auto& file : files) {
+    for (const auto& [name, file] : files) {
         try {
             loaded.push_back(load_component(file, player));
         } catch (const std::exception& failure) {

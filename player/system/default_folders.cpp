@@ -22,7 +22,16 @@ std::string default_profile() {
 std::string default_components() {
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::string{} : (program.parent_path() / "components").string();
+    if (error) return {};
+    const auto beside = program.parent_path() / "components";
+    if (std::filesystem::is_directory(beside, error)) return beside.string();
+    return (program.parent_path() / INSTALLED_COMPONENTS).lexically_normal().string();
+}
+
+std::string own_components() {
+    const auto folder = default_profile() + "/components";
+    std::error_code error;
+    return folder.front() == '/' && std::filesystem::is_directory(folder, error) ? folder : std::string{};
 }
 
 }  // namespace ostrevan::system

@@ -123,6 +123,7 @@ std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<st
         return nothing_to_run{exit_usage, describe_mistake(app_, error.what())};
     }
     if (result_.chosen.text) return nothing_to_run{exit_done, *result_.chosen.text};
+    if (result_.components == system::default_components()) result_.more_components = system::own_components();
     if (yes_ || no_) result_.answers.yes = yes_;
     const auto name = app_.get_subcommands().front()->get_name();
     for (auto each = std::ranges::find(words, name); each != words.end(); ++each)

@@ -12,6 +12,7 @@ namespace ostrevan::terminal {
 struct arguments {
     std::string profile;
     std::string components;
+    std::string more_components;
     bool quiet = false;
     prepared_answers answers;
     chosen_command chosen;

@@ -61,7 +61,7 @@ int run(const arguments& wanted, const std::vector<std::string>& words, terminal
     std::string obstacle;
     for (const auto begin = std::chrono::steady_clock::now(); std::chrono::steady_clock::now() - begin < patience;) {
         if (auto lock = core::profile_lock::take(profile))
-            return run_as_owner({profile, wanted.components, wanted.quiet}, std::move(*lock), wanted.chosen, screen, job);
+            return run_as_owner({profile, wanted.components, wanted.quiet, wanted.more_components}, std::move(*lock), wanted.chosen, screen, job);
         const auto place = remote::socket_place::of(profile);
         auto owner = system::descriptor();
         try {

@@ -34,7 +34,7 @@ TEST_F(component_loading, goes_on_past_broken_components_naming_the_file_and_the
         {"wrong_magic", "returns no component"}};
     std::vector<std::string> failures;
     const auto loaded =
-        load_components(BROKEN_COMPONENTS, block_, [&](const std::string& message) { failures.push_back(message); });
+        load_components(BROKEN_COMPONENTS, "", block_, [&](const std::string& message) { failures.push_back(message); });
     ASSERT_EQ(failures.size(), std::size(faults));
     for (std::size_t i = 0; i < failures.size(); ++i)
         EXPECT_THAT(failures[i], AllOf(HasSubstr(path_of(faults[i].first)), HasSubstr(faults[i].second), EndsWith(".")));
