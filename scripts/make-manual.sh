@@ -20,8 +20,8 @@ done
 language() {
     {
         printf '# NAME\n\n%s - %s\n\n# DESCRIPTION\n\n' "$1" "$(sed -n '1s/^#* *//p' "$2")"
-        sed 1d "$2"
-    } | "$lowdown" -s -Tman --man-nolinks -Mtitle="${1^^}" -Msection=7 -Mvolume="ostrevan" -Msource="ostrevan" -o "$folder/man7/$1.7"
+        sed -e 1d -e 's/\[\([^]]*\)\]([^)]*)/\1/g' "$2"  # links lead nowhere here
+    } | "$lowdown" -s -Tman -Mtitle="${1^^}" -Msection=7 -Mvolume="ostrevan" -Msource="ostrevan" -o "$folder/man7/$1.7"
 }
 language ostrevan-query "$docs/query-language.md"
 language ostrevan-title-formatting "$docs/title-formatting.md"
