@@ -19,6 +19,13 @@ std::string default_profile() {
     return home.empty() ? home : home + "/.local/share/ostrevan";
 }
 
+std::string configuration_file() {
+    if (const auto folder = absolute_from_environment("XDG_CONFIG_HOME"); !folder.empty())
+        return folder + "/ostrevan/config";
+    const auto home = absolute_from_environment("HOME");
+    return home.empty() ? home : home + "/.config/ostrevan/config";
+}
+
 std::string default_components() {
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);

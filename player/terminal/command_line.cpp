@@ -6,9 +6,12 @@
 #include <utility>
 
 #include "player/system/default_folders.h"
+#include "player/system/user_error.h"
+#include "player/terminal/command_words.h"
 #include "player/terminal/completion.h"
 #include "player/terminal/completion_values.h"
 #include "player/terminal/manual_page.h"
+#include "player/terminal/user_defaults.h"
 #include "player/terminal/wrong_words.h"
 
 namespace ostrevan::terminal {
@@ -28,11 +31,35 @@ constexpr const char* main_examples =
     "  ostrevan rate 4 ~/Music/song.flac\n"
     "Exit status: 0 done, 1 failed, 2 wrong usage, 3 declined, 130 interrupted.";
 
+/// In reverse order, as the parser expects.
+std::vector<std::string> reversed(std::vector<std::string> words) {
+    std::error_code error;
+    for (auto& word : words)  // the parser reads [a,b] as a list; file names can look like that
+        if (word.starts_with('[') && std::filesystem::exists(word, error)) word.insert(0, "./");
+    std::ranges::reverse(words);
+    return words;
+}
+
+constexpr const char* config_examples =
+    "Shows the lines of the file, or the first mistake. Each line is a command with the options that it then has by itself; "
+    "a\n"
+    "line of options alone is for all commands. Options given on the command line go before.\n"
+    "Examples of lines:\n"
+    "  list --column Artist --column Title --column 'Play Count' --sort 'Last Played' --descending\n"
+    "  play --replay-gain album --volume 80\n"
+    "  watch --except firefox\n"
+    "  --quiet";
+
+std::string configuration_text();
+
 /// The command line and the variables that CLI11 fills.
 class command_line {
 public:
     command_line();
     std::variant<arguments, nothing_to_run> parse(const std::vector<std::string>& words);
+    [[nodiscard]] const CLI::App& app() const noexcept { return app_; }
+    /// Throws `system::user_error` for a mistake in a line of the configuration file.
+    void check(const default_options& line);
 
 private:
     void declare_for_programs();
@@ -69,7 +96,7 @@ command_line::command_line() {
     declare_for_programs();
 }
 
-/// What shells and the build of a package ask, about the command line itself.
+/// Commands about the command line itself, most of them for shells and for the build of a package.
 void command_line::declare_for_programs() {
     const auto words = std::make_shared<std::vector<std::string>>();
     auto completing = program_.add("complete", "How the last of these words can go on, for shells");
@@ -82,6 +109,8 @@ void command_line::declare_for_programs() {
         if (!has_values(wanted)) return chosen_command{.run = {}, .text = completion_text(wanted)};
         return chosen_command{[wanted](run_context& context) { print_completion(context, wanted); }};
     });
+    auto config = program_.add("config", "The configuration file: default options of commands", config_examples);
+    config.choose([] { return chosen_command{.run = {}, .text = configuration_text()}; });
     auto manual = program_.add("manual", "The manual page of the program or of a command, for man");
     manual.hide();
     manual.add_option("COMMAND", words.get());
@@ -95,21 +124,24 @@ std::string command_line::manual_of(const std::vector<std::string>& command) con
     refuse_arguments("COMMAND", "there is no command " + command.front());
 }
 
+void command_line::check(const default_options& line) {
+    check_options_only(app_, line);
+    try {
+        app_.parse(reversed(line.words));
+    } catch (const CLI::RequiredError&) {
+        return;  // only the operands are missing
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) refuse_line(line, "this option has no default.");
+        refuse_line(line, std::string(error.what()) + ".");
+    }
+}
+
 /// Refuses answers for a command without dialogs.
 void command_line::check_answers() const {
     const auto& answers = result_.answers;
     if (answers.fill_dialogs() && !result_.chosen.may_ask)
         refuse_arguments("--file, --check, --uncheck", "only commands of 'menu' and 'context' ask for these");
     if (answers.file && answers.file->empty()) refuse_arguments("--file", "name a file");
-}
-
-/// In reverse order, as the parser expects.
-std::vector<std::string> reversed(std::vector<std::string> words) {
-    std::error_code error;
-    for (auto& word : words)  // the parser reads [a,b] as a list; file names can look like that
-        if (word.starts_with('[') && std::filesystem::exists(word, error)) word.insert(0, "./");
-    std::ranges::reverse(words);
-    return words;
 }
 
 std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<std::string>& words) {
@@ -121,6 +153,8 @@ std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<st
         if (dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr) return nothing_to_run{exit_done, OSTREVAN_VERSION};
         if (error.get_exit_code() == 0) return nothing_to_run{exit_done, app_.help()};
         return nothing_to_run{exit_usage, describe_mistake(app_, error.what())};
+    } catch (const system::user_error& error) {
+        return nothing_to_run{exit_usage, error.what()};
     }
     if (result_.chosen.text) return nothing_to_run{exit_done, *result_.chosen.text};
     if (result_.components == system::default_components()) result_.more_components = system::own_components();
@@ -131,7 +165,28 @@ std::variant<arguments, nothing_to_run> command_line::parse(const std::vector<st
     return result_;
 }
 
+std::string configuration_text() {
+    const auto path = system::configuration_file();
+    const auto lines = read_defaults(path);
+    if (lines.empty()) return "There is nothing in " + path + " yet. See 'ostrevan config --help'.";
+    std::string text = "# " + path;
+    for (const auto& line : lines) {
+        command_line().check(line);
+        text += "\n" + line_text(line);
+    }
+    return text;
+}
+
 }  // namespace
+
+std::vector<std::string> with_configuration(const std::vector<std::string>& words) {
+    const auto defaults = read_defaults(system::configuration_file());
+    if (defaults.empty()) return words;
+    const command_line line;
+    const auto wanted = defaults_for(line.app(), words, defaults);
+    for (const auto& each : wanted) command_line().check(each);
+    return with_defaults(line.app(), words, wanted);
+}
 
 std::variant<arguments, nothing_to_run> parse_arguments(const std::vector<std::string>& words) {
     return command_line().parse(words);

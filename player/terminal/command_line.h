@@ -24,6 +24,10 @@ struct nothing_to_run {
     std::string text;
 };
 
+/// The words after the name of the program, with the default options of the configuration file. Throws `system::user_error`
+/// for a mistake in what the file says of this command.
+std::vector<std::string> with_configuration(const std::vector<std::string>& words);
+
 /// The words after the name of the program.
 std::variant<arguments, nothing_to_run> parse_arguments(const std::vector<std::string>& words);
 

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <sstream>
 
+#include "player/terminal/command_words.h"
+
 namespace ostrevan::terminal {
 namespace {
-
-bool takes_value(const CLI::Option& option) { return option.get_items_expected_min() > 0; }
 
 /// The words between braces that the type of a checked value ends with: "TEXT:{off,track}".
 std::vector<std::string> fixed_values(const CLI::Option& option) {
@@ -21,62 +21,6 @@ std::vector<std::string> fixed_values(const CLI::Option& option) {
     return values;
 }
 
-/// A command line, as far as its words are complete.
-class words_so_far {
-public:
-    explicit words_so_far(const CLI::App& program) : commands_{&program} {}
-
-    void add(const std::string& word);
-    [[nodiscard]] completion of(const std::string& last) const;
-
-private:
-    [[nodiscard]] bool is_option(const std::string& word) const {
-        return !only_operands_ && word.size() > 1 && word.front() == '-';
-    }
-    [[nodiscard]] const CLI::Option* option_named(const std::string& name) const;
-    [[nodiscard]] const CLI::Option* next_operand() const;
-    [[nodiscard]] completion options_like(const std::string& last) const;
-
-    std::vector<const CLI::App*> commands_;
-    const CLI::Option* without_value_ = nullptr;
-    std::size_t operands_ = 0;
-    bool only_operands_ = false;
-};
-
-const CLI::App* command_named(const CLI::App& app, const std::string& name) {
-    const auto commands = commands_shown(app);
-    const auto found = std::ranges::find(commands, name, [](const CLI::App* each) { return each->get_name(); });
-    return found == commands.end() ? nullptr : *found;
-}
-
-const CLI::Option* words_so_far::option_named(const std::string& name) const {
-    for (const auto* app : commands_)
-        if (const auto* const option = app->get_option_no_throw(name)) return option;
-    return nullptr;
-}
-
-void words_so_far::add(const std::string& word) {
-    if (without_value_ != nullptr) {
-        without_value_ = nullptr;
-    } else if (word == "--" && !only_operands_) {
-        only_operands_ = true;
-    } else if (is_option(word)) {
-        const auto* const option = option_named(word);
-        if (option != nullptr && takes_value(*option)) without_value_ = option;
-    } else if (const auto* const command = command_named(*commands_.back(), word); command != nullptr && operands_ == 0) {
-        commands_.push_back(command);
-    } else {
-        ++operands_;
-    }
-}
-
-const CLI::Option* words_so_far::next_operand() const {
-    const auto operands = operands_of(*commands_.back());
-    if (operands_ < operands.size()) return operands[operands_];
-    const bool goes_on = !operands.empty() && operands.back()->get_items_expected_max() > 1;
-    return goes_on ? operands.back() : nullptr;
-}
-
 completion value_of(const CLI::Option& option, const std::string& begun, const std::string& before) {
     completion found{{}, value_name(option), begun, before};
     for (const auto& value : fixed_values(option))
@@ -84,28 +28,16 @@ completion value_of(const CLI::Option& option, const std::string& begun, const s
     return found;
 }
 
-completion words_so_far::options_like(const std::string& last) const {
+completion options_like(const command_words& line, const std::string& last) {
     if (const auto equals = last.find('='); equals != std::string::npos) {
-        const auto* const option = option_named(last.substr(0, equals));
+        const auto* const option = line.option_named(last.substr(0, equals));
         return option == nullptr ? completion{} : value_of(*option, last.substr(equals + 1), last.substr(0, equals + 1));
     }
     completion found;
-    for (auto app = commands_.rbegin(); app != commands_.rend(); ++app)
+    for (auto app = line.commands().rbegin(); app != line.commands().rend(); ++app)
         for (const auto* option : options_shown(**app))
             for (const auto& name : option->get_lnames())
                 if (begins_with("--" + name, last)) found.words.push_back({"--" + name, option->get_description()});
-    return found;
-}
-
-completion words_so_far::of(const std::string& last) const {
-    if (without_value_ != nullptr) return value_of(*without_value_, last, "");
-    if (is_option(last) || (last == "-" && !only_operands_)) return options_like(last);
-    const auto* const operand = next_operand();
-    auto found = operand == nullptr ? completion{} : value_of(*operand, last, "");
-    if (operands_ == 0)
-        for (const auto* command : commands_shown(*commands_.back()))
-            if (begins_with(command->get_name(), last))
-                found.words.push_back({command->get_name(), command->get_description()});
     return found;
 }
 
@@ -124,22 +56,19 @@ std::string value_name(const CLI::Option& option) {
     return name.empty() || (option.get_positional() && name == "TEXT") ? option.get_name() : name;
 }
 
-std::vector<const CLI::App*> commands_shown(const CLI::App& app) {
-    return app.get_subcommands([](const CLI::App* each) { return !each->get_group().empty(); });
-}
-
-std::vector<const CLI::Option*> options_shown(const CLI::App& app) {
-    return app.get_options([](const CLI::Option* each) { return each->nonpositional() && !each->get_group().empty(); });
-}
-
-std::vector<const CLI::Option*> operands_of(const CLI::App& app) {
-    return app.get_options([](const CLI::Option* each) { return each->get_positional(); });
-}
-
 completion complete(const CLI::App& program, const std::vector<std::string>& words) {
-    words_so_far line(program);
+    command_words line(program);
     for (std::size_t i = 0; i + 1 < words.size(); ++i) line.add(words[i]);
-    return line.of(words.empty() ? "" : words.back());
+    const std::string last = words.empty() ? "" : words.back();
+    if (line.without_value() != nullptr) return value_of(*line.without_value(), last, "");
+    if (line.is_option(last) || last == "-") return options_like(line, last);
+    const auto* const operand = line.next_operand();
+    auto found = operand == nullptr ? completion{} : value_of(*operand, last, "");
+    if (line.operand_count() == 0)
+        for (const auto* command : commands_shown(*line.commands().back()))
+            if (begins_with(command->get_name(), last))
+                found.words.push_back({command->get_name(), command->get_description()});
+    return found;
 }
 
 }  // namespace ostrevan::terminal

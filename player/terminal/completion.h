@@ -36,9 +36,4 @@ bool begins_with(const std::string& word, const std::string& begun);
 /// The name of the value of an option or operand, without the words it is checked against: "COLUMN".
 std::string value_name(const CLI::Option& option);
 
-/// All that may be named: those that the help leaves out are not among them.
-std::vector<const CLI::App*> commands_shown(const CLI::App& app);
-std::vector<const CLI::Option*> options_shown(const CLI::App& app);
-std::vector<const CLI::Option*> operands_of(const CLI::App& app);
-
 }  // namespace ostrevan::terminal

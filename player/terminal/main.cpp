@@ -11,6 +11,7 @@
 #include "player/system/interrupt.h"
 #include "player/system/standard_streams.h"
 #include "player/system/temporary_folder.h"
+#include "player/system/user_error.h"
 #include "player/terminal/command_line.h"
 #include "player/terminal/profile_owner.h"
 #include "player/terminal/running.h"
@@ -61,7 +62,8 @@ int run(const arguments& wanted, const std::vector<std::string>& words, terminal
     std::string obstacle;
     for (const auto begin = std::chrono::steady_clock::now(); std::chrono::steady_clock::now() - begin < patience;) {
         if (auto lock = core::profile_lock::take(profile))
-            return run_as_owner({profile, wanted.components, wanted.quiet, wanted.more_components}, std::move(*lock), wanted.chosen, screen, job);
+            return run_as_owner({profile, wanted.components, wanted.quiet, wanted.more_components}, std::move(*lock),
+                                wanted.chosen, screen, job);
         const auto place = remote::socket_place::of(profile);
         auto owner = system::descriptor();
         try {
@@ -79,6 +81,21 @@ int run(const arguments& wanted, const std::vector<std::string>& words, terminal
                              obstacle);
 }
 
+/// The words with the defaults of the configuration file, and what they mean. Help and the like do without the file.
+std::pair<std::vector<std::string>, std::variant<arguments, nothing_to_run>> parse_configured(
+    std::vector<std::string> words) {
+    auto parsed = parse_arguments(words);
+    const auto* const nothing = std::get_if<nothing_to_run>(&parsed);
+    if (nothing != nullptr && nothing->status == exit_done) return {std::move(words), std::move(parsed)};
+    try {
+        words = with_configuration(words);
+        parsed = parse_arguments(words);
+    } catch (const system::user_error& error) {
+        parsed = nothing_to_run{exit_usage, error.what()};
+    }
+    return {std::move(words), std::move(parsed)};
+}
+
 }  // namespace
 }  // namespace ostrevan::terminal
 
@@ -87,8 +104,9 @@ int main(int count, char** values) {
     using namespace ostrevan::terminal;
     system::open_missing_streams();
     system::handle_interrupts();
-    const std::vector<std::string> words(values + 1, values + count);
-    const auto parsed = parse_arguments(words);
+    const auto configured = parse_configured({values + 1, values + count});
+    const auto& words = configured.first;
+    const auto& parsed = configured.second;
     const auto* const nothing = std::get_if<nothing_to_run>(&parsed);
     const auto wanted = nothing == nullptr ? std::get<arguments>(parsed) : arguments{};
     const auto job = std::make_shared<core::job>(system::interrupted());

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <vector>
 
+#include "player/terminal/command_words.h"
 #include "player/terminal/completion.h"
 
 namespace ostrevan::terminal {

@@ -1,4 +1,4 @@
-"""Completion in the shells themselves, and manual pages."""
+"""The command line itself: completion in each shell, manual pages, the configuration file."""
 import os
 import pathlib
 import subprocess
@@ -86,6 +86,30 @@ class ShellsTest(PlayerTest):
             done = subprocess.run(["groff", "-man", "-ww", "-Tutf8"], input=page, capture_output=True, text=True)
             self.assertEqual("", done.stderr)
             self.assertIn("OSTREVAN", done.stdout)
+
+    def test_configuration_file(self):
+        file = self.folder / "config/ostrevan/config"
+        file.parent.mkdir(parents=True)
+        self.env["XDG_CONFIG_HOME"] = str(self.folder / "config")
+        by_title = "list --format '%title%' --sort Title --descending  # the last first\n\nstats --limit 1\n"
+        titles = sorted(self.run_player("list", "--format", "%title%").stdout.splitlines(), key=str.casefold)
+        for content, words, expected in [
+                (by_title, ["list"], titles[::-1]),
+                (by_title, ["list", "--sort", "Title"], titles),
+                (by_title, ["list", "--sort", "Title", "--format", "%artist%: %title%", "first ferry"],
+                 ["The Paper Lanterns: First Ferry"]),
+                (by_title + "--quiet\n", ["list", "--column", "Title", "--", "ferry"], titles[1:1] or ["Title"]),
+                ("list --sort", ["list"], "config:1: --sort needs a value."),
+                ("\nlist Ferry", ["list"], "config:2: a command is followed by its options only"),
+                ("play --volume 300", ["config"], "config:1: --volume"),
+                ("play --volume 300", ["status"], "Nothing is playing."),
+                ("list --colum x", ["list", "--help"], "List tracks"),
+                ("list 'x", ["list"], "config:1: a quotation mark ' is not closed.")]:
+            with self.subTest(content=content, words=words):
+                file.write_text(content)
+                done = self.run_player(*words, status=None)
+                if isinstance(expected, str): self.assertIn(expected, done.stdout + done.stderr)
+                else: self.assertEqual(expected, done.stdout.splitlines()[:len(expected)])
 
 
 if __name__ == "__main__":
