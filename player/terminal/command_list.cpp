@@ -85,7 +85,9 @@ const command_file list_command(20, [](declared_command& program) {
         .one_value_each();
     app.add_option("--sort", &wanted->sort, "The column to sort by, shown or not").called("COLUMN");
     app.add_flag("--descending", wanted->descending, "The largest first").needs("--sort");
-    app.add_option("--format", &wanted->format, "One line per track by this title formatting script").called("SCRIPT");
+    app.add_option("--format", &wanted->format, "One line per track by this title formatting script")
+        .called("SCRIPT")
+        .excludes("--column");
     app.add_flag("--json", wanted->json, "An array of objects").excludes("--format");
     app.run([wanted](run_context& context) { list(context, *wanted); });
 });

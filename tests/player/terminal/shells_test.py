@@ -98,7 +98,7 @@ class ShellsTest(PlayerTest):
                 (by_title, ["list", "--sort", "Title"], titles),
                 (by_title, ["list", "--sort", "Title", "--format", "%artist%: %title%", "first ferry"],
                  ["The Paper Lanterns: First Ferry"]),
-                (by_title + "--quiet\n", ["list", "--column", "Title", "--", "ferry"], titles[1:1] or ["Title"]),
+                (by_title + "--quiet\n", ["list", "--column", "Title", "--", "ferry"], ["Title"]),
                 ("list --sort", ["list"], "config:1: --sort needs a value."),
                 ("\nlist Ferry", ["list"], "config:2: a command is followed by its options only"),
                 ("play --volume 300", ["config"], "config:1: --volume"),
