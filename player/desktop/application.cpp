@@ -19,7 +19,8 @@ core::profile_lock after_showing(QWidget& window, core::profile_lock lock) {
 
 application::application(const window_options& options, core::profile_lock lock)
     : screen_(terminal::own_side(), job_, false, {}),
-      owner_({options.profile, options.components}, after_showing(window_, std::move(lock)), ui_, true) {
+      owner_({options.profile, options.components, false, options.more_components}, after_showing(window_, std::move(lock)),
+             ui_, true) {
     owner_.state.is_serving = true;
     bridge_.emplace(owner_.player.loop);
     window_.attach(owner_.player, ui_, options.audio);

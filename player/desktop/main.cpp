@@ -34,6 +34,7 @@ window_options parse(const QCoreApplication& program) {
     };
     return {.profile = place(profile),
             .components = place(components),
+            .more_components = place(components) == system::default_components() ? system::own_components() : std::string(),
             .audio = parser.value(audio) == QStringLiteral("null") ? playback::audio_output::null
                                                                    : playback::audio_output::automatic};
 }
