@@ -73,6 +73,9 @@ library_page::library_page(app::session& player, app::kept_texts& kept)
     steps_->on_add_folder = [this] { on_add_folder(); };
     table_->on_activated = [this](std::size_t row) { on_activated(row); };
     table_->on_menu = [this](const QPoint& place) { on_menu(place); };
+    table_->on_cell = [this](const view::column& column, std::size_t row, double place) {
+        on_cell(column, table_->rows().listing()->tracks()[row], place);
+    };
     table_->on_selection = [this] { count_selected(); };
     table_->on_sort = [this](const std::string& column) { sort(column); };
     restore_layout();

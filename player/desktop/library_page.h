@@ -38,6 +38,8 @@ public:
     /// Plays the list from this row on.
     std::function<void(std::size_t row)> on_activated;
     std::function<void(const QPoint& place)> on_menu;
+    /// A click into the cell of a track.
+    std::function<void(const view::column& column, const metadb_handle_ptr& track, double place)> on_cell;
     /// The counts of what is shown and selected.
     std::function<void(const QString& shown, const QString& selected)> on_counts;
 

@@ -77,6 +77,10 @@ void main_window::attach(app::session& player, window_front_end& ui, playback::a
     page->on_add_folder = [this] { choose_folder(); };
     page->on_activated = [this](std::size_t row) { play(row); };
     page->on_menu = [this](const QPoint& place) { show_track_menu(place); };
+    page->on_cell = [this](const view::column& column, const metadb_handle_ptr& track, double place) {
+        const auto tracks = std::make_shared<const metadb_handle_list>(std::vector{track});
+        player_->commands.run_on(tracks, column.name, [tracks, place, click = column.click] { click(place, *tracks); });
+    };
     page->on_counts = [this](const QString& shown, const QString& selected) {
         shown_count_->setText(shown);
         selected_count_->setText(selected);

@@ -3,6 +3,8 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMouseEvent>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <sstream>
 #include <unordered_set>
@@ -13,12 +15,34 @@
 namespace ostrevan::desktop {
 namespace {
 
+/// Shows faintly what an empty cell of the row under the mouse, or of a selected one, can be clicked for.
+class cell_drawing final : public QStyledItemDelegate {
+public:
+    cell_drawing(const track_model& model, QObject* owner) : QStyledItemDelegate(owner), model_(model) {}
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const auto& clicked = model_.columns()[static_cast<std::size_t>(index.column())].click_text;
+        if (!option->text.isEmpty() || clicked.empty()) return;
+        if ((option->state & (QStyle::State_MouseOver | QStyle::State_Selected)) == 0) return;
+        option->text = line_of(clicked);
+        option->features |= QStyleOptionViewItem::HasDisplay;
+        option->palette.setBrush(QPalette::Text, option->palette.placeholderText());
+    }
+
+private:
+    const track_model& model_;
+};
+
 constexpr const char* first_columns[] = {"Artist", "Title", "Album", "Length"};
 
 }  // namespace
 
 track_table::track_table(std::vector<view::column> columns) : model_(std::move(columns)) {
     setModel(&model_);
+    setItemDelegate(new cell_drawing(model_, this));
+    setMouseTracking(true);
     setAccessibleName(QStringLiteral("Tracks"));
     setSelectionBehavior(SelectRows);
     setSelectionMode(ExtendedSelection);
@@ -58,6 +82,32 @@ void track_table::keyPressEvent(QKeyEvent* event) {
     const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (!is_enter || !currentIndex().isValid()) return QTableView::keyPressEvent(event);
     if (on_activated) on_activated(current_row());
+}
+
+void track_table::mousePressEvent(QMouseEvent* event) {
+    pressed_ = indexAt(event->pos());
+    QTableView::mousePressEvent(event);
+}
+
+/// A click ends where it began; a drag selects rows.
+void track_table::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const QModelIndex pressed = std::exchange(pressed_, {});
+    if (event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier && pressed.isValid() &&
+        pressed == indexAt(event->pos()))
+        click_cell(pressed, event->pos().x());
+}
+
+void track_table::click_cell(const QModelIndex& at, int x) {
+    const auto& column = model_.columns()[static_cast<std::size_t>(at.column())];
+    if (!column.click || !on_cell) return;
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const auto cell = visualRect(at);
+    const int width = fontMetrics().horizontalAdvance(line_of(column.click_text));
+    const bool is_right = column.align_right != isRightToLeft();
+    const int begin = is_right ? cell.right() - margin - width : cell.left() + margin;
+    const double along = static_cast<double>(x - begin) / width;
+    if (along >= 0 && along <= 1) on_cell(column, static_cast<std::size_t>(at.row()), isRightToLeft() ? 1 - along : along);
 }
 
 void track_table::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {

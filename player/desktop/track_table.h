@@ -31,20 +31,26 @@ public:
     /// Double click, or Enter.
     std::function<void(std::size_t row)> on_activated;
     std::function<void()> on_selection;
+    /// Into the part of a cell that can be clicked.
+    std::function<void(const view::column& column, std::size_t row, double place)> on_cell;
     std::function<void(const std::string& column)> on_sort;
     std::function<void(const QPoint& place)> on_menu;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
 private:
     [[nodiscard]] int column_with(const std::string& id) const;
     void choose_columns(const QPoint& place);
     void fit_columns();
+    void click_cell(const QModelIndex& at, int x);
     void select(const metadb_handle_list& tracks, const metadb_handle_ptr& current);
 
     track_model model_;
+    QPersistentModelIndex pressed_;
     bool is_selecting_ = false;
     bool is_fitted_ = true;
 };

@@ -39,6 +39,13 @@ column column_of(library_column_provider& provider, std::size_t index) {
     column made{provider.get_column_name(index), provider.get_display_script(index), provider.get_sort_script(index),
                 (provider.get_column_flags(index) & column_align_right) != 0,
                 "{" + nuv::guid_text(provider.get_column_id(index)) + "}"};
+    if (const auto clicks = query_service<library_column_clicks>(provider)) {
+        made.click_text = clicks->get_click_text(index);
+        if (!made.click_text.empty())
+            made.click = [&clicks = *clicks, index](double place, metadb_handle_list_cref tracks) {
+                core::call_component(clicks, [&] { clicks.on_click(index, place, tracks); });
+            };
+    }
     for (const auto& script : {made.display_script, made.sort_script}) (void)titleformat::compile(script);
     return made;
 }

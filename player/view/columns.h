@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "ostrevan/track.h"
 #include "player/core/service_registry.h"
 
 namespace ostrevan::view {
@@ -16,6 +18,10 @@ struct column {
     bool align_right = false;
     /// The same in every run: layouts are kept by it.
     std::string id{};
+    /// As wide as the part of a cell that can be clicked; empty when a click does nothing.
+    std::string click_text{};
+    /// A click there, from 0 at the beginning of that text to 1 at its end. Empty likewise. [main-thread]
+    std::function<void(double place, metadb_handle_list_cref tracks)> click{};
 };
 
 /// The player's own columns, then those of components, in the order of their providers.

@@ -1,9 +1,13 @@
 #include "ostrevan/library_columns.h"
 
+#include <algorithm>
 #include <array>
 
 #include "ostrevan/core_api.h"
 #include "ostrevan/registration.h"
+#include "quorvel/host/edit_rating.h"
+#include "quorvel/host/stars.h"
+#include "quorvel/store/pcdb.h"
 
 namespace quorvel {
 namespace {
@@ -32,6 +36,26 @@ const statistics_column& column_at(std::size_t index) {
     return statistics_columns[index];
 }
 
+/// A click on a star gives the tracks so many.
+class rating_clicks : public ostrevan::library_column_clicks {
+public:
+    std::string get_click_text(std::size_t index) const override {
+        return index == rating_column ? std::string(five_stars(0)) : std::string();
+    }
+    void on_click(std::size_t index, double place, ostrevan::metadb_handle_list_cref tracks) override {
+        if (index != rating_column) return;
+        constexpr double most_stars = 5;
+        const auto before = static_cast<std::uint32_t>(std::clamp(place, 0.0, 1.0) * most_stars);
+        const auto stars = std::min(before, 4U) + 1;
+        // As an entry of the menu that is checked: a finer rating with these stars stays.
+        const bool is_shown = std::all_of(tracks.begin(), tracks.end(), [stars](const auto& track) {
+            const auto rating = PCDB::Get(*track).rating;
+            return rating != rating_not_set && stars_of(rating) == stars;
+        });
+        if (!is_shown) editRating(tracks, rating_of_stars(stars), 0);
+    }
+};
+
 class statistics_column_provider : public ostrevan::library_column_provider {
 public:
     std::size_t get_column_count() const noexcept override { return statistics_columns.size(); }
@@ -43,6 +67,12 @@ public:
     unsigned get_column_flags(std::size_t index) const override {
         return index == rating_column ? 0U : ostrevan::column_align_right;
     }
+    ostrevan::service_base* service_query(const nuv::guid& id) noexcept override {
+        return id == ostrevan::library_column_clicks::class_guid ? &clicks_ : nullptr;
+    }
+
+private:
+    ostrevan::service_uncounted_t<rating_clicks> clicks_;
 };
 
 ostrevan::service_factory_single_t<statistics_column_provider> g_column_provider;

@@ -29,7 +29,7 @@ inline constexpr std::uint32_t component_magic = 0x504D434F;  // "OCMP" in memor
 inline constexpr std::uint32_t interface_version = 3;
 /// Counts what was added since that version. An addition has an identifier of its own and is asked for, so a component and a
 /// player of different revisions work together.
-inline constexpr std::uint32_t interface_revision = 2;
+inline constexpr std::uint32_t interface_revision = 3;
 
 /// What a component offers.
 class component_api {

@@ -121,8 +121,8 @@ TEST(components, settings_columns_and_properties_are_in_their_order) {
     EXPECT_EQ(&view::find_checkbox(shown, "{00000004-0000-0000-0000-000000000000}"), &below);
     EXPECT_THROW(view::find_checkbox(shown, "l"), system::user_error);
     text.clear();
-    for (const auto& [name, display, sort, right, id] : view::default_columns(player.services))
-        text += name + display + sort + (right ? "> " : " ");
+    for (const auto& each : view::default_columns(player.services))
+        text += each.name + each.display_script + each.sort_script + (each.align_right ? "> " : " ");
     EXPECT_EQ(text, "Artist[%artist%][%artist%] Title%title%%title% C0%a%%b%> C2%c%%d% ");
     EXPECT_EQ(view::find_column(view::all_columns(player.services), "LENGTH").sort_script, "[%length_seconds%]");
     EXPECT_NE(player.ui.said.at(0).find("column 2, which is left out"), std::string::npos);

@@ -3,9 +3,10 @@
 
 #include <QDialog>
 #include <QMessageBox>
-#include <QSlider>
-#include <QToolButton>
+#include <QProcess>
+#include <QTimer>
 
+#include "player/desktop/hand_over.h"
 #include "tests/player/desktop/window_driver.h"
 #include "tests/player/temporary_folder.h"
 
@@ -67,6 +68,55 @@ TEST_F(window, plays_from_the_row_that_is_double_clicked) {
     QTest::mouseClick(user_->table().viewport(), Qt::LeftButton, {}, user_->middle_of(1, words("Title")));
     QTest::mouseDClick(user_->table().viewport(), Qt::LeftButton, {}, user_->middle_of(1, words("Title")));
     EXPECT_TRUE(user_->wait([&] { return user_->window().windowTitle().startsWith(words(second.c_str())); }));
+}
+
+TEST_F(window, rates_by_a_click_on_a_star_and_by_the_menu_and_asks_without_blocking) {
+    add_music();
+    auto& cells = user_->table();
+    const auto place = user_->middle_of(2, words("Rating"));
+    const int letter = cells.fontMetrics().horizontalAdvance(words("\u2605"));
+    const auto cell = cells.visualRect(cells.indexAt(place));
+    const auto click_star = [&](int star) {
+        QTest::mouseClick(cells.viewport(), Qt::LeftButton, {},
+                          QPoint(cell.left() + 2 + letter * star - letter / 2, place.y()));
+    };
+    click_star(4);
+    EXPECT_TRUE(comes_to_show("Rating", "\u2605\u2605\u2605\u2605\u2606", 2));
+    QTest::qWait(QApplication::doubleClickInterval());
+    click_star(1);
+    EXPECT_TRUE(comes_to_show("Rating", "\u2605\u2606\u2606\u2606\u2606", 2));
+    ASSERT_TRUE(user_->choose(*user_->open_track_menu(2), {words("Playback Statistics"), words("Rating"), words("5")}));
+    EXPECT_TRUE(comes_to_show("Rating", "\u2605\u2605\u2605\u2605\u2605", 2));
+    const auto others = shown("Rating", 1);
+    EXPECT_EQ(others, "") << "the others stay";
+
+    ASSERT_TRUE(user_->choose(*user_->open_track_menu(2), {words("Playback Statistics"), words("Reset statistics")}));
+    ASSERT_TRUE(user_->wait([] { return window_driver::visible<QMessageBox>() != nullptr; }));
+    EXPECT_EQ(find("lantern"), 4) << "while the question is open";
+    EXPECT_TRUE(user_->click(words("OK")));
+    window_driver::visible<QLineEdit>(words("Find"))->clear();
+    EXPECT_TRUE(comes_to_show("Rating", "", 2));
+}
+
+TEST_F(window, carries_out_the_commands_of_other_processes_and_takes_over_from_one_that_serves) {
+    add_music();
+    const auto profile = QString::fromStdString(folder_ + "/profile");
+    const auto command = [&](QProcess& process, const QString& name) {
+        process.start(words(OSTREVAN), {words("--profile"), profile, name});
+        return process.waitForStarted();
+    };
+    QProcess list, serve;
+    ASSERT_TRUE(command(list, words("list")));
+    ASSERT_TRUE(user_->wait([&] { return list.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(list.readAllStandardOutput().count('\n'), 2 + tracks) << list.readAllStandardError().toStdString();
+
+    user_->close();
+    ASSERT_TRUE(command(serve, words("serve")));
+    ASSERT_TRUE(user_->wait([&] { return !core::profile_lock::take(folder_ + "/profile").has_value(); }));
+    QTimer::singleShot(0, [] { window_driver::click(words("Yes")); });
+    EXPECT_TRUE(desktop::take_profile(folder_ + "/profile").has_value());
+    EXPECT_TRUE(user_->wait([&] { return serve.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(serve.exitCode(), 0);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "ostrevan/library_columns.h"
 #include "quorvel/host/edit_rating.h"
 #include "tests/support/statistics_test.h"
 
@@ -114,6 +115,23 @@ TEST_F(rating_menu, runs_every_entry_by_menu_and_by_identifier) {
     }
     item->context_command_by_node(0, rating_item, both, {});
     EXPECT_EQ(stored(track).rating, 234U);
+}
+
+TEST_F(rating_menu, a_click_into_its_column_gives_the_stars_up_to_there) {
+    auto& columns = player.component_service<ostrevan::library_column_provider>();
+    const auto clicks = ostrevan::query_service<ostrevan::library_column_clicks>(columns);
+    std::string texts;
+    for (std::size_t i = 0; i < 6; ++i) texts += clicks->get_click_text(i) + '|';
+    EXPECT_EQ(texts, "||||\u2606\u2606\u2606\u2606\u2606||");
+    const auto track = rated("t", rating_not_set);
+    const std::pair<double, std::uint32_t> rows[] = {{0, 63}, {0.19, 63}, {0.21, 106}, {0.79, 191}, {1, 234}, {0.9, 234}};
+    for (const auto& [place, rating] : rows) {
+        clicks->on_click(4, place, metadb_handle_list{track});
+        EXPECT_EQ(stored(track).rating, rating) << place;
+    }
+    put(track, {.rating = 150});
+    clicks->on_click(4, 0.5, metadb_handle_list{track});
+    EXPECT_EQ(stored(track).rating, 150U) << "which shows three stars already";
 }
 
 TEST_F(rating_menu, asks_only_beyond_a_hundred_different_tracks) {
