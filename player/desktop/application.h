@@ -15,7 +15,7 @@ namespace ostrevan::desktop {
 struct window_options {
     std::string profile;
     std::string components;
-    std::string more_components;
+    std::string more_components{};
     playback::audio_output audio = playback::audio_output::automatic;
 };
 

@@ -25,8 +25,9 @@ public:
 
     void start() {
         core::prepare_profile(profile_);
-        running_.emplace(desktop::window_options{profile_, COMPONENTS, playback::audio_output::null},
-                         *core::profile_lock::take(profile_));
+        running_.emplace(
+            desktop::window_options{.profile = profile_, .components = COMPONENTS, .audio = playback::audio_output::null},
+            *core::profile_lock::take(profile_));
     }
     void close() { running_.reset(); }
     desktop::application& running() { return *running_; }
