@@ -6,8 +6,11 @@
 #include <set>
 #include <utility>
 
+#include "player/library/cue_files.h"
 #include "player/library/disk_tracks.h"
+#include "player/library/read_files.h"
 #include "player/system/local_path.h"
+#include "player/tags/reader.h"
 #include "player/titleformat/integer.h"
 #include "player/titleformat/script.h"
 
@@ -25,20 +28,6 @@ double number_of(const titleformat::track_fields& fields, std::string_view name)
 double weight_of(const titleformat::track_fields& fields) {
     const auto plays = number_of(fields, "play_count"), skips = number_of(fields, "skip_count");
     return (1 + plays) / (1 + plays + skips);
-}
-
-playback::queue make_queue(session& player, const metadb_handle_list& tracks, playback::play_modes modes) {
-    // The album artist of a compilation is often missing, and its artists differ.
-    const auto album = titleformat::compile("$if(%album%,%album%|%directoryname%)");
-    std::vector<std::string> albums;
-    std::vector<double> weights;
-    for (const auto& track : tracks) {
-        const titleformat::track_fields fields(player.fields, *track);
-        albums.push_back(album.run(fields).text);
-        weights.push_back(weight_of(fields));
-    }
-    std::random_device entropy;
-    return {std::move(albums), modes, (std::uint64_t{entropy()} << 32U) + entropy(), std::move(weights)};
 }
 
 /// The database may have been changed by another program.
@@ -65,8 +54,34 @@ metadb_handle_list tracks_of_entries(session& player, const std::vector<playable
     return metadb_handle_list(std::move(result));
 }
 
+std::vector<playback::shuffle_traits> traits_of(session& player, const metadb_handle_list& tracks) {
+    // The album artist of a compilation is often missing, and its artists differ.
+    const auto album = titleformat::compile("$if(%album%,%album%|%directoryname%)");
+    std::vector<playback::shuffle_traits> traits;
+    for (const auto& track : tracks) {
+        const titleformat::track_fields fields(player.fields, *track);
+        traits.push_back({album.run(fields).text, weight_of(fields)});
+    }
+    return traits;
+}
+
+std::vector<playback::play_item> items_of(const metadb_handle_list& tracks) {
+    std::vector<playback::play_item> result;
+    for (const auto& track : tracks) {
+        const auto& [path, subsong] = track->location();
+        try {
+            auto part = library::resolve_playable(path, subsong, tags::read_file);
+            result.push_back({std::move(part.path), subsong == 0 ? std::nullopt : std::optional(part.start), part.end});
+        } catch (const std::exception& error) {
+            result.push_back({.path = path, .start = {}, .end = {}, .problem = library::reason_of(error, path)});
+        }
+    }
+    return result;
+}
+
 play_start start_with(session& player, metadb_handle_list tracks, playback::play_modes modes) {
-    auto order = make_queue(player, tracks, modes);
+    std::random_device entropy;
+    playback::queue order(traits_of(player, tracks), modes, (std::uint64_t{entropy()} << 32U) + entropy());
     return {.tracks = std::move(tracks), .order = std::move(order)};
 }
 

@@ -14,6 +14,11 @@ namespace ostrevan::app {
 /// information.
 metadb_handle_list tracks_of_entries(session& player, const std::vector<playable_location>& entries);
 
+/// What shuffling needs to know of tracks.
+std::vector<playback::shuffle_traits> traits_of(session& player, const metadb_handle_list& tracks);
+/// What is played for each track, or why it cannot be.
+std::vector<playback::play_item> items_of(const metadb_handle_list& tracks);
+
 /// A new start with these tracks, shuffled differently each time. There must be a track.
 play_start start_with(session& player, metadb_handle_list tracks, playback::play_modes modes);
 /// Where the last playback of this profile stopped; empty when there was none.

@@ -4,10 +4,8 @@
 #include <thread>
 #include <utility>
 
+#include "player/app/play_start.h"
 #include "player/core/cause.h"
-#include "player/library/cue_files.h"
-#include "player/library/read_files.h"
-#include "player/tags/reader.h"
 #include "player/view/context_menu.h"
 
 namespace ostrevan::app {
@@ -29,7 +27,7 @@ void playing::start(play_start start, playback::play_options options, play_watch
 /// The playback is a job of its own, and its thread that job's own thread.
 void playing::begin(waiting_start next) {
     starter_ = next.starter;
-    status_.reset();
+    status_.emplace(next.start.order, next.start.volume);
     is_saving_ = false;
     is_heard_ = true;
     counted_.clear();
@@ -37,12 +35,12 @@ void playing::begin(waiting_start next) {
     kept_.emplace(store_, [this](const std::string& text) { post([this, text] { fail(text); }); });
     tracks_ = std::move(next.start.tracks);
     const core::job::scope nobody(nullptr);
-    std::thread([this, from = playback::play_status{std::move(next.start.order), next.start.volume},
+    std::thread([this, tracks = tracks_, from = playback::play_status{std::move(next.start.order), next.start.volume},
                  seconds = next.start.seconds, starter = std::move(next.starter_job),
                  busy = core::main_loop::activity(loop_)] {
         const auto job = starter ? std::make_shared<core::job>(starter->stop()) : std::make_shared<core::job>();
         const core::job::scope scope(job);
-        play(from, seconds, core::stop_flag());
+        play(tracks, from, seconds, core::stop_flag());
         job->wait_until_idle();
         loop_.call([this] {
             if (!counted_.empty()) save_counted();  // a last attempt
@@ -55,27 +53,14 @@ void playing::begin(waiting_start next) {
     }).detach();
 }
 
-void playing::play(const playback::play_status& from, double seconds, const std::atomic<bool>& stop) {
+void playing::play(const metadb_handle_list& tracks, const playback::play_status& from, double seconds,
+                   const std::atomic<bool>& stop) {
     try {
-        kept_->begin(tracks_, from, seconds);
-        kept_->end(engine_->run(items(), from.order, stop));
+        kept_->begin(tracks, from, seconds);
+        kept_->end(engine_->run(items_of(tracks), from.order, stop));
     } catch (const std::exception& error) {
         post([this, text = std::string(error.what())] { fail(text); });
     }
-}
-
-std::vector<playback::play_item> playing::items() const {
-    std::vector<playback::play_item> result;
-    for (const auto& track : tracks_) {
-        const auto& [path, subsong] = track->location();
-        try {
-            auto part = library::resolve_playable(path, subsong, tags::read_file);
-            result.push_back({std::move(part.path), subsong == 0 ? std::nullopt : std::optional(part.start), part.end});
-        } catch (const std::exception& error) {
-            result.push_back({.path = path, .start = {}, .end = {}, .problem = library::reason_of(error, path)});
-        }
-    }
-    return result;
 }
 
 void playing::end() {
@@ -93,50 +78,50 @@ void playing::fail(const std::string& text) {
 
 void playing::save_counted() {
     is_saving_ = true;
-    loop_.start_thread([this, places = std::exchange(counted_, {})] {
+    loop_.start_thread([this, entries = std::exchange(counted_, {})] {
         std::string problem;
         try {
             save_();
         } catch (const std::exception& error) {
             problem = error.what();
         }
-        post([this, places, problem] { acknowledge(places, problem); });
+        post([this, entries, problem] { acknowledge(entries, problem); });
     });
 }
 
 /// The index reports failures itself; what it holds in memory may be saved with a later play.
-void playing::acknowledge(const std::vector<std::size_t>& places, const std::string& problem) {
+void playing::acknowledge(const std::vector<std::size_t>& entries, const std::string& problem) {
     is_saving_ = false;
     save_problem_ = problem;
     if (!problem.empty()) {
-        counted_.insert(counted_.begin(), places.begin(), places.end());
+        counted_.insert(counted_.begin(), entries.begin(), entries.end());
         return;
     }
-    for (const auto place : places) tell([&](play_watcher& watcher) { watcher.on_counted(tracks_[place]); });
+    for (const auto entry : entries) tell([&](play_watcher& watcher) { watcher.on_counted(tracks_[entry]); });
     if (!counted_.empty()) save_counted();  // those counted meanwhile
 }
 
 void playing::give_up() {
     if (counted_.empty()) return;
-    for (const auto place : counted_)
-        tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[place], "it could not be saved"); });
+    for (const auto entry : counted_)
+        tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[entry], "it could not be saved"); });
     fail(save_problem_);
 }
 
-void playing::settle(std::size_t place, double heard, const play_verdict& verdict) {
-    const auto& track = tracks_[place];
+void playing::settle(std::size_t entry, double heard, const play_verdict& verdict) {
+    const auto& track = tracks_[entry];
     if (verdict.has_failed) fail(track->location().path + ": the play could not be counted: " + verdict.reason());
     if (!verdict.is_counted) return tell([&](play_watcher& watcher) { watcher.on_not_counted(track, verdict.reason()); });
     log_.note_play(track, heard, {});
-    counted_.push_back(place);
+    counted_.push_back(entry);
     if (!is_saving_) save_counted();
 }
 
-void playing::count(std::size_t place, double heard) {
+void playing::count(std::size_t entry, double heard) {
     if (!is_heard_)
-        return tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[place], "there is no sound device"); });
-    tell_of_play(loop_, services_, tracks_[place],
-                 [this, place, heard](const play_verdict& verdict) { settle(place, heard, verdict); });
+        return tell([&](play_watcher& watcher) { watcher.on_not_counted(tracks_[entry], "there is no sound device"); });
+    tell_of_play(loop_, services_, tracks_[entry],
+                 [this, entry, heard](const play_verdict& verdict) { settle(entry, heard, verdict); });
 }
 
 void playing::show_progress() {
@@ -146,16 +131,16 @@ void playing::show_progress() {
 
 playback::play_callbacks playing::callbacks() {
     playback::play_callbacks out;
-    out.on_started = [this](std::size_t place) {
-        post([this, place] {
-            now_ = now_playing{tracks_[place], place};
-            tell([this](play_watcher& watcher) { watcher.on_started(*now_); });
+    out.on_started = [this](std::size_t entry) {
+        post([this, which = static_cast<playback::queue::entry>(entry)] {
+            now_ = now_playing{tracks_[which], which};
+            tell([this](play_watcher& watcher) { watcher.on_started(*now_, *status_); });
         });
     };
-    out.on_counted = [this](std::size_t place, double heard) { post([this, place, heard] { count(place, heard); }); };
-    out.on_skipped = [this](std::size_t place, double heard) {
-        post([this, place, heard] {
-            if (is_heard_) log_.note_skip(tracks_[place], heard, {});
+    out.on_counted = [this](std::size_t entry, double heard) { post([this, entry, heard] { count(entry, heard); }); };
+    out.on_skipped = [this](std::size_t entry, double heard) {
+        post([this, entry, heard] {
+            if (is_heard_) log_.note_skip(tracks_[entry], heard, {});
         });
     };
     out.on_hearing = [this](bool is_heard) {
@@ -167,26 +152,46 @@ playback::play_callbacks playing::callbacks() {
                     "to count plays without sound.");
         });
     };
-    out.on_error = [this](std::size_t place, const std::string& text) {
-        post([this, place, text] {
-            fail(tracks_[place]->location().path + " cannot be played: " + text + ". The play was not counted.");
+    out.on_error = [this](std::size_t entry, const std::string& text) {
+        post([this, entry, text] {
+            fail(tracks_[entry]->location().path + " cannot be played: " + text + ". The play was not counted.");
         });
     };
-    out.on_progress = [this](std::size_t place, double position, double duration) {
-        kept_->on_progress(place, position);
-        post([this, place, position, duration] {
-            now_ = now_playing{tracks_[place], place, position, duration};
+    out.on_progress = [this](std::size_t entry, double position, double duration) {
+        kept_->on_progress(entry, position);
+        post([this, which = static_cast<playback::queue::entry>(entry), position, duration] {
+            if (!status_->order.place_of(which)) return;  // what was removed is heard a moment longer
+            now_ = now_playing{tracks_[which], which, position, duration};
             show_progress();
         });
     };
     out.on_status = [this](const playback::play_status& status) {
         kept_->on_status(status);
-        post([this, status] {
-            status_ = status;
-            show_progress();
-        });
+        post([this, status] { take(status); });
     };
     return out;
+}
+
+void playing::take(const playback::play_status& status) {
+    if (status.order.size() == 0) return;  // everything was removed: the end follows
+    status_ = status;
+    const auto& order = status_->order;
+    if (now_ && !order.place_of(now_->entry)) now_ = now_playing{tracks_[order.current_entry()], order.current_entry()};
+    show_progress();
+}
+
+std::optional<std::future<void>> playing::edit(const metadb_handle_list& added, std::vector<playback::play_item> items,
+                                               std::function<bool(playback::queue&)> change) {
+    if (!engine_) return std::nullopt;
+    for (const auto& track : added) tracks_.items().push_back(track);
+    auto keep_and_change = [this, added, change = std::move(change)](playback::queue& order) {
+        kept_->add(added);
+        return change(order);
+    };
+    playback::queue_edit edit{.added = std::move(items), .change = std::move(keep_and_change)};
+    auto done = edit.done.get_future();
+    engine_->edit(std::move(edit));
+    return done;
 }
 
 void playing::perform(const playback::request& wanted) {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,16 +21,16 @@ namespace ostrevan::app {
 /// What sounds now.
 struct now_playing {
     metadb_handle_ptr track;
-    std::size_t place = 0;  ///< in the list
-    double position = 0;    ///< seconds
-    double duration = 0;    ///< seconds; 0 when unknown
+    playback::queue::entry entry = 0;
+    double position = 0;  ///< seconds
+    double duration = 0;  ///< seconds; 0 when unknown
 };
 
 /// Shows a playback. [main-thread]
 class play_watcher {
 public:
     virtual ~play_watcher() = default;
-    virtual void on_started(const now_playing& now) = 0;
+    virtual void on_started(const now_playing& now, const playback::play_status& status) = 0;
     /// Called several times a second, and when the listener has changed something.
     virtual void on_progress(const now_playing& now, const playback::play_status& status) = 0;
     /// The play is on disk.
@@ -67,10 +68,17 @@ public:
     /// Performs an action of the listener. Does nothing when nothing plays.
     void perform(const playback::request& wanted);
 
+    /// Edits the list that plays, or is about to. The tracks added get the next entries of the queue, in the order of the
+    /// calls. The future is that of a `queue_edit`; there is none when nothing plays.
+    std::optional<std::future<void>> edit(const metadb_handle_list& added, std::vector<playback::play_item> items,
+                                          std::function<bool(playback::queue&)> change);
+
+    /// Whether something plays or is about to.
+    [[nodiscard]] bool is_under_way() const noexcept { return engine_.has_value(); }
     /// What sounds now; empty when nothing plays.
     [[nodiscard]] const std::optional<now_playing>& now() const noexcept { return now_; }
     [[nodiscard]] const std::optional<playback::play_status>& status() const noexcept { return status_; }
-    /// The list, by place.
+    /// The tracks by entry, with those that were removed.
     [[nodiscard]] const metadb_handle_list& tracks() const noexcept { return tracks_; }
 
 private:
@@ -82,14 +90,15 @@ private:
     };
     void begin(waiting_start next);
     void end();
-    void play(const playback::play_status& from, double seconds, const std::atomic<bool>& stop);
-    [[nodiscard]] std::vector<playback::play_item> items() const;
+    void play(const metadb_handle_list& tracks, const playback::play_status& from, double seconds,
+              const std::atomic<bool>& stop);
     playback::play_callbacks callbacks();
+    void take(const playback::play_status& status);
     void rate(double stars);
-    void count(std::size_t place, double heard);
-    void settle(std::size_t place, double heard, const play_verdict& verdict);
+    void count(std::size_t entry, double heard);
+    void settle(std::size_t entry, double heard, const play_verdict& verdict);
     void save_counted();
-    void acknowledge(const std::vector<std::size_t>& places, const std::string& problem);
+    void acknowledge(const std::vector<std::size_t>& entries, const std::string& problem);
     void give_up();
     void show_progress();
     template <class Work>

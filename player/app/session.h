@@ -121,6 +121,8 @@ public:
     app::playing playing;
     /// To change the folders of the library or to scan them.
     core::turn library_turn;
+    /// To edit the queue or to begin to play.
+    core::turn queue_turn;
 
 private:
     void offer_services();

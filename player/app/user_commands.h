@@ -39,7 +39,7 @@ public:
 private:
     /// The front end knows of its playbacks by watching all of them.
     class silent_watcher final : public play_watcher {
-        void on_started(const now_playing&) override {}
+        void on_started(const now_playing&, const playback::play_status&) override {}
         void on_progress(const now_playing&, const playback::play_status&) override {}
         void on_counted(const metadb_handle_ptr&) override {}
         void on_not_counted(const metadb_handle_ptr&, const std::string&) override {}

@@ -24,7 +24,7 @@ void now_playing_link::show_title(const metadb_handle_ptr& track) {
     });
 }
 
-void now_playing_link::on_started(const app::now_playing& now) { show_title(now.track); }
+void now_playing_link::on_started(const app::now_playing& now, const playback::play_status&) { show_title(now.track); }
 
 void now_playing_link::on_progress(const app::now_playing& now, const playback::play_status& status) {
     bar_.show_playing(now, status);

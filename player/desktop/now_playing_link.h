@@ -22,7 +22,7 @@ public:
     std::function<void(const std::string& text)> on_failed;
 
 private:
-    void on_started(const app::now_playing& now) override;
+    void on_started(const app::now_playing& now, const playback::play_status& status) override;
     void on_progress(const app::now_playing& now, const playback::play_status& status) override;
     void on_counted(const metadb_handle_ptr&) override {}
     void on_not_counted(const metadb_handle_ptr& track, const std::string& reason) override;

@@ -17,21 +17,38 @@ std::optional<saved_queue> queue_store::load() const {
     result.round.resize(round.size() / sizeof(std::uint32_t));
     if (!result.round.empty())  // no pointer may be null
         std::memcpy(result.round.data(), round.data(), result.round.size() * sizeof(std::uint32_t));
-    auto entries = database_.prepare("SELECT path, subsong FROM queue_entries ORDER BY position");
-    while (entries.step())
-        result.entries.push_back({from_blob(entries.blob(0)), static_cast<std::uint32_t>(entries.integer(1))});
+    result.entries = entries();
     if (result.entries.empty()) return std::nullopt;
     return result;
 }
 
-void queue_store::save(std::span<const playable_location> entries) {
+std::vector<playable_location> queue_store::entries() const {
+    std::vector<playable_location> result;
+    auto rows = database_.prepare("SELECT path, subsong FROM queue_entries ORDER BY position");
+    while (rows.step()) result.push_back({from_blob(rows.blob(0)), static_cast<std::uint32_t>(rows.integer(1))});
+    return result;
+}
+
+void queue_store::save(std::span<const listed_entry> list, std::span<const std::uint32_t> round, const queue_state& state) {
     sqlite::transaction saving(database_);
-    database_.execute("DELETE FROM queue; INSERT INTO queue(id) VALUES(1); DELETE FROM queue_entries");
+    const auto before = entries();
+    clear();
+    database_.execute("INSERT INTO queue(id) VALUES(1)");
     auto insert = database_.prepare("INSERT INTO queue_entries(position, path, subsong) VALUES(?1, ?2, ?3)");
     std::int64_t position = 0;
-    for (const auto& [path, subsong] : entries)
+    for (const auto& each : list) {
+        const bool is_known = each.position_before && *each.position_before < before.size();
+        const auto& [path, subsong] = is_known ? before[*each.position_before] : each.location;
         insert.bind(1, position++).bind(2, to_blob(path)).bind(3, std::int64_t{subsong}).run();
+    }
+    save(round);
+    save(state);
     saving.commit();
+}
+
+void queue_store::clear() {
+    const auto lock = database_.lock();
+    database_.execute("DELETE FROM queue; DELETE FROM queue_entries");
 }
 
 void queue_store::save(std::span<const std::uint32_t> round) {

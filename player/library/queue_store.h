@@ -26,6 +26,13 @@ struct saved_queue {
     queue_state state;
 };
 
+/// An entry of a list to be saved.
+struct listed_entry {
+    playable_location location;
+    /// Its position in the list saved before. What is saved there holds then, since entries follow files that move.
+    std::optional<std::size_t> position_before;
+};
+
 /// The queue of the player in the library's database, so that it survives a restart. [any-thread] Every function throws
 /// sqlite::error.
 class queue_store {
@@ -35,11 +42,14 @@ public:
     [[nodiscard]] bool is_read_only() const noexcept { return database_.is_read_only(); }
     /// Empty when there is none.
     [[nodiscard]] std::optional<saved_queue> load() const;
-    void save(std::span<const playable_location> entries);
+    void save(std::span<const listed_entry> list, std::span<const std::uint32_t> round, const queue_state& state);
     void save(std::span<const std::uint32_t> round);
     void save(const queue_state& state);
+    void clear();
 
 private:
+    [[nodiscard]] std::vector<playable_location> entries() const;
+
     sqlite::database& database_;
 };
 

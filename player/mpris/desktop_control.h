@@ -14,7 +14,7 @@ public:
     explicit desktop_control(app::session& player) : player_(player) { player.playing.add(*this); }
     ~desktop_control() override { player_.playing.remove(*this); }
 
-    void on_started(const app::now_playing&) override {}
+    void on_started(const app::now_playing&, const playback::play_status&) override {}
     void on_progress(const app::now_playing& now, const playback::play_status& status) override;
     void on_counted(const metadb_handle_ptr&) override {}
     void on_not_counted(const metadb_handle_ptr&, const std::string&) override {}

@@ -152,6 +152,7 @@ mpv_core::mpv_core(const play_options& options) : handle_(mpv_create()) {
     check(mpv_initialize(handle_.get()), "Cannot start the audio engine");
     check(mpv_observe_property(handle_.get(), 0, "time-pos", MPV_FORMAT_DOUBLE), "Cannot follow the position");
     check(mpv_observe_property(handle_.get(), 0, "current-ao", MPV_FORMAT_STRING), "Cannot follow the sound device");
+    check(mpv_hook_add(handle_.get(), 0, "on_preloaded", 0), "Cannot follow what is opened");
 }
 
 std::int64_t mpv_core::load(const play_item& item, const char* flags) {
@@ -199,6 +200,10 @@ void mpv_core::stop() {
 void mpv_core::pause(bool is_paused) { mpv_set_property_string(handle_.get(), "pause", is_paused ? "yes" : "no"); }
 
 void mpv_core::set_volume(double percent) { mpv_set_property(handle_.get(), "volume", MPV_FORMAT_DOUBLE, &percent); }
+
+void mpv_core::load_further(const mpv_event& event) {
+    mpv_hook_continue(handle_.get(), static_cast<const mpv_event_hook*>(event.data)->id);
+}
 
 void mpv_core::wake() { mpv_wakeup(handle_.get()); }
 

@@ -44,6 +44,9 @@ public:
     /// 0 to 100.
     void set_volume(double percent);
 
+    /// Lets a file be loaded further, after an event of kind hook for it: it is open then, and its length is known.
+    void load_further(const mpv_event& event);
+
     /// Ends a `wait`. [any-thread]
     void wake();
     /// The next event, or one of kind none after `seconds`. Valid until the next call.

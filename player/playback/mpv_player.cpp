@@ -3,8 +3,11 @@
 #include <mpv/client.h>
 
 #include <algorithm>
+#include <exception>
 #include <filesystem>
+#include <iterator>
 #include <map>
+#include <memory>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -57,25 +60,27 @@ end_reason translate(mpv_end_file_reason reason) {
 /// run so far ahead of the callbacks that events are lost.
 class mpv_player::session {
 public:
-    session(const play_options& options, const play_callbacks& callbacks, std::span<const play_item> items, queue order)
+    session(const play_options& options, const play_callbacks& callbacks, std::vector<play_item> items, queue order)
         : callbacks_(callbacks),
-          items_(items),
+          items_(std::move(items)),
           wants_device_(options.audio == audio_output::automatic && !options.fast),
           core_(options),
           rule_(options.thresholds),
           status_{std::move(order), options.volume},
           start_at_(options.start_at) {}
 
-    using mailbox = std::function<std::vector<request>()>;
-    bool run(const std::atomic<bool>& stop, const mailbox& requests);
+    using mailbox = std::function<std::vector<task>()>;
+    bool run(const std::atomic<bool>& stop, const mailbox& tasks);
     void wake() { core_.wake(); }
+    void perform(const request& wanted);
+    void edit(queue_edit& wanted);
 
 private:
     using turn = queue::turn;
     using step = std::optional<turn> (queue::*)(turn);
     struct queued_item {
         turn at;
-        std::size_t place;
+        queue::entry entry;
     };
 
     [[nodiscard]] std::size_t failures_allowed() const;
@@ -85,13 +90,12 @@ private:
     void jump(std::optional<turn> target);
     void leave();
     void end_list();
-    [[nodiscard]] play_item request_for(std::size_t place) const;
-    void perform(const request& wanted);
+    [[nodiscard]] play_item request_for(queue::entry entry) const;
     void seek(double position);
     void report_status() { report(callbacks_.on_status, status_); }
     void report_refused();
     void handle(const mpv_event& event);
-    void on_start_file(std::int64_t entry);
+    void on_start_file(std::int64_t id);
     void on_loaded();
     void on_seek();
     void on_restart();
@@ -104,23 +108,24 @@ private:
     double start() const { return item().start.value_or(0); }
 
     const play_callbacks& callbacks_;
-    std::span<const play_item> items_;
+    std::vector<play_item> items_;  // by entry
     const bool wants_device_;
     mpv_core core_;
     play_rule rule_;
 
     play_status status_;
     double start_at_;                                           // of the next item; 0 for its start
-    std::map<std::int64_t, queued_item> queued_;                // items in libmpv, by entry id
+    std::map<std::int64_t, queued_item> queued_;                // items in libmpv, by its ids
     std::optional<std::int64_t> pending_;                       // the one of them that follows by itself
     std::vector<std::pair<std::size_t, std::string>> refused_;  // errors to report at their turn
     std::size_t failures_ = 0;                                  // since something sounded
     bool has_quit_ = false;
 
-    std::optional<std::size_t> current_;
-    std::int64_t current_entry_ = -1;  // -1 between two items
-    double position_ = 0;              // or where a seek leads
+    std::optional<queue::entry> current_;
+    std::int64_t current_id_ = -1;  // -1 between two items
+    double position_ = 0;           // or where a seek leads
     bool is_heard_ = true;
+    double opened_length_ = 0;  // of the file opened last; not above 0 when it has none
     double duration_ = 0;
     bool sounding_ = false;       // since the file was opened
     bool audible_ = false;        // since the first sound; earlier positions are not this item's
@@ -128,7 +133,7 @@ private:
     bool finding_start_ = false;  // libmpv's own first seek, to the start of the item
 };
 
-bool mpv_player::session::run(const std::atomic<bool>& stop, const mailbox& requests) {
+bool mpv_player::session::run(const std::atomic<bool>& stop, const mailbox& tasks) {
     jump(status_.order.current());
     while (!queued_.empty()) {
         if (stop || has_quit_) {
@@ -136,7 +141,7 @@ bool mpv_player::session::run(const std::atomic<bool>& stop, const mailbox& requ
             return false;
         }
         handle(core_.wait(turn_seconds));
-        for (const auto& wanted : requests()) perform(wanted);
+        for (const auto& work : tasks()) work(*this);
         report(callbacks_.on_turn);
     }
     report_refused();
@@ -146,23 +151,23 @@ bool mpv_player::session::run(const std::atomic<bool>& stop, const mailbox& requ
 
 /// A repeated list without a single track that can be played would go on forever.
 std::size_t mpv_player::session::failures_allowed() const {
-    return status_.order.modes().repeat == repeat_mode::track ? 1 : items_.size();
+    return status_.order.modes().repeat == repeat_mode::track ? 1 : status_.order.size();
 }
 
 /// Notes the items that are passed over.
 std::optional<queue::turn> mpv_player::session::find_playable(std::optional<turn> at, step onward) {
     auto& order = status_.order;
     for (; at && failures_ < failures_allowed(); at = (order.*onward)(*at)) {
-        auto why = refusal(items_[order.place(*at)]);
+        auto why = refusal(items_[order.entry_of(*at)]);
         if (why.empty()) return at;
         ++failures_;
-        refused_.emplace_back(order.place(*at), std::move(why));
+        refused_.emplace_back(order.entry_of(*at), std::move(why));
     }
     return std::nullopt;
 }
 
-play_item mpv_player::session::request_for(std::size_t place) const {
-    auto item = items_[place];
+play_item mpv_player::session::request_for(queue::entry entry) const {
+    auto item = items_[entry];
     item.path = std::filesystem::absolute(item.path).string();
     return item;
 }
@@ -180,24 +185,24 @@ void mpv_player::session::append_next() {
     drop_pending();
     const auto next = find_playable(status_.order.following(), &queue::after);
     if (!next) return;
-    const auto place = status_.order.place(*next);
-    pending_ = core_.append(request_for(place));
-    queued_.emplace(*pending_, queued_item{*next, place});
+    const auto entry = status_.order.entry_of(*next);
+    pending_ = core_.append(request_for(entry));
+    queued_.emplace(*pending_, queued_item{*next, entry});
 }
 
 /// Leaves the current item for another; without one, ends the list.
 void mpv_player::session::jump(std::optional<turn> target) {
     drop_pending();
     // A jump just before this one may never have started.
-    std::erase_if(queued_, [this](const auto& each) { return each.first != current_entry_; });
+    std::erase_if(queued_, [this](const auto& each) { return each.first != current_id_; });
     const auto found = find_playable(target, &queue::after);
     if (!found) return core_.stop();
     auto& order = status_.order;
     if (*found != order.current()) start_at_ = 0;
     order.go_to(*found);
-    auto item = request_for(order.place(*found));
+    auto item = request_for(order.entry_of(*found));
     if (start_at_ > 0) item.start = item.start.value_or(0) + start_at_;
-    queued_.emplace(core_.replace(item), queued_item{*found, order.place(*found)});
+    queued_.emplace(core_.replace(item), queued_item{*found, order.entry_of(*found)});
 }
 
 /// By the listener's own act, and not to come back to it: neither after `previous` nor after quitting, which keeps the
@@ -209,6 +214,7 @@ void mpv_player::session::leave() {
 /// Where a later playback of the list begins.
 void mpv_player::session::end_list() {
     auto& order = status_.order;
+    if (order.size() == 0) return;
     const auto next = order.modes().stop_after ? order.after(order.current()) : std::nullopt;
     order.set_stop_after(false);
     if (next) order.go_to(*next);
@@ -283,6 +289,29 @@ void mpv_player::session::perform(const request& wanted) {
     report_status();
 }
 
+void mpv_player::session::edit(queue_edit& wanted) {
+    std::ranges::move(std::exchange(wanted.added, {}), std::back_inserter(items_));
+    auto& order = status_.order;
+    auto edited = order;
+    bool goes_on = false;
+    try {
+        goes_on = wanted.change(edited);
+    } catch (...) {
+        return wanted.done.set_exception(std::current_exception());
+    }
+    const auto before = std::exchange(order, std::move(edited)).current_entry();
+    ++status_.edits;
+    if (order.place_of(before)) {
+        append_next();
+    } else {
+        leave();
+        start_at_ = 0;
+        jump(goes_on ? std::optional(order.current()) : std::nullopt);
+    }
+    report_status();
+    wanted.done.set_value();
+}
+
 void mpv_player::session::report_refused() {
     const auto due = std::exchange(refused_, {});
     for (const auto& [index, text] : due) report(callbacks_.on_error, index, text);
@@ -292,6 +321,9 @@ void mpv_player::session::handle(const mpv_event& event) {
     switch (event.event_id) {
         case MPV_EVENT_START_FILE:
             return on_start_file(static_cast<const mpv_event_start_file*>(event.data)->playlist_entry_id);
+        case MPV_EVENT_HOOK:
+            opened_length_ = core_.number("duration");
+            return core_.load_further(event);
         case MPV_EVENT_FILE_LOADED:
             return on_loaded();
         case MPV_EVENT_SEEK:
@@ -313,15 +345,14 @@ void mpv_player::session::handle(const mpv_event& event) {
     }
 }
 
-void mpv_player::session::on_start_file(std::int64_t entry) {
-    const auto found = queued_.find(entry);
+void mpv_player::session::on_start_file(std::int64_t id) {
+    const auto found = queued_.find(id);
     if (found == queued_.end()) return;
     report_refused();
-    const auto [at, place] = found->second;
-    if (pending_ == entry) status_.order.go_to(at);
-    if (pending_ == entry) pending_.reset();
-    current_ = place;
-    current_entry_ = entry;
+    if (pending_ == id) status_.order.go_to(found->second.at);
+    if (pending_ == id) pending_.reset();
+    current_ = found->second.entry;
+    current_id_ = id;
     position_ = std::exchange(start_at_, 0);
     audible_ = false;
     // The part heard before the interruption does not count again.
@@ -334,11 +365,13 @@ void mpv_player::session::on_start_file(std::int64_t entry) {
 
 void mpv_player::session::on_loaded() {
     if (!current_) return;
-    const double whole = std::max(core_.number("duration"), 0.0);
+    // libmpv has no length any more when it is through with a short file already.
+    const double now = core_.number("duration");
+    const double whole = std::max(now > 0 ? now : opened_length_, 0.0);
     const double end = whole > 0 ? std::min(item().end.value_or(whole), whole) : item().end.value_or(0);
     duration_ = std::max(end - start(), 0.0);
     rule_.loaded(duration_);
-    sounding_ = duration_ > 0 || start() <= 0;
+    sounding_ = duration_ > 0 || whole <= 0 || start() <= 0;
     if (!sounding_) return;
     failures_ = 0;
     report_status();
@@ -379,7 +412,7 @@ void mpv_player::session::on_device(std::string_view output) {
 void mpv_player::session::on_end_file(const mpv_event_end_file& end) {
     const auto found = queued_.find(end.playlist_entry_id);
     if (found == queued_.end()) return;
-    const std::size_t index = found->second.place;
+    const std::size_t index = found->second.entry;
     queued_.erase(found);
     const auto fail = [&](const char* text) {
         report(callbacks_.on_error, index, std::string(text));
@@ -395,7 +428,7 @@ void mpv_player::session::on_end_file(const mpv_event_end_file& end) {
     }
     if (sounding_) finish(translate(end.reason));
     current_.reset();
-    current_entry_ = -1;
+    current_id_ = -1;
 }
 
 void mpv_player::session::finish(end_reason reason) {
@@ -408,8 +441,8 @@ void mpv_player::session::finish(end_reason reason) {
 mpv_player::mpv_player(play_options options, play_callbacks callbacks)
     : options_(options), callbacks_(std::move(callbacks)) {}
 
-bool mpv_player::run(std::span<const play_item> items, queue order, const std::atomic<bool>& stop) {
-    session playing(options_, callbacks_, items, std::move(order));
+bool mpv_player::run(std::vector<play_item> items, queue order, const std::atomic<bool>& stop) {
+    session playing(options_, callbacks_, std::move(items), std::move(order));
     const auto set_session = [this](session* now) {
         const std::lock_guard lock(mutex_);
         session_ = now;
@@ -421,14 +454,22 @@ bool mpv_player::run(std::span<const play_item> items, queue order, const std::a
     } const registered{set_session};
     return playing.run(stop, [this] {
         const std::lock_guard lock(mutex_);
-        return std::exchange(requests_, {});
+        return std::exchange(tasks_, {});
     });
 }
 
-void mpv_player::perform(const request& wanted) {
+void mpv_player::pass(task work) {
     const std::lock_guard lock(mutex_);
-    requests_.push_back(wanted);
+    tasks_.push_back(std::move(work));
     if (session_ != nullptr) session_->wake();
+}
+
+void mpv_player::perform(const request& wanted) {
+    pass([wanted](session& playing) { playing.perform(wanted); });
+}
+
+void mpv_player::edit(queue_edit wanted) {
+    pass([edit = std::make_shared<queue_edit>(std::move(wanted))](session& playing) { playing.edit(*edit); });
 }
 
 }  // namespace ostrevan::playback

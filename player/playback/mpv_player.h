@@ -3,9 +3,9 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <future>
 #include <mutex>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -45,9 +45,21 @@ struct play_status {
     queue order;
     double volume = 100;
     bool is_paused = false;
+    std::size_t edits = 0;  ///< of the list, since the playback began
 };
 
-/// Events. `index` is the item's place in the list. Any may be empty. Called on the thread of `run`; an exception ends the
+/// A change of the list while it is played.
+struct queue_edit {
+    /// The items of the entries that the change adds, in the same order.
+    std::vector<play_item> added{};
+    /// Called on the thread of `run`. What it throws is passed on, and the list stays as it was. Returns false when the
+    /// playback is over.
+    std::function<bool(queue& order)> change;
+    /// Kept when everybody has been told of the new status; broken when the playback ends before.
+    std::promise<void> done{};
+};
+
+/// Events. `index` is the item's entry in the queue. Any may be empty. Called on the thread of `run`; an exception ends the
 /// playback and leaves `run`.
 struct play_callbacks {
     /// The item was opened and begins to sound.
@@ -78,21 +90,26 @@ public:
     mpv_player(const mpv_player&) = delete;
     mpv_player& operator=(const mpv_player&) = delete;
 
-    /// Plays the items from the current one of `order`. Returns true at the end, false when the listener quits or `stop`
-    /// became true; a signal handler may set it, and it is noticed within a tenth of a second. Ends when every item of the
-    /// list in a row has failed. Throws std::runtime_error when libmpv cannot start.
-    bool run(std::span<const play_item> items, queue order, const std::atomic<bool>& stop);
+    /// Plays the items, which are those of the entries, from the current one of `order`. Returns true at the end, false when
+    /// the listener quits or `stop` became true; a signal handler may set it, and it is noticed within a tenth of a second.
+    /// Ends when every item of the list in a row has failed. Throws std::runtime_error when libmpv cannot start.
+    bool run(std::vector<play_item> items, queue order, const std::atomic<bool>& stop);
 
-    /// Carries out what concerns the playback, and ignores the rest. [any-thread]
+    // [any-thread]
+    /// Carries out what concerns the playback, and ignores the rest.
     void perform(const request& wanted);
+    /// Before `run`, it waits for that. Edits are made in the order of the calls.
+    void edit(queue_edit wanted);
 
 private:
     class session;
+    using task = std::function<void(session&)>;
+    void pass(task work);
 
     play_options options_;
     play_callbacks callbacks_;
     std::mutex mutex_;  // of the following
-    std::vector<request> requests_;
+    std::vector<task> tasks_;
     session* session_ = nullptr;  // set and owned by `run`
 };
 

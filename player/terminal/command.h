@@ -89,8 +89,8 @@ public:
     /// One of the commands added has to be named.
     void require_command();
 
-    using value = std::variant<std::string*, std::optional<std::string>*, std::vector<std::string>*, std::size_t*,
-                               std::optional<double>*>;
+    using value = std::variant<std::string*, std::optional<std::string>*, std::vector<std::string>*,
+                               std::vector<std::size_t>*, std::size_t*, std::optional<double>*>;
     /// An option when the name begins with a dash, otherwise an operand.
     declared_option add_option(const char* name, value into, const char* what = "");
     declared_option add_flag(const char* name, bool& into, const char* what);

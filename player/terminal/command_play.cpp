@@ -73,16 +73,18 @@ void press(run_context& context, const std::string& key) {
 }
 
 void play(run_context& context, const play_words& words) {
-    auto start = start_of(context, words);
+    auto turn = context.player.queue_turn.take([] {});
+    auto start = turn ? start_of(context, words) : std::nullopt;
     if (!start) return;
     if (words.volume) start->volume = *words.volume;
-    play_screen shown(context, start->tracks.get_count());
+    play_screen shown(context);
     auto& playing = context.player.playing;
     // A full-speed run is over before a key could be meant for it.
     if (!words.fast) context.screen.read_keys([&context](const std::string& key) { press(context, key); });
     const auto audio = words.audio == "null" ? playback::audio_output::null : playback::audio_output::automatic;
     const auto gain = mode_of<replay_gain>(words.gain, gain_names).value_or(replay_gain::off);
     context.on_main([&] { playing.start(std::move(*start), {.audio = audio, .fast = words.fast, .gain = gain}, shown); });
+    turn.reset();
     context.job.serve_until([&] { return shown.has_ended(); });
     context.screen.stop_keys();
     context.job.wait_until_idle();  // keys that came at the end

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <cmath>
 #include <thread>
+#include <utility>
 
 #include "player/terminal/command.h"
 #include "player/terminal/playback_text.h"
@@ -22,7 +23,8 @@ constexpr const char* status_examples =
     "  ostrevan status\n"
     "  ostrevan status --json | jq .track.title\n"
     "  ostrevan status --follow\n"
-    "Shows what plays in another process. --follow prints a line whenever something changes, until the playback ends.";
+    "Shows what plays in another process. --follow prints a line whenever something changes, until the playback ends: also "
+    "when the queue is edited, which queue_edits counts in JSON.";
 
 constexpr const char* repeat_words[] = {"off", "track", "list"};
 constexpr const char* shuffle_words[] = {"off", "tracks", "albums"};
@@ -32,8 +34,8 @@ std::string format(const run_context& context, const char* script, metadb_handle
 }
 
 std::string as_text(const run_context& context, const playing_now& now) {
-    auto text = std::to_string(now.track.place + 1) + " of " + std::to_string(now.list.get_count()) + ": " +
-                format(context, "[%artist% - ]%title%", *now.track.track) + "  " + clock_text(now.track.position);
+    auto text = place_text(now.track.entry, now.status) + ": " + format(context, "[%artist% - ]%title%", *now.track.track) +
+                "  " + clock_text(now.track.position);
     if (now.track.duration > 0) text += " / " + clock_text(now.track.duration);
     auto details = modes_of(now.status);
     details.insert(details.begin(), format(context, "[%rating_stars_fixed%]", *now.track.track));
@@ -48,8 +50,9 @@ ordered_json as_json(const track_json& object_of, const std::optional<playing_no
     return {{"state", now->status.is_paused ? "paused" : "playing"},
             {"position", std::floor(now->track.position)},
             {"duration", now->track.duration},
-            {"place", now->track.place + 1},
-            {"tracks", now->list.get_count()},
+            {"place", now->status.order.place_of(now->track.entry).value_or(0) + 1},
+            {"tracks", now->status.order.size()},
+            {"queue_edits", now->status.edits},
             {"volume", std::round(now->status.volume)},
             {"repeat", repeat_words[static_cast<std::size_t>(modes.repeat)]},
             {"shuffle", shuffle_words[static_cast<std::size_t>(modes.shuffle)]},
@@ -60,10 +63,14 @@ ordered_json as_json(const track_json& object_of, const std::optional<playing_no
 void show_status(const run_context& context, const status_options& wanted) {
     const track_json object_of(context);
     std::string before;
+    std::size_t edits = 0;
     for (;;) {
         const auto now = wanted.json || !before.empty() ? find_playing(context) : std::optional(require_playing(context));
         if (!now && !wanted.json) return;
         const auto line = wanted.json ? text_of(as_json(object_of, now)) : as_text(context, *now);
+        const bool is_edited = now && now->status.edits != std::exchange(edits, now->status.edits);
+        if (!wanted.json && !before.empty() && is_edited)
+            context.out << "The queue was edited: " << count_text(now->status.order.size()) << std::endl;
         if (line != before) context.out << line << std::endl;
         before = line;
         if (!wanted.follow || !context.out || !now) return;

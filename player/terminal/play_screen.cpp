@@ -12,10 +12,9 @@ std::string play_screen::text_of(const titleformat::script& script, const metadb
     return script.run(titleformat::track_fields(context_.player.fields, *track)).text;
 }
 
-void play_screen::on_started(const app::now_playing& now) {
-    show([this, now] {
-        context_.screen.note("Playing " + std::to_string(now.place + 1) + " of " + std::to_string(tracks_) + ": " +
-                             text_of(title_, now.track));
+void play_screen::on_started(const app::now_playing& now, const playback::play_status& status) {
+    show([this, now, where = place_text(now.entry, status)] {
+        context_.screen.note("Playing " + where + ": " + text_of(title_, now.track));
     });
 }
 

@@ -14,9 +14,9 @@ namespace ostrevan::terminal {
 /// main thread; the command's own thread shows.
 class play_screen final : public app::play_watcher {
 public:
-    play_screen(run_context& context, std::size_t tracks) : context_(context), tracks_(tracks) {}
+    explicit play_screen(run_context& context) : context_(context) {}
 
-    void on_started(const app::now_playing& now) override;
+    void on_started(const app::now_playing& now, const playback::play_status& status) override;
     void on_progress(const app::now_playing& now, const playback::play_status& status) override;
     void on_counted(const metadb_handle_ptr& track) override;
     void on_not_counted(const metadb_handle_ptr& track, const std::string& reason) override;
@@ -42,7 +42,6 @@ private:
     };
 
     run_context& context_;
-    const std::size_t tracks_;
     latest<progress> progress_;
     const titleformat::script title_ = titleformat::compile("[%artist% - ]%title%");
     const titleformat::script rating_ = titleformat::compile("[%rating_stars_fixed%]");

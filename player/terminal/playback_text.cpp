@@ -16,6 +16,12 @@ std::string clock_text(double seconds) {
     return text.data();
 }
 
+std::string count_text(std::size_t tracks) { return std::to_string(tracks) + (tracks == 1 ? " track" : " tracks"); }
+
+std::string place_text(playback::queue::entry entry, const playback::play_status& status) {
+    return std::to_string(status.order.place_of(entry).value_or(0) + 1) + " of " + std::to_string(status.order.size());
+}
+
 std::vector<std::string> modes_of(const playback::play_status& status) {
     constexpr std::array repeat{"", "repeat track", "repeat"};
     constexpr std::array shuffle{"", "shuffle", "shuffle albums"};

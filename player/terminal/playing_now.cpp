@@ -14,7 +14,7 @@ std::optional<playing_now> find_playing(const run_context& context) {
     return context.on_main([&]() -> std::optional<playing_now> {
         const auto& playing = context.player.playing;
         if (!playing.now() || !playing.status()) return std::nullopt;
-        return playing_now{*playing.now(), *playing.status(), playing.tracks()};
+        return playing_now{*playing.now(), *playing.status()};
     });
 }
 

@@ -12,7 +12,6 @@ namespace ostrevan::terminal {
 struct playing_now {
     app::now_playing track;
     playback::play_status status;
-    metadb_handle_list list;
 };
 
 /// Empty when nothing plays.

@@ -72,9 +72,10 @@ TEST_F(moved_files_test, are_known_again_by_their_sound_unless_two_fit) {
         put("other.mp3", "title=Stays\n");
         add_music();
         std::vector<ostrevan::playable_location> entries;
-        for (const auto& track : library_->items()) entries.push_back(track->location());
+        std::vector<listed_entry> queue;
+        for (const auto& track : library_->items()) queue.push_back({entries.emplace_back(track->location()), {}});
         library_->playlists().create("List", entries);
-        library_->queue().save(entries);
+        library_->queue().save(queue, {}, {});
         for (const auto& [path, lines] : each.before) fs::remove(music_ / path);
         for (const auto& [path, lines] : each.after) put(path, lines);
         const auto summary = rescan();

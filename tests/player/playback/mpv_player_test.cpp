@@ -166,6 +166,45 @@ TEST_F(mpv_player_test, does_what_the_listener_asks_for_and_counts_what_is_heard
     }
 }
 
+TEST_F(mpv_player_test, plays_what_an_edit_leaves) {
+    using change = std::function<bool(queue&)>;
+    const auto remove = [](queue::entries which) { return change([which](queue& order) { return order.remove(which); }); };
+    struct row {
+        const char* after;
+        change edit;
+        std::size_t added;
+        const char* started;
+    };
+    for (const auto& [after, edit, added, expected] :
+         {row{"started 0", remove({1}), 0, "0"}, row{"started 0", remove({0}), 0, "01"},
+          row{"started 1", remove({0}), 0, "01"}, row{"started 0", remove({0, 1}), 0, "0"},
+          row{"started 1", remove({1}), 0, "01"},
+          row{"started 0", [](queue& order) { return order.add(std::vector<shuffle_traits>(1), true), true; }, 1, "021"},
+          row{"started 0", [](queue& order) { return order.move(1, 0), true; }, 0, "0"},
+          row{"started 0", [](queue& order) -> bool { throw std::runtime_error((order.move(1, 0), "no")); }, 0, "01"}}) {
+        const std::vector<play_item> items{{path("a.wav"), 1.0, {}}, {path("a.flac"), 1.0, {}}};
+        mpv_player* playing = nullptr;
+        std::future<void> done;
+        std::string started;
+        auto callbacks = recording();
+        callbacks.on_started = [&](std::size_t i) {
+            started += std::to_string(i);
+            log_.push_back("started " + std::to_string(i));
+        };
+        callbacks.on_turn = [&] {
+            if (done.valid() || std::ranges::find(log_, after) == log_.end()) return;
+            queue_edit wanted{.added = {items.begin(), items.begin() + static_cast<std::ptrdiff_t>(added)}, .change = edit};
+            done = wanted.done.get_future();
+            playing->edit(std::move(wanted));
+        };
+        mpv_player player({.audio = audio_output::null}, callbacks);
+        playing = &player;
+        EXPECT_TRUE(player.run(items, queue(2), stop_));
+        EXPECT_EQ(started, expected);
+        log_.clear();
+    }
+}
+
 TEST_F(mpv_player_test, skips_what_the_listener_leaves_for_something_else_in_its_first_half) {
     struct row {
         std::vector<request> asked;
