@@ -82,8 +82,8 @@ std::map<std::string, std::string> modules_in(const std::string& path, const sin
 
 }  // namespace
 
-std::vector<loaded_component> load_components(const std::string& path, const std::string& more, const player_interface& player,
-                                              const sink& on_failure) {
+std::vector<loaded_component> load_components(const std::string& path, const std::string& more,
+                                              const player_interface& player, const sink& on_failure) {
     if (path.empty())
         on_failure(
             "No component is loaded, and so no play is counted: the system does not say where the program is "

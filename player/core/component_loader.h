@@ -21,10 +21,11 @@ struct loaded_component {
 /// and the remedy.
 loaded_component load_component(const std::string& path, const player_interface& player);
 
-/// Loads every module of a folder (`*.dll` on every platform) in the order of their names, or the one file at this path. Those
-/// of `more`, which may be empty, replace those of the same name. Reports a folder that cannot be read and each module that
-/// fails, and goes on.
-std::vector<loaded_component> load_components(const std::string& path, const std::string& more, const player_interface& player,
+/// Loads every module of a folder (`*.dll` on every platform) in the order of their names, or the one file at this path.
+/// Those of `more`, which may be empty, replace those of the same name. Reports a folder that cannot be read and each module
+/// that fails, and goes on.
+std::vector<loaded_component> load_components(const std::string& path, const std::string& more,
+                                              const player_interface& player,
                                               const std::function<void(const std::string& message)>& on_failure);
 
 /// The version a component declares; null when it declares none. [main-thread]
