@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <ranges>
 #include <system_error>
@@ -88,11 +89,10 @@ std::string line_text(const default_options& line) {
 std::vector<default_options> read_defaults(const std::string& path) {
     std::vector<default_options> lines;
     if (path.empty()) return lines;
+    std::error_code unknown;  // also when the folder is somebody else's
+    if (!std::filesystem::exists(path, unknown)) return lines;
     std::ifstream in(path);
-    if (!in) {
-        if (errno == ENOENT || errno == ENOTDIR) return lines;
-        throw system::user_error(path + " cannot be read: " + std::generic_category().message(errno) + ".");
-    }
+    if (!in) throw system::user_error(path + " cannot be read: " + std::generic_category().message(errno) + ".");
     std::string text;
     for (std::size_t number = 1; std::getline(in, text); ++number) {
         default_options line{path, number, {}};

@@ -58,7 +58,7 @@ class Sandbox:
         self.music = self.place / "music"
         self.control = Control(self.root / "control")
         (self.root / "run").mkdir(mode=0o700)
-        self.env = dict(os.environ, XDG_RUNTIME_DIR=str(self.root / "run"), TZ="UTC", LC_ALL="C.UTF-8")
+        self.env = dict(os.environ, XDG_RUNTIME_DIR=str(self.root / "run"), XDG_CONFIG_HOME=str(self.root), TZ="UTC", LC_ALL="C.UTF-8")
         self.clear()
 
     # The state of the place.

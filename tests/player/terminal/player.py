@@ -37,7 +37,8 @@ class PlayerTest(unittest.TestCase):
         self.profile = self.folder / "profile"
         self.music = self.folder / "music"
         (self.folder / "run").mkdir(mode=0o700)
-        self.env = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder / "run"), TZ="UTC", LC_ALL="C.UTF-8")
+        self.env = dict(os.environ, XDG_RUNTIME_DIR=str(self.folder / "run"),
+                        XDG_CONFIG_HOME=str(self.folder / "config"), TZ="UTC", LC_ALL="C.UTF-8")
 
     def command(self, *words, profile=None):
         return [PROGRAM, "--profile", str(profile or self.profile), *map(str, words)]

@@ -90,7 +90,6 @@ class ShellsTest(PlayerTest):
     def test_configuration_file(self):
         file = self.folder / "config/ostrevan/config"
         file.parent.mkdir(parents=True)
-        self.env["XDG_CONFIG_HOME"] = str(self.folder / "config")
         by_title = "list --format '%title%' --sort Title --descending  # the last first\n\nstats --limit 1\n"
         titles = sorted(self.run_player("list", "--format", "%title%").stdout.splitlines(), key=str.casefold)
         for content, words, expected in [
