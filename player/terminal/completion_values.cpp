@@ -15,72 +15,72 @@
 namespace ostrevan::terminal {
 namespace {
 
-using names = std::vector<std::string>;
+using name_list = std::vector<std::string>;
 
-names all_columns(const run_context& context) {
-    names found;
+name_list all_columns(const run_context& context) {
+    name_list found;
     for (const auto& each : view::all_columns(context.player.services)) found.push_back(each.name);
     return found;
 }
 
 /// Of the commands that can be run, and of the submenus above them for a menu that is deep.
-void add_paths(const std::vector<view::menu_entry>& level, const std::string& above, names& found) {
+void add_paths(const std::vector<view::menu_entry>& level, const std::string& above, name_list& found) {
     for (const auto& entry : level) {
         if (entry.run) found.push_back(above + entry.text);
         add_paths(entry.children, above + entry.text + "/", found);
     }
 }
 
-names paths_of(const std::vector<view::menu_entry>& menu) {
-    names found;
+name_list paths_of(const std::vector<view::menu_entry>& menu) {
+    name_list found;
     add_paths(menu, "", found);
     return found;
 }
 
-names all_main_menu(const run_context& context) {
+name_list all_main_menu(const run_context& context) {
     return paths_of(view::main_menu_of(context.player.components, context.player.services.guard()));
 }
 
 /// Of any track: there is no menu without one.
-names all_context_menu(const run_context& context) {
+name_list all_context_menu(const run_context& context) {
     const auto& tracks = context.player.library.items();
     if (tracks.empty()) return {};
     return paths_of(view::context_menu_for(context.player.services, metadb_handle_list({tracks.front()})));
 }
 
-names all_stars(const run_context& context) {
+name_list all_stars(const run_context& context) {
     const std::string submenu = "/" + view::rating_path("");
-    names found{"none"};
+    name_list found{"none"};
     for (const auto& path : all_context_menu(context))
         if (const auto at = path.find(submenu); at != std::string::npos && path.find(' ', at) == std::string::npos)
             found.push_back(path.substr(at + submenu.size()));
     return found;
 }
 
-names all_playlists(const run_context& context) { return context.player.library.playlists().names(); }
+name_list all_playlists(const run_context& context) { return context.player.library.playlists().names(); }
 
-names all_settings(const run_context& context) {
-    names found;
+name_list all_settings(const run_context& context) {
+    name_list found;
     for (const auto& [setting, checkbox, depth] : view::settings_tree(context.player.services))
         if (checkbox != nullptr) found.emplace_back(setting->label());
     return found;
 }
 
-names all_copies(const run_context& context) {
-    names found;
+name_list all_copies(const run_context& context) {
+    name_list found;
     for (const auto& each : sqlite::stored_copies(context.player.profile() + "/index.sqlite"))
         found.push_back(each.path.filename().string());
     return found;
 }
 
-names all_fields(const run_context& context) {
-    names found;
+name_list all_fields(const run_context& context) {
+    name_list found;
     for (const auto& name : view::usual_and_published(context.player.fields)) found.push_back("%" + name + "%");
     return found;
 }
 
 /// By the names that the help gives values. [main-thread]
-const std::map<std::string_view, names (*)(const run_context& context)> known{
+const std::map<std::string_view, name_list (*)(const run_context& context)> known{
     {"COLUMN", all_columns},  {"COMMAND", all_context_menu}, {"COPY", all_copies},
     {"ENTRY", all_main_menu}, {"PLAYLIST", all_playlists},   {"QUERY", all_fields},
     {"SCRIPT", all_fields},   {"SETTING", all_settings},     {"STARS", all_stars},
