@@ -9,7 +9,7 @@
 namespace ostrevan::app {
 
 core::job_ptr user_work::begin(std::string why, std::function<void(core::job&)> work, std::function<void()> on_end) {
-    const auto job = std::make_shared<core::job>();
+    auto job = std::make_shared<core::job>();
     job->leave();
     under_way_.insert(job);
     const core::job::scope nobody(nullptr);

@@ -24,12 +24,12 @@ bool is_left(const undone& done, const nuv::guid& index, const std::optional<std
 
 /// Keys whose successor is still what the act left, with the successor from before. A successor whose record stays as it
 /// is keeps what it has taken over.
-std::vector<index::known_track> former_successors(std::vector<index::successor_change> changes, const undone& done) {
+std::vector<index::known_track> former_successors(const std::vector<index::successor_change>& changes, const undone& done) {
     std::vector<index::known_track> former;
-    for (auto& [now, before, after] : changes) {
+    for (const auto& [now, before, after] : changes) {
         if (now.successor != after || is_left(done, now.index, before) || is_left(done, now.index, after)) continue;
-        now.successor = before;
-        former.push_back(std::move(now));
+        former.push_back(now);
+        former.back().successor = before;
     }
     return former;
 }

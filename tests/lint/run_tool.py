@@ -48,6 +48,7 @@ def product_units(build):
     """How the build compiles the product, as clang can read it: without headers that another compiler has read before."""
     with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
         entries = [entry for entry in json.load(file) if re.search(r" -o (sdk|quorvel|player)/CMakeFiles/", entry["command"])]
+    entries = [entry for entry in entries if "cmake_pch" not in entry["file"]]
     for entry in entries:
         entry["command"] = re.sub(r"-Winvalid-pch -include \S+ ", "", entry["command"])
     return entries
