@@ -56,7 +56,7 @@ undone take_back(index::index_store& records, const act& wanted) {
         if (!restored.records.empty()) done.restored.push_back(std::move(restored));
         if (!left.records.empty()) done.left.push_back(std::move(left));
     }
-    auto former = former_successors(std::move(successors), done);
+    auto former = former_successors(successors, done);
     if (done.restored.empty() && former.empty()) return done;
     transaction.note(std::move(former));
     transaction.commit();
